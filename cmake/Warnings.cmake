@@ -1,0 +1,9 @@
+# Warnings for our own code; generated code and third-party headers do not link this target.
+add_library(tarnfw_warnings INTERFACE)
+target_compile_options(
+  tarnfw_warnings INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wformat=2
+                            -Wnon-virtual-dtor -Werror)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+  # Our printf-like macros pass a literal behind a literal prefix through __VA_OPT__.
+  target_compile_options(tarnfw_warnings INTERFACE -Wno-gnu-zero-variadic-macro-arguments)
+endif()

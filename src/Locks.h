@@ -1,0 +1,50 @@
+#pragma once
+
+#include <pthread.h>
+
+#include <exception>
+#include <string>
+
+namespace Locks {
+
+/// A failed mutex call. `what()` is "LockException: " and the system's text of the error number.
+class LockException : public std::exception {
+ public:
+  explicit LockException(int error);
+  const char* what() const noexcept override { return message_.c_str(); }
+  int error() const noexcept { return error_; }
+
+ private:
+  int error_;
+  std::string message_;
+};
+
+/// A plain, non-recursive mutex. Every operation that fails throws `LockException`.
+class Mutex {
+ public:
+  Mutex();
+  ~Mutex();
+  Mutex(const Mutex&) = delete;
+  Mutex& operator=(const Mutex&) = delete;
+
+  void lock();
+  void unlock();
+
+ private:
+  pthread_mutex_t mutex_;
+};
+
+/// Holds a mutex for a scope. Works with `Mutex`; a failing unlock on the way out is ignored, since
+/// a destructor must not throw.
+class Guard {
+ public:
+  explicit Guard(Mutex& mutex) : mutex_(mutex) { mutex_.lock(); }
+  ~Guard();
+  Guard(const Guard&) = delete;
+  Guard& operator=(const Guard&) = delete;
+
+ private:
+  Mutex& mutex_;
+};
+
+}  // namespace Locks

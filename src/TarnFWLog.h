@@ -1,0 +1,149 @@
+#pragma once
+
+/// Diagnostics and user output of the library.
+///
+/// Diagnostics go through `Logger` to the system log, or to a registered function. Debug lines are
+/// guarded by the verbosity level of the code's component: the guard is one integer compare, made
+/// before any argument is prepared. What a user is meant to read goes through the pretty printer
+/// that the front end registers.
+
+#include <syslog.h>
+
+#include <cstdarg>
+#include <cstddef>
+
+#include "Locks.h"
+#include "TarnFWTypes.h"
+
+namespace TarnFirewall {
+
+/// Rows of the component table that are there from the start.
+enum FWComponent_t : unsigned int {
+  FW_COMPONENT_MISC = 0,
+  FW_COMPONENT_API = 1,
+  FW_COMPONENT_LIBRARY = 2,
+  FW_COMPONENT_LEXER = 3,
+  FW_COMPONENT_PARSER = 4,
+  FW_COMPONENT_IO = 5,
+  FW_COMPONENT_MSGBUF = 6,
+  FW_COMPONENT_CMD = 7,
+  FW_COMPONENT_ADDRESS = 8,
+  FW_COMPONENT_RULE = 9,
+  FW_COMPONENT_PROTOCOL = 10,
+  FW_COMPONENT_UTIL = 11,
+  FW_COMPONENT_PROTOBUF = 12,
+  FW_COMPONENT_PLOY = 13,
+  FW_COMPONENT_IPFIX = 14,
+  FW_COMPONENT_FLOW = 15,
+  FW_COMPONENT_FILTER = 16,
+  FW_COMPONENT_TRIE = 17,
+  FW_COMPONENT_CACHE = 18,
+  FW_COMPONENT_PREDEFINED = 19,
+  FW_COMPONENT_NOT_FOUND = 64,
+  FW_COMPONENT_ALL = 255,
+};
+
+/// One row of the component table.
+struct FWVerbose_ {
+  std::uint32_t predefined;  // 1 in the predefined rows; nothing reads it
+  std::int32_t level;        // verbosity, 0 at start
+  char name[16];             // NUL-padded
+};
+
+inline constexpr unsigned int kComponentRows = 64;
+
+extern FWVerbose_ g_tarnfw_verbose[kComponentRows];
+extern unsigned int g_tarnfw_max_component;
+extern Locks::Mutex g_tarnfw_verbose_mutex;
+
+/// The library's component names as handlers read them on the command line.
+inline constexpr unsigned int kHulldComponents = 19;
+extern const char* const hulld_comp_name[kHulldComponents];
+
+/// The kernel firewall's components, in the order of their numbers on the wire.
+inline constexpr unsigned int kTarnComponents = 21;
+extern const char* const tarn_comp_name[kTarnComponents];
+
+/// A registered logger gets the priority less 6 plus its base, the format and the arguments.
+using FWLoggerFunction_t = void (*)(int priority, const char* format, va_list arguments);
+
+struct FWLogger_ {
+  FWLoggerFunction_t function;  // null when none is registered
+  std::uint32_t base;
+};
+extern FWLogger_ gTarnFWLogger;
+
+/// The one diagnostic call. `priority` is the system log's: 3 error, 4 warning, 6 info, 7 debug.
+void Logger(int priority, const char* format, ...) __attribute__((format(printf, 2, 3)));
+void vLogger(int priority, const char* format, va_list arguments)
+    __attribute__((format(printf, 2, 0)));
+
+/// The front end's printer: `context` is what was registered with it. Returns what the formatting
+/// returns.
+typedef int (*FWPrettyPrinting_t)(void* context, const char* format, ...)
+    __attribute__((format(printf, 2, 3)));
+
+extern FWPrettyPrinting_t g_tarnfw_pretty_printing;
+extern void* g_tarnfw_pretty_printing_context;
+extern Locks::Mutex g_tarnfw_pretty_printing_mutex;
+
+/// Holds the printing mutex for the whole of one command's output.
+///
+///     if (PrettyPrinting out; out) out.print(out.context, "count: %u\n", count);
+///
+/// False when no printer is registered: the command then skips its output. A lock failure throws
+/// `Locks::LockException`.
+class PrettyPrinting {
+ public:
+  PrettyPrinting()
+      : lock_(g_tarnfw_pretty_printing_mutex),
+        print(g_tarnfw_pretty_printing),
+        context(g_tarnfw_pretty_printing_context) {}
+  explicit operator bool() const { return print != nullptr; }
+
+ private:
+  Locks::Guard lock_;
+
+ public:
+  const FWPrettyPrinting_t print;
+  void* const context;
+};
+
+/// A file name without its ending, as log lines carry it, made by the compiler.
+template <std::size_t N>
+struct SourceName {
+  char text[N]{};
+  consteval SourceName(const char (&file)[N]) {  // NOLINT(google-explicit-constructor): a literal
+    for (std::size_t i = 0; i < N && file[i] != '.'; ++i) text[i] = file[i];
+  }
+};
+
+template <SourceName Name>
+constexpr const char* sourceName() {
+  return Name.text;
+}
+
+}  // namespace TarnFirewall
+
+/// Logs an unguarded line: the file, function and line stand in front of the text.
+#define TARNFW_LOG(priority, format, ...)                                       \
+  ::TarnFirewall::Logger((priority), "tarnfw: %s:%s():%d " format,              \
+                         ::TarnFirewall::sourceName<__FILE_NAME__>(), __func__, \
+                         __LINE__ __VA_OPT__(, ) __VA_ARGS__)
+#define TARNFW_ERROR(format, ...) TARNFW_LOG(LOG_ERR, format __VA_OPT__(, ) __VA_ARGS__)
+#define TARNFW_WARNING(format, ...) TARNFW_LOG(LOG_WARNING, format __VA_OPT__(, ) __VA_ARGS__)
+#define TARNFW_INFO(format, ...) TARNFW_LOG(LOG_INFO, format __VA_OPT__(, ) __VA_ARGS__)
+
+/// Logs a debug line when the component's level is above `above`: 0 for ordinary steps, 1 for
+/// detail, 2 for dumps. Arguments are not evaluated otherwise.
+#define TARNFW_TRACE_AT(priority, component, above, format, ...)                    \
+  do {                                                                              \
+    if (::TarnFirewall::g_tarnfw_verbose[component].level > (above)) {              \
+      ::TarnFirewall::Logger((priority), "tarnfw:%s %s:%s():%d " format,            \
+                             ::TarnFirewall::g_tarnfw_verbose[component].name,      \
+                             ::TarnFirewall::sourceName<__FILE_NAME__>(), __func__, \
+                             __LINE__ __VA_OPT__(, ) __VA_ARGS__);                  \
+    }                                                                               \
+  } while (false)
+#define TARNFW_TRACE(component, above, format, ...) \
+  TARNFW_TRACE_AT(LOG_DEBUG, component, above, format __VA_OPT__(, ) __VA_ARGS__)

@@ -1,0 +1,265 @@
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <vector>
+
+#include "LogCapture.h"
+#include "TarnFWLog.h"
+#include "tarnfw.h"
+
+using namespace TarnFirewall;
+
+namespace {
+
+std::vector<int> g_priorities;
+
+void collect(int priority, const char*, va_list) { g_priorities.push_back(priority); }
+
+int print(void* context, const char* format, ...) {
+  va_list arguments;
+  va_start(arguments, format);
+  char text[128];
+  const int length = std::vsnprintf(text, sizeof text, format, arguments);
+  va_end(arguments);
+  *static_cast<std::string*>(context) += text;
+  return length;
+}
+
+/// Gives the rows that a test registered back, so that tests do not depend on their order.
+class TarnFWLog : public testing::Test {
+ protected:
+  void TearDown() override {
+    for (unsigned int row = FW_COMPONENT_PREDEFINED; row < kComponentRows; ++row) {
+      g_tarnfw_verbose[row] = FWVerbose_{};
+    }
+    g_tarnfw_max_component = FW_COMPONENT_PREDEFINED;
+  }
+};
+
+}  // namespace
+
+TEST_F(TarnFWLog, BaseSixKeepsTheSystemsPriorities) {
+  g_priorities.clear();
+  FW_RegisterLogger(collect, 6);
+  for (const int priority : {3, 4, 6, 7}) Logger(priority, "x");
+  FW_UnregisterLogger();
+  EXPECT_EQ(g_priorities, (std::vector<int>{3, 4, 6, 7}));
+}
+
+TEST_F(TarnFWLog, BaseZeroCountsFromInfo) {
+  g_priorities.clear();
+  FW_RegisterLogger(collect, 0);
+  Logger(7, "x");
+  Logger(6, "x");
+  Logger(4, "x");
+  FW_UnregisterLogger();
+  EXPECT_EQ(g_priorities, (std::vector<int>{1, 0, -2}));
+}
+
+TEST_F(TarnFWLog, UnregisteringClearsFunctionAndBase) {
+  FW_RegisterLogger(collect, 9);
+  EXPECT_EQ(gTarnFWLogger.base, 9u);
+  FW_UnregisterLogger();
+  EXPECT_EQ(gTarnFWLogger.function, nullptr);
+  EXPECT_EQ(gTarnFWLogger.base, 0u);
+}
+
+TEST_F(TarnFWLog, ComposesTheLineWithTheComponentsName) {
+  LogCapture log;
+  EXPECT_EQ(FW_Log(7, 7, "a %d", 1), 0u);
+  EXPECT_EQ(FW_Log(6, 0, "b %s", "x"), 0u);
+  EXPECT_EQ(FW_Log(4, 18, "c"), 0u);
+  EXPECT_EQ(FW_Log(3, 5, "d"), 0u);
+  ASSERT_EQ(log.lines().size(), 4u);
+  EXPECT_EQ(log.lines()[0].text, "[DEBUG(cmd)] a 1\n");
+  EXPECT_EQ(log.lines()[0].priority, 7);
+  EXPECT_EQ(log.lines()[1].text, "[INFO(misc)] b x\n");
+  EXPECT_EQ(log.lines()[1].priority, 6);
+  EXPECT_EQ(log.lines()[2].text, "[WARN(cache)] c\n");
+  EXPECT_EQ(log.lines()[2].priority, 4);
+  EXPECT_EQ(log.lines()[3].text, "[ERROR(io)] d\n");
+  EXPECT_EQ(log.lines()[3].priority, 3);
+}
+
+TEST_F(TarnFWLog, LogsWhateverTheVerbosityLevelIs) {
+  LogCapture log;
+  g_tarnfw_verbose[7].level = 0;
+  EXPECT_EQ(FW_Log(7, 7, "x"), 0u);
+  EXPECT_EQ(log.lines().size(), 1u);
+}
+
+TEST_F(TarnFWLog, RefusesALevelThatIsNotOneOfTheFour) {
+  LogCapture log;
+  for (const int level : {-1, 0, 1, 2, 5, 8}) {
+    log.clear();
+    EXPECT_EQ(FW_Log(level, 0, "x"), 3u);
+    ASSERT_EQ(log.lines().size(), 1u);
+    EXPECT_EQ(log.normalized()[0],
+              "3|tarnfw: TarnFWLog:FW_Log():N invalid log level " + std::to_string(level) + "\n");
+  }
+}
+
+TEST_F(TarnFWLog, RefusesAComponentThatIsNotInUse) {
+  LogCapture log;
+  EXPECT_EQ(FW_Log(6, 19, "x"), 3u);
+  EXPECT_EQ(
+      log.normalized(),
+      (std::vector<std::string>{"3|tarnfw: TarnFWLog:FW_Log():N invalid log component 19\n"}));
+}
+
+TEST_F(TarnFWLog, ANullFormatIsRefusedSilently) {
+  LogCapture log;
+  FWStatus_t (*const unchecked)(int, unsigned int, const char*, ...) = FW_Log;
+  EXPECT_EQ(unchecked(99, 99, nullptr), 3u);
+  EXPECT_TRUE(log.lines().empty());
+}
+
+TEST_F(TarnFWLog, APercentSignInAComponentsNameIsPlainText) {
+  LogCapture log;
+  unsigned int component = 0;
+  ASSERT_EQ(FW_RegisterComponent("50%n%s", &component), 0u);
+  EXPECT_EQ(FW_Log(6, component, "x"), 0u);
+  EXPECT_EQ(log.lines()[0].text, "[INFO(50%n%s)] x\n");
+}
+
+TEST_F(TarnFWLog, ComponentsHaveTheirNamesAndNumbers) {
+  const char* const names[] = {"misc",     "api",    "library",  "lexer",   "parser",
+                               "io",       "msgbuf", "cmd",      "address", "rule",
+                               "protocol", "util",   "protobuf", "ploy",    "ipfix",
+                               "flow",     "filter", "trie",     "cache"};
+  ASSERT_EQ(FW_GetComponentCount(), 19u);
+  for (unsigned int row = 0; row < 19; ++row) {
+    EXPECT_STREQ(FW_ComponentToString(row), names[row]);
+    EXPECT_STREQ(hulld_comp_name[row], names[row]);
+    EXPECT_EQ(FW_StringToComponent(names[row]), row);
+    EXPECT_EQ(g_tarnfw_verbose[row].predefined, 1u);
+  }
+  EXPECT_STREQ(FW_ComponentToString(255), "all");
+  EXPECT_STREQ(FW_ComponentToString(19), "unknown");
+  EXPECT_STREQ(FW_ComponentToString(4294967295u), "unknown");
+}
+
+TEST_F(TarnFWLog, KernelComponentsStandInTheOrderOfTheWire) {
+  const char* const names[] = {"fastpath", "rule",     "table",  "icmp",   "tcp",    "udp",
+                               "ioctl",    "norm",     "rpc",    "ftp",    "oracle", "tftp",
+                               "ospf",     "msg2pf",   "layer7", "layer4", "layer3", "layer2",
+                               "skiffer",  "syncache", "lb"};
+  for (unsigned int i = 0; i < kTarnComponents; ++i) EXPECT_STREQ(tarn_comp_name[i], names[i]);
+}
+
+TEST_F(TarnFWLog, FindsAComponentIgnoringCase) {
+  EXPECT_EQ(FW_StringToComponent("CMD"), 7u);
+  EXPECT_EQ(FW_StringToComponent("nothing"), 64u);
+  EXPECT_EQ(FW_StringToComponent(""), 64u);
+  EXPECT_EQ(FW_StringToComponent(nullptr), 64u);
+}
+
+TEST_F(TarnFWLog, RegistersANameOfFifteenCharactersAndRefusesSixteen) {
+  unsigned int component = 0;
+  EXPECT_EQ(FW_RegisterComponent("123456789012345", &component), 0u);
+  EXPECT_EQ(component, 19u);
+  EXPECT_STREQ(FW_ComponentToString(19), "123456789012345");
+  EXPECT_EQ(g_tarnfw_verbose[19].predefined, 0u);
+  EXPECT_EQ(FW_RegisterComponent("1234567890123456", &component), 3u);
+  EXPECT_EQ(FW_RegisterComponent("x", nullptr), 3u);
+  EXPECT_EQ(FW_RegisterComponent(nullptr, &component), 3u);
+  EXPECT_EQ(FW_GetComponentCount(), 20u);
+}
+
+TEST_F(TarnFWLog, TheFortySixthRegistrationFindsNoRow) {
+  unsigned int component = 0;
+  for (int i = 0; i < 45; ++i) {
+    ASSERT_EQ(FW_RegisterComponent(("own" + std::to_string(i)).c_str(), &component), 0u);
+  }
+  EXPECT_EQ(component, 63u);
+  EXPECT_EQ(FW_RegisterComponent("late", &component), 56u);
+  EXPECT_EQ(component, 63u);
+  EXPECT_EQ(FW_GetComponentCount(), 64u);
+}
+
+TEST_F(TarnFWLog, ARowRegisteredAgainKeepsItsLevel) {
+  g_tarnfw_verbose[19].level = 4;
+  unsigned int component = 0;
+  ASSERT_EQ(FW_RegisterComponent("again", &component), 0u);
+  unsigned int level = 0;
+  EXPECT_EQ(FW_GetLibVerboseLevel(component, &level), 0u);
+  EXPECT_EQ(level, 4u);
+}
+
+TEST_F(TarnFWLog, UnregisteringAComponentIsNotSupported) {
+  EXPECT_EQ(FW_UnregisterComponent(3), 7u);
+  EXPECT_EQ(FW_GetComponentCount(), 19u);
+}
+
+TEST_F(TarnFWLog, LevelOfAllReachesRowsAddedAtRunTime) {
+  LogCapture log;
+  unsigned int component = 0;
+  ASSERT_EQ(FW_RegisterComponent("later", &component), 0u);
+  FW_SetLibVerboseLevel(255, 2);
+  unsigned int level = 0;
+  EXPECT_EQ(FW_GetLibVerboseLevel(component, &level), 0u);
+  EXPECT_EQ(level, 2u);
+  EXPECT_EQ(FW_GetLibVerboseLevel(0, &level), 0u);
+  EXPECT_EQ(level, 2u);
+}
+
+TEST_F(TarnFWLog, AnUnknownComponentChangesNothing) {
+  LogCapture log;
+  unsigned int level = 77;
+  EXPECT_EQ(FW_GetLibVerboseLevel(19, &level), 55u);
+  EXPECT_EQ(level, 77u);
+  FW_SetLibVerboseLevel(64, 3);
+  EXPECT_EQ(log.normalized(),
+            (std::vector<std::string>{
+                "4|tarnfw: TarnFWLog:FW_GetLibVerboseLevel():N attempting to get verbose level of "
+                "unknown component 19\n",
+                "4|tarnfw: TarnFWLog:FW_SetLibVerboseLevel():N attempting to set verbose level of "
+                "unknown component 64\n"}));
+  for (const FWVerbose_& row : g_tarnfw_verbose) EXPECT_EQ(row.level, 0);
+}
+
+TEST_F(TarnFWLog, LevelChangesAreLoggedWhenTheApiLevelIsUp) {
+  LogCapture log;
+  FW_SetLibVerboseLevel(7, 3);
+  EXPECT_TRUE(log.lines().empty());
+  FW_SetLibVerboseLevel(1, 1);
+  FW_SetLibVerboseLevel(7, 2);
+  unsigned int level = 0;
+  EXPECT_EQ(FW_GetLibVerboseLevel(7, &level), 0u);
+  EXPECT_EQ(
+      log.normalized(),
+      (std::vector<std::string>{
+          "7|tarnfw:api TarnFWLog:FW_SetLibVerboseLevel():N set component api log level to 1\n",
+          "7|tarnfw:api TarnFWLog:FW_SetLibVerboseLevel():N set component cmd log level to 2\n",
+          "7|tarnfw:api TarnFWLog:FW_GetLibVerboseLevel():N got component 7 (cmd) log level "
+          "2\n"}));
+}
+
+TEST_F(TarnFWLog, ATraceBelowItsLevelEvaluatesNoArgument) {
+  LogCapture log;
+  int calls = 0;
+  const auto costly = [&calls] { return ++calls; };
+  TARNFW_TRACE(FW_COMPONENT_IO, 1, "value %d\n", costly());
+  g_tarnfw_verbose[FW_COMPONENT_IO].level = 1;
+  TARNFW_TRACE(FW_COMPONENT_IO, 1, "value %d\n", costly());
+  EXPECT_EQ(calls, 0);
+  g_tarnfw_verbose[FW_COMPONENT_IO].level = 2;
+  TARNFW_TRACE(FW_COMPONENT_IO, 1, "value %d\n", costly());
+  EXPECT_EQ(calls, 1);
+  EXPECT_EQ(log.normalized(),
+            (std::vector<std::string>{"7|tarnfw:io TarnFWLogTest:TestBody():N value 1\n"}));
+}
+
+TEST_F(TarnFWLog, ThePrinterGetsItsContextAndANullFunctionTurnsItOff) {
+  std::string out;
+  FW_SetLibPrettyPrinting(print, &out);
+  {
+    const PrettyPrinting printing;
+    ASSERT_TRUE(static_cast<bool>(printing));
+    EXPECT_EQ(printing.print(printing.context, "%d rules\n", 3), 8);
+  }
+  FW_SetLibPrettyPrinting(nullptr, nullptr);
+  const PrettyPrinting off;
+  EXPECT_FALSE(static_cast<bool>(off));
+  EXPECT_EQ(out, "3 rules\n");
+}
