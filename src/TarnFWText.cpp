@@ -7,7 +7,8 @@ namespace TarnFirewall {
 
 namespace {
 
-void appendFormatted(std::string& text, const char* format, va_list arguments) {
+__attribute__((format(printf, 2, 0))) void appendFormatted(std::string& text, const char* format,
+                                                           va_list arguments) {
   char local[256];
   va_list again;
   va_copy(again, arguments);

@@ -10,7 +10,8 @@ namespace {
 std::vector<LogCapture::Line> g_lines;
 std::mutex g_mutex;
 
-void capture(int priority, const char* format, va_list arguments) {
+__attribute__((format(printf, 2, 0))) void capture(int priority, const char* format,
+                                                   va_list arguments) {
   char text[4096];
   std::vsnprintf(text, sizeof text, format, arguments);
   const std::lock_guard<std::mutex> lock(g_mutex);
