@@ -15,7 +15,7 @@ std::vector<int> g_priorities;
 
 void collect(int priority, const char*, va_list) { g_priorities.push_back(priority); }
 
-int print(void* context, const char* format, ...) {
+__attribute__((format(printf, 2, 3))) int print(void* context, const char* format, ...) {
   va_list arguments;
   va_start(arguments, format);
   char text[128];
