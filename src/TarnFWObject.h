@@ -22,6 +22,10 @@ class ITarnFWObject {
 
   virtual ~ITarnFWObject() = default;
 
+  /// Appends the text form. An object whose text stands inside another's (an address in a rule)
+  /// overrides this and makes `toString()` from it, so that the whole is built in one string.
+  virtual void appendTo(std::string& text) const { text += toString(); }
+
  protected:
   ITarnFWObject() = default;
   ITarnFWObject(const ITarnFWObject&) = default;

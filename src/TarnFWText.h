@@ -1,5 +1,7 @@
 #pragma once
 
+#include <charconv>
+#include <concepts>
 #include <string>
 
 namespace TarnFirewall {
@@ -9,5 +11,23 @@ std::string formatText(const char* format, ...) __attribute__((format(printf, 1,
 
 /// Appends a printf format and its arguments to `text`.
 void appendText(std::string& text, const char* format, ...) __attribute__((format(printf, 2, 3)));
+
+/// Appends an integer in decimal, without the cost of a printf.
+template <std::integral T>
+void appendDecimal(std::string& text, T value) {
+  char digits[24];
+  text.append(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
+}
+
+/// Appends an integer in lower-case hexadecimal, filled with zeros up to `width` digits (16 at
+/// most).
+template <std::unsigned_integral T>
+void appendHex(std::string& text, T value, unsigned int width = 1) {
+  char digits[16];
+  char* const end = std::to_chars(digits, digits + sizeof digits, value, 16).ptr;
+  const auto length = static_cast<unsigned int>(end - digits);
+  if (length < width) text.append(width - length, '0');
+  text.append(digits, end);
+}
 
 }  // namespace TarnFirewall
