@@ -1,0 +1,25 @@
+#pragma once
+
+#include "TarnFWAddress.h"
+
+namespace TarnFirewall {
+
+/// Every address: text "any", code 0.
+class CTarnFWAddressAny final : public CTarnFWAddress {
+ public:
+  CTarnFWAddressAny() = default;
+
+  /// The record's flags are not read: a negated "any" does not survive a reading. Meant so.
+  explicit CTarnFWAddressAny(const FWAddress_* record);
+
+  int getType() const override;
+  std::string toString() const override;
+  void appendTo(std::string& text) const override;
+
+  /// Writes the type code alone; the flags byte stays as the buffer held it, which the kernel
+  /// ignores for this type.
+  bool toMessage(void* buffer, unsigned int size, unsigned int* written) override;
+  bool operator<(const CTarnFWAddress& other) const override;
+};
+
+}  // namespace TarnFirewall

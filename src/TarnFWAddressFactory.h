@@ -1,0 +1,28 @@
+#pragma once
+
+#include <memory>
+
+#include "TarnFWAddress.h"
+#include "TarnFWTypes.h"
+
+namespace TarnFirewall {
+
+/// Builds an address of the right class from a record or from text.
+class CTarnFWAddressFactory {
+ public:
+  CTarnFWAddressFactory() = delete;
+
+  /// Throws `CInvalidAddressException` for a type that has no class on the wire: a MAC range can be
+  /// written but not read back, which is meant.
+  static std::unique_ptr<CTarnFWAddress> newFromMsgBuf(const FWAddress_* record);
+
+  /// Reads one record when `size` holds one: `*used` is then 144, else 0 with a null result.
+  static std::unique_ptr<CTarnFWAddress> newFromMsgBuf(const void* buffer, unsigned int size,
+                                                       unsigned int* used);
+
+  /// Never negated. The class is chosen by the set's kind and the punctuation of the text; throws
+  /// what the class throws, and `CUnsupportedException` for a kind that is not IP, MAC or SID.
+  static std::unique_ptr<CTarnFWAddress> newFromString(FWAddrSetType_t setType, const char* text);
+};
+
+}  // namespace TarnFirewall
