@@ -64,9 +64,6 @@ extern const char* const hulld_comp_name[kHulldComponents];
 inline constexpr unsigned int kTarnComponents = 21;
 extern const char* const tarn_comp_name[kTarnComponents];
 
-/// A registered logger gets the priority less 6 plus its base, the format and the arguments.
-using FWLoggerFunction_t = void (*)(int priority, const char* format, va_list arguments);
-
 struct FWLogger_ {
   FWLoggerFunction_t function;  // null when none is registered
   std::uint32_t base;
@@ -77,11 +74,6 @@ extern FWLogger_ gTarnFWLogger;
 void Logger(int priority, const char* format, ...) __attribute__((format(printf, 2, 3)));
 void vLogger(int priority, const char* format, va_list arguments)
     __attribute__((format(printf, 2, 0)));
-
-/// The front end's printer: `context` is what was registered with it. Returns what the formatting
-/// returns.
-typedef int (*FWPrettyPrinting_t)(void* context, const char* format, ...)
-    __attribute__((format(printf, 2, 3)));
 
 extern FWPrettyPrinting_t g_tarnfw_pretty_printing;
 extern void* g_tarnfw_pretty_printing_context;

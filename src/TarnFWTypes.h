@@ -3,6 +3,7 @@
 /// Plain types of the library's flat boundary: status codes, selectors, names and small
 /// enumerations. Everything here is shared by the library, its callers and the kernel.
 
+#include <cstdarg>
 #include <cstddef>
 #include <cstdint>
 
@@ -169,5 +170,13 @@ enum FWRuleAF_t : std::uint32_t {
 
 /// Opaque library handle; a `CTarnFWLibHandle` stands behind it.
 struct fwlibhandle_;
+
+/// A registered logger gets the priority less 6 plus its base, the format and the arguments.
+using FWLoggerFunction_t = void (*)(int priority, const char* format, va_list arguments);
+
+/// The front end's printer: `context` is what was registered with it. Returns what the formatting
+/// returns.
+typedef int (*FWPrettyPrinting_t)(void* context, const char* format, ...)
+    __attribute__((format(printf, 2, 3)));
 
 }  // namespace TarnFirewall

@@ -6,8 +6,10 @@
 /// Nearly every function begins with a library handle, the selector of a filter (or null) and a
 /// context that is passed on to the IO channel (null means the handle's own). The result is a
 /// status, 0 for success. The caller owns all result memory unless a function says otherwise.
+///
+/// This header, TarnFWTypes.h and TarnFWWire.h are what is installed. What stands between the two
+/// visibility lines is what the shared library exports.
 
-#include "TarnFWLog.h"
 #include "TarnFWTypes.h"
 
 using TarnFirewall::dvs_port_;
@@ -22,6 +24,7 @@ using TarnFirewall::FWRuleDirection_t;
 using TarnFirewall::FWRuleSetID_t;
 using TarnFirewall::FWStatus_t;
 
+#pragma GCC visibility push(default)
 extern "C" {
 
 // --- Status texts
@@ -66,3 +69,4 @@ void FW_SetLibVerboseLevel(unsigned int component, unsigned int level);
 void FW_SetLibPrettyPrinting(FWPrettyPrinting_t function, void* context);
 
 }  // extern "C"
+#pragma GCC visibility pop

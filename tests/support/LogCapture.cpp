@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <mutex>
 
+#include "TarnFWLog.h"
 #include "tarnfw.h"
 
 namespace {
