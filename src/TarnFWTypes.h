@@ -168,6 +168,32 @@ enum FWRuleAF_t : std::uint32_t {
   FW_AF_INET6 = 2,
 };
 
+/// Kind of an IO channel. Also a value of the configuration language's channel statements.
+enum FWIOType_t : std::uint32_t {
+  FW_IO_IOCTL = 1,    // the firewall's control device
+  FW_IO_SOCKET = 2,   // a TCP socket
+  FW_IO_RIBS = 3,     // known by name only: no channel of this kind can be made
+  FW_IO_FILE = 4,     // a file that receives the messages
+  FW_IO_MEMORY = 5,   // memory of the caller that receives the last message
+  FW_IO_GENERIC = 6,  // functions of the caller
+};
+
+/// The functions behind a generic IO channel. Results are statuses, 0 for success.
+struct FWLibGenericIO_ {
+  /// Called once when the channel is made; what it stores in `context` comes back in the others.
+  FWStatus_t (*init)(void* initArgument, void** context);
+
+  /// Called once when the channel is deleted.
+  void (*exit)(void* context);
+
+  /// Called for each message. A reply is written over the message in place. `callerContext` is the
+  /// context of the `FW_` call, or the handle's own.
+  FWStatus_t (*request)(void* context, void* message, unsigned int size, void* callerContext);
+
+  /// Part of the table for the sake of its layout; never called.
+  void (*reserved)();
+};
+
 /// Opaque library handle; a `CTarnFWLibHandle` stands behind it.
 struct fwlibhandle_;
 

@@ -16,6 +16,8 @@ using TarnFirewall::dvs_port_;
 using TarnFirewall::FWAddrSetID_t;
 using TarnFirewall::FWAddrSetType_t;
 using TarnFirewall::FWIoctlFrame;
+using TarnFirewall::FWIOType_t;
+using TarnFirewall::FWLibGenericIO_;
 using TarnFirewall::fwlibhandle_;
 using TarnFirewall::FWLoggerFunction_t;
 using TarnFirewall::FWPrettyPrinting_t;
@@ -32,6 +34,46 @@ extern "C" {
 /// Text of a status. Above 70 the text stands in one static buffer that the next such call
 /// overwrites; not for two threads at once.
 const char* FW_StatusToString(unsigned int status);
+
+// --- Start-up
+
+/// Version of this interface, as callers pass it to `FW_Initialize`.
+#define FW_INTERFACE_VERSION 65536u
+
+/// Makes a library handle on the IO channel that `items` describes: key, value, key, value, with
+/// `count` entries in all, in this order:
+///
+///     1 device    nothing, or "FWIODeviceName" (has no effect: the host chooses the device)
+///     2 socket    "FWIOAddress", "FWIOPort", both text
+///     4 file      "FWIOFileName"
+///     5 memory    "FWIOMemory" the address, "FWIOLength" a pointer to an unsigned int
+///     6 generic   "FWIOGenericIO" a `FWLibGenericIO_*`, optionally "FWIOGenericIOInitArg", and
+///                 behind it optionally "FWIOGenericIOContext" a `void**` for the context
+///
+/// `version` is not looked at; `reserved` must not be null and is never written. 3 for a null
+/// argument, 10 when type, count or keys do not fit, otherwise the status of what failed; `*handle`
+/// is null then. The caller ends the handle with `FW_Exit`.
+FWStatus_t FW_Initialize(unsigned int version, void* reserved, FWIOType_t type, unsigned int count,
+                         const char** items, fwlibhandle_** handle);
+
+/// The process-wide handle on the control device, made on first use; it lives until the process
+/// exits. Null on an internal failure. Without the device the process ends here with status 255.
+fwlibhandle_* FW_GetDefaultLibHandle();
+
+/// Ends a handle. The default handle is left as it is and stays usable. 3 for a null handle.
+FWStatus_t FW_Exit(fwlibhandle_* handle);
+
+// --- Direct requests to the control devices
+
+/// One ioctl on the firewall's device, the filter table device or the service insertion device,
+/// which is opened on first use. Gives the ioctl's result with its `errno`; -1 when the device
+/// could not be opened.
+int FW_Ioctl(int request, void* argument);
+int WGT_Ioctl(int request, void* argument);
+int SI_Ioctl(int request, void* argument);
+
+/// Descriptor of the filter table device, -1 when it could not be opened.
+int WGT_GetFd();
 
 // --- Logging, components and printing
 

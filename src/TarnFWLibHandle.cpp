@@ -1,0 +1,82 @@
+#include "TarnFWLibHandle.h"
+
+#include <cstdlib>
+#include <new>
+#include <utility>
+
+#include "Locks.h"
+#include "TarnFWException.h"
+#include "TarnFWLog.h"
+#include "TarnFWMsgBufFactory.h"
+#include "tarnfw.h"
+
+namespace TarnFirewall {
+
+std::unique_ptr<CTarnFWLibHandle> CTarnFWLibHandle::GetInstance() {
+  std::unique_ptr<CTarnFWLibHandle> handle(new (std::nothrow) CTarnFWLibHandle);
+  if (handle == nullptr) throw COutOfMemoryException(sizeof(CTarnFWLibHandle));
+  handle->msgBuf_ = CTarnFWMsgBufFactory::newMsgBuf(FW_MSGBUF_SIMPLE);
+  return handle;
+}
+
+CTarnFWLibHandle* CTarnFWLibHandle::GetIoctlInstance() {
+  static Locks::Mutex mutex;
+  static std::unique_ptr<CTarnFWLibHandle> instance;
+  const Locks::Guard lock(mutex);
+  if (instance != nullptr) return instance.get();
+
+  TARNFW_INFO("Initializing tarn library.\n\n");
+  int reserved = 0;
+  const char* items[] = {"FWIODeviceName", "/dev/brq-tarn"};
+  fwlibhandle_* handle = nullptr;
+  const FWStatus_t status =
+      FW_Initialize(FW_INTERFACE_VERSION, &reserved, FW_IO_IOCTL, 2, items, &handle);
+  if (status != FW_STATUS_OK) {
+    TARNFW_ERROR("Failed to initialize tarn library: %s\n\n", FW_StatusToString(status));
+    std::exit(-1);
+  }
+  instance.reset(fromLibHandle(handle));
+  TARNFW_INFO("Initialized tarn library\n\n");
+  return instance.get();
+}
+
+FWStatus_t CTarnFWLibHandle::setIOChannel(std::unique_ptr<CTarnFWIOChannel> channel) {
+  if (channel_ != nullptr) {
+    TARNFW_INFO("IOChannel has already been initialized\n");
+    channel_.reset();
+  }
+  channel_ = std::move(channel);
+  TARNFW_TRACE(FW_COMPONENT_LIBRARY, 0, "Set IOChannel to lib\n");
+  return FW_STATUS_OK;
+}
+
+FWStatus_t CTarnFWLibHandle::getCommandBuffer(void** buffer, unsigned int size) {
+  if (msgBuf_ == nullptr) return FW_STATUS_LIB_NOT_INITIALIZED;
+  return msgBuf_->getBuffer(buffer, size) ? FW_STATUS_OK : FW_STATUS_OUT_OF_MEMORY;
+}
+
+bool CTarnFWLibHandle::addCommand(void* buffer, unsigned int size) {
+  return msgBuf_ != nullptr && msgBuf_->addCommand(buffer, size);
+}
+
+FWStatus_t CTarnFWLibHandle::flushCommandBuffer(void* buffer, unsigned int size, dvs_port_* port,
+                                                void* context) {
+  if (channel_ == nullptr || msgBuf_ == nullptr) return FW_STATUS_LIB_NOT_INITIALIZED;
+  void* message = nullptr;
+  unsigned int messageSize = 0;
+  if (!msgBuf_->getMessage(buffer, size, &message, &messageSize)) return FW_STATUS_OUT_OF_MEMORY;
+  return channel_->sendIOCTL(port, message, messageSize,
+                             context != nullptr ? context : defaultContext_);
+}
+
+FWStatus_t CTarnFWLibHandle::releaseCommandBuffer(void* buffer) {
+  if (msgBuf_ == nullptr) return FW_STATUS_LIB_NOT_INITIALIZED;
+  return msgBuf_->releaseBuffer(buffer) ? FW_STATUS_OK : FW_STATUS_INVALID_ARGUMENT;
+}
+
+FWStatus_t CTarnFWLibHandle::resetCommandBuffer(void* buffer) {
+  if (msgBuf_ == nullptr) return FW_STATUS_LIB_NOT_INITIALIZED;
+  return msgBuf_->resetBuffer(buffer) ? FW_STATUS_OK : FW_STATUS_INVALID_ARGUMENT;
+}
+
+}  // namespace TarnFirewall

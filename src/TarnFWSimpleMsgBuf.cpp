@@ -1,0 +1,103 @@
+#include "TarnFWSimpleMsgBuf.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+
+#include "TarnFWLog.h"
+
+namespace TarnFirewall {
+
+namespace {
+
+constexpr std::uint8_t kMajorVersion = 1;
+constexpr std::uint8_t kMinorVersion = 1;
+constexpr std::uint8_t kCategoryFirewall = 1;
+
+/// The header in front of a body. All its members have alignment 1.
+tarn_msg_hdr_* headerOf(void* body) {
+  return reinterpret_cast<tarn_msg_hdr_*>(static_cast<std::byte*>(body) - kMsgHeaderSize);
+}
+
+}  // namespace
+
+void CTarnFWSimpleMsgBuf::initMsgHeader(tarn_msg_hdr_* header) {
+  std::memset(static_cast<void*>(&header->sequence), 0,
+              kMsgHeaderSize - offsetof(tarn_msg_hdr_, sequence));
+  std::memcpy(header->signature, kMsgSignature, sizeof header->signature);
+  header->major = kMajorVersion;
+  header->minor = kMinorVersion;
+  header->category = kCategoryFirewall;
+  header->bodyLength = 0;
+  const Locks::Guard lock(mutex_);
+  header->sequence = sequence_++;
+}
+
+bool CTarnFWSimpleMsgBuf::getBuffer(void** body, unsigned int size) {
+  if (body == nullptr) return false;
+  if (size > std::numeric_limits<unsigned int>::max() - kMsgHeaderSize) {
+    TARNFW_TRACE(FW_COMPONENT_MSGBUF, 0, "requested buffer size %u is too large\n\n", size);
+    return false;
+  }
+  // Zeroed, so that no old heap bytes reach the kernel or a peer. A large buffer comes as fresh
+  // pages, which the allocator knows to be zero already.
+  void* memory = std::calloc(1, kMsgHeaderSize + std::size_t{size} + kMsgSlack);
+  if (memory == nullptr) {
+    TARNFW_WARNING("failed to get message buffer of size %u\n\n", size);
+    return false;
+  }
+  initMsgHeader(static_cast<tarn_msg_hdr_*>(memory));
+  *body = static_cast<std::byte*>(memory) + kMsgHeaderSize;
+  return true;
+}
+
+bool CTarnFWSimpleMsgBuf::releaseBuffer(void* body) {
+  if (!validateBuffer(body, 0)) return false;
+  std::free(headerOf(body));
+  return true;
+}
+
+bool CTarnFWSimpleMsgBuf::resetBuffer(void* body) {
+  if (!validateBuffer(body, 0)) return false;
+  tarn_msg_hdr_* header = headerOf(body);
+  header->bodyLength = 0;
+  header->commandCount = 0;
+  return true;
+}
+
+bool CTarnFWSimpleMsgBuf::validateBuffer(void* body, unsigned int size) {
+  if (body == nullptr) {
+    TARNFW_WARNING("attempt to validate a null message buffer\n");
+    return false;
+  }
+  // A newer kernel may answer with another minor version, and a reply has another type: neither
+  // is looked at. The number in the messages is the argument, not the header's field.
+  const tarn_msg_hdr_* header = headerOf(body);
+  if (std::memcmp(header->signature, kMsgSignature, sizeof kMsgSignature) != 0 ||
+      header->major != kMajorVersion || header->category != kCategoryFirewall) {
+    TARNFW_WARNING("message buffer [%u] has a bad signature\n", size);
+    return false;
+  }
+  if (size != 0 && header->bodyLength != size) {
+    TARNFW_WARNING("message buffer [%u] has a bad size\n", size);
+    return false;
+  }
+  return true;
+}
+
+bool CTarnFWSimpleMsgBuf::getMessage(void* body, unsigned int size, void** message,
+                                     unsigned int* messageSize) {
+  if (!validateBuffer(body, size)) return false;
+  *message = headerOf(body);
+  *messageSize = size + kMsgHeaderSize;
+  return true;
+}
+
+bool CTarnFWSimpleMsgBuf::addCommand(void* body, unsigned int size) {
+  tarn_msg_hdr_* header = headerOf(body);
+  header->commandCount = static_cast<std::uint16_t>(header->commandCount + 1);
+  header->bodyLength = header->bodyLength + size;
+  return true;
+}
+
+}  // namespace TarnFirewall

@@ -1,0 +1,37 @@
+#include "TarnWGTIoctl.h"
+
+#include <memory>
+
+#include "Locks.h"
+#include "tarnfw.h"
+
+namespace TarnFirewall {
+
+constinit const char* const CTarnWGTIoctl::ioctl_devname = "/dev/weirgatetbl";
+
+CTarnWGTIoctl::CTarnWGTIoctl() : CTarnFWDevice(ioctl_devname, LOG_DEBUG) {}
+
+CTarnWGTIoctl* CTarnWGTIoctl::GetInstance() {
+  static Locks::Mutex mutex;
+  static std::unique_ptr<CTarnWGTIoctl> instance;
+  const Locks::Guard lock(mutex);
+  if (instance == nullptr) instance.reset(new CTarnWGTIoctl);
+  return instance.get();
+}
+
+}  // namespace TarnFirewall
+
+using namespace TarnFirewall;
+
+extern "C" {
+
+int WGT_Ioctl(int request, void* argument) {
+  return callDevice(__func__, false,
+                    [&] { return CTarnWGTIoctl::GetInstance()->sendIoctl(request, argument); });
+}
+
+int WGT_GetFd() {
+  return callDevice(__func__, false, [] { return CTarnWGTIoctl::GetInstance()->descriptor(); });
+}
+
+}  // extern "C"
