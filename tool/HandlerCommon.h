@@ -1,0 +1,119 @@
+#pragma once
+
+/// What all handlers share: options, the filter that a command works on, verbosity, usage and error
+/// lines, the library. A handler reads top to bottom: options, what is missing, printer, library,
+/// call, print.
+
+#include <getopt.h>
+
+#include <cstddef>
+#include <string>
+
+#include "tarnfw.h"
+
+// --- Texts
+
+/// Prints the usage text that `tarnioctl`, `-h` and `help` show, with `word` in its first line.
+void printHelp(const char* word);
+
+/// Prints a handler's usage text to standard output and returns `status`:
+///
+///     case 'h': return usage(0, kUsage, cmd);
+int usage(int status, const char* format, ...) __attribute__((format(printf, 2, 3)));
+
+/// Prints an error line to standard error and returns 1.
+int error(const char* format, ...) __attribute__((format(printf, 1, 2)));
+
+/// The printer that handlers register with `FW_SetLibPrettyPrinting(pretty_printing, stdout)`:
+/// formats onto the stream and returns what the formatting returns.
+int pretty_printing(void* stream, const char* format, ...) __attribute__((format(printf, 2, 3)));
+
+/// Text of a fixed field of a kernel record, which may fill its field without a NUL.
+template <std::size_t N>
+std::string fieldText(const char (&field)[N], std::size_t limit = N) {
+  return std::string(field, TarnFirewall::fieldLength(field, limit < N ? limit : N));
+}
+
+// --- Options
+
+/// Walks a handler's options with `getopt`, or `getopt_long` when there are long ones. Each walk
+/// begins anew, so that a handler may run another one. Lines about unknown options and missing
+/// values are getopt's own, on standard error.
+class Options {
+ public:
+  Options(int argc, char** argv, const char* letters, const option* words = nullptr);
+
+  /// Letter of the next option, '?' for one that is unknown or lacks its value, -1 at the end.
+  int next();
+
+  /// Value of the option that `next` returned, null when it has none.
+  const char* value() const { return optarg; }
+
+  /// Operands, once `next` has returned -1: `argv` from the first that is not an option.
+  char** operands() const { return argv_ + optind; }
+  int operandCount() const { return argc_ - optind; }
+
+ private:
+  int argc_;
+  char** argv_;
+  const char* letters_;
+  const option* words_;
+};
+
+/// Reads a whole decimal number that an int can hold; false leaves `value` alone.
+bool decimalOption(const char* text, int* value);
+
+// --- The filter
+
+/// Agent of a filter whose name does not tell one.
+inline constexpr char kDefaultAgent[] = "kelpco-sfw";
+
+/// Characters of a filter's or an agent's name on the command line.
+inline constexpr std::size_t kMaxName = 99;
+
+/// Writes the agent of a filter name, at most 98 characters, into a buffer of at least 99 bytes.
+/// Returns 0; or 1 when the name tells none, and the buffer is then as it was, but for the filter
+/// of shared address sets, which leaves it empty.
+int GetAgentFromFilterName(const char* name, char* agent);
+
+/// The filter that a command works on, as `-f` names it.
+struct FilterTarget {
+  dvs_port_ port{};
+  char name[kMaxName + 1]{};
+  char agent[kMaxName + 1]{};
+  bool given = false;
+
+  FilterTarget();
+
+  /// Takes the value of `-f`. Returns 0; or 1 after the error line for a name that is too long.
+  int take(const char* text);
+
+  /// Behind the options: a selector without an agent of its own gets the agent buffer.
+  void settleAgent();
+};
+
+// --- Verbosity
+
+/// The options `-v` and `-m`.
+struct Verbosity {
+  int level = 0;
+  unsigned int component = 255;
+
+  /// Takes `-v`: one step without a value, otherwise the value, of which a negative one counts as
+  /// 0. Repeated options add up.
+  void raise(const char* text);
+
+  /// Takes `-m`. Returns 0; or 1 after the error line for a component that is not there.
+  int takeComponent(const char* text);
+
+  /// Prints the level and the selector's agent, when the level is not zero.
+  void announce(const FilterTarget& target) const;
+
+  /// Announces, and sets the library's level, when the level is not zero.
+  void apply(const FilterTarget& target) const;
+};
+
+// --- Library
+
+/// Opens the default library handle. Returns 0; or 1 after the error line.
+int initFWLibrary(fwlibhandle_** handle);
