@@ -2,24 +2,11 @@
 
 #include <cstring>
 
+#include "TarnFWCmdEnvelope.h"
 #include "TarnFWLog.h"
 #include "TarnFWMsgBuf.h"
 
 namespace TarnFirewall {
-
-namespace {
-
-/// Front of each command in a message.
-struct Envelope {
-  host32 bodyLength;  // +0  bytes of the command's body
-  host16 command;     // +4  the command's number
-  host16 reserved;    // +6
-  host32 status;      // +8  the kernel's result
-};
-static_assert(sizeof(Envelope) == 12 && alignof(Envelope) == 1);
-static_assert(offsetof(Envelope, command) == 4 && offsetof(Envelope, status) == 8);
-
-}  // namespace
 
 void CTarnFWIOChannel::validateMessage(const void* message, unsigned int size) const {
   TARNFW_TRACE(FW_COMPONENT_IO, 1, "Validating message\n");
@@ -58,9 +45,9 @@ void CTarnFWIOChannel::validateMessage(const void* message, unsigned int size) c
   } else {
     TARNFW_TRACE(FW_COMPONENT_IO, 2, ". fail: message padding is unknown (%d)\n", int{padding});
   }
-  if (size - sizeof(tarn_msg_hdr_) < sizeof(Envelope)) return;
+  if (size - sizeof(tarn_msg_hdr_) < sizeof(FWCmdEnvelope_)) return;
   const auto envelope =
-      loadRecord<Envelope>(static_cast<const std::byte*>(message) + sizeof(tarn_msg_hdr_));
+      loadRecord<FWCmdEnvelope_>(static_cast<const std::byte*>(message) + sizeof(tarn_msg_hdr_));
   for (int number = 0; number < commands; ++number) {
     // Every pass shows the first command: the walk is meant not to move on.
     TARNFW_TRACE(FW_COMPONENT_IO, 2, ". command no. %d\n", number);

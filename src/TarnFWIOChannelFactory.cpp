@@ -9,6 +9,7 @@
 #include "TarnFWIOChannelGeneric.h"
 #include "TarnFWIOChannelIOCTL.h"
 #include "TarnFWIOChannelMemory.h"
+#include "TarnFWIOChannelSocket.h"
 #include "TarnFWIoctl.h"
 
 namespace TarnFirewall {
@@ -52,6 +53,13 @@ std::unique_ptr<CTarnFWIOChannel> CTarnFWIOChannelFactory::newIOChannel(int type
   switch (type) {
     case FW_IO_IOCTL:
       return std::make_unique<CTarnFWIOChannelIOCTL>(CTarnFWIoctl::GetInstance()->descriptor());
+    case FW_IO_SOCKET:
+    case FW_IO_RIBS: {
+      // No socket of kind 1 exists: a channel of type 3 is refused by the socket factory.
+      const auto kind = static_cast<Sockets::SocketType_t>(type == FW_IO_SOCKET ? 0 : 1);
+      const char* where = va_arg(list, const char*);
+      return std::make_unique<CTarnFWIOChannelSocket>(kind, where, va_arg(list, const char*));
+    }
     case FW_IO_FILE:
       return std::make_unique<CTarnFWIOChannelFile>(va_arg(list, const char*));
     case FW_IO_MEMORY: {
