@@ -1,0 +1,127 @@
+#include "LabFaults.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+
+#include "LabText.h"
+
+namespace TarnLab {
+
+namespace {
+
+// The file "faults": 20 bytes for each fault.
+constexpr std::size_t recordSize = 20;
+constexpr std::size_t atKind = 0, atDevice = 1, atHasOnly = 2, atValue = 4, atRemaining = 8,
+                      atOnly = 12;
+
+}  // namespace
+
+std::string Fault::toString() const {
+  std::string text;
+  switch (kind) {
+    case Kind::status:
+      text = format("messages are answered with status %u", value);
+      if (only) text += format(", those with command %u only", *only);
+      break;
+    case Kind::error: {
+      const char* name = ::strerrorname_np(static_cast<int>(value));
+      text = format("requests fail with %s", name != nullptr ? name : format("%u", value).c_str());
+      if (device != Device::none) text += " on the device " + std::string(deviceName(device));
+      if (only) text += format(", request %u only", *only);
+      break;
+    }
+    case Kind::delay:
+      text = format("requests are held up for %u ms", value);
+      break;
+    case Kind::absent:
+      return "the device " + std::string(deviceName(device)) + " is absent";
+  }
+  return text +
+         (remaining == 0 ? std::string(", until cleared") : format(", the next %u", remaining));
+}
+
+Faults Faults::load(const Store& store) {
+  Faults faults;
+  const auto content = store.read("faults");
+  if (!content) return faults;
+  if (content->size() % recordSize != 0) {
+    throw StoreError("damaged file " + store.path("faults"), EINVAL);
+  }
+  for (ConstBytes rest = *content; !rest.empty(); rest = rest.subspan(recordSize)) {
+    Fault fault;
+    fault.kind = static_cast<Fault::Kind>(get8(rest, atKind));
+    fault.device = static_cast<Device>(get8(rest, atDevice));
+    fault.value = get32(rest, atValue);
+    fault.remaining = get32(rest, atRemaining);
+    if (get8(rest, atHasOnly) != 0) fault.only = get32(rest, atOnly);
+    faults.faults_.push_back(fault);
+  }
+  return faults;
+}
+
+void Faults::save(const Store& store) const {
+  if (faults_.empty()) {
+    store.remove("faults");
+    return;
+  }
+  ByteVector content(faults_.size() * recordSize);
+  Bytes rest = content;
+  for (const Fault& fault : faults_) {
+    put8(rest, atKind, static_cast<std::uint8_t>(fault.kind));
+    put8(rest, atDevice, static_cast<std::uint8_t>(fault.device));
+    put8(rest, atHasOnly, fault.only ? 1 : 0);
+    put32(rest, atValue, fault.value);
+    put32(rest, atRemaining, fault.remaining);
+    put32(rest, atOnly, fault.only.value_or(0));
+    rest = rest.subspan(recordSize);
+  }
+  store.replace("faults", {content});
+}
+
+bool Faults::absent(Device device) const {
+  return std::any_of(faults_.begin(), faults_.end(), [device](const Fault& fault) {
+    return fault.kind == Fault::Kind::absent && fault.device == device;
+  });
+}
+
+std::uint32_t Faults::strike(std::size_t index) {
+  Fault& fault = faults_[index];
+  const std::uint32_t value = fault.value;
+  if (fault.remaining > 0) {
+    changed_ = true;
+    if (--fault.remaining == 0) faults_.erase(faults_.begin() + static_cast<std::ptrdiff_t>(index));
+  }
+  return value;
+}
+
+std::uint32_t Faults::takeDelay() {
+  for (std::size_t i = 0; i < faults_.size(); ++i) {
+    if (faults_[i].kind == Fault::Kind::delay) return strike(i);
+  }
+  return 0;
+}
+
+std::optional<std::uint32_t> Faults::takeError(Device device, std::uint32_t request) {
+  for (std::size_t i = 0; i < faults_.size(); ++i) {
+    const Fault& fault = faults_[i];
+    if (fault.kind == Fault::Kind::error && fault.only.value_or(request) == request &&
+        (fault.device == Device::none || fault.device == device)) {
+      return strike(i);
+    }
+  }
+  return std::nullopt;
+}
+
+std::optional<std::uint32_t> Faults::takeStatus(const std::vector<std::uint16_t>& commands) {
+  for (std::size_t i = 0; i < faults_.size(); ++i) {
+    const Fault& fault = faults_[i];
+    if (fault.kind != Fault::Kind::status) continue;
+    if (!fault.only || std::find(commands.begin(), commands.end(), *fault.only) != commands.end()) {
+      return strike(i);
+    }
+  }
+  return std::nullopt;
+}
+
+}  // namespace TarnLab

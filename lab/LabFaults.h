@@ -1,0 +1,62 @@
+// Failures that a tester has ordered, with "tarnlab fault".
+#ifndef TARNLAB_FAULTS_H
+#define TARNLAB_FAULTS_H
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "LabDevice.h"
+#include "LabStore.h"
+
+namespace TarnLab {
+
+struct Fault {
+  enum class Kind : std::uint8_t { status, error, delay, absent };
+  Kind kind = Kind::status;
+  std::uint32_t value = 0;            // status, errno or milliseconds
+  std::uint32_t remaining = 0;        // how often it still strikes; 0 until it is cleared
+  std::optional<std::uint32_t> only;  // the one command or request that it strikes
+  Device device = Device::none;       // of `absent` and `error`; none is every device
+
+  /// One line as "tarnlab fault" lists it.
+  std::string toString() const;
+};
+
+/// The faults in force, oldest first. Kept in the file "faults".
+class Faults {
+ public:
+  /// Reads the lab's faults; there are none without a file. Throws StoreError for a damaged one.
+  static Faults load(const Store& store);
+
+  /// Replaces the lab's faults. Hold the lock.
+  void save(const Store& store) const;
+
+  const std::vector<Fault>& all() const { return faults_; }
+  void add(const Fault& fault) { faults_.push_back(fault); }
+  void clear() { faults_.clear(); }
+
+  bool absent(Device device) const;
+
+  /// The milliseconds by which the next request is held up. Counts.
+  std::uint32_t takeDelay();
+
+  /// The errno with which this request is to fail. Counts.
+  std::optional<std::uint32_t> takeError(Device device, std::uint32_t request);
+
+  /// The status with which this message is to be answered. Counts. `commands` are its commands.
+  std::optional<std::uint32_t> takeStatus(const std::vector<std::uint16_t>& commands);
+
+  /// Whether a fault has struck since load, so that the file must be replaced.
+  bool changed() const { return changed_; }
+
+ private:
+  std::uint32_t strike(std::size_t index);
+
+  std::vector<Fault> faults_;
+  bool changed_ = false;
+};
+
+}  // namespace TarnLab
+
+#endif

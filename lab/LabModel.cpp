@@ -1,0 +1,135 @@
+#include "LabModel.h"
+
+#include <ctime>
+#include <new>
+
+#include "LabCallerMemory.h"
+#include "LabRequest.h"
+#include "LabText.h"
+
+namespace TarnLab {
+
+namespace {
+
+constexpr std::uint32_t statusNotSupported = 7;
+
+/// The direct requests that the firewall device has. Those without an answer here are told so.
+constexpr std::uint32_t firewallRequests[] = {4,  5,  8,  10, 11, 12, 15, 16, 20, 21, 22, 23, 24,
+                                              25, 26, 27, 28, 29, 31, 32, 34, 35, 37, 40, 41, 42};
+
+bool isFirewallRequest(unsigned long number) {
+  for (const std::uint32_t known : firewallRequests) {
+    if (known == number) return true;
+  }
+  return false;
+}
+
+int answerFirewall(const Store& store, Faults& faults, JournalEntry& entry, unsigned long number,
+                   std::uint64_t argument) {
+  if (!isFirewallRequest(number)) {
+    entry.note = "no such request on this device";
+    return ENOTTY;
+  }
+  std::byte frame[Frame::size];
+  if (!readCaller(argument, frame)) {
+    entry.note = "frame cannot be read";
+    return EFAULT;
+  }
+  const Host host = Host::load(store);
+  Request request{store,
+                  host,
+                  faults,
+                  entry,
+                  static_cast<std::uint32_t>(number),
+                  argument,
+                  get32(frame, Frame::bodyLength),
+                  get64(frame, Frame::bodyAddress)};
+  if (get32(frame, Frame::command) != number) {
+    return request.refuse(EINVAL, format("frame has command %u", get32(frame, Frame::command)));
+  }
+  if (get32(frame, Frame::status) != 0) {
+    return request.refuse(EINVAL, format("frame has status %u", get32(frame, Frame::status)));
+  }
+  switch (number) {
+    case 15:
+      return answerMessage(request);
+    case 20:
+    case 21:
+      return answerFilterList(request);
+    default: {
+      entry.note = format("answered with status %u", statusNotSupported);
+      std::byte status[4];
+      put32(status, 0, statusNotSupported);
+      return writeCaller(argument + Frame::status, status) ? 0 : EFAULT;
+    }
+  }
+}
+
+/// Holds a request up, before it takes the lock, so that other programs go on.
+void delay(const Store& store) {
+  std::uint32_t milliseconds = 0;
+  {
+    const StoreLock lock(store);
+    Faults faults = Faults::load(store);
+    milliseconds = faults.takeDelay();
+    if (faults.changed()) faults.save(store);
+  }
+  if (milliseconds == 0) return;
+  const timespec pause{milliseconds / 1000, static_cast<long>(milliseconds % 1000) * 1000000};
+  ::nanosleep(&pause, nullptr);
+}
+
+}  // namespace
+
+int Model::openDevice(Device device) const {
+  try {
+    if (!store_.exists()) return ENOENT;
+    return Faults::load(store_).absent(device) ? ENOENT : 0;
+  } catch (const StoreError& failure) {
+    return failure.error();
+  } catch (const std::bad_alloc&) {
+    return ENOMEM;
+  }
+}
+
+int Model::request(Device device, unsigned long number, std::uint64_t argument) const {
+  try {
+    if (!Faults::load(store_).all().empty()) delay(store_);
+
+    const StoreLock lock(store_);
+    Faults faults = Faults::load(store_);
+    JournalEntry entry;
+    entry.stamp();
+    entry.device = device;
+    entry.request = static_cast<std::uint32_t>(number);
+    try {
+      if (const auto error = faults.takeError(device, entry.request)) {
+        entry.error = static_cast<int>(*error);
+        entry.note = "ordered fault";
+      } else if (device == Device::firewall) {
+        entry.error = answerFirewall(store_, faults, entry, number, argument);
+      } else {
+        entry.error = ENOTTY;
+        entry.note = "no such request on this device";
+      }
+    } catch (const StoreError& failure) {
+      entry.error = EIO;
+      entry.note = failure.what();
+    } catch (const std::bad_alloc&) {
+      entry.error = ENOMEM;
+      entry.note = "out of memory";
+    } catch (const std::exception& failure) {
+      entry.error = EINVAL;
+      entry.note = failure.what();
+    }
+    if (faults.changed()) faults.save(store_);
+    Journal(store_).append(entry);
+    return entry.error;
+  } catch (const std::bad_alloc&) {
+    return ENOMEM;
+  } catch (const std::exception&) {
+    return EIO;
+  }
+}
+
+}  // namespace TarnLab

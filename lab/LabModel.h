@@ -1,0 +1,27 @@
+// The model of the kernel firewall: answers the requests that reach the control devices.
+#ifndef TARNLAB_MODEL_H
+#define TARNLAB_MODEL_H
+
+#include "LabDevice.h"
+#include "LabStore.h"
+
+namespace TarnLab {
+
+class Model {
+ public:
+  explicit Model(Store store) : store_(std::move(store)) {}
+
+  /// 0 when the device can be opened, else the errno of the open.
+  int openDevice(Device device) const;
+
+  /// Answers one request; `argument` is an address of this process. Returns 0, or the errno with
+  /// which the ioctl fails. What was asked and answered goes into the lab's log, also a refusal.
+  int request(Device device, unsigned long number, std::uint64_t argument) const;
+
+ private:
+  Store store_;
+};
+
+}  // namespace TarnLab
+
+#endif

@@ -1,0 +1,229 @@
+// The preload library: takes open, ioctl, close and the dup calls in front of the C library's, and
+// answers for the control devices. Everything else goes on to the C library as it came.
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <stdarg.h>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
+#include <cstdint>
+
+#include "LabModel.h"
+
+// The C library's own declarations of these take attributes along that differ between them.
+#define TARNLAB_EXPORT extern "C" __attribute__((visibility("default")))
+
+using TarnLab::Device;
+
+namespace {
+
+/// A function of the next library in line, looked up at its first use.
+template <typename Function>
+class Next {
+ public:
+  constexpr explicit Next(const char* name) : name_(name) {}
+  Function* get() {
+    void* found = found_.load(std::memory_order_acquire);
+    if (found == nullptr) {
+      found = ::dlsym(RTLD_NEXT, name_);
+      found_.store(found, std::memory_order_release);
+    }
+    return reinterpret_cast<Function*>(found);
+  }
+
+ private:
+  const char* name_;
+  std::atomic<void*> found_{nullptr};
+};
+
+using OpenFunction = int(const char*, int, ...);
+using OpenAtFunction = int(int, const char*, int, ...);
+
+constinit Next<OpenFunction> nextOpen("open"), nextOpen64("open64");
+constinit Next<OpenAtFunction> nextOpenAt("openat"), nextOpenAt64("openat64");
+constinit Next<int(const char*, int)> nextOpen2("__open_2"), nextOpen642("__open64_2");
+constinit Next<int(int, const char*, int)> nextOpenAt2("__openat_2"), nextOpenAt642("__openat64_2");
+constinit Next<int(int, unsigned long, ...)> nextIoctl("ioctl");
+constinit Next<int(int)> nextClose("close"), nextDup("dup");
+constinit Next<int(int, int)> nextDup2("dup2");
+constinit Next<int(int, int, int)> nextDup3("dup3");
+constinit Next<int(int, int, ...)> nextFcntl("fcntl"), nextFcntl64("fcntl64");
+
+/// Which device a descriptor stands for. A page of it costs nothing before a device is opened.
+constexpr int descriptorLimit = 1 << 16;
+std::atomic<std::uint8_t> devices[descriptorLimit];
+
+Device deviceOf(int fd) {
+  if (fd < 0 || fd >= descriptorLimit) return Device::none;
+  return static_cast<Device>(devices[fd].load(std::memory_order_relaxed));
+}
+
+void setDevice(int fd, Device device) {
+  if (fd >= 0 && fd < descriptorLimit) {
+    devices[fd].store(static_cast<std::uint8_t>(device), std::memory_order_relaxed);
+  }
+}
+
+Device deviceOfPath(const char* path) {
+  // An address in the first page is the caller's mistake and for the kernel to refuse.
+  if (reinterpret_cast<std::uintptr_t>(path) < 4096 || path[0] != '/' || path[1] != 'd' ||
+      path[2] != 'e' || path[3] != 'v' || path[4] != '/') {
+    return Device::none;
+  }
+  return TarnLab::deviceOfPath(path);
+}
+
+/// What stands behind a device's descriptor is /dev/null. A descriptor that was closed behind our
+/// back and given to another file is told by this.
+bool isNull(int fd) {
+  struct stat status;
+  return ::fstat(fd, &status) == 0 && S_ISCHR(status.st_mode) && major(status.st_rdev) == 1 &&
+         minor(status.st_rdev) == 3;
+}
+
+int openDevice(Device device, int flags) {
+  if (const int error =
+          TarnLab::Model(TarnLab::Store(TarnLab::Store::defaultFolder())).openDevice(device);
+      error != 0) {
+    errno = error;
+    return -1;
+  }
+  const int kept = flags & (O_ACCMODE | O_CLOEXEC | O_NONBLOCK);
+  const int fd = nextOpen.get()("/dev/null", kept);
+  if (fd >= descriptorLimit) {
+    nextClose.get()(fd);
+    errno = EMFILE;
+    return -1;
+  }
+  if (fd >= 0) setDevice(fd, device);
+  return fd;
+}
+
+int copied(int from, int to) {
+  if (to >= 0 && to != from) setDevice(to, deviceOf(from));
+  return to;
+}
+
+int requestDevice(int fd, Device device, unsigned long number, void* argument) {
+  const int before = errno;
+  const int error = TarnLab::Model(TarnLab::Store(TarnLab::Store::defaultFolder()))
+                        .request(device, number, reinterpret_cast<std::uintptr_t>(argument));
+  (void)fd;
+  errno = error != 0 ? error : before;
+  return error != 0 ? -1 : 0;
+}
+
+/// The mode of an open call is there only when the flags ask for it.
+mode_t modeOf(int flags, va_list arguments) {
+  const bool wanted = (flags & O_CREAT) != 0 || (flags & O_TMPFILE) == O_TMPFILE;
+  return wanted ? va_arg(arguments, mode_t) : 0;
+}
+
+int fcntlDevice(Next<int(int, int, ...)>& next, int fd, int command, void* argument) {
+  const int result = next.get()(fd, command, argument);
+  const bool copies = command == F_DUPFD || command == F_DUPFD_CLOEXEC;
+  return copies ? copied(fd, result) : result;
+}
+
+}  // namespace
+
+#define TARNLAB_OPEN(name, next)                                  \
+  TARNLAB_EXPORT int name(const char* path, int flags, ...) {     \
+    va_list arguments;                                            \
+    va_start(arguments, flags);                                   \
+    const mode_t mode = modeOf(flags, arguments);                 \
+    va_end(arguments);                                            \
+    const Device device = deviceOfPath(path);                     \
+    if (device != Device::none) return openDevice(device, flags); \
+    return (next).get()(path, flags, mode);                       \
+  }
+
+#define TARNLAB_OPENAT(name, next)                                        \
+  TARNLAB_EXPORT int name(int folder, const char* path, int flags, ...) { \
+    va_list arguments;                                                    \
+    va_start(arguments, flags);                                           \
+    const mode_t mode = modeOf(flags, arguments);                         \
+    va_end(arguments);                                                    \
+    const Device device = deviceOfPath(path);                             \
+    if (device != Device::none) return openDevice(device, flags);         \
+    return (next).get()(folder, path, flags, mode);                       \
+  }
+
+// With checking turned on, the headers make inline functions and redirections of these names.
+#undef open
+#undef open64
+#undef openat
+#undef openat64
+#undef fcntl
+
+TARNLAB_OPEN(open, nextOpen)
+TARNLAB_OPEN(open64, nextOpen64)
+TARNLAB_OPENAT(openat, nextOpenAt)
+TARNLAB_OPENAT(openat64, nextOpenAt64)
+
+TARNLAB_EXPORT int __open_2(const char* path, int flags) {
+  const Device device = deviceOfPath(path);
+  return device != Device::none ? openDevice(device, flags) : nextOpen2.get()(path, flags);
+}
+
+TARNLAB_EXPORT int __open64_2(const char* path, int flags) {
+  const Device device = deviceOfPath(path);
+  return device != Device::none ? openDevice(device, flags) : nextOpen642.get()(path, flags);
+}
+
+TARNLAB_EXPORT int __openat_2(int folder, const char* path, int flags) {
+  const Device device = deviceOfPath(path);
+  return device != Device::none ? openDevice(device, flags)
+                                : nextOpenAt2.get()(folder, path, flags);
+}
+
+TARNLAB_EXPORT int __openat64_2(int folder, const char* path, int flags) {
+  const Device device = deviceOfPath(path);
+  return device != Device::none ? openDevice(device, flags)
+                                : nextOpenAt642.get()(folder, path, flags);
+}
+
+TARNLAB_EXPORT int ioctl(int fd, unsigned long number, ...) {
+  va_list arguments;
+  va_start(arguments, number);
+  void* argument = va_arg(arguments, void*);
+  va_end(arguments);
+  const Device device = deviceOf(fd);
+  if (__builtin_expect(device != Device::none, 0)) {
+    if (isNull(fd)) return requestDevice(fd, device, number, argument);
+    setDevice(fd, Device::none);
+  }
+  return nextIoctl.get()(fd, number, argument);
+}
+
+TARNLAB_EXPORT int close(int fd) {
+  if (deviceOf(fd) != Device::none) setDevice(fd, Device::none);
+  return nextClose.get()(fd);
+}
+
+TARNLAB_EXPORT int dup(int fd) noexcept { return copied(fd, nextDup.get()(fd)); }
+
+TARNLAB_EXPORT int dup2(int fd, int to) noexcept { return copied(fd, nextDup2.get()(fd, to)); }
+
+TARNLAB_EXPORT int dup3(int fd, int to, int flags) noexcept {
+  return copied(fd, nextDup3.get()(fd, to, flags));
+}
+
+TARNLAB_EXPORT int fcntl(int fd, int command, ...) {
+  va_list arguments;
+  va_start(arguments, command);
+  void* argument = va_arg(arguments, void*);
+  va_end(arguments);
+  return fcntlDevice(nextFcntl, fd, command, argument);
+}
+
+TARNLAB_EXPORT int fcntl64(int fd, int command, ...) {
+  va_list arguments;
+  va_start(arguments, command);
+  void* argument = va_arg(arguments, void*);
+  va_end(arguments);
+  return fcntlDevice(nextFcntl64, fd, command, argument);
+}

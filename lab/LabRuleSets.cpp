@@ -1,0 +1,7 @@
+#include "LabCommand.h"
+
+namespace TarnLab {
+
+std::span<const CommandKind> ruleSetCommands() { return {}; }
+
+}  // namespace TarnLab

@@ -1,0 +1,147 @@
+// The program tarnlab: makes a lab, runs programs in it, shows what happened there.
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+
+#include "LabProgram.h"
+#include "LabText.h"
+
+namespace TarnLab {
+
+namespace {
+
+constexpr ProgramCommand commands[] = {
+    {"init", "make a lab: a fresh host with a few machines and their filters",
+     "Usage: tarnlab init [--machines N] [--memory BYTES]\n"
+     "\n"
+     "Makes a lab in the folder that TARNLAB_HOME names, by default .tarnlab in the\n"
+     "current folder. There must be none yet: \"tarnlab reset\" makes one fresh again.\n"
+     "\n"
+     "  --machines N    a host of N like machines (1 to 100000) in place of the usual one\n"
+     "  --memory BYTES  the largest rule set or address set that the host has memory for;\n"
+     "                  1073741824 without this option\n"
+     "  --help          this text\n",
+     runInit},
+    {"run", "run a program in the lab",
+     "Usage: tarnlab run COMMAND [ARGUMENT...]\n"
+     "\n"
+     "Runs the program, and all programs that it starts, with the lab behind the control\n"
+     "devices. Ends with the program's exit status, with 127 when there is no such program,\n"
+     "126 when it cannot be run, 125 when there is no lab.\n"
+     "\n"
+     "  --help          this text\n",
+     runRun},
+    {"shell", "start a shell in the lab",
+     "Usage: tarnlab shell\n"
+     "\n"
+     "Starts the shell that SHELL names, by default /bin/sh, in the lab.\n"
+     "\n"
+     "  --help          this text\n",
+     runShell},
+    {"reset", "make the lab's host fresh again",
+     "Usage: tarnlab reset\n"
+     "\n"
+     "Forgets all rule sets, address sets, settings, faults and the log. The machines and\n"
+     "their filters stay.\n"
+     "\n"
+     "  --help          this text\n",
+     runReset},
+};
+
+void printUsage(std::FILE* stream) {
+  std::fputs(
+      "Usage: tarnlab [--home FOLDER] COMMAND [ARGUMENT...]\n"
+      "\n"
+      "A model of the kernel firewall for programs that are run in it.\n"
+      "\n",
+      stream);
+  for (const ProgramCommand& command : commands) {
+    std::fprintf(stream, "  %-8s %s\n", std::string(command.name).c_str(),
+                 std::string(command.summary).c_str());
+  }
+  std::fputs(
+      "\n"
+      "  --home FOLDER  the lab's folder; without it the one that TARNLAB_HOME names, or\n"
+      "                 .tarnlab in the current folder\n"
+      "  --help         this text; \"tarnlab COMMAND --help\" tells more\n",
+      stream);
+}
+
+}  // namespace
+
+std::span<const ProgramCommand> programCommands() { return commands; }
+
+void complain(const std::string& message) {
+  std::fprintf(stderr, "tarnlab: %s\n", message.c_str());
+}
+
+int misused(std::string_view command, const std::string& message) {
+  complain(std::string(command) + ": " + message);
+  std::fprintf(stderr, "Try \"tarnlab %s --help\".\n", std::string(command).c_str());
+  return exitUsage;
+}
+
+void requireLab(const Store& store) {
+  if (!store.exists()) {
+    throw std::runtime_error("no lab at " + store.folder() + ": make one with \"tarnlab init\"");
+  }
+}
+
+namespace {
+
+int main(Arguments arguments) {
+  std::string folder = Store::defaultFolder();
+  arguments = arguments.subspan(arguments.empty() ? 0 : 1);
+  while (!arguments.empty() && arguments[0][0] == '-') {
+    const std::string_view option = arguments[0];
+    if (option == "--help" || option == "-h") {
+      printUsage(stdout);
+      return exitOk;
+    }
+    if (option != "--home" || arguments.size() < 2 || *arguments[1] == '\0') {
+      complain(option == "--home" ? "--home needs a folder"
+                                  : "unknown option " + std::string(option));
+      printUsage(stderr);
+      return exitUsage;
+    }
+    folder = arguments[1];
+    arguments = arguments.subspan(2);
+  }
+  if (arguments.empty()) {
+    complain("a command is missing");
+    printUsage(stderr);
+    return exitUsage;
+  }
+  const std::string_view name = arguments[0];
+  for (const ProgramCommand& command : commands) {
+    if (command.name != name) continue;
+    arguments = arguments.subspan(1);
+    if (!arguments.empty() && std::string_view(arguments[0]) == "--help") {
+      std::fwrite(command.help.data(), 1, command.help.size(), stdout);
+      return exitOk;
+    }
+    try {
+      return command.run(Store(folder), arguments);
+    } catch (const std::exception& failure) {
+      complain(failure.what());
+      return command.run == runRun || command.run == runShell ? exitRunFailed : exitFailed;
+    }
+  }
+  complain("unknown command " + printable(name));
+  printUsage(stderr);
+  return exitUsage;
+}
+
+}  // namespace
+
+}  // namespace TarnLab
+
+int main(int argc, char** argv) {
+  const int status = TarnLab::main({argv, static_cast<std::size_t>(argc)});
+  // A result that could not be written, as to a full disk, is no success.
+  if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+    TarnLab::complain("cannot write the output");
+    return status != 0 ? status : TarnLab::exitFailed;
+  }
+  return status;
+}
