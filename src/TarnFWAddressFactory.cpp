@@ -1,0 +1,115 @@
+#include "TarnFWAddressFactory.h"
+
+#include <cstring>
+
+#include "TarnFWAddrSetID.h"
+#include "TarnFWAddressAny.h"
+#include "TarnFWAddressEther.h"
+#include "TarnFWAddressEtherMask.h"
+#include "TarnFWAddressIPv4.h"
+#include "TarnFWAddressIPv4CIDR.h"
+#include "TarnFWAddressIPv4Range.h"
+#include "TarnFWAddressIPv6.h"
+#include "TarnFWAddressIPv6CIDR.h"
+#include "TarnFWAddressIPv6Range.h"
+#include "TarnFWException.h"
+#include "TarnFWLog.h"
+
+namespace TarnFirewall {
+
+namespace {
+
+const char* traceWord(unsigned int type) {
+  static constexpr const char* words[] = {
+      "any",
+      "ipv4",
+      "ipv6",
+      "ipv4 range",
+      "ipv6 range",
+      "ipv4/cidr",
+      "ipv6/cidr",
+      "ether",
+      "ether range",
+      "ether/mask",
+      "vnic",
+      "addrset",
+      "attribute integer",
+      "attribute unsigned integer",
+      "attribute string",
+      "attribute sid",
+  };
+  return type < std::size(words) ? words[type] : "unknown";
+}
+
+template <typename Single, typename Range, typename Block>
+std::unique_ptr<CTarnFWAddress> newIPAddress(const char* text) {
+  // A text with both marks goes to the range, which then refuses it.
+  if (std::strchr(text, '-') != nullptr) return std::make_unique<Range>(text, false);
+  if (std::strchr(text, '/') != nullptr) return std::make_unique<Block>(text, false);
+  return std::make_unique<Single>(text, false);
+}
+
+}  // namespace
+
+std::unique_ptr<CTarnFWAddress> CTarnFWAddressFactory::newFromMsgBuf(const FWAddress_* record) {
+  const unsigned int type = record->type;
+  TARNFW_TRACE(FW_COMPONENT_ADDRESS, 0, "%s: address type is %s\n", __func__, traceWord(type));
+  switch (type) {
+    case FW_ADDRESS_ANY:
+      return std::make_unique<CTarnFWAddressAny>(record);
+    case FW_ADDRESS_IPV4:
+      return std::make_unique<CTarnFWAddressIPv4>(record);
+    case FW_ADDRESS_IPV6:
+      return std::make_unique<CTarnFWAddressIPv6>(record);
+    case FW_ADDRESS_IPV4_RANGE:
+      return std::make_unique<CTarnFWAddressIPv4Range>(record);
+    case FW_ADDRESS_IPV6_RANGE:
+      return std::make_unique<CTarnFWAddressIPv6Range>(record);
+    case FW_ADDRESS_IPV4_CIDR:
+      return std::make_unique<CTarnFWAddressIPv4CIDR>(record);
+    case FW_ADDRESS_IPV6_CIDR:
+      return std::make_unique<CTarnFWAddressIPv6CIDR>(record);
+    case FW_ADDRESS_ETHER:
+      return std::make_unique<CTarnFWAddressEther>(record);
+    case FW_ADDRESS_ETHER_MASK:
+      return std::make_unique<CTarnFWAddressEtherMask>(record);
+    case FW_ADDRESS_ADDRSET:
+      return std::make_unique<CTarnFWAddrSetID>(record);
+    default:
+      // A MAC range is among these although it can be written: meant so.
+      throw CInvalidAddressException("unknown address type", type);
+  }
+}
+
+std::unique_ptr<CTarnFWAddress> CTarnFWAddressFactory::newFromMsgBuf(const void* buffer,
+                                                                     unsigned int size,
+                                                                     unsigned int* used) {
+  *used = 0;
+  if (size < sizeof(FWAddress_)) return nullptr;
+  *used = sizeof(FWAddress_);
+  const auto record = loadRecord<FWAddress_>(buffer);
+  return newFromMsgBuf(&record);
+}
+
+std::unique_ptr<CTarnFWAddress> CTarnFWAddressFactory::newFromString(FWAddrSetType_t setType,
+                                                                     const char* text) {
+  switch (setType) {
+    case FW_ADDRSET_IP:
+      TARNFW_TRACE(FW_COMPONENT_ADDRESS, 0, "creating ip address from %s\n", text);
+      return std::strchr(text, ':') != nullptr
+                 ? newIPAddress<CTarnFWAddressIPv6, CTarnFWAddressIPv6Range,
+                                CTarnFWAddressIPv6CIDR>(text)
+                 : newIPAddress<CTarnFWAddressIPv4, CTarnFWAddressIPv4Range,
+                                CTarnFWAddressIPv4CIDR>(text);
+    case FW_ADDRSET_MAC:
+      TARNFW_TRACE(FW_COMPONENT_ADDRESS, 0, "creating mac address from %s\n", text);
+      if (std::strchr(text, '/') != nullptr) {
+        return std::make_unique<CTarnFWAddressEtherMask>(text, false);
+      }
+      return std::make_unique<CTarnFWAddressEther>(text, false);
+    default:
+      throw CUnsupportedException("unsupported address set type", static_cast<int>(setType));
+  }
+}
+
+}  // namespace TarnFirewall

@@ -1,0 +1,110 @@
+#include "TarnFWAddressIPFamily.h"
+
+#include <arpa/inet.h>
+
+#include <charconv>
+#include <cstring>
+
+#include "TarnFWAddressConvert.h"
+#include "TarnFWUtil.h"
+#include "TarnFWWire.h"
+
+namespace TarnFirewall {
+
+namespace {
+
+std::array<net32, 4> words(const in6_addr& address) {
+  return loadRecord<std::array<net32, 4>>(&address);
+}
+
+}  // namespace
+
+void IPv4Family::appendAddress(std::string& text, const Address& address) {
+  // The form of inet_ntop, which is slower than all the rest of a rule's text.
+  char octets[INET_ADDRSTRLEN];
+  const auto bytes = loadRecord<std::array<std::uint8_t, 4>>(&address);
+  char* end = octets;
+  for (const unsigned int byte : bytes) {
+    if (end != octets) *end++ = '.';
+    end = std::to_chars(end, octets + sizeof octets, byte).ptr;
+  }
+  text.append(octets, end);
+}
+
+bool IPv4Family::prefix2mask(unsigned int prefix, Address* mask) {
+  return cidr2ipv4mask(prefix, mask);
+}
+
+bool IPv4Family::mask2prefix(const Address& mask, unsigned char* prefix) {
+  return ipv4mask2cidr(mask, prefix);
+}
+
+bool IPv4Family::str2prefix(const char* text, unsigned char* prefix) {
+  long number = 0;
+  if (!Str2CIDR4(text, &number)) return false;
+  *prefix = static_cast<unsigned char>(number);
+  return true;
+}
+
+bool IPv4Family::isTextRange(const Address& first, const Address& last) {
+  return isRange(first, last);
+}
+
+bool IPv4Family::isRange(const Address& first, const Address& last) {
+  return ntohl(first.s_addr) < ntohl(last.s_addr);
+}
+
+void IPv6Family::appendAddress(std::string& text, const Address& address) {
+  char form[INET6_ADDRSTRLEN];
+  if (inet_ntop(family, &address, form, sizeof form) == nullptr) {
+    throw CInvalidAddressException("invalid ip6 address");
+  }
+  text += form;
+}
+
+bool IPv6Family::prefix2mask(unsigned int prefix, Address* mask) {
+  return cidr2ipv6mask(prefix, mask);
+}
+
+bool IPv6Family::mask2prefix(const Address& mask, unsigned char* prefix) {
+  return ipv6mask2cidr(mask, prefix);
+}
+
+bool IPv6Family::str2prefix(const char* text, unsigned char* prefix) {
+  long number = 0;
+  if (!Str2CIDR6(text, &number)) return false;
+  *prefix = static_cast<unsigned char>(number);
+  return true;
+}
+
+bool IPv6Family::isTextRange(const Address& first, const Address& last) {
+  return std::memcmp(&first, &last, sizeof first) <= 0;
+}
+
+bool IPv6Family::isRange(const Address& first, const Address& last) {
+  const auto low = words(first);
+  const auto high = words(last);
+  for (std::size_t i = low.size(); i-- > 0;) {
+    if (low[i] > high[i]) return false;
+  }
+  return true;
+}
+
+std::uint32_t unswapped(const in_addr& address) { return address.s_addr; }
+
+std::array<std::uint32_t, 4> unswapped(const in6_addr& address) {
+  std::array<std::uint32_t, 4> words;
+  std::memcpy(words.data(), &address, sizeof words);
+  return words;
+}
+
+bool anyWordLess(const in6_addr& left, const in6_addr& right) {
+  const auto l = unswapped(left);
+  const auto r = unswapped(right);
+  for (std::size_t i = 0; i < l.size(); ++i) {
+    if (l[i] < r[i]) return true;
+  }
+  return false;
+}
+
+}  // namespace TarnFirewall
