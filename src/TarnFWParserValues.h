@@ -1,0 +1,66 @@
+#pragma once
+
+/// Plain values that the scanner hands to the parser, and the record by which one parse keeps the
+/// scanner's failure. All are trivially copyable, so that the parser's stack may be moved as bytes;
+/// what is pointed to lies in the parse's arena and is never freed by itself.
+
+#include <netinet/in.h>
+
+#include <cstdint>
+
+#include "TarnFWParserArena.h"
+#include "TarnFWTypes.h"
+
+namespace TarnFirewall {
+
+/// Longest text of a token in characters: quoted strings and identifiers above it are refused.
+inline constexpr std::size_t kParserTextLimit = 255;
+
+/// A token's text, NUL-terminated, in the arena.
+struct FWParserText {
+  const char* data;
+  std::uint32_t length;
+};
+
+/// The two numbers of a range token as they were written: unordered, unchecked.
+struct FWNumberRange {
+  std::uint32_t low;
+  std::uint32_t high;
+};
+
+struct FWIPv4Range {
+  in_addr first;
+  in_addr last;
+};
+
+struct FWIPv6Range {
+  in6_addr first;
+  in6_addr last;
+};
+
+struct FWEtherBytes {
+  std::uint8_t bytes[6];
+};
+
+/// An address, and the end or the mask that follows it.
+struct FWEtherPair {
+  FWEtherBytes first;
+  FWEtherBytes second;
+};
+
+/// A virtual machine's or switch's identifier in the form of the host's configuration files, with
+/// the port behind it.
+struct FWIdPort {
+  char text[64];
+  std::uint32_t port;
+};
+
+/// What one parse carries beside the scanner: the scanner's first failure, and the memory of the
+/// tokens. The caller of the parser owns it and value-initialises it before the parse.
+struct fw_lex_extra_ {
+  FWStatus_t status = FW_STATUS_OK;  // 0, or the status of the first failure of the scanner
+  char message[256] = {};            // its text, always terminated
+  CTarnFWParserArena arena;
+};
+
+}  // namespace TarnFirewall

@@ -1,0 +1,196 @@
+#include "TarnFWScannerActions.h"
+
+#include <arpa/inet.h>
+
+#include <cerrno>
+#include <charconv>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string_view>
+
+#include "TarnFWLog.h"
+
+namespace TarnFirewall {
+
+namespace {
+
+/// Records the first failure and ends the input. The message is cut to its field.
+int fail(fw_lex_extra_* extra, FWStatus_t status, const char* what, std::string_view text) {
+  if (extra->status != FW_STATUS_OK) return 0;
+  extra->status = status;
+  std::snprintf(extra->message, sizeof extra->message, "%s%.*s", what,
+                static_cast<int>(text.size()), text.data());
+  return 0;
+}
+
+int outOfMemory(fw_lex_extra_* extra) {
+  return fail(extra, FW_STATUS_OUT_OF_MEMORY, "out of memory", {});
+}
+
+constexpr std::uint8_t hexDigit(char c) {
+  return static_cast<std::uint8_t>(c <= '9' ? c - '0' : (c | 0x20) - 'a' + 10);
+}
+
+std::uint8_t hexByte(const char* digits) {
+  return static_cast<std::uint8_t>(hexDigit(digits[0]) << 4 | hexDigit(digits[1]));
+}
+
+/// Six bytes of two digits each, with one character between them.
+FWEtherBytes etherBytes(const char* text) {
+  FWEtherBytes ether;
+  for (std::size_t i = 0; i < sizeof ether.bytes; ++i) ether.bytes[i] = hexByte(text + 3 * i);
+  return ether;
+}
+
+constexpr std::size_t kEtherLength = 17;
+
+int scanEtherPair(YYSTYPE* value, ScannedText text, int token) {
+  value->etherPair = {etherBytes(text.data), etherBytes(text.data + kEtherLength + 1)};
+  return token;
+}
+
+/// `inet_pton` of one part of a range, or the failure that names the part.
+template <typename Address>
+bool parseAddress(fw_lex_extra_* extra, int family, std::string_view part, Address* address) {
+  char copy[INET6_ADDRSTRLEN + 1];
+  const std::size_t length = part.copy(copy, sizeof copy - 1);
+  copy[length] = '\0';
+  if (length == part.size() && inet_pton(family, copy, address) == 1) return true;
+  fail(extra, FW_STATUS_INVALID_ADDRESS, "invalid ip address - ", part);
+  return false;
+}
+
+}  // namespace
+
+int scanText(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text, int token) {
+  const char* copy = extra->arena.copy(text.data, text.length);
+  if (copy == nullptr) return outOfMemory(extra);
+  value->text = {copy, static_cast<std::uint32_t>(text.length)};
+  return token;
+}
+
+int scanQuoted(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text) {
+  const ScannedText body = {text.data + 1, text.length - 2};
+  if (body.length > kParserTextLimit) {
+    return fail(extra, FW_STATUS_NAME_TOO_LONG, "identifier too long - ", text.data);
+  }
+  // A NUL inside the quotes ends the text: names are C texts from here on.
+  return scanText(extra, value, {body.data, strnlen(body.data, body.length)}, TK_STRING);
+}
+
+int scanIdentifier(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text) {
+  if (text.length > kParserTextLimit) {
+    return fail(extra, FW_STATUS_NAME_TOO_LONG, "identifier is too long - ", text.data);
+  }
+  return scanText(extra, value, text, TK_STRING);
+}
+
+int scanDecimal(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text) {
+  errno = 0;
+  const auto [end, error] = std::from_chars(text.data, text.data + text.length, value->number, 10);
+  if (error != std::errc{}) {
+    errno = ERANGE;
+    return fail(extra, FW_STATUS_PARSING_ERROR, "decimal integer overflows - ", text.data);
+  }
+  return TK_NUMBER;
+}
+
+int scanHexadecimal(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text) {
+  value->number = std::strtoll(text.data, nullptr, 16);
+  if (errno != 0) {
+    return fail(extra, FW_STATUS_PARSING_ERROR, "hex integer overflows - ", text.data);
+  }
+  return TK_NUMBER;
+}
+
+int scanRange(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text, char separator) {
+  errno = 0;
+  const long long low = std::strtoll(text.data, nullptr, 10);
+  if (errno != 0) {
+    return fail(extra, FW_STATUS_PARSING_ERROR, "low bound of decimal range overflows - ",
+                text.data);
+  }
+  const long long high = std::strtoll(std::strchr(text.data, separator) + 1, nullptr, 10);
+  if (errno != 0) {
+    return fail(extra, FW_STATUS_PARSING_ERROR, "high bound of decimal range overflows - ",
+                text.data);
+  }
+  value->numberRange = {static_cast<std::uint32_t>(low), static_cast<std::uint32_t>(high)};
+  return TK_NUMBER_RANGE;
+}
+
+int scanIPv4ShortRange(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text) {
+  const std::string_view whole(text.data, text.length);
+  const std::size_t dash = whole.find('-');
+  const std::string_view first = whole.substr(0, dash);
+  FWIPv4Range range;
+  if (!parseAddress(extra, AF_INET, first, &range.first)) return 0;
+  char last[INET_ADDRSTRLEN];
+  const std::size_t kept = first.rfind('.') + 1;
+  first.copy(last, kept);
+  const std::size_t digits = whole.copy(last + kept, sizeof last - kept, dash + 1);
+  if (!parseAddress(extra, AF_INET, {last, kept + digits}, &range.last)) return 0;
+  value->ipv4Range = range;
+  return TK_IPV4_RANGE;
+}
+
+int scanIPv4Range(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text) {
+  const std::string_view whole(text.data, text.length);
+  const std::size_t dash = whole.find('-');
+  FWIPv4Range range;
+  if (!parseAddress(extra, AF_INET, whole.substr(0, dash), &range.first)) return 0;
+  if (!parseAddress(extra, AF_INET, whole.substr(dash + 1), &range.last)) return 0;
+  value->ipv4Range = range;
+  return TK_IPV4_RANGE;
+}
+
+int scanIPv6Range(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text) {
+  const std::string_view whole(text.data, text.length);
+  const std::size_t dash = whole.find('-');
+  FWIPv6Range range;
+  if (!parseAddress(extra, AF_INET6, whole.substr(0, dash), &range.first)) return 0;
+  if (!parseAddress(extra, AF_INET6, whole.substr(dash + 1), &range.last)) return 0;
+  void* room = extra->arena.allocate(sizeof range);
+  if (room == nullptr) return outOfMemory(extra);
+  std::memcpy(room, &range, sizeof range);
+  value->ipv6Range = static_cast<FWIPv6Range*>(room);
+  return TK_IPV6_RANGE;
+}
+
+int scanIdPort(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text, char separator) {
+  std::uint8_t id[16];
+  const char* digits = text.data;
+  for (std::uint8_t& byte : id) {
+    if (*digits == '-') ++digits;
+    byte = hexByte(digits);
+    digits += 2;
+  }
+  void* room = extra->arena.allocate(sizeof(FWIdPort));
+  if (room == nullptr) return outOfMemory(extra);
+  FWIdPort result = {};
+  std::snprintf(result.text, sizeof result.text,
+                "%02x %02x %02x %02x %02x %02x %02x %02x-%02x %02x %02x %02x %02x %02x %02x %02x",
+                id[0], id[1], id[2], id[3], id[4], id[5], id[6], id[7], id[8], id[9], id[10],
+                id[11], id[12], id[13], id[14], id[15]);
+  result.port =
+      static_cast<std::uint32_t>(std::strtoul(std::strchr(text.data, separator) + 1, nullptr, 10));
+  std::memcpy(room, &result, sizeof result);
+  value->idPort = static_cast<FWIdPort*>(room);
+  return TK_ID_PORT;
+}
+
+int scanEther(YYSTYPE* value, ScannedText text) {
+  value->ether = etherBytes(text.data);
+  return TK_ETHER;
+}
+
+int scanEtherRange(YYSTYPE* value, ScannedText text) {
+  return scanEtherPair(value, text, TK_ETHER_RANGE);
+}
+
+int scanEtherMask(YYSTYPE* value, ScannedText text) {
+  return scanEtherPair(value, text, TK_ETHER_MASK);
+}
+
+}  // namespace TarnFirewall

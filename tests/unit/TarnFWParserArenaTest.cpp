@@ -1,0 +1,56 @@
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "TarnFWParserArena.h"
+
+using TarnFirewall::CTarnFWParserArena;
+
+TEST(TarnFWParserArena, KeepsTextsWhereTheyAreWhileItGrows) {
+  CTarnFWParserArena arena;
+  const char* first = arena.copy("first", 5);
+  const std::string filler(255, 'x');
+  for (int i = 0; i < 1000; ++i) ASSERT_NE(arena.copy(filler.data(), filler.size()), nullptr);
+  EXPECT_STREQ(first, "first");
+}
+
+TEST(TarnFWParserArena, ReleasesToAMarkInAnEarlierBlockAndUsesTheRoomAgain) {
+  CTarnFWParserArena arena;
+  arena.copy("kept", 4);
+  const auto mark = arena.mark();
+  const char* behind = arena.copy("a", 1);
+  const std::string filler(255, 'x');
+  for (int i = 0; i < 100; ++i) arena.copy(filler.data(), filler.size());
+  arena.release(mark);
+  EXPECT_EQ(arena.copy("b", 1), behind);
+}
+
+TEST(TarnFWParserArena, TheZeroMarkEmptiesIt) {
+  CTarnFWParserArena arena;
+  arena.release({});
+  const char* first = arena.copy("first", 5);
+  const std::string filler(255, 'x');
+  for (int i = 0; i < 100; ++i) arena.copy(filler.data(), filler.size());
+  arena.release({});
+  EXPECT_EQ(arena.copy("again", 5), first);
+}
+
+TEST(TarnFWParserArena, ReleaseLastFreesOnlyWhatNothingStandsBehind) {
+  CTarnFWParserArena arena;
+  const char* first = arena.copy("first", 5);
+  const char* second = arena.copy("second", 6);
+  arena.releaseLast(first, 5);
+  EXPECT_STREQ(second, "second");
+  const char* third = arena.copy("third", 5);
+  EXPECT_GT(third, second);
+  arena.releaseLast(third, 5);
+  arena.releaseLast(second, 6);
+  arena.releaseLast(first, 5);
+  EXPECT_EQ(arena.copy("fourth", 6), first);
+}
+
+TEST(TarnFWParserArena, HandsOutAWholeBlockAndNothingLarger) {
+  CTarnFWParserArena arena;
+  EXPECT_NE(arena.allocate(CTarnFWParserArena::kBlockSize), nullptr);
+  EXPECT_EQ(arena.allocate(CTarnFWParserArena::kBlockSize + 1), nullptr);
+}
