@@ -25,7 +25,7 @@ int fail(fw_lex_extra_* extra, FWStatus_t status, const char* what, std::string_
 }
 
 int outOfMemory(fw_lex_extra_* extra) {
-  return fail(extra, FW_STATUS_OUT_OF_MEMORY, "out of memory", {});
+  return fail(extra, FW_STATUS_OUT_OF_MEMORY, "out of memory", "");
 }
 
 constexpr std::uint8_t hexDigit(char c) {
