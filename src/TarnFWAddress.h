@@ -97,6 +97,7 @@ class CTarnFWAddress : public ITarnFWObject {
 
   /// True when the address means everything but this one.
   bool isNegated() const { return negated_; }
+  void setNegated(bool negated) { negated_ = negated; }
 
  protected:
   explicit CTarnFWAddress(bool negated = false) : negated_(negated) {}

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "TarnFWObject.h"
+
+namespace TarnFirewall {
+
+/// What a rule matches above its addresses: one IP protocol (layer 3) or one ethertype (layer 2),
+/// or any of them. It has no wire form of its own: the rule record holds its number and flags.
+class CTarnFWProtocol final : public ITarnFWObject {
+ public:
+  static constexpr int kType = 19;
+
+  /// Any protocol of the layer.
+  explicit CTarnFWProtocol(bool layer3) : layer3_(layer3) {}
+  CTarnFWProtocol(bool layer3, unsigned short number, bool negated)
+      : number_(number), layer3_(layer3), negated_(negated), defined_(true) {}
+  /// Throws CUnsupportedException when negated without being defined.
+  CTarnFWProtocol(bool defined, unsigned short number, bool layer3, bool negated);
+
+  unsigned int getMsgSize() const override { return 0; }
+  int getType() const override { return kType; }
+  std::string toString() const override;
+  void appendTo(std::string& text) const override;
+  /// Writes nothing and reports 0 bytes.
+  bool toMessage(void* buffer, unsigned int size, unsigned int* written) override;
+
+  /// The labelled form, with "Protocol :" or "Ethertype :" as its word.
+  std::string toString2() const;
+
+  /// Defines the protocol.
+  void setProtocol(unsigned short number, bool negated);
+
+  /// IP protocol number or ethertype, host order; 0 when not defined.
+  unsigned short getNumber() const { return number_; }
+  bool isLayer3() const { return layer3_; }
+  bool isNegated() const { return negated_; }
+  bool isDefined() const { return defined_; }
+
+  /// True for exactly this IP protocol: defined, layer 3 and not negated.
+  bool isIPProtocol(unsigned short number) const {
+    return defined_ && layer3_ && !negated_ && number_ == number;
+  }
+
+ private:
+  void appendWith(std::string& text, const char* protocolWord, const char* ethertypeWord) const;
+
+  std::uint16_t number_ = 0;
+  bool layer3_;
+  bool negated_ = false;
+  bool defined_ = false;
+};
+
+}  // namespace TarnFirewall

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "TarnFWProtocolSpec.h"
+
+namespace TarnFirewall {
+
+/// The protocol specs of one place in a rule: source ports, destination ports or the connection.
+///
+/// A list writes itself in one of two ways. In port mode, which a rule switches on for its two port
+/// lists, it is a port block of 38 bytes and skips all members but ports. Otherwise it is the
+/// session block of 56 bytes and skips ports.
+class CTarnFWProtocolSpecList final : public CTarnFWProtocolSpec {
+ public:
+  static constexpr int kType = 127;
+
+  /// An empty list, port mode off. Throws CInvalidProtocolSpecDirException for a dir above 2.
+  explicit CTarnFWProtocolSpecList(unsigned char dir) : CTarnFWProtocolSpec(dir, false) {}
+
+  int getType() const override { return kType; }
+  unsigned int getMsgSize() const override {
+    return portMode_ ? sizeof(FWPortBlock_) : sizeof(FWSessionBlock_);
+  }
+  /// Empty for an empty list; a single member stands alone, more stand in "with {...}".
+  void appendTo(std::string& text) const override;
+  /// Throws CDuplicateProtocolSpecException when two members want the same place; nothing is
+  /// written then.
+  bool toMessage(void* buffer, unsigned int size, unsigned int* written) override;
+  /// Of the list and each member.
+  void setDir(unsigned char dir) override;
+
+  void setPortMode(bool on) { portMode_ = on; }
+
+  /// Throws CDuplicateProtocolSpecException for a second spec of a kind.
+  void addSpec(std::unique_ptr<CTarnFWProtocolSpec> spec);
+
+  /// Takes the first member of this kind out and hands it to the caller; null when there is none.
+  /// The kind still counts as present, so that another of it can't be added: this is meant.
+  std::unique_ptr<CTarnFWProtocolSpec> deleteSpec(FWProtocolSpecType_t kind);
+
+  /// Members of this kind, or all members for FW_SPEC_NONE.
+  unsigned int getSpecCount(FWProtocolSpecType_t kind) const;
+
+  /// Moves the members of `other` to this list's end. On CDuplicateProtocolSpecException the member
+  /// in question and those behind it stay in `other`.
+  void mergeSpecList(CTarnFWProtocolSpecList& other);
+
+ private:
+  void claimKind(const CTarnFWProtocolSpec& spec);
+  void writePorts(FWPortBlock_& block) const;
+  void writeSession(FWSessionBlock_& block) const;
+
+  bool portMode_ = false;
+  std::vector<std::unique_ptr<CTarnFWProtocolSpec>> specs_;
+  std::uint64_t kinds_ = 0;  // bit: object type of a member less kFirstType
+};
+
+}  // namespace TarnFirewall
