@@ -23,13 +23,13 @@ struct ProgramCommand {
   int (*run)(const Store& store, Arguments arguments);
 };
 
-/// The commands in the order of the help text.
-std::span<const ProgramCommand> programCommands();
-
 int runInit(const Store& store, Arguments arguments);
 int runRun(const Store& store, Arguments arguments);
 int runShell(const Store& store, Arguments arguments);
 int runReset(const Store& store, Arguments arguments);
+int runShow(const Store& store, Arguments arguments);
+int runLog(const Store& store, Arguments arguments);
+int runFault(const Store& store, Arguments arguments);
 
 /// "tarnlab: " and the message to standard error.
 void complain(const std::string& message);

@@ -46,6 +46,44 @@ constexpr ProgramCommand commands[] = {
      "\n"
      "  --help          this text\n",
      runReset},
+    {"show", "show what the host holds",
+     "Usage: tarnlab show\n"
+     "\n"
+     "Shows the host's filters, what each of them holds, and the faults in force.\n"
+     "\n"
+     "  --help          this text\n",
+     runShow},
+    {"log", "show what was asked of the devices",
+     "Usage: tarnlab log [-x] [-n N]\n"
+     "\n"
+     "Shows every message and direct request so far, one line each: when, which program,\n"
+     "device and request number, what was asked, and the answer.\n"
+     "\n"
+     "  -x              with the bytes that were sent and answered\n"
+     "  -n N            only the last N\n"
+     "  --help          this text\n",
+     runLog},
+    {"fault", "order failures, or list or clear them",
+     "Usage: tarnlab fault\n"
+     "       tarnlab fault status S [--count N] [--only COMMAND]\n"
+     "       tarnlab fault errno E [--count N] [--only REQUEST] [--device DEVICE]\n"
+     "       tarnlab fault delay MS [--count N]\n"
+     "       tarnlab fault absent [DEVICE...]\n"
+     "       tarnlab fault clear\n"
+     "\n"
+     "Without an argument, lists the faults in force. Otherwise:\n"
+     "\n"
+     "  status S        messages are not carried out but answered with status S\n"
+     "  errno E         requests fail with the errno E, a number or a name like ENOMEM\n"
+     "  delay MS        requests are held up for so many milliseconds\n"
+     "  absent          the devices cannot be opened; without a DEVICE, the firewall\n"
+     "  clear           no faults from now on\n"
+     "  --count N       only the next N; without it, until cleared\n"
+     "  --only COMMAND  only messages with this command, by name or number\n"
+     "  --only REQUEST  only this request number\n"
+     "  --device DEVICE firewall, tables or insertion\n"
+     "  --help          this text\n",
+     runFault},
 };
 
 void printUsage(std::FILE* stream) {
@@ -68,8 +106,6 @@ void printUsage(std::FILE* stream) {
 }
 
 }  // namespace
-
-std::span<const ProgramCommand> programCommands() { return commands; }
 
 void complain(const std::string& message) {
   std::fprintf(stderr, "tarnlab: %s\n", message.c_str());

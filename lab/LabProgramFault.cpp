@@ -1,0 +1,145 @@
+// tarnlab fault: orders failures, so that a program's handling of them can be tried.
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+#include "LabCommandNames.h"
+#include "LabFaults.h"
+#include "LabProgram.h"
+#include "LabText.h"
+
+namespace TarnLab {
+
+namespace {
+
+constexpr std::uint32_t statusLimit = 0xffffffff;
+constexpr std::uint32_t countLimit = 0xffffffff;
+constexpr std::uint32_t delayLimit = 3600000;
+
+/// The number of an errno by its name or as a number.
+std::optional<std::uint32_t> parseErrno(std::string_view text) {
+  if (const auto number = parseNumber(text, 4095); number && *number > 0) {
+    return static_cast<std::uint32_t>(*number);
+  }
+  for (int error = 1; error < 134; ++error) {
+    const char* name = ::strerrorname_np(error);
+    if (name != nullptr && text == name) return static_cast<std::uint32_t>(error);
+  }
+  return std::nullopt;
+}
+
+Device parseDevice(std::string_view text) {
+  for (const DeviceNode& node : deviceNodes) {
+    if (text == node.name || text == node.path) return node.device;
+  }
+  return Device::none;
+}
+
+int listFaults(const Store& store) {
+  const StoreLock lock(store);
+  const Faults faults = Faults::load(store);
+  if (faults.all().empty()) std::puts("no faults");
+  for (const Fault& fault : faults.all()) std::puts(fault.toString().c_str());
+  return exitOk;
+}
+
+int clearFaults(const Store& store) {
+  const StoreLock lock(store);
+  Faults().save(store);
+  return exitOk;
+}
+
+/// Reads "--count N", "--only WHAT" and "--device DEVICE"; 0 or the exit status of a mistake.
+int readOptions(Fault& fault, Arguments arguments) {
+  for (; !arguments.empty(); arguments = arguments.subspan(2)) {
+    const std::string option = arguments[0];
+    if (option != "--count" && option != "--only" && option != "--device") {
+      return misused("fault", "unknown argument " + printable(option));
+    }
+    if (arguments.size() < 2) return misused("fault", option + " needs a value");
+    const std::string value = arguments[1];
+    if (option == "--count") {
+      const auto count = parseNumber(value, countLimit);
+      if (!count || *count == 0) return misused("fault", "bad count " + printable(value));
+      fault.remaining = static_cast<std::uint32_t>(*count);
+    } else if (option == "--only" && fault.kind == Fault::Kind::status) {
+      const auto command = commandNumber(value);
+      if (!command) return misused("fault", "unknown command " + printable(value));
+      fault.only = *command;
+    } else if (option == "--only" && fault.kind == Fault::Kind::error) {
+      const auto number = parseNumber(value, 0xffffffff);
+      if (!number) return misused("fault", "bad request number " + printable(value));
+      fault.only = static_cast<std::uint32_t>(*number);
+    } else if (option == "--device" && fault.kind == Fault::Kind::error) {
+      fault.device = parseDevice(value);
+      if (fault.device == Device::none)
+        return misused("fault", "unknown device " + printable(value));
+    } else {
+      return misused("fault", option + " does not go with this fault");
+    }
+  }
+  return 0;
+}
+
+int orderAbsence(const Store& store, Arguments devices) {
+  std::vector<Fault> ordered;
+  static char firewall[] = "firewall";
+  static char* const usual[] = {firewall};
+  if (devices.empty()) devices = usual;
+  for (const char* name : devices) {
+    Fault fault;
+    fault.kind = Fault::Kind::absent;
+    fault.device = parseDevice(name);
+    if (fault.device == Device::none) return misused("fault", "unknown device " + printable(name));
+    ordered.push_back(fault);
+  }
+  const StoreLock lock(store);
+  Faults faults = Faults::load(store);
+  for (const Fault& fault : ordered) {
+    if (!faults.absent(fault.device)) faults.add(fault);
+  }
+  faults.save(store);
+  return exitOk;
+}
+
+}  // namespace
+
+int runFault(const Store& store, Arguments arguments) {
+  requireLab(store);
+  if (arguments.empty()) return listFaults(store);
+  const std::string what = arguments[0];
+  arguments = arguments.subspan(1);
+  if (what == "clear") {
+    return arguments.empty() ? clearFaults(store) : misused("fault", "clear takes no arguments");
+  }
+  if (what == "absent") return orderAbsence(store, arguments);
+
+  Fault fault;
+  if (what == "status") {
+    fault.kind = Fault::Kind::status;
+  } else if (what == "errno") {
+    fault.kind = Fault::Kind::error;
+  } else if (what == "delay") {
+    fault.kind = Fault::Kind::delay;
+  } else {
+    return misused("fault", "unknown fault " + printable(what));
+  }
+  if (arguments.empty()) return misused("fault", what + " needs a value");
+  std::optional<unsigned long long> value;
+  if (fault.kind == Fault::Kind::error) {
+    value = parseErrno(arguments[0]);
+  } else {
+    value = parseNumber(arguments[0], fault.kind == Fault::Kind::status ? statusLimit : delayLimit);
+  }
+  if (!value) return misused("fault", "bad " + what + " " + printable(arguments[0]));
+  fault.value = static_cast<std::uint32_t>(*value);
+  if (const int mistake = readOptions(fault, arguments.subspan(1)); mistake != 0) return mistake;
+
+  const StoreLock lock(store);
+  Faults faults = Faults::load(store);
+  faults.add(fault);
+  faults.save(store);
+  return exitOk;
+}
+
+}  // namespace TarnLab
