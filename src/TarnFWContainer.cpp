@@ -1,0 +1,143 @@
+#include "TarnFWContainer.h"
+
+#include <cstdlib>
+#include <cstring>
+
+#include "TarnFWAttrProfile.h"
+#include "TarnFWLog.h"
+#include "TarnFWText.h"
+
+namespace TarnFirewall {
+
+namespace {
+
+constexpr unsigned int kHead = sizeof(FWtlvChain);
+
+}  // namespace
+
+CTarnFWContainer::CTarnFWContainer(const std::string& name, FWContainerType type)
+    : name_(name), type_(type) {
+  checkContainerName(name);
+}
+
+std::unique_ptr<CTarnFWContainer> CTarnFWContainer::BuildContainer(const std::string& name,
+                                                                   FWContainerType type) {
+  if (type == FW_CONTAINER_ATTR_PROFILE) return std::make_unique<CTarnFWAttrProfile>(name);
+  return std::make_unique<CTarnFWContainer>(name, type);
+}
+
+std::unique_ptr<CTarnFWContainer> CTarnFWContainer::BuildContainer(const std::string& name,
+                                                                   FWContainerType type,
+                                                                   const FWtlvChain* chain,
+                                                                   unsigned int size) {
+  std::unique_ptr<CTarnFWContainer> container = BuildContainer(name, type);
+  if (!container->parseTLVChain(chain, size)) return nullptr;
+  return container;
+}
+
+unsigned int CTarnFWContainer::getMsgSize() const {
+  unsigned int size = kHead;
+  for (const auto& element : elements_) size += element->getMsgSize();
+  return size;
+}
+
+int CTarnFWContainer::getType() const { return kContainerObject; }
+
+std::string CTarnFWContainer::toString() const {
+  std::string text = "{";
+  const char* separator = "";
+  for (const auto& element : elements_) {
+    text += separator;
+    text += element->toString();
+    separator = ", ";
+  }
+  text += " }";
+  return text;
+}
+
+bool CTarnFWContainer::toMessage(void* buffer, unsigned int size, unsigned int* written) {
+  if (buffer == nullptr) return false;
+  const unsigned int needed = getMsgSize();
+  if (needed > size) {
+    TARNFW_ERROR("%s\n",
+                 formatText("size of message buffer %u is less than required size %u", size, needed)
+                     .c_str());
+    return false;
+  }
+  FWtlvChain head;
+  head.type = type_;
+  head.count = getCount();
+  head.size = needed - kHead;
+  storeRecord(buffer, head);
+  unsigned int used = kHead;
+  for (const auto& element : elements_) {
+    unsigned int part = 0;
+    if (!element->toMessage(static_cast<std::uint8_t*>(buffer) + used, size - used, &part)) {
+      TARNFW_ERROR("failed to serialize : %s\n", element->toString().c_str());
+      return false;
+    }
+    used += part;
+  }
+  if (written != nullptr) *written = used;
+  return true;
+}
+
+bool CTarnFWContainer::addElement(std::unique_ptr<CTarnFWContainerElement> element) {
+  if (element.get() == nullptr) return false;
+  return elements_.insert(std::move(element)).second;
+}
+
+bool CTarnFWContainer::parseTLVChain(const FWtlvChain* chain, unsigned int size) {
+  if (chain == nullptr) return false;
+  if (size < kHead) {
+    TARNFW_ERROR("size of tlv chain message less than minimum size : %lu\n",
+                 static_cast<unsigned long>(kHead));
+    return false;
+  }
+  const auto head = loadRecord<FWtlvChain>(chain);
+  const std::uint32_t chainSize = head.size;
+  if (chainSize > size) {
+    TARNFW_ERROR("size of tlv chain %u is greater than the buffer size %u\n", chainSize, size);
+    return false;
+  }
+  // The rule for chains is loose, and meant so: the size field is compared with the buffer alone,
+  // and the heads of the elements do not count against what remains. So every chain that lies in
+  // the buffer passes, whatever its size field says; the buffer's end is what bounds every read.
+  const auto* place = reinterpret_cast<const std::uint8_t*>(chain) + kHead;
+  unsigned int remaining = size - kHead;
+  const std::uint32_t count = head.count;
+  for (std::uint32_t index = 0; index < count; ++index) {
+    auto element = CTarnFWContainerElement::buildContainerElement(
+        reinterpret_cast<const FWtlvChainElem*>(place), remaining);
+    if (element.get() == nullptr) {
+      TARNFW_ERROR("failed to create element at index %d\n\n", static_cast<int>(index));
+      return false;
+    }
+    const std::uint32_t length = loadRecord<FWtlvChainElem>(place).length;
+    addElement(std::move(element));
+    const unsigned int step = static_cast<unsigned int>(sizeof(FWtlvChainElem)) + length;
+    place += step;
+    remaining -= step;
+  }
+  return true;
+}
+
+bool CTarnFWContainer::elementsToCharArray(char** out, unsigned int capacity) const {
+  if (out == nullptr || capacity < elements_.size()) {
+    TARNFW_ERROR("number of elements mismatch %u != %lu\n", capacity,
+                 static_cast<unsigned long>(elements_.size()));
+    return false;
+  }
+  std::size_t filled = 0;
+  for (const auto& element : elements_) {
+    out[filled] = ::strdup(element->toString().c_str());
+    if (out[filled] == nullptr) {
+      while (filled > 0) std::free(out[--filled]);
+      return false;
+    }
+    ++filled;
+  }
+  return true;
+}
+
+}  // namespace TarnFirewall
