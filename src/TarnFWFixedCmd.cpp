@@ -1,0 +1,35 @@
+#include "TarnFWFixedCmd.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace TarnFirewall {
+
+bool CTarnFWBodyCmd::writeCmdBody(void* body, unsigned int room, unsigned int* written,
+                                  unsigned int) {
+  if (size_ > room) return false;
+  const std::span<std::byte> bytes(static_cast<std::byte*>(body), size_);
+  std::memset(bytes.data(), 0, bytes.size());
+  fill(bytes);
+  *written = size_;
+  return true;
+}
+
+void CTarnFWBodyCmd::checkCmdReply(const void* reply, unsigned int size) {
+  read(CTarnFWCmdReply(reply, std::min(size, size_)));
+}
+
+void CTarnFWBodyCmd::fill(std::span<std::byte>) const {}
+
+void CTarnFWBodyCmd::read(const CTarnFWCmdReply&) {}
+
+unsigned int countedSize(unsigned int head, std::uint64_t each, unsigned int count,
+                         const char* text) {
+  const std::uint64_t size = head + each * count;
+  if (size > std::numeric_limits<unsigned int>::max()) {
+    throw CIntegerOverflowException(text, static_cast<int>(count));
+  }
+  return static_cast<unsigned int>(size);
+}
+
+}  // namespace TarnFirewall

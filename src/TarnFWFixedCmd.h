@@ -1,0 +1,115 @@
+#pragma once
+
+/// What commands have in common: the number, the size, the zeroing of the body, the size checks,
+/// and the bounded view of the reply. A concrete command fills its body and reads its reply.
+
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <span>
+#include <string>
+
+#include "TarnFWCmd.h"
+#include "TarnFWCmdCatalogue.h"
+#include "TarnFWSelector.h"
+
+namespace TarnFirewall {
+
+/// A command whose body size is known when it is made.
+class CTarnFWBodyCmd : public CTarnFWCmd {
+ public:
+  unsigned int getMsgSize() const final { return size_; }
+  std::uint16_t getCommand() const final { return number_; }
+  int getType() const override { return kCmdObjectType + number_; }
+
+  /// Clears the body, then fills it.
+  bool writeCmdBody(void* body, unsigned int room, unsigned int* written, unsigned int arg) final;
+
+  void checkCmdReply(const void* reply, unsigned int size) final;
+
+ protected:
+  CTarnFWBodyCmd(const dvs_port_* port, std::uint16_t number, unsigned int size)
+      : CTarnFWCmd(port), size_(size), number_(number) {}
+
+ private:
+  /// Writes the request into a zeroed body of `getMsgSize()` bytes. Nothing by default.
+  virtual void fill(std::span<std::byte> body) const;
+
+  /// Prints or keeps what the reply says. Nothing by default.
+  virtual void read(const CTarnFWCmdReply& reply);
+
+  unsigned int size_;
+  std::uint16_t number_;
+};
+
+/// True when the catalogue has a class with this body for the number.
+constexpr bool hasCmdForm(std::uint16_t number, std::uint32_t body) {
+  for (const FWCmdForm_& form : kCmdCatalogue[number].forms) {
+    if (form.className != nullptr && form.body == body) return true;
+  }
+  return false;
+}
+
+/// A command of fixed size.
+template <std::uint16_t Number, unsigned int Size>
+class CTarnFWFixedCmd : public CTarnFWBodyCmd {
+  static_assert(Number < kCmdCount && hasCmdForm(Number, Size));
+
+ protected:
+  explicit CTarnFWFixedCmd(const dvs_port_* port) : CTarnFWBodyCmd(port, Number, Size) {}
+};
+
+/// A command whose arguments decide its size.
+template <std::uint16_t Number>
+class CTarnFWSizedCmd : public CTarnFWBodyCmd {
+  static_assert(Number < kCmdCount && hasCmdForm(Number, kVaries));
+
+ protected:
+  CTarnFWSizedCmd(const dvs_port_* port, unsigned int size) : CTarnFWBodyCmd(port, Number, size) {}
+};
+
+/// Stores a record in a body. A record that does not fit throws `CInsufficientMsgBufException`.
+template <typename Record>
+void storeAt(std::span<std::byte> body, std::size_t offset, const Record& record) {
+  if (offset > body.size() || sizeof(Record) > body.size() - offset) {
+    throw CInsufficientMsgBufException(static_cast<unsigned int>(offset + sizeof(Record)),
+                                       static_cast<unsigned int>(body.size()));
+  }
+  storeRecord(body.data() + offset, record);
+}
+
+/// `head + count * each` as a message size; more than 32 bits throw `CIntegerOverflowException`
+/// with `text` and the count.
+unsigned int countedSize(unsigned int head, std::uint64_t each, unsigned int count,
+                         const char* text);
+
+/// Adds to a command a name that stands at offset 0 of the body, copied as it is.
+template <typename Base, typename Name>
+class CTarnFWNamed : public Base {
+ public:
+  /// The name up to its NUL or its field's end.
+  std::string name() const { return fieldText(name_.text); }
+
+ protected:
+  template <typename... Arguments>
+  CTarnFWNamed(const dvs_port_* port, const Name& name, Arguments... arguments)
+      : Base(port, arguments...), name_(name) {}
+
+  /// "WORDS NAME" and the selector, as the statement reads.
+  std::string statement(const char* words) const {
+    return std::string(words) + ' ' + name() + this->dvsportToString("of");
+  }
+
+  void fill(std::span<std::byte> body) const override { storeAt(body, 0, name_); }
+
+ private:
+  Name name_;
+};
+
+template <std::uint16_t Number, unsigned int Size>
+using CTarnFWRuleSetNameCmd = CTarnFWNamed<CTarnFWFixedCmd<Number, Size>, FWRuleSetID_t>;
+
+template <std::uint16_t Number, unsigned int Size>
+using CTarnFWAddrSetNameCmd = CTarnFWNamed<CTarnFWFixedCmd<Number, Size>, FWAddrSetID_t>;
+
+}  // namespace TarnFirewall
