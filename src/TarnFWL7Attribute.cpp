@@ -290,7 +290,10 @@ bool CTarnFWL7Attribute::serializeValue(void* buffer, unsigned int size,
 
 bool CTarnFWL7Attribute::operator==(const CTarnFWContainerElement& other) const {
   if (typeid(other) != typeid(CTarnFWL7Attribute)) return false;
-  const auto& that = static_cast<const CTarnFWL7Attribute&>(other);
+  return *this == static_cast<const CTarnFWL7Attribute&>(other);
+}
+
+bool CTarnFWL7Attribute::operator==(const CTarnFWL7Attribute& that) const {
   if (key_ != that.key_ || type_ != that.type_) return false;
   switch (type_) {
     case FW_ATTR_VALUE_INT:

@@ -64,6 +64,7 @@ class CTarnFWL7Attribute final : public CTarnFWContainerElement {
 
   /// Key, kind of value, value. The text of an identifier plays no part.
   bool operator==(const CTarnFWContainerElement& other) const override;
+  bool operator==(const CTarnFWL7Attribute& other) const;
   bool operator<(const CTarnFWContainerElement& other) const override;
 
   FWAttrKeyID getKeyID() const { return key_; }
