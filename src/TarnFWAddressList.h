@@ -15,7 +15,9 @@ class CTarnFWAddressList : public CTarnFWAddress {
  public:
   /// Deletes what belongs to the list and leaves what is borrowed.
   struct Release {
-    bool owned = true;
+    Release() : owned(true) {}
+    explicit Release(bool isOwned) : owned(isOwned) {}
+    bool owned;
     void operator()(CTarnFWAddress* address) const {
       if (owned) delete address;
     }

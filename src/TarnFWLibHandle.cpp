@@ -22,22 +22,24 @@ std::unique_ptr<CTarnFWLibHandle> CTarnFWLibHandle::GetInstance() {
 CTarnFWLibHandle* CTarnFWLibHandle::GetIoctlInstance() {
   static Locks::Mutex mutex;
   static std::unique_ptr<CTarnFWLibHandle> instance;
-  const Locks::Guard lock(mutex);
-  if (instance != nullptr) return instance.get();
-
-  TARNFW_INFO("Initializing tarn library.\n\n");
-  int reserved = 0;
-  const char* items[] = {"FWIODeviceName", "/dev/brq-tarn"};
-  fwlibhandle_* handle = nullptr;
-  const FWStatus_t status =
-      FW_Initialize(FW_INTERFACE_VERSION, &reserved, FW_IO_IOCTL, 2, items, &handle);
-  if (status != FW_STATUS_OK) {
-    TARNFW_ERROR("Failed to initialize tarn library: %s\n\n", FW_StatusToString(status));
-    std::exit(-1);
+  FWStatus_t status = FW_STATUS_OK;
+  {
+    const Locks::Guard lock(mutex);
+    if (instance != nullptr) return instance.get();
+    TARNFW_INFO("Initializing tarn library.\n\n");
+    int reserved = 0;
+    const char* items[] = {"FWIODeviceName", "/dev/brq-tarn"};
+    fwlibhandle_* handle = nullptr;
+    status = FW_Initialize(FW_INTERFACE_VERSION, &reserved, FW_IO_IOCTL, 2, items, &handle);
+    if (status == FW_STATUS_OK) {
+      instance.reset(fromLibHandle(handle));
+      TARNFW_INFO("Initialized tarn library\n\n");
+      return instance.get();
+    }
   }
-  instance.reset(fromLibHandle(handle));
-  TARNFW_INFO("Initialized tarn library\n\n");
-  return instance.get();
+  // Behind the lock, since the end of the process destroys the mutex.
+  TARNFW_ERROR("Failed to initialize tarn library: %s\n\n", FW_StatusToString(status));
+  std::exit(-1);
 }
 
 FWStatus_t CTarnFWLibHandle::setIOChannel(std::unique_ptr<CTarnFWIOChannel> channel) {
