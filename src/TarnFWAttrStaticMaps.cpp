@@ -68,13 +68,44 @@ constexpr bool kCipherNamed[] = {
 #undef NO_NAME
 static_assert(std::size(kCipherNamed) == kCipherRows);
 
-constexpr char kTlsText[] = "UNKNOWN\0SSL_V3\0TLS_V10\0TLS_V11\0TLS_V12\0TLS_V13\0";
-constexpr char kCifsText[] = "CIFS_SMB_INVALID\0CIFS_SMB_V1\0CIFS_SMB_V2\0";
-constexpr char kHttpText[] = "GET\0HEAD\0POST\0PUT\0DELETE\0CONNECT\0OPTIONS\0TRACE\0";
-constexpr char kFtpText[] = "UNKNOWN\0LS\0GET\0PUT\0";
+constexpr char kTlsText[] =
+    "UNKNOWN\0"
+    "SSL_V3\0"
+    "TLS_V10\0"
+    "TLS_V11\0"
+    "TLS_V12\0"
+    "TLS_V13\0";
+constexpr char kCifsText[] =
+    "CIFS_SMB_INVALID\0"
+    "CIFS_SMB_V1\0"
+    "CIFS_SMB_V2\0";
+constexpr char kHttpText[] =
+    "GET\0"
+    "HEAD\0"
+    "POST\0"
+    "PUT\0"
+    "DELETE\0"
+    "CONNECT\0"
+    "OPTIONS\0"
+    "TRACE\0";
+constexpr char kFtpText[] =
+    "UNKNOWN\0"
+    "LS\0"
+    "GET\0"
+    "PUT\0";
 constexpr char kKeyText[] =
-    "APP_ID\0TLS_VERSION\0TLS_CIPHER_SUITE\0CIFS_SMB_VERSION\0HTTP_METHOD\0HTTP_PATH\0FTP_COMMAND\0"
-    "FQDN\0WIN_SID\0USER_SID\0PROCESS_HASH\0CTX_PROFILE_ID\0";
+    "APP_ID\0"
+    "TLS_VERSION\0"
+    "TLS_CIPHER_SUITE\0"
+    "CIFS_SMB_VERSION\0"
+    "HTTP_METHOD\0"
+    "HTTP_PATH\0"
+    "FTP_COMMAND\0"
+    "FQDN\0"
+    "WIN_SID\0"
+    "USER_SID\0"
+    "PROCESS_HASH\0"
+    "CTX_PROFILE_ID\0";
 
 constexpr auto kAppOffsets = offsetsOf<APP_ID_value2str_length>(kAppText);
 constexpr auto kTlsOffsets = offsetsOf<TLS_VERSION_value2str_length>(kTlsText);

@@ -62,7 +62,7 @@ TEST(TarnFWContainerElement, ReadsAnAttribute) {
 TEST(TarnFWContainerElement, NothingIsReadFromNullOrEveryTruncation) {
   EXPECT_EQ(CTarnFWContainerElement::buildContainerElement(nullptr, 26).get(), nullptr);
   const Bytes whole = element();
-  for (std::size_t size = 0; size < whole.size(); ++size) {
+  for (std::size_t size = 1; size < whole.size(); ++size) {
     Bytes cut(size);
     std::memcpy(cut.data(), whole.data(), size);
     EXPECT_EQ(build(cut).get(), nullptr) << size;
