@@ -4,6 +4,7 @@
 
 #include "TarnFWAddrSetID.h"
 #include "TarnFWAddressAny.h"
+#include "TarnFWAddressAttr.h"
 #include "TarnFWAddressEther.h"
 #include "TarnFWAddressEtherMask.h"
 #include "TarnFWAddressIPv4.h"
@@ -75,6 +76,15 @@ std::unique_ptr<CTarnFWAddress> CTarnFWAddressFactory::newFromMsgBuf(const FWAdd
       return std::make_unique<CTarnFWAddressEtherMask>(record);
     case FW_ADDRESS_ADDRSET:
       return std::make_unique<CTarnFWAddrSetID>(record);
+    case FW_ADDRESS_ATTR_INT:
+      return std::make_unique<CTarnFWAttr<FW_ATTR_ID_VALUE_INT>>(record);
+    case FW_ADDRESS_ATTR_UINT:
+      return std::make_unique<CTarnFWAttr<FW_ATTR_ID_VALUE_UINT>>(record);
+    case FW_ADDRESS_ATTR_STRING:
+      return std::make_unique<CTarnFWAttr<FW_ATTR_ID_VALUE_STRING>>(record);
+    case FW_ADDRESS_ATTR_SID:
+    case FW_ADDRESS_SID_LIST:  // read as its member: meant so
+      return std::make_unique<CTarnFWAttr<FW_ATTR_ID_VALUE_SID>>(record);
     default:
       // A MAC range is among these although it can be written: meant so.
       throw CInvalidAddressException("unknown address type", type);
@@ -107,6 +117,9 @@ std::unique_ptr<CTarnFWAddress> CTarnFWAddressFactory::newFromString(FWAddrSetTy
         return std::make_unique<CTarnFWAddressEtherMask>(text, false);
       }
       return std::make_unique<CTarnFWAddressEther>(text, false);
+    case FW_ADDRSET_SID:
+      TARNFW_TRACE(FW_COMPONENT_ADDRESS, 0, "creating sid address from %s\n", text);
+      return std::make_unique<CTarnFWAttr<FW_ATTR_ID_VALUE_SID>>(FW_ATTR_ID_WIN_SID, text, false);
     default:
       throw CUnsupportedException("unsupported address set type", static_cast<int>(setType));
   }

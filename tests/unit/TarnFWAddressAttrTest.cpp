@@ -6,6 +6,7 @@
 #include "Expect.h"
 #include "LogCapture.h"
 #include "TarnFWAddressAttr.h"
+#include "TarnFWAddressFactory.h"
 #include "TarnFWLog.h"
 
 using namespace TarnFirewall;
@@ -230,4 +231,47 @@ TEST(TarnFWAddressAttr, WritingIsTraced) {
   EXPECT_TRUE(log.has(LOG_DEBUG, "Attribute <unsigned int> toMessage 34\n"));
   EXPECT_TRUE(log.has(LOG_DEBUG, "Attribute<fw_str> toMessage\n"));
   EXPECT_TRUE(log.has(LOG_DEBUG, "Attribute<fw_sid> toMessage\n"));
+}
+
+TEST(TarnFWAddressAttr, TheFactoryReadsEachKindOfRecord) {
+  Bytes bytes(144);
+  bytes.at(2, {1}).at(4, {0, 0, 0, 0}).at(14, {'n'}).at(16, {33});
+  const auto readAs = [&](int type) {
+    bytes.at(0, {type});
+    return CTarnFWAddressFactory::newFromMsgBuf(record(bytes));
+  };
+  EXPECT_EQ(readAs(12)->getType(), 12);
+  EXPECT_EQ(readAs(12)->toString(), "not int attr 33 APP_UDP");
+  EXPECT_EQ(readAs(13)->getType(), 13);
+  EXPECT_EQ(readAs(13)->toString(), "not unsigned int attr 33");
+  EXPECT_EQ(readAs(14)->getType(), 14);
+  EXPECT_EQ(readAs(14)->toString(), "not str attr n");
+  EXPECT_EQ(readAs(15)->getType(), 15);
+  EXPECT_EQ(readAs(15)->toString(), "not sid attr ");
+  EXPECT_TRUE(readAs(15)->isContainer());
+}
+
+TEST(TarnFWAddressAttr, TheFactoryReadsTheSidListsTypeAsASidAttribute) {
+  Bytes bytes(144);
+  bytes.at(0, {18, 0, 0, 0}).at(4, {8, 0, 0, 0, 5, 0, 0, 0}).at(12, {1, 2, 3});
+  const auto address = CTarnFWAddressFactory::newFromMsgBuf(record(bytes));
+  EXPECT_EQ(address->getType(), 15);
+  EXPECT_EQ(write(*address), bytes.at(0, {15}));
+}
+
+TEST(TarnFWAddressAttr, TheFactoryMakesASidAttributeFromTextWithoutAValue) {
+  LogCapture log;
+  g_tarnfw_verbose[FW_COMPONENT_ADDRESS].level = 1;
+  const auto address = CTarnFWAddressFactory::newFromString(FW_ADDRSET_SID, "S-1-5-21");
+  EXPECT_TRUE(log.has(LOG_DEBUG, "creating sid address from S-1-5-21\n"));
+  EXPECT_FALSE(address->isNegated());
+  EXPECT_EQ(write(*address), Bytes(144).at(0, {15}).at(4, {8, 0, 0, 0, 5}));
+}
+
+TEST(TarnFWAddressAttr, TheFactoryMeasuresTheTextOfASid) {
+  const std::string fits(75, 'S');
+  EXPECT_NE(CTarnFWAddressFactory::newFromString(FW_ADDRSET_SID, fits.c_str()), nullptr);
+  const std::string tooLong(76, 'S');
+  EXPECT_THROW_WITH(CTarnFWAddressFactory::newFromString(FW_ADDRSET_SID, tooLong.c_str()),
+                    CIDTooLongException, 32, "id is too long: " + tooLong);
 }
