@@ -8,11 +8,25 @@
 
 namespace TarnFirewall {
 
+namespace {
+
+/// Whether the text ends behind its sixth octet, or goes on with white space. `ether_aton_r` does
+/// not look there when the octet has two digits, and would take the first address of a range.
+bool endsBehindLastOctet(const char* text) {
+  for (int colons = 0; colons < 5; ++text) colons += *text == ':' ? 1 : 0;
+  const std::size_t digits = std::strspn(text, "0123456789abcdefABCDEF");
+  return digits <= 2 &&
+         (text[digits] == '\0' || std::strchr(" \t\n\v\f\r", text[digits]) != nullptr);
+}
+
+}  // namespace
+
 CTarnFWAddressEther::CTarnFWAddressEther(const char* text, bool negated)
     : CTarnFWAddressMAC(negated) {
   if (text == nullptr) text = "";
   ether_addr address;
-  if (ether_aton_r(text, &address) == nullptr) throw CInvalidAddressException(text);
+  if (ether_aton_r(text, &address) == nullptr || !endsBehindLastOctet(text))
+    throw CInvalidAddressException(text);
   std::memcpy(&address_, &address, sizeof address_);
 }
 

@@ -7,7 +7,8 @@ namespace TarnFirewall {
 /// One MAC address: text "mac A", code 7. Wire: the address.
 class CTarnFWAddressEther final : public CTarnFWAddressMAC {
  public:
-  /// Throws `CInvalidAddressException` with the text when `ether_aton_r` refuses it.
+  /// Throws `CInvalidAddressException` with the text when `ether_aton_r` refuses it, or something
+  /// other than white space follows the last octet.
   CTarnFWAddressEther(const char* text, bool negated);
   CTarnFWAddressEther(const fw_ether_& address, bool negated);
   explicit CTarnFWAddressEther(const FWAddress_* record);

@@ -29,6 +29,7 @@
 class Bytes : public std::vector<std::uint8_t> {
  public:
   explicit Bytes(std::size_t size, std::uint8_t fill = 0) : std::vector<std::uint8_t>(size, fill) {}
+  Bytes(const_iterator first, const_iterator last) : std::vector<std::uint8_t>(first, last) {}
   Bytes(std::initializer_list<std::uint8_t> bytes) : std::vector<std::uint8_t>(bytes) {}
 
   Bytes& at(std::size_t offset, std::initializer_list<int> bytes) {
