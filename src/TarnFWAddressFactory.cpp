@@ -103,6 +103,7 @@ std::unique_ptr<CTarnFWAddress> CTarnFWAddressFactory::newFromMsgBuf(const void*
 
 std::unique_ptr<CTarnFWAddress> CTarnFWAddressFactory::newFromString(FWAddrSetType_t setType,
                                                                      const char* text) {
+  if (text == nullptr) text = "";
   switch (setType) {
     case FW_ADDRSET_IP:
       TARNFW_TRACE(FW_COMPONENT_ADDRESS, 0, "creating ip address from %s\n", text);

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <random>
 
 #include "AddressRecord.h"
 #include "LogCapture.h"
@@ -115,6 +116,41 @@ TEST(TarnFWAddressFactory, ReadsARecordAtAnyAddress) {
   }
 }
 
+TEST(TarnFWAddressFactory, WhatARecordOfAnyBytesGivesIsWrittenAndReadBackAlike) {
+  std::mt19937 random(144);
+  unsigned int readable = 0;
+  for (int i = 0; i < 50000; ++i) {
+    Bytes bytes(144);
+    for (std::uint8_t& byte : bytes) {
+      // Many zeros and small numbers, so that ranges and prefix lengths are met on both sides.
+      const auto number = static_cast<std::uint32_t>(random());
+      byte = static_cast<std::uint8_t>((number >> 8) % 3 == 0 ? number & 0xff : number & 0x03);
+    }
+    bytes[0] = static_cast<std::uint8_t>(random() % 20);
+    bytes[1] = 0;
+    unsigned int used = 0;
+    std::unique_ptr<CTarnFWAddress> first;
+    try {
+      first = CTarnFWAddressFactory::newFromMsgBuf(bytes.data(), 144, &used);
+    } catch (const CTarnFWException& refused) {
+      ASSERT_EQ(refused.retcode(), 33);
+      continue;
+    }
+    ++readable;
+    // A block loses its host bits in the first writing, and nothing after that.
+    Bytes written(144);
+    ASSERT_TRUE(first->toMessage(written.data(), 144, nullptr));
+    const auto second = CTarnFWAddressFactory::newFromMsgBuf(written.data(), 144, &used);
+    Bytes again(144);
+    ASSERT_TRUE(second->toMessage(again.data(), 144, nullptr));
+    ASSERT_EQ(again, written);
+    if (first->getType() != 5 && first->getType() != 6) {
+      ASSERT_EQ(second->toString(), first->toString());
+    }
+  }
+  EXPECT_GT(readable, 10000u);
+}
+
 TEST(TarnFWAddressFactory, ThePunctuationOfAnIPTextTellsItsClass) {
   EXPECT_EQ(textOf(FW_ADDRSET_IP, "10.0.0.1"), "1 ip 10.0.0.1");
   EXPECT_EQ(textOf(FW_ADDRSET_IP, "10.0.0.1-10.0.0.2"), "3 ip 10.0.0.1-10.0.0.2");
@@ -140,6 +176,13 @@ TEST(TarnFWAddressFactory, AMacTextIsAnAddressOrAMask) {
 TEST(TarnFWAddressFactory, AMacRangeIsNotRecognisedInText) {
   EXPECT_THROW_WITH(CTarnFWAddressFactory::newFromString(FW_ADDRSET_MAC, "0:0:0:0:0:1-0:0:0:0:0:2"),
                     CInvalidAddressException, 33, "0:0:0:0:0:1-0:0:0:0:0:2");
+}
+
+TEST(TarnFWAddressFactory, RefusesATextThatIsNotThere) {
+  for (const FWAddrSetType_t setType : {FW_ADDRSET_IP, FW_ADDRSET_MAC}) {
+    EXPECT_THROW_WITH(CTarnFWAddressFactory::newFromString(setType, nullptr),
+                      CInvalidAddressException, 33, "");
+  }
 }
 
 TEST(TarnFWAddressFactory, RefusesOtherKindsOfSets) {
@@ -204,10 +247,12 @@ TEST(TarnFWAddressFactory, TracesWhatItMakesFromText) {
   g_tarnfw_verbose[FW_COMPONENT_ADDRESS].level = 1;
   CTarnFWAddressFactory::newFromString(FW_ADDRSET_IP, "10.0.0.1");
   CTarnFWAddressFactory::newFromString(FW_ADDRSET_MAC, "0:1:2:3:4:5");
+  CTarnFWAddressFactory::newFromString(FW_ADDRSET_SID, "S-1-5");
   const std::string place = "7|tarnfw:address TarnFWAddressFactory:newFromString():N ";
   EXPECT_EQ(log.normalized(), (std::vector<std::string>{
                                   place + "creating ip address from 10.0.0.1\n",
                                   place + "creating mac address from 0:1:2:3:4:5\n",
+                                  place + "creating sid address from S-1-5\n",
                               }));
 }
 

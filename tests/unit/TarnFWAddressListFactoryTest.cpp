@@ -29,6 +29,9 @@ const FWAddress_ kBlock6 = AddressGolden{6, false, {{20, {64}}}}.record();
 const FWAddress_ kEther = AddressGolden{7, false, {{4, {1, 2, 3, 4, 5, 6}}}}.record();
 const FWAddress_ kEtherMask =
     AddressGolden{9, false, {{4, {1, 2, 3, 4, 5, 6}}, {10, {255, 0, 0, 0, 0, 0}}}}.record();
+const FWAddress_ kSid = AddressGolden{15, true, {{4, {8}}, {8, {5}}}}.record();
+const FWAddress_ kSidSet = AddressGolden{18, false, {{4, {8}}, {8, {5}}}}.record();
+const FWAddress_ kInteger = AddressGolden{13, false, {{16, {7}}}}.record();
 const FWAddress_ kSet = AddressGolden{11, false, {{4, {'w', 'e', 'b'}}}}.record();
 
 template <std::size_t N>
@@ -106,6 +109,15 @@ TEST(TarnFWAddressListFactory, AppendsTheWordAndTheList) {
   std::string text = "set ";
   make(2, std::array{kEther})->appendTo(text);
   EXPECT_EQ(text, "set mac {webmac 01:02:03:04:05:06}");
+}
+
+TEST(TarnFWAddressListFactory, MakesASidListOfSidAttributes) {
+  // A record of the list's own type is read as an attribute and belongs here too.
+  const auto list = make(15, std::array{kSid, kSidSet});
+  EXPECT_EQ(list->getType(), 18);
+  EXPECT_EQ(list->toString(), "sid {webnot sid attr , sid attr }");
+  EXPECT_THROW_WITH(make(15, std::array{kSid, kInteger}), CInvalidAddressException, 33,
+                    "unsigned int attr 7");
 }
 
 TEST(TarnFWAddressListFactory, ASidListRefusesOtherTypesWithTheirText) {

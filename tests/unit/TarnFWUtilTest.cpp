@@ -4,6 +4,7 @@
 
 #include <array>
 #include <climits>
+#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -15,6 +16,27 @@
 using namespace TarnFirewall;
 
 namespace {
+
+bool gCopiesFail = false;
+
+}  // namespace
+
+/// Stands in front of the C library's, so that a copy can fail.
+extern "C" char* strdup(const char* text) noexcept {
+  if (gCopiesFail) return nullptr;
+  const std::size_t size = std::strlen(text) + 1;
+  auto* const copy = static_cast<char*>(std::malloc(size));
+  return copy == nullptr ? nullptr : static_cast<char*>(std::memcpy(copy, text, size));
+}
+
+namespace {
+
+/// Lets every copy of a text fail while it lives.
+class FailingCopies {
+ public:
+  FailingCopies() { gCopiesFail = true; }
+  ~FailingCopies() { gCopiesFail = false; }
+};
 
 using Octets = std::array<std::uint8_t, 6>;
 using IPv6 = std::array<std::uint8_t, 16>;
@@ -320,13 +342,22 @@ TEST(TarnFWUtilLists, ProtocolNumbersEndAt255) {
   EXPECT_FALSE(ParseProtocolString("1", protocols, 8, nullptr));
 }
 
-TEST(TarnFWUtilLists, TimeoutsHaveTheirNames) {
-  EXPECT_EQ(TimeoutName2ID("dfw.tcp.first_packet"), 0u);
-  EXPECT_EQ(TimeoutName2ID("DFW.TCP.Opening"), 1u);
-  EXPECT_EQ(TimeoutName2ID("dfw.invalid_l7"), 21u);
+TEST(TarnFWUtilLists, TimeoutsHaveTheirNamesWhateverTheCase) {
+  const char* const names[] = {
+      "dfw.tcp.first_packet",  "dfw.tcp.opening",      "dfw.tcp.established",
+      "dfw.tcp.closing",       "dfw.tcp.fin_wait",     "dfw.tcp.closed",
+      "dfw.udp.first_packet",  "dfw.udp.single",       "dfw.udp.multiple",
+      "dfw.icmp.first_packet", "dfw.icmp.error_reply", "dfw.other.first_packet",
+      "dfw.other.single",      "dfw.other.multiple",   "dfw.ip.frag",
+      "dfw.interval",          "dfw.adaptive_start",   "dfw.adaptive_end",
+      "dfw.src_node",          "dfw.ts_diff",          "dfw.invalid_state",
+      "dfw.invalid_l7"};
+  ASSERT_EQ(std::size(names), kTimeouts);
   for (unsigned int i = 0; i < kTimeouts; ++i) {
-    EXPECT_EQ(TimeoutName2ID(g_tarnfw_timeout_name[i]), i);
+    EXPECT_STREQ(g_tarnfw_timeout_name[i], names[i]);
+    EXPECT_EQ(TimeoutName2ID(names[i]), i);
   }
+  EXPECT_EQ(TimeoutName2ID("DFW.TCP.Opening"), 1u);
 }
 
 TEST(TarnFWUtilLists, AnUnknownTimeoutIsOnePastTheCount) {
@@ -379,6 +410,26 @@ TEST(TarnFWUtilLists, OneTimeoutTooManyIsLogged) {
   EXPECT_EQ(log.normalized()[0],
             "4|tarnfw: TarnFWUtil:ParseTimeoutList():N too many timeout values\n\n");
   EXPECT_EQ(values[2], 9u);
+}
+
+TEST(TarnFWUtilLists, ACopyThatCannotBeMadeIsLogged) {
+  LogCapture log;
+  std::uint16_t types[1];
+  std::uint8_t protocols[1];
+  std::uint32_t values[1];
+  unsigned int count = 0;
+  {
+    const FailingCopies failing;
+    EXPECT_FALSE(ParseEtherTypeString("1", types, 1, &count));
+    EXPECT_FALSE(ParseProtocolString("2", protocols, 1, &count));
+    EXPECT_FALSE(ParseTimeoutList("3", values, 1));
+  }
+  EXPECT_EQ(log.normalized(),
+            (std::vector<std::string>{
+                "4|tarnfw: TarnFWUtil:ParseEtherTypeString():N invalid ethertype: 1\n",
+                "4|tarnfw: TarnFWUtil:ParseProtocolString():N invalid protocol: 2\n",
+                "4|tarnfw: TarnFWUtil:ParseTimeoutList():N out of memory\n\n",
+            }));
 }
 
 // --- Addresses
