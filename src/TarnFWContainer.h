@@ -20,12 +20,6 @@ static_assert(sizeof(FWtlvChain) == 12 && alignof(FWtlvChain) == 1);
 static_assert(offsetof(FWtlvChain, type) == 0 && offsetof(FWtlvChain, count) == 4 &&
               offsetof(FWtlvChain, size) == 8);
 
-/// Kind of a container. Only the attribute profile has behaviour of its own.
-enum FWContainerType : std::uint32_t {
-  FW_CONTAINER_ADDRSET = 1,
-  FW_CONTAINER_ATTR_PROFILE = 2,
-};
-
 /// A named set of typed elements that the kernel holds beside the address sets. Elements are owned,
 /// ordered by their own order, and unique.
 class CTarnFWContainer : public ITarnFWObject {

@@ -194,6 +194,12 @@ struct FWLibGenericIO_ {
   void (*reserved)();
 };
 
+/// Kind of a container. Only the attribute profile has behaviour of its own.
+enum FWContainerType : std::uint32_t {
+  FW_CONTAINER_ADDRSET = 1,
+  FW_CONTAINER_ATTR_PROFILE = 2,
+};
+
 /// Opaque library handle; a `CTarnFWLibHandle` stands behind it.
 struct fwlibhandle_;
 

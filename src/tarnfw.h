@@ -10,20 +10,30 @@
 /// This header, TarnFWTypes.h and TarnFWWire.h are what is installed. What stands between the two
 /// visibility lines is what the shared library exports.
 
+#include "TarnFWRecords.h"
 #include "TarnFWTypes.h"
 
 using TarnFirewall::dvs_port_;
+using TarnFirewall::FWAddress_;
+using TarnFirewall::FWAddressStat_;
+using TarnFirewall::FWAddressValid_;
+using TarnFirewall::FWAddrSetCfg_;
 using TarnFirewall::FWAddrSetID_t;
+using TarnFirewall::FWAddrSetStat_;
 using TarnFirewall::FWAddrSetType_t;
+using TarnFirewall::FWContainerType;
+using TarnFirewall::FWDlbRule_;
 using TarnFirewall::FWIoctlFrame;
 using TarnFirewall::FWIOType_t;
 using TarnFirewall::FWLibGenericIO_;
 using TarnFirewall::fwlibhandle_;
 using TarnFirewall::FWLoggerFunction_t;
 using TarnFirewall::FWPrettyPrinting_t;
+using TarnFirewall::FWRule_;
 using TarnFirewall::FWRuleAF_t;
 using TarnFirewall::FWRuleDirection_t;
 using TarnFirewall::FWRuleSetID_t;
+using TarnFirewall::FWRuleStat_;
 using TarnFirewall::FWStatus_t;
 
 #pragma GCC visibility push(default)
@@ -109,6 +119,132 @@ void FW_SetLibVerboseLevel(unsigned int component, unsigned int level);
 
 /// Registers the printer for what commands show; a null function turns their output off.
 void FW_SetLibPrettyPrinting(FWPrettyPrinting_t function, void* context);
+
+// --- Rule sets
+//
+// A kind of rules is 0 for filter rules, 1 for snat, 2 for dnat. Names that come back are closed
+// with a NUL. 3 for a null result or name.
+
+FWStatus_t FW_GetRuleSetCount(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                              unsigned int* count);
+
+/// Names of up to `max` rule sets from an index on; `names` holds `max`.
+FWStatus_t FW_GetRuleSetList(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                             unsigned int max, unsigned int from, FWRuleSetID_t* names,
+                             unsigned int* returned);
+
+FWStatus_t FW_GetRootRuleSet(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                             FWRuleSetID_t* layer3, FWRuleSetID_t* layer2);
+FWStatus_t FW_ClearRootRuleSet(fwlibhandle_* handle, const dvs_port_* port, void* context);
+
+FWStatus_t FW_DestroyRuleSet(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                             const FWRuleSetID_t* id);
+FWStatus_t FW_DestroyAllRuleSet(fwlibhandle_* handle, const dvs_port_* port, void* context);
+
+/// Removes the rules and keeps the set.
+FWStatus_t FW_ClearRuleSet(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                           const FWRuleSetID_t* id);
+
+FWStatus_t FW_SetRuleSetJump(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                             const FWRuleSetID_t* id, const FWRuleSetID_t* target);
+FWStatus_t FW_GetRuleSetJump(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                             const FWRuleSetID_t* id, FWRuleSetID_t* target);
+FWStatus_t FW_ClearRuleSetJump(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                               const FWRuleSetID_t* id);
+
+FWStatus_t FW_GetRuleCountOfRuleSet(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                                    const FWRuleSetID_t* id, unsigned int kind,
+                                    unsigned int* count);
+
+/// The realization time counts seconds since the host's boot.
+FWStatus_t FW_GetRuleSetInfo(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                             const FWRuleSetID_t* id, unsigned int* count,
+                             std::uint64_t* realizationTime, std::uint64_t* generation);
+
+/// Statistics of up to `max` rules: of the `max` rule ids at `ids`, or from an index on when that
+/// is null. `stats` holds `max`.
+FWStatus_t FW_GetStatOfRuleSet(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                               unsigned int kind, unsigned int max, unsigned int from,
+                               const FWRuleSetID_t* id, const unsigned int* ids, FWRuleStat_* stats,
+                               unsigned int* returned);
+
+/// The same for the state of load-balancing rules.
+FWStatus_t FW_GetDlbOfRuleSet(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                              unsigned int kind, unsigned int max, unsigned int from,
+                              const FWRuleSetID_t* id, const unsigned int* ids, FWDlbRule_* rules,
+                              unsigned int* returned);
+
+// --- Address sets and containers
+//
+// Type 0 stands for every type of set. Names that come back are closed with a NUL. Results hold
+// `max` entries. 3 for a null result or name.
+
+/// Creates a set of `count` addresses, or replaces its members.
+FWStatus_t FW_CreateAddrSet(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                            const FWAddrSetID_t* id, FWAddrSetType_t type,
+                            const FWAddress_* addresses, unsigned int count);
+
+FWStatus_t FW_DestroyAddrSet(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                             const FWAddrSetID_t* id);
+FWStatus_t FW_DestroyAllAddrSet(fwlibhandle_* handle, const dvs_port_* port, void* context);
+
+/// Removes the members and keeps the set.
+FWStatus_t FW_ClearAddrSet(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                           const FWAddrSetID_t* id);
+
+FWStatus_t FW_GetAddrSetCount(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                              FWAddrSetType_t type, unsigned int* count);
+FWStatus_t FW_GetAddrSetList(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                             FWAddrSetType_t type, unsigned int max, unsigned int from,
+                             FWAddrSetID_t* names, unsigned int* returned);
+FWStatus_t FW_GetAddrSetStatList(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                                 FWAddrSetType_t type, unsigned int max, unsigned int from,
+                                 FWAddrSetStat_* stats, unsigned int* returned);
+
+/// Type 1 is an address set, 2 a container.
+FWStatus_t FW_GetAddrSetTypeAndSize(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                                    const FWAddrSetID_t* id, unsigned int* type,
+                                    unsigned int* count, unsigned int* size);
+FWStatus_t FW_GetAddrSetInfo(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                             const FWAddrSetID_t* id, unsigned int* count,
+                             std::uint64_t* realizationTime, std::uint64_t* generation);
+
+FWStatus_t FW_GetAddressOfAddrSet(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                                  const FWAddrSetID_t* id, unsigned int max, unsigned int from,
+                                  FWAddress_* addresses, unsigned int* returned);
+FWStatus_t FW_GetAddrValidOfAddrSet(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                                    const FWAddrSetID_t* id, unsigned int max, unsigned int from,
+                                    FWAddressValid_* records, unsigned int* returned);
+
+/// Statistics of the addresses, in their order. `clear` sets them back behind the reading.
+FWStatus_t FW_GetAddressStatOfAddrSet(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                                      const FWAddrSetID_t* id, unsigned int max, unsigned int from,
+                                      unsigned int clear, FWAddressStat_* stats,
+                                      unsigned int* returned);
+
+/// Texts of a container's elements, at most `count`, each from `malloc` and freed by the caller.
+/// `bufferSize` is the serialized size of the container. 6 when the reply cannot be decoded.
+FWStatus_t FW_GetElementsOfContainer(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                                     const char* name, FWContainerType type, unsigned int count,
+                                     unsigned int bufferSize, char** elements,
+                                     unsigned int* returned);
+
+/// Whether a filter shares its address sets.
+FWStatus_t FW_ConfigSharedAddrSet(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                                  unsigned int enable);
+FWStatus_t FW_GetSharedAddrSet(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                               unsigned int* enabled);
+
+/// Changes or shows an address set's configuration; the two values come back in the record.
+FWStatus_t FW_SetAddrSetCfg(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                            FWAddrSetCfg_* configuration);
+
+// --- Records as text
+
+/// Texts of `count` records one behind the other, closed with a NUL. 3 for a null or zero argument,
+/// 9 when `size` is too small.
+FWStatus_t FW_GetAddressString(const FWAddress_* addresses, unsigned int count, char* text,
+                               unsigned int size);
 
 }  // extern "C"
 #pragma GCC visibility pop

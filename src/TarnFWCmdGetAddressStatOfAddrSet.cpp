@@ -1,0 +1,17 @@
+#include "TarnFWCmdGetAddressStatOfAddrSet.h"
+
+#include "TarnFWLog.h"
+
+namespace TarnFirewall {
+
+void CTarnFWCmdGetAddressStatOfAddrSet::fill(std::span<std::byte> body) const {
+  CTarnFWAddressReadCmd::fill(body);
+  storeAt(body, 50, host32(clear_));
+}
+
+void CTarnFWCmdGetAddressStatOfAddrSet::read(const CTarnFWCmdReply& reply) {
+  TARNFW_TRACE(FW_COMPONENT_CMD, 0, "retrieved %d stats of addrset %s\n",
+               static_cast<int>(returned(reply)), name().c_str());
+}
+
+}  // namespace TarnFirewall

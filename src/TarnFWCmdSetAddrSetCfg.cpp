@@ -1,0 +1,57 @@
+#include "TarnFWCmdSetAddrSetCfg.h"
+
+#include "TarnFWLog.h"
+
+namespace TarnFirewall {
+
+namespace {
+
+struct AddressBlock {
+  std::uint8_t address[16];
+};
+
+const char* stateName(std::uint32_t state) {
+  switch (state) {
+    case 0:
+      return "unset";
+    case 1:
+      return "enabled";
+    default:
+      return "disabled";
+  }
+}
+
+}  // namespace
+
+std::string CTarnFWCmdSetAddrSetCfg::toString() const {
+  return "set addrset config" + dvsportToString("of");
+}
+
+void CTarnFWCmdSetAddrSetCfg::fill(std::span<std::byte> body) const {
+  AddressBlock block;
+  std::memcpy(block.address, configuration_.address, sizeof block.address);
+  storeAt(body, 0, configuration_.operation);
+  storeAt(body, 4, configuration_.name);
+  storeAt(body, 42, configuration_.component);
+  storeAt(body, 46, block);
+  storeAt(body, 186, configuration_.first);
+  storeAt(body, 190, configuration_.second);
+}
+
+void CTarnFWCmdSetAddrSetCfg::read(const CTarnFWCmdReply& reply) {
+  const PrettyPrinting out;
+  if (!out) return;
+  const std::uint32_t operation = reply.word(0);
+  if (operation == FW_ADDRSET_SET_VALID || operation == FW_ADDRSET_CLEAR_VALID) {
+    out.print(out.context, "kentry valid field changed from 0x%x to 0x%x\n", first(reply),
+              second(reply));
+  } else if (fieldText(configuration_.name.text).empty()) {
+    out.print(out.context, "kif stats = %s\n", stateName(first(reply)));
+  } else {
+    // Without a line end, as scripts know it.
+    out.print(out.context, "kif stats = %s, table stats = %s", stateName(first(reply)),
+              stateName(second(reply)));
+  }
+}
+
+}  // namespace TarnFirewall

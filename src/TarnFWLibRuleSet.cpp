@@ -1,0 +1,194 @@
+#include "TarnFWCmdClearRootRuleSet.h"
+#include "TarnFWCmdClearRuleSet.h"
+#include "TarnFWCmdClearRuleSetJump.h"
+#include "TarnFWCmdDestroyAllRuleSet.h"
+#include "TarnFWCmdDestroyRuleSet.h"
+#include "TarnFWCmdGetDlbOfRuleSet.h"
+#include "TarnFWCmdGetRootRuleSet.h"
+#include "TarnFWCmdGetRuleCountOfRuleSet.h"
+#include "TarnFWCmdGetRuleSetCount.h"
+#include "TarnFWCmdGetRuleSetInfo.h"
+#include "TarnFWCmdGetRuleSetJump.h"
+#include "TarnFWCmdGetRuleSetList.h"
+#include "TarnFWCmdGetStatOfRuleSet.h"
+#include "TarnFWCmdRun.h"
+#include "TarnFWCmdSetRuleSetJump.h"
+#include "tarnfw.h"
+
+using namespace TarnFirewall;
+
+namespace {
+
+/// A name from the kernel, closed with a NUL for the caller.
+FWRuleSetID_t nameAt(const CTarnFWCmdReply& reply, std::size_t offset) {
+  auto id = reply.record<FWRuleSetID_t>(offset);
+  id.text[sizeof id.text - 1] = '\0';
+  return id;
+}
+
+/// Makes a command that reads from a rule set: by `max` ids when there are any, else by index.
+template <typename Command>
+Command readCommand(const dvs_port_* port, const FWRuleSetID_t& id, unsigned int kind,
+                    unsigned int max, unsigned int from, const unsigned int* ids) {
+  if (ids != nullptr) return Command(port, id, max, ids, kind);
+  return Command(port, id, max, from, kind);
+}
+
+}  // namespace
+
+extern "C" {
+
+FWStatus_t FW_GetRuleSetCount(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                              unsigned int* count) {
+  return callLibrary(__func__, handle, [&](CTarnFWLibHandle& library) -> FWStatus_t {
+    if (count == nullptr) return FW_STATUS_INVALID_ARGUMENT;
+    CTarnFWCmdGetRuleSetCount command(port);
+    return run(library, command, context,
+               [&](const CTarnFWCmdReply& reply) { *count = command.count(reply); });
+  });
+}
+
+FWStatus_t FW_GetRuleSetList(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                             unsigned int max, unsigned int from, FWRuleSetID_t* names,
+                             unsigned int* returned) {
+  return callLibrary(__func__, handle, [&](CTarnFWLibHandle& library) -> FWStatus_t {
+    if (names == nullptr || returned == nullptr) return FW_STATUS_INVALID_ARGUMENT;
+    CTarnFWCmdGetRuleSetList command(port, max, from);
+    return run(library, command, context, [&](const CTarnFWCmdReply& reply) {
+      *returned = command.returned(reply);
+      for (unsigned int i = 0; i < *returned; ++i) {
+        names[i] = command.nameAt(reply, i);
+        names[i].text[sizeof names[i].text - 1] = '\0';
+      }
+    });
+  });
+}
+
+FWStatus_t FW_GetRootRuleSet(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                             FWRuleSetID_t* layer3, FWRuleSetID_t* layer2) {
+  return callLibrary(__func__, handle, [&](CTarnFWLibHandle& library) -> FWStatus_t {
+    if (layer3 == nullptr || layer2 == nullptr) return FW_STATUS_INVALID_ARGUMENT;
+    CTarnFWCmdGetRootRuleSet command(port);
+    return run(library, command, context, [&](const CTarnFWCmdReply& reply) {
+      *layer3 = nameAt(reply, 0);
+      *layer2 = nameAt(reply, 64);
+    });
+  });
+}
+
+FWStatus_t FW_ClearRootRuleSet(fwlibhandle_* handle, const dvs_port_* port, void* context) {
+  return callLibrary(__func__, handle, [&](CTarnFWLibHandle& library) {
+    CTarnFWCmdClearRootRuleSet command(port);
+    return run(library, command, context);
+  });
+}
+
+FWStatus_t FW_DestroyRuleSet(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                             const FWRuleSetID_t* id) {
+  return callLibrary(__func__, handle, [&](CTarnFWLibHandle& library) -> FWStatus_t {
+    if (id == nullptr) return FW_STATUS_INVALID_ARGUMENT;
+    CTarnFWCmdDestroyRuleSet command(port, *id);
+    return run(library, command, context);
+  });
+}
+
+FWStatus_t FW_DestroyAllRuleSet(fwlibhandle_* handle, const dvs_port_* port, void* context) {
+  return callLibrary(__func__, handle, [&](CTarnFWLibHandle& library) {
+    CTarnFWCmdDestroyAllRuleSet command(port);
+    return run(library, command, context);
+  });
+}
+
+FWStatus_t FW_ClearRuleSet(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                           const FWRuleSetID_t* id) {
+  return callLibrary(__func__, handle, [&](CTarnFWLibHandle& library) -> FWStatus_t {
+    if (id == nullptr) return FW_STATUS_INVALID_ARGUMENT;
+    CTarnFWCmdClearRuleSet command(port, *id);
+    return run(library, command, context);
+  });
+}
+
+FWStatus_t FW_SetRuleSetJump(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                             const FWRuleSetID_t* id, const FWRuleSetID_t* target) {
+  return callLibrary(__func__, handle, [&](CTarnFWLibHandle& library) -> FWStatus_t {
+    if (id == nullptr || target == nullptr) return FW_STATUS_INVALID_ARGUMENT;
+    CTarnFWCmdSetRuleSetJump command(port, *id, *target);
+    return run(library, command, context);
+  });
+}
+
+FWStatus_t FW_GetRuleSetJump(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                             const FWRuleSetID_t* id, FWRuleSetID_t* target) {
+  return callLibrary(__func__, handle, [&](CTarnFWLibHandle& library) -> FWStatus_t {
+    if (id == nullptr || target == nullptr) return FW_STATUS_INVALID_ARGUMENT;
+    CTarnFWCmdGetRuleSetJump command(port, *id);
+    return run(library, command, context,
+               [&](const CTarnFWCmdReply& reply) { *target = nameAt(reply, 64); });
+  });
+}
+
+FWStatus_t FW_ClearRuleSetJump(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                               const FWRuleSetID_t* id) {
+  return callLibrary(__func__, handle, [&](CTarnFWLibHandle& library) -> FWStatus_t {
+    if (id == nullptr) return FW_STATUS_INVALID_ARGUMENT;
+    CTarnFWCmdClearRuleSetJump command(port, *id);
+    return run(library, command, context);
+  });
+}
+
+FWStatus_t FW_GetRuleCountOfRuleSet(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                                    const FWRuleSetID_t* id, unsigned int kind,
+                                    unsigned int* count) {
+  return callLibrary(__func__, handle, [&](CTarnFWLibHandle& library) -> FWStatus_t {
+    if (id == nullptr || count == nullptr) return FW_STATUS_INVALID_ARGUMENT;
+    CTarnFWCmdGetRuleCountOfRuleSet command(port, *id, kind);
+    return run(library, command, context,
+               [&](const CTarnFWCmdReply& reply) { *count = command.count(reply); });
+  });
+}
+
+FWStatus_t FW_GetRuleSetInfo(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                             const FWRuleSetID_t* id, unsigned int* count,
+                             std::uint64_t* realizationTime, std::uint64_t* generation) {
+  return callLibrary(__func__, handle, [&](CTarnFWLibHandle& library) -> FWStatus_t {
+    if (id == nullptr || count == nullptr || realizationTime == nullptr || generation == nullptr) {
+      return FW_STATUS_INVALID_ARGUMENT;
+    }
+    CTarnFWCmdGetRuleSetInfo command(port, *id);
+    return run(library, command, context, [&](const CTarnFWCmdReply& reply) {
+      *count = command.count(reply);
+      *realizationTime = command.realizationTime(reply);
+      *generation = command.generation(reply);
+    });
+  });
+}
+
+FWStatus_t FW_GetStatOfRuleSet(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                               unsigned int kind, unsigned int max, unsigned int from,
+                               const FWRuleSetID_t* id, const unsigned int* ids, FWRuleStat_* stats,
+                               unsigned int* returned) {
+  return callLibrary(__func__, handle, [&](CTarnFWLibHandle& library) -> FWStatus_t {
+    if (id == nullptr || stats == nullptr || returned == nullptr) return FW_STATUS_INVALID_ARGUMENT;
+    auto command = readCommand<CTarnFWCmdGetStatOfRuleSet>(port, *id, kind, max, from, ids);
+    return run(library, command, context, [&](const CTarnFWCmdReply& reply) {
+      *returned = command.returned(reply);
+      for (unsigned int i = 0; i < *returned; ++i) stats[i] = command.statAt(reply, i);
+    });
+  });
+}
+
+FWStatus_t FW_GetDlbOfRuleSet(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                              unsigned int kind, unsigned int max, unsigned int from,
+                              const FWRuleSetID_t* id, const unsigned int* ids, FWDlbRule_* rules,
+                              unsigned int* returned) {
+  return callLibrary(__func__, handle, [&](CTarnFWLibHandle& library) -> FWStatus_t {
+    if (id == nullptr || rules == nullptr || returned == nullptr) return FW_STATUS_INVALID_ARGUMENT;
+    auto command = readCommand<CTarnFWCmdGetDlbOfRuleSet>(port, *id, kind, max, from, ids);
+    return run(library, command, context, [&](const CTarnFWCmdReply& reply) {
+      *returned = command.returned(reply);
+      for (unsigned int i = 0; i < *returned; ++i) rules[i] = command.ruleAt(reply, i);
+    });
+  });
+}
+
+}  // extern "C"

@@ -1,0 +1,99 @@
+#pragma once
+
+/// What the commands that read from a rule set by index or by id have in common.
+
+#include <memory>
+
+#include "TarnFWCmdGetRuleCountOfRuleSet.h"
+#include "TarnFWFixedCmd.h"
+#include "TarnFWIDList.h"
+
+namespace TarnFirewall {
+
+/// Which rules are meant: `max` rules of a kind from an index on, or those of an id list.
+class CTarnFWRuleSelection {
+ public:
+  CTarnFWRuleSelection(unsigned int max, unsigned int from, unsigned int kind);
+
+  /// Throws `CUnsupportedException` for a kind above 3; the list is never null.
+  CTarnFWRuleSelection(std::unique_ptr<CTarnFWIDList> ids, unsigned int kind);
+  CTarnFWRuleSelection(unsigned int count, const unsigned int* ids, unsigned int kind);
+
+  /// Rules that are asked for.
+  unsigned int number() const { return number_; }
+
+  /// Writes the fields from offset 64 on, and the ids at `idArea`.
+  void store(std::span<std::byte> body, std::size_t idArea) const;
+
+  /// "describe KIND WHAT of ruleset NAME from N" and so on.
+  std::string statement(const char* what, const std::string& name,
+                        const std::string& selector) const;
+
+ private:
+  std::unique_ptr<CTarnFWIDList> ids_;
+  unsigned int number_;
+  unsigned int from_ = 0;
+  unsigned int kind_;
+};
+
+/// Body:  +0  64 bytes  name of the rule set
+///       +64  u32       rules asked for, or ids in the list
+///       +68  u32       index of the first rule, without an id list
+///       +72  u16       bit 0: by index, without an id list
+///       +74  low two bits  kind
+///       +76  u32       entries returned, reply
+///     +Head  u32 each  ids of the list, nothing by index; behind room for as many as were asked
+///                      for the reply's records begin
+/// A size of `Head + Each * number` that needs more than 32 bits throws
+/// `CIntegerOverflowException`.
+template <std::uint16_t Number, unsigned int Head, unsigned int Each>
+class CTarnFWRuleSetReadCmd : public CTarnFWNamed<CTarnFWSizedCmd<Number>, FWRuleSetID_t> {
+  using Named = CTarnFWNamed<CTarnFWSizedCmd<Number>, FWRuleSetID_t>;
+
+ public:
+  CTarnFWRuleSetReadCmd(const dvs_port_* port, const FWRuleSetID_t& id, unsigned int max,
+                        unsigned int from, unsigned int kind)
+      : CTarnFWRuleSetReadCmd(port, id, CTarnFWRuleSelection(max, from, kind)) {}
+  CTarnFWRuleSetReadCmd(const dvs_port_* port, const FWRuleSetID_t& id,
+                        std::unique_ptr<CTarnFWIDList> ids, unsigned int kind)
+      : CTarnFWRuleSetReadCmd(port, id, CTarnFWRuleSelection(std::move(ids), kind)) {}
+  CTarnFWRuleSetReadCmd(const dvs_port_* port, const FWRuleSetID_t& id, unsigned int count,
+                        const unsigned int* ids, unsigned int kind)
+      : CTarnFWRuleSetReadCmd(port, id, CTarnFWRuleSelection(count, ids, kind)) {}
+
+ protected:
+  std::string readStatement(const char* what) const {
+    return selection_.statement(what, this->name(), this->dvsportToString("of"));
+  }
+
+  /// Rules that were asked for.
+  unsigned int asked() const { return selection_.number(); }
+
+  /// Where the reply's records begin: the kernel tells how many ids stand before them.
+  static std::size_t records(const CTarnFWCmdReply& reply) {
+    return Head + std::size_t{4} * reply.word(64);
+  }
+
+  /// Entries from `offset` on that may be read.
+  std::uint32_t entries(const CTarnFWCmdReply& reply, std::size_t offset,
+                        std::size_t stride) const {
+    return reply.fitting(reply.word(76), asked(), offset, stride);
+  }
+
+ private:
+  CTarnFWRuleSetReadCmd(const dvs_port_* port, const FWRuleSetID_t& id,
+                        CTarnFWRuleSelection&& selection)
+      : Named(port, id,
+              countedSize(Head, Each, selection.number(),
+                          "integer overflow for the number of rule id")),
+        selection_(std::move(selection)) {}
+
+  void fill(std::span<std::byte> body) const final {
+    Named::fill(body);
+    selection_.store(body, Head);
+  }
+
+  CTarnFWRuleSelection selection_;
+};
+
+}  // namespace TarnFirewall
