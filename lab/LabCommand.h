@@ -14,6 +14,8 @@ namespace Status {
 inline constexpr std::uint32_t ok = 0, invalidArgument = 3, notSupported = 7, noFilter = 21,
                                badTransaction = 23, badMessage = 25, badState = 26, noRule = 27,
                                noRuleSet = 28, noAddrSet = 29, noAddress = 30, noMemory = 65;
+inline constexpr std::uint32_t bufferTooSmall = 9, invalidAddress = 33, invalidAddrSetType = 34,
+                               invalidAttribute = 35, invalidRule = 45;
 }  // namespace Status
 
 /// A command's body: the request is read from it and the reply is written over it. Remembers what
@@ -60,10 +62,14 @@ struct CommandContext {
   }
 };
 
+/// What a command is for: the host itself, a filter, or what holds address sets, which a filter and
+/// the shared sets of an agent do.
+enum class CommandScope : std::uint8_t { host, filter, sets };
+
 struct CommandKind {
   std::uint16_t number;
   std::size_t least;  // bytes that the request itself takes; the reply may need more
-  bool needsFilter;
+  CommandScope scope;
   std::uint32_t (*answer)(const CommandContext& context, CommandBody& body);
 };
 

@@ -18,6 +18,7 @@ void appendRecord(ByteVector& records, const Request& request, std::size_t index
                   std::size_t recordSize) {
   const ConstBytes record = request.host.record(index);
   const std::size_t at = records.size();
+  const bool configured = !request.store.list(Host::folderOf(index) + "/rulesets").empty();
   records.insert(records.end(), record.begin(),
                  record.begin() + static_cast<std::ptrdiff_t>(recordSize));
   if (recordSize == FilterRecord::oldSize) {
@@ -25,6 +26,8 @@ void appendRecord(ByteVector& records, const Request& request, std::size_t index
     const Bytes tail = part(Bytes(records), at + FilterRecord::profile,
                             FilterRecord::oldSize - FilterRecord::profile);
     std::memset(tail.data(), 0, tail.size());
+  } else {
+    put32(records, at + FilterRecord::configured, configured ? 1 : 0);
   }
 }
 

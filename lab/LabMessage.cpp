@@ -83,8 +83,12 @@ std::uint32_t answerCommand(const CommandContext& context, std::uint16_t number,
                           format("command %u with a body of %zu bytes, %zu needed", number,
                                  body.size(), kind->least));
   }
-  if (kind->needsFilter && context.target.match == SelectorMatch::none) {
+  if (kind->scope != CommandScope::host && context.target.match == SelectorMatch::none) {
     return context.refuse(Status::noFilter, format("command %u without a filter", number));
+  }
+  if (kind->scope == CommandScope::filter && context.target.match == SelectorMatch::sharedSets) {
+    return context.refuse(Status::notSupported,
+                          format("command %u for shared address sets", number));
   }
   try {
     return kind->answer(context, body);

@@ -36,7 +36,6 @@ Device parseDevice(std::string_view text) {
 }
 
 int listFaults(const Store& store) {
-  const StoreLock lock(store);
   const Faults faults = Faults::load(store);
   if (faults.all().empty()) std::puts("no faults");
   for (const Fault& fault : faults.all()) std::puts(fault.toString().c_str());

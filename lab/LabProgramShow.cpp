@@ -1,36 +1,165 @@
 // tarnlab show: what the host holds.
+#include <algorithm>
 #include <cstdio>
 
+#include "LabAddressRecord.h"
+#include "LabChain.h"
 #include "LabFaults.h"
 #include "LabHost.h"
 #include "LabProgram.h"
+#include "LabRuleRecord.h"
+#include "LabSelector.h"
+#include "LabSetFile.h"
+#include "LabSettings.h"
 #include "LabText.h"
 
 namespace TarnLab {
 
 namespace {
 
-void showFilter(const Host& host, std::size_t index) {
+constexpr std::string_view sharedPrefix = "shared-addrset-filter-";
+
+using Generation = unsigned long long;
+
+/// Calls the visitor with the name and the set of each file in a folder.
+template <typename Visitor>
+void forEachSet(const Store& store, const std::string& folder, Visitor visit) {
+  for (const std::string& file : store.list(folder)) {
+    if (const auto set = SetFile::open(store, folder + "/" + file)) {
+      visit(Selector::nameOfFile(file), *set);
+    }
+  }
+}
+
+void showSets(const Store& store, const std::string& folder) {
+  forEachSet(store, folder + "/rulesets", [](const std::string& name, const SetFile& set) {
+    const SetHead& head = set.head();
+    const std::string title = name.empty() ? "root" : "ruleset " + printable(name);
+    std::printf("  %s: %u rules, %u snat, %u dnat, generation %llu%s%s\n", title.c_str(),
+                head.counts[0], head.counts[1], head.counts[2], Generation{head.generation},
+                head.jump.empty() ? "" : ", jumps to ", printable(head.jump).c_str());
+  });
+  forEachSet(store, folder + "/addrsets", [](const std::string& name, const SetFile& set) {
+    const SetHead& head = set.head();
+    const std::string title =
+        head.type == 1 ? "addrset" : format("container of type %u", head.type);
+    std::printf("  %s %s: %u %s, generation %llu\n", title.c_str(), printable(name).c_str(),
+                head.counts[0], head.type == 1 ? "addresses" : "elements",
+                Generation{head.generation});
+  });
+}
+
+void showFilter(const Store& store, const Host& host, std::size_t index) {
   const ConstBytes record = host.record(index);
   const std::string vif(getText(record, FilterRecord::vif, FilterRecord::vifSize));
   std::printf("filter %s\n", printable(host.name(index)).c_str());
   std::printf("  agent %s, vnic %u, slow path %u%s%s\n", printable(host.agent(index)).c_str(),
               get32(record, FilterRecord::vnicIndex), get32(record, FilterRecord::slowPath),
               vif.empty() ? "" : ", vif ", printable(vif).c_str());
+  const Settings settings = Settings::load(store, Host::folderOf(index));
+  if (settings.sharedAddrSets) std::puts("  address sets are shared");
+  if (settings.addrSetStatistics) std::puts("  statistics of address sets are kept");
+  showSets(store, Host::folderOf(index));
+}
+
+std::string sharedName(const std::string& file) {
+  return std::string(sharedPrefix) + Selector::nameOfFile(file);
+}
+
+/// Folder of the state of a filter, or of an agent's shared sets. Throws when there is no such.
+std::string folderOfFilter(const Store& store, const Host& host, std::string_view name) {
+  for (std::size_t i = 0; i < host.filterCount(); ++i) {
+    if (host.name(i) == name) return Host::folderOf(i);
+  }
+  for (const std::string& file : store.list("shared")) {
+    if (sharedName(file) == name) return "shared/" + file;
+  }
+  throw std::runtime_error("there is no filter " + printable(name));
+}
+
+int showAll(const Store& store, const Host& host) {
+  std::printf("lab %s\n", store.folder().c_str());
+  for (std::size_t i = 0; i < host.filterCount(); ++i) showFilter(store, host, i);
+  for (const std::string& file : store.list("shared")) {
+    std::printf("filter %s\n", printable(sharedName(file)).c_str());
+    showSets(store, "shared/" + file);
+  }
+  const Faults faults = Faults::load(store);
+  for (const Fault& fault : faults.all()) std::printf("fault: %s\n", fault.toString().c_str());
+  return exitOk;
+}
+
+int showOne(const Store& store, const Host& host, std::string_view name) {
+  const std::string folder = folderOfFilter(store, host, name);
+  for (std::size_t i = 0; i < host.filterCount(); ++i) {
+    if (host.name(i) == name) {
+      showFilter(store, host, i);
+      return exitOk;
+    }
+  }
+  std::printf("filter %s\n", printable(name).c_str());
+  showSets(store, folder);
+  return exitOk;
+}
+
+void showRules(const SetFile& set) {
+  for (ConstBytes rest = set.entries(); rest.size() >= RuleRecord::size;
+       rest = rest.subspan(RuleRecord::size)) {
+    std::printf("  %s\n", RuleRecord::text(rest.first(RuleRecord::size)).c_str());
+  }
+}
+
+void showEntries(const SetFile& set) {
+  if (set.head().type != 1) {
+    for (const std::string& element : Chain::texts(set.entries())) {
+      std::printf("  %s,\n", element.c_str());
+    }
+    return;
+  }
+  for (ConstBytes rest = set.entries(); rest.size() >= AddressRecord::size;
+       rest = rest.subspan(AddressRecord::size)) {
+    std::printf("  %s,\n", AddressRecord::text(rest.first(AddressRecord::size)).c_str());
+  }
+}
+
+/// The sets of a kind with what is in them; with a name, that one only.
+int showContents(const Store& store, const Host& host, bool rules, Arguments arguments) {
+  const std::string folder =
+      folderOfFilter(store, host, arguments[0]) + (rules ? "/rulesets" : "/addrsets");
+  const bool one = arguments.size() > 1;
+  bool found = false;
+  forEachSet(store, folder, [&](const std::string& name, const SetFile& set) {
+    if (one && name != arguments[1]) return;
+    found = true;
+    const char* word = rules ? "ruleset" : set.head().type == 1 ? "addrset" : "container";
+    std::printf("%s %s {\n", word, printable(name).c_str());
+    rules ? showRules(set) : showEntries(set);
+    std::puts("}");
+  });
+  if (one && !found) {
+    throw std::runtime_error(std::string("there is no ") + (rules ? "rule set " : "address set ") +
+                             printable(arguments[1]));
+  }
+  return exitOk;
 }
 
 }  // namespace
 
 int runShow(const Store& store, Arguments arguments) {
-  if (!arguments.empty()) return misused("show", "unknown argument " + printable(arguments[0]));
+  const std::string_view option = arguments.empty() ? "" : arguments[0];
+  const bool contents = option == "--rules" || option == "--addrsets";
+  if (!contents && option.starts_with('-')) {
+    return misused("show", "unknown argument " + printable(option));
+  }
+  if (contents && (arguments.size() < 2 || arguments.size() > 3)) {
+    return misused("show", std::string(option) + " needs a filter and takes the name of a set");
+  }
+  if (!contents && arguments.size() > 1) return misused("show", "takes one filter");
+
   requireLab(store);
-  const StoreLock lock(store);
   const Host host = Host::load(store);
-  std::printf("lab %s\n", store.folder().c_str());
-  for (std::size_t i = 0; i < host.filterCount(); ++i) showFilter(host, i);
-  const Faults faults = Faults::load(store);
-  for (const Fault& fault : faults.all()) std::printf("fault: %s\n", fault.toString().c_str());
-  return exitOk;
+  if (contents) return showContents(store, host, option == "--rules", arguments.subspan(1));
+  return arguments.empty() ? showAll(store, host) : showOne(store, host, arguments[0]);
 }
 
 }  // namespace TarnLab

@@ -75,7 +75,11 @@ std::string Store::path(std::string_view relative) const {
   return folder_ + "/" + std::string(relative);
 }
 
-bool Store::exists() const { return ::access(path("host").c_str(), F_OK) == 0; }
+bool Store::exists() const { return exists("host"); }
+
+bool Store::exists(std::string_view relative) const {
+  return ::access(path(relative).c_str(), F_OK) == 0;
+}
 
 void Store::create() const {
   makeFolders(folder_);

@@ -54,6 +54,9 @@ class Store {
   /// Whether a host was made here.
   bool exists() const;
 
+  /// Whether there is such a file or folder.
+  bool exists(std::string_view relative) const;
+
   /// Makes the folder itself, where it is missing.
   void create() const;
 

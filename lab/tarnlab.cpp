@@ -47,18 +47,27 @@ constexpr ProgramCommand commands[] = {
      "  --help          this text\n",
      runReset},
     {"show", "show what the host holds",
-     "Usage: tarnlab show\n"
+     "Usage: tarnlab show [FILTER]\n"
+     "       tarnlab show --rules FILTER [RULESET]\n"
+     "       tarnlab show --addrsets FILTER [ADDRSET]\n"
      "\n"
-     "Shows the host's filters, what each of them holds, and the faults in force.\n"
+     "Shows the host's filters, what each of them holds, and the faults in force; with a\n"
+     "FILTER, that one only. An agent's shared address sets are shown and named as the\n"
+     "filter shared-addrset-filter-AGENT.\n"
      "\n"
+     "  --rules         the rules of every rule set, or of the one, as the configuration\n"
+     "                  language writes them\n"
+     "  --addrsets      the addresses and elements of every address set and container, or\n"
+     "                  of the one\n"
      "  --help          this text\n",
      runShow},
     {"log", "show what was asked of the devices",
-     "Usage: tarnlab log [-x] [-n N]\n"
+     "Usage: tarnlab log [-v] [-x] [-n N]\n"
      "\n"
      "Shows every message and direct request so far, one line each: when, which program,\n"
      "device and request number, what was asked, and the answer.\n"
      "\n"
+     "  -v              with the rules, addresses, elements and names in it\n"
      "  -x              with the bytes that were sent and answered\n"
      "  -n N            only the last N\n"
      "  --help          this text\n",
