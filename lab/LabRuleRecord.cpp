@@ -70,11 +70,21 @@ std::string sessionFault(ConstBytes session) {
   const unsigned kind = specKind(first);
   if (kind != 0 && kind != 4 && kind != 6) return format("session spec of kind %u", kind);
   if (kind == 0 && !isZero(first)) return "session spec without a kind";
-  if (specReserved(first)) return "session spec with reserved bits set";
+  const bool flagsGood = (get8(first, 3) & 0xfe) == 0 && get32(first, 4) == 0;
+  const unsigned present = get8(first, 2);
+  const bool typeGood = (present == 1 || present == 3) && isZero(part(first, 3, 3)) &&
+                        (present == 3 || get8(first, 7) == 0);
+  if (specReserved(first) || (kind == 4 && !flagsGood) || (kind == 6 && !typeGood)) {
+    return "session spec with reserved bits set";
+  }
   const ConstBytes options = part(session, 12, 44);
   if (specKind(options) != 0 && specKind(options) != 5) return "TCP options of another kind";
   if (specKind(options) == 0 && !isZero(options)) return "TCP options without a kind";
-  if (specKind(options) == 5 && get16(options, 2) > 40) return "TCP options too long";
+  if (specKind(options) == 5) {
+    const std::size_t length = get16(options, 2);
+    if (length > 40) return "TCP options too long";
+    if (!isZero(options.subspan(4 + length))) return "TCP options with bytes behind them";
+  }
   return "";
 }
 

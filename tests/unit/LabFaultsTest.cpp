@@ -1,0 +1,92 @@
+#include <gtest/gtest.h>
+
+#include <chrono>
+
+#include "LabBench.h"
+#include "LabFaults.h"
+
+namespace TarnLab {
+namespace {
+
+class LabFaults : public LabBench {
+ protected:
+  void order(Fault::Kind kind, std::uint32_t value, std::uint32_t count,
+             std::optional<std::uint32_t> only = std::nullopt, Device device = Device::none) {
+    const StoreLock lock(store);
+    Faults faults = Faults::load(store);
+    faults.add({kind, value, count, only, device});
+    faults.save(store);
+  }
+  std::size_t left() { return Faults::load(store).all().size(); }
+};
+
+TEST_F(LabFaults, AStatusIsAnsweredTheOrderedNumberOfTimes) {
+  order(Fault::Kind::status, 26, 2);
+  EXPECT_EQ(createRuleSet("web", {}), 26u);
+  EXPECT_EQ(createRuleSet("web", {}), 26u);
+  EXPECT_EQ(left(), 0u);
+  EXPECT_EQ(command(1, ByteVector(4)), 0u);
+  EXPECT_EQ(get32(reply, 0), 0u) << "the failed commands were not carried out";
+}
+
+TEST_F(LabFaults, AStatusForOneCommandSparesTheOthers) {
+  order(Fault::Kind::status, 65, 1, 3);
+  EXPECT_EQ(command(1, ByteVector(4)), 0u);
+  EXPECT_EQ(createRuleSet("web", {}), 65u);
+  EXPECT_EQ(createRuleSet("web", {}), 0u);
+}
+
+TEST_F(LabFaults, AnErrnoFailsRequestsUntilItIsCleared) {
+  order(Fault::Kind::error, ENOMEM, 0);
+  ByteVector body(116);
+  EXPECT_EQ(direct(20, body), ENOMEM);
+  EXPECT_EQ(direct(20, body), ENOMEM);
+  EXPECT_EQ(left(), 1u);
+  EXPECT_EQ(note(), "ordered fault");
+  const StoreLock lock(store);
+  Faults().save(store);
+  EXPECT_FALSE(store.exists("faults"));
+}
+
+TEST_F(LabFaults, AnErrnoForOneRequestOrDeviceSparesTheOthers) {
+  order(Fault::Kind::error, EPERM, 1, 21);
+  order(Fault::Kind::error, EIO, 1, std::nullopt, Device::serviceInsertion);
+  ByteVector body(116);
+  EXPECT_EQ(direct(20, body), 0);
+  EXPECT_EQ(direct(21, body), EPERM);
+  EXPECT_EQ(model.request(Device::filterTables, 1, 0), ENOTTY);
+  EXPECT_EQ(model.request(Device::serviceInsertion, 1, 0), EIO);
+}
+
+TEST_F(LabFaults, AnAbsentDeviceCannotBeOpened) {
+  order(Fault::Kind::absent, 0, 0, std::nullopt, Device::filterTables);
+  EXPECT_EQ(model.openDevice(Device::filterTables), ENOENT);
+  EXPECT_EQ(model.openDevice(Device::firewall), 0);
+}
+
+TEST_F(LabFaults, ADelayHoldsARequestUp) {
+  order(Fault::Kind::delay, 60, 1);
+  const auto start = std::chrono::steady_clock::now();
+  ByteVector body(116);
+  EXPECT_EQ(direct(20, body), 0);
+  EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(60));
+  EXPECT_EQ(left(), 0u);
+}
+
+TEST_F(LabFaults, EachHasItsLineOfText) {
+  const auto text = [](Fault fault) { return fault.toString(); };
+  using Kind = Fault::Kind;
+  EXPECT_EQ(text({Kind::status, 26, 3, 10, Device::none}),
+            "messages are answered with status 26, those with command 10 only, the next 3");
+  EXPECT_EQ(text({Kind::error, ENOMEM, 0, std::nullopt, Device::firewall}),
+            "requests fail with ENOMEM on the device firewall, until cleared");
+  EXPECT_EQ(text({Kind::error, 4000, 1, 15, Device::none}),
+            "requests fail with 4000, request 15 only, the next 1");
+  EXPECT_EQ(text({Kind::delay, 5, 0, std::nullopt, Device::none}),
+            "requests are held up for 5 ms, until cleared");
+  EXPECT_EQ(text({Kind::absent, 0, 0, std::nullopt, Device::serviceInsertion}),
+            "the device insertion is absent");
+}
+
+}  // namespace
+}  // namespace TarnLab

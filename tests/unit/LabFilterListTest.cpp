@@ -1,0 +1,128 @@
+#include <gtest/gtest.h>
+
+#include "LabBench.h"
+
+namespace TarnLab {
+namespace {
+
+class LabFilterList : public LabBench {
+ protected:
+  static ByteVector listBody(const std::string& agent, std::uint32_t count = 0,
+                             const ByteVector* buffer = nullptr) {
+    return Record()
+        .text(agent, 100)
+        .u32(count)
+        .u32(buffer == nullptr ? 0 : buffer->size())
+        .u64(buffer == nullptr ? 0 : reinterpret_cast<std::uintptr_t>(buffer->data()));
+  }
+};
+
+TEST_F(LabFilterList, CountsEveryFilterOrThoseOfAnAgent) {
+  ByteVector body = listBody("");
+  ASSERT_EQ(direct(20, body), 0);
+  EXPECT_EQ(get32(body, 100), 8u);
+  body = listBody("kelpco-inspect");
+  ASSERT_EQ(direct(20, body), 0);
+  EXPECT_EQ(get32(body, 100), 1u);
+  body = listBody("nobody");
+  ASSERT_EQ(direct(20, body), 0);
+  EXPECT_EQ(get32(body, 100), 0u);
+}
+
+TEST_F(LabFilterList, FillsRecordsOfTheCurrentSize) {
+  ByteVector records(8 * 866);
+  ByteVector body = listBody("", 8, &records);
+  ASSERT_EQ(direct(21, body), 0);
+  EXPECT_EQ(get32(body, 100), 8u);
+  EXPECT_EQ(get32(body, 104), 8u * 866u);
+  EXPECT_EQ(getText(records, 0, 204), web);
+  EXPECT_EQ(getText(records, 204, 100), "kelpco-sfw");
+  EXPECT_EQ(getText(records, 304, 128), "50 2e 1f 3a c2 1a 63 2a-4a e1 00 50 56 99 b6 26");
+  EXPECT_EQ(get32(records, 762), 1u);
+  EXPECT_EQ(get32(records, 766), 0u);
+  EXPECT_EQ(getText(records, 4 * 866, 204), "nic-1003044-eth1-kelpco-sfw.2");
+  EXPECT_EQ(get32(records, 4 * 866 + 436), 0x43u);
+  EXPECT_EQ(getText(records, 6 * 866 + 770, 48), "");
+}
+
+TEST_F(LabFilterList, TellsWhetherRulesAreConfigured) {
+  ASSERT_EQ(createRuleSet("web", {}), 0u);
+  ByteVector records(8 * 866);
+  ByteVector body = listBody("", 8, &records);
+  ASSERT_EQ(direct(21, body), 0);
+  EXPECT_EQ(get32(records, 766), 1u);
+  EXPECT_EQ(get32(records, 866 + 766), 0u);
+}
+
+TEST_F(LabFilterList, FillsRecordsOfTheOlderSize) {
+  ByteVector records(2 * 734 + 1, std::byte{0xee});
+  ByteVector body =
+      Record().zero(100).u32(2).u32(2 * 734).u64(reinterpret_cast<std::uintptr_t>(records.data()));
+  ASSERT_EQ(direct(21, body), 0);
+  EXPECT_EQ(get32(body, 100), 2u);
+  EXPECT_EQ(getText(records, 734, 204), "nic-1002672-eth0-kelpco-inspect.4");
+  EXPECT_TRUE(isZero(part(ConstBytes(records), 734 + 728, 6)));
+  EXPECT_EQ(records.back(), std::byte{0xee});
+}
+
+TEST_F(LabFilterList, CutsTheListToTheRoomThatThereIs) {
+  ByteVector records(3 * 866);
+  ByteVector body = listBody("kelpco-sfw", 3, &records);
+  ASSERT_EQ(direct(21, body), 0);
+  EXPECT_EQ(get32(body, 100), 3u);
+  EXPECT_EQ(get32(body, 104), 3u * 866u);
+}
+
+TEST_F(LabFilterList, RefusesRoomOfNoRecordSize) {
+  ByteVector records(8 * 866);
+  for (const std::uint32_t count : {0u, 1u, 7u, 9u}) {
+    ByteVector body = listBody("", count, &records);
+    EXPECT_EQ(direct(21, body), EINVAL) << count;
+  }
+}
+
+TEST_F(LabFilterList, RefusesAnotherBodyLengthAndBadAddresses) {
+  for (const std::size_t size : {0u, 115u, 117u}) {
+    ByteVector body(size);
+    EXPECT_EQ(direct(20, body), EINVAL) << size;
+  }
+  ByteVector body = Record().zero(100).u32(1).u32(866).u64(16);
+  EXPECT_EQ(direct(21, body), EFAULT);
+  const ByteVector frame = Record().u32(20).u32(0).u32(116).u64(1);
+  EXPECT_EQ(model.request(Device::firewall, 20, reinterpret_cast<std::uintptr_t>(frame.data())),
+            EFAULT);
+  EXPECT_EQ(model.request(Device::firewall, 20, 0), EFAULT);
+}
+
+TEST_F(LabFilterList, RefusesAFrameForAnotherRequest) {
+  const ByteVector body(116);
+  const auto address = reinterpret_cast<std::uintptr_t>(body.data());
+  ByteVector frame = Record().u32(21).u32(0).u32(116).u64(address);
+  EXPECT_EQ(model.request(Device::firewall, 20, reinterpret_cast<std::uintptr_t>(frame.data())),
+            EINVAL);
+  EXPECT_EQ(note(), "frame has command 21");
+  frame = Record().u32(20).u32(1).u32(116).u64(address);
+  EXPECT_EQ(model.request(Device::firewall, 20, reinterpret_cast<std::uintptr_t>(frame.data())),
+            EINVAL);
+  EXPECT_EQ(note(), "frame has status 1");
+}
+
+TEST_F(LabFilterList, AnswersOtherDirectRequestsAsNotSupportedAndUnknownOnesNotAtAll) {
+  const ByteVector body(8);
+  ByteVector frame =
+      Record().u32(37).u32(0).u32(8).u64(reinterpret_cast<std::uintptr_t>(body.data()));
+  EXPECT_EQ(model.request(Device::firewall, 37, reinterpret_cast<std::uintptr_t>(frame.data())), 0);
+  EXPECT_EQ(get32(frame, 4), 7u);
+  EXPECT_EQ(model.request(Device::firewall, 99, reinterpret_cast<std::uintptr_t>(frame.data())),
+            ENOTTY);
+  EXPECT_EQ(model.request(Device::filterTables, 1, 0), ENOTTY);
+}
+
+TEST(LabHost, TheHostsMachinesCanBeMany) {
+  const Host host = Host::generated(1000);
+  EXPECT_EQ(host.filterCount(), 1000u);
+  EXPECT_EQ(host.name(999), "nic-1000999-eth0-kelpco-sfw.2");
+}
+
+}  // namespace
+}  // namespace TarnLab
