@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <span>
 #include <vector>
 
 #include "TarnFWProtocolSpec.h"
@@ -42,6 +43,8 @@ class CTarnFWProtocolSpecList final : public CTarnFWProtocolSpec {
 
   /// Members of this kind, or all members for FW_SPEC_NONE.
   unsigned int getSpecCount(FWProtocolSpecType_t kind) const;
+
+  std::span<const std::unique_ptr<CTarnFWProtocolSpec>> getSpecs() const { return specs_; }
 
   /// Moves the members of `other` to this list's end. On CDuplicateProtocolSpecException the member
   /// in question and those behind it stay in `other`.

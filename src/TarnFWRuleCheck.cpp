@@ -1,0 +1,76 @@
+#include "TarnFWRuleCheck.h"
+
+#include <netinet/in.h>
+
+#include "TarnFWAddress.h"
+#include "TarnFWException.h"
+#include "TarnFWProtocol.h"
+#include "TarnFWProtocolSpecList.h"
+
+namespace TarnFirewall {
+
+namespace {
+
+[[noreturn]] void refuseAddress(const char* text) {
+  throw CUnsupportedException(FW_STATUS_RULE_ADDRESS_MISMATCH, text);
+}
+
+bool isMAC(const CTarnFWAddress* address) { return address != nullptr && address->isMACAddress(); }
+bool isIP(const CTarnFWAddress* address) { return address != nullptr && address->isIPAddress(); }
+
+}  // namespace
+
+CTarnFWProtocol& requireProtocol(CTarnFWProtocol* protocol) {
+  if (protocol == nullptr) throw CUnsupportedException("no protocol is defined");
+  return *protocol;
+}
+
+void checkRuleParts(const CTarnFWProtocol& protocol, FWRuleAction_t action,
+                    FWRuleDirection_t direction, const CTarnFWAddress* source,
+                    const CTarnFWAddress* destination) {
+  const bool layer3 = protocol.isLayer3();
+  // A load balancer is treated as a translation here.
+  const bool translates =
+      action == FW_ACTION_SNAT || action == FW_ACTION_DNAT || action == FW_ACTION_LB;
+  if (translates && !layer3) throw CUnsupportedException("cannot accept layer2 NAT rule!");
+  if (action == FW_ACTION_SNAT && direction != FW_DIRECTION_OUT)
+    throw CUnsupportedException("SNAT rule direction is not out!");
+  if (layer3) {
+    if (isMAC(source)) refuseAddress("layer3 rule src address is MAC");
+    if (isMAC(destination)) refuseAddress("layer3 rule dst address is MAC");
+  } else {
+    if (isIP(source)) refuseAddress("layer2 rule src address is IP");
+    if (isIP(destination)) refuseAddress("layer2 rule dst address is IP");
+  }
+  if (isIP(source) && isIP(destination) &&
+      ((source->isIPv4Address() && destination->isIPv6Address()) ||
+       (source->isIPv6Address() && destination->isIPv4Address()))) {
+    refuseAddress("rule src and dst are different version of IP addresses");
+  }
+}
+
+SpecKinds specKinds(const CTarnFWProtocolSpecList* list) {
+  SpecKinds kinds = 0;
+  if (list != nullptr) {
+    for (const auto& spec : list->getSpecs()) kinds |= specKind(spec->getSpecType());
+  }
+  return kinds;
+}
+
+void checkRuleSpecs(const CTarnFWProtocol& protocol, SpecKinds connection, bool directionPorts,
+                    SpecKinds tcpOnly) {
+  const bool tcp = protocol.isIPProtocol(IPPROTO_TCP);
+  const bool udp = protocol.isIPProtocol(IPPROTO_UDP);
+  const bool icmp = protocol.isIPProtocol(IPPROTO_ICMP) || protocol.isIPProtocol(IPPROTO_ICMPV6);
+  if ((connection & specKind(FW_SPEC_ICMP_TYPE)) != 0 && !icmp)
+    throw CUnsupportedException("cannot accept icmp type while icmp protocol is not specified");
+  const bool ports = (connection & kPortKinds) != 0 || directionPorts;
+  if (ports && !tcp && !udp)
+    throw CUnsupportedException(
+        "cannot accept tcp/udp port while tcp/udp protocol is not specified");
+  if ((connection & tcpOnly) != 0 && !tcp)
+    throw CUnsupportedException(
+        "cannot accept tcp flags/options while tcp protocol is not specified");
+}
+
+}  // namespace TarnFirewall
