@@ -7,7 +7,9 @@
 /// whatever is wrong with it; white space in front of an address is skipped and what follows an
 /// address behind white space is not looked at.
 
+#include <charconv>
 #include <cstring>
+#include <string>
 #include <string_view>
 
 #include "TarnFWAddressIPFamily.h"
@@ -42,6 +44,26 @@ class CTarnFWAddressIP : public CTarnFWAddressRecord {
     std::memcpy(to, &address, sizeof address);
   }
 
+  /// Text of an address while it is put together, so that it is appended in one piece.
+  class Text {
+   public:
+    Text() : end_(form_) {
+      for (const char c : {'i', 'p', ' '}) add(c);
+    }
+    void add(char mark) { *end_++ = mark; }
+    void add(unsigned char prefix) {
+      end_ = std::to_chars(end_, form_ + sizeof form_, static_cast<unsigned int>(prefix)).ptr;
+    }
+    void add(const Address& address) { end_ = Family::writeAddress(end_, address); }
+    void appendTo(std::string& text) const {
+      text.append(form_, static_cast<std::size_t>(end_ - form_));
+    }
+
+   private:
+    char form_[3 + 2 * Family::maxText];  // two addresses, which have room for a mark each
+    char* end_;
+  };
+
   static std::string_view whole(const char* text) { return text == nullptr ? "" : text; }
 };
 
@@ -70,8 +92,9 @@ class CTarnFWAddressIPSingle : public CTarnFWAddressIP<Family> {
 
  private:
   void appendValue(std::string& text) const final {
-    text += "ip ";
-    Family::appendAddress(text, address_);
+    typename Base::Text form;
+    form.add(address_);
+    form.appendTo(text);
   }
   void storeValue(typename Base::ValueArea value) const final {
     Base::store(value.data(), address_);
@@ -126,10 +149,11 @@ class CTarnFWAddressIPRange : public CTarnFWAddressIP<Family> {
   }
 
   void appendValue(std::string& text) const final {
-    text += "ip ";
-    Family::appendAddress(text, first_);
-    text += '-';
-    Family::appendAddress(text, last_);
+    typename Base::Text form;
+    form.add(first_);
+    form.add('-');
+    form.add(last_);
+    form.appendTo(text);
   }
   void storeValue(typename Base::ValueArea value) const final {
     Base::store(value.data(), first_);
@@ -203,10 +227,11 @@ class CTarnFWAddressIPCIDR : public CTarnFWAddressIP<Family> {
   }
 
   void appendValue(std::string& text) const final {
-    text += "ip ";
-    Family::appendAddress(text, address_);
-    text += '/';
-    text += std::to_string(prefix_);
+    typename Base::Text form;
+    form.add(address_);
+    form.add('/');
+    form.add(prefix_);
+    form.appendTo(text);
   }
   void storeValue(typename Base::ValueArea value) const final {
     std::uint8_t mask[sizeof(Address)];

@@ -2,7 +2,6 @@
 
 #include <arpa/inet.h>
 
-#include <charconv>
 #include <cstring>
 
 #include "TarnFWAddressConvert.h"
@@ -19,16 +18,15 @@ std::array<net32, 4> words(const in6_addr& address) {
 
 }  // namespace
 
-void IPv4Family::appendAddress(std::string& text, const Address& address) {
-  // The form of inet_ntop, which is slower than all the rest of a rule's text.
-  char octets[INET_ADDRSTRLEN];
-  const auto bytes = loadRecord<std::array<std::uint8_t, 4>>(&address);
-  char* end = octets;
-  for (const unsigned int byte : bytes) {
-    if (end != octets) *end++ = '.';
-    end = std::to_chars(end, octets + sizeof octets, byte).ptr;
+char* IPv4Family::writeAddress(char* to, const Address& address) {
+  // By hand, since inet_ntop costs more than all the rest of a rule's text.
+  for (const unsigned int byte : loadRecord<std::array<std::uint8_t, 4>>(&address)) {
+    if (byte >= 100) *to++ = static_cast<char>('0' + byte / 100);
+    if (byte >= 10) *to++ = static_cast<char>('0' + byte / 10 % 10);
+    *to++ = static_cast<char>('0' + byte % 10);
+    *to++ = '.';
   }
-  text.append(octets, end);
+  return to - 1;
 }
 
 bool IPv4Family::prefix2mask(unsigned int prefix, Address* mask) {
@@ -54,12 +52,11 @@ bool IPv4Family::isRange(const Address& first, const Address& last) {
   return ntohl(first.s_addr) < ntohl(last.s_addr);
 }
 
-void IPv6Family::appendAddress(std::string& text, const Address& address) {
-  char form[INET6_ADDRSTRLEN];
-  if (inet_ntop(family, &address, form, sizeof form) == nullptr) {
+char* IPv6Family::writeAddress(char* to, const Address& address) {
+  if (inet_ntop(family, &address, to, maxText) == nullptr) {
     throw CInvalidAddressException("invalid ip6 address");
   }
-  text += form;
+  return to + std::strlen(to);
 }
 
 bool IPv6Family::prefix2mask(unsigned int prefix, Address* mask) {

@@ -6,7 +6,8 @@
 #include <netinet/in.h>
 
 #include <array>
-#include <string>
+#include <cstddef>
+#include <cstdint>
 
 #include "TarnFWException.h"
 
@@ -21,7 +22,12 @@ struct IPv4Family {
   static constexpr char maskMark = '.';  // in a text behind the slash, it tells a mask
   static constexpr const char* invalidPrefix = "invalid ipv4 cidr";
 
-  static void appendAddress(std::string& text, const Address& address);
+  static constexpr std::size_t maxText = INET_ADDRSTRLEN;
+
+  /// Writes the text of an address as `inet_ntop` has it, at most `maxText` bytes. The result is
+  /// the place behind it.
+  static char* writeAddress(char* to, const Address& address);
+
   static bool prefix2mask(unsigned int prefix, Address* mask);
   static bool mask2prefix(const Address& mask, unsigned char* prefix);
   static bool str2prefix(const char* text, unsigned char* prefix);
@@ -42,7 +48,11 @@ struct IPv6Family {
   static constexpr char maskMark = ':';
   static constexpr const char* invalidPrefix = "invalid ipv6 cidr";
 
-  static void appendAddress(std::string& text, const Address& address);
+  static constexpr std::size_t maxText = INET6_ADDRSTRLEN;
+
+  /// As of IPv4. Throws `CInvalidAddressException` when `inet_ntop` fails.
+  static char* writeAddress(char* to, const Address& address);
+
   static bool prefix2mask(unsigned int prefix, Address* mask);
   static bool mask2prefix(const Address& mask, unsigned char* prefix);
   static bool str2prefix(const char* text, unsigned char* prefix);

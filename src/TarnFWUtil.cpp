@@ -44,7 +44,10 @@ class Words {
 constexpr const char* kListSeparators = ", \t";
 constexpr const char* kTimeoutSeparators = " \t,:";
 
-/// Decimal and below a limit when taken as unsigned, so that a negative number fails.
+/// White space as `isspace` has it, without a look at the locale.
+constexpr bool isSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+
+/// A number below a limit when taken as unsigned, so that a negative number fails.
 bool str2Limited(const char* text, int base, unsigned long limit, long* value) {
   return Str2Long(text, base, value) && static_cast<unsigned long>(*value) < limit;
 }
@@ -346,15 +349,19 @@ int tarn_inet_pton(int family, const char* text, void* buffer) {
 namespace TarnFirewall {
 
 int inetPton(int family, std::string_view text, void* buffer) {
-  constexpr std::string_view space = " \t\n\v\f\r";
   if (buffer == nullptr) return 0;
-  text.remove_prefix(std::min(text.find_first_not_of(space), text.size()));
-  const std::string_view word = text.substr(0, text.find_first_of(space));
-  char copy[INET6_ADDRSTRLEN];
-  if (word.empty() || word.size() >= sizeof copy) return 0;
-  word.copy(copy, word.size());
-  copy[word.size()] = '\0';
-  return inet_pton(family, copy, buffer);
+  const char* begin = text.data();
+  const char* const end = begin + text.size();
+  while (begin != end && isSpace(*begin)) ++begin;
+  const char* wordEnd = begin;
+  while (wordEnd != end && !isSpace(*wordEnd)) ++wordEnd;
+
+  char word[INET6_ADDRSTRLEN];
+  const auto length = static_cast<std::size_t>(wordEnd - begin);
+  if (length == 0 || length >= sizeof word) return 0;
+  std::memcpy(word, begin, length);
+  word[length] = '\0';
+  return inet_pton(family, word, buffer);
 }
 
 }  // namespace TarnFirewall
