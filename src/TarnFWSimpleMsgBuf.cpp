@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <memory>
 
 #include "TarnFWLog.h"
 
@@ -41,13 +42,14 @@ bool CTarnFWSimpleMsgBuf::getBuffer(void** body, unsigned int size) {
   }
   // Zeroed, so that no old heap bytes reach the kernel or a peer. A large buffer comes as fresh
   // pages, which the allocator knows to be zero already.
-  void* memory = std::calloc(1, kMsgHeaderSize + std::size_t{size} + kMsgSlack);
+  std::unique_ptr<void, decltype(&std::free)> memory(
+      std::calloc(1, kMsgHeaderSize + std::size_t{size} + kMsgSlack), std::free);
   if (memory == nullptr) {
     TARNFW_WARNING("failed to get message buffer of size %u\n\n", size);
     return false;
   }
-  initMsgHeader(static_cast<tarn_msg_hdr_*>(memory));
-  *body = static_cast<std::byte*>(memory) + kMsgHeaderSize;
+  initMsgHeader(static_cast<tarn_msg_hdr_*>(memory.get()));
+  *body = static_cast<std::byte*>(memory.release()) + kMsgHeaderSize;
   return true;
 }
 

@@ -154,3 +154,14 @@ TEST(TarnFWIoctl, TheDeviceClosesAtTheEndOfTheProcess) {
             "close /dev/brq-tarn\n"
             "7|tarnfw:io TarnFWDevice:~CTarnFWDevice():N closed ioctl device: /dev/brq-tarn\n");
 }
+
+TEST(TarnFWIoctl, ALockThatFailsGivesMinusOneAndNamesTheFunction) {
+  EXPECT_FRESH([] {
+    DeviceShim::put(kDevice);
+    LogCapture log;
+    DeviceShim::failNextLock();
+    EXPECT_EQ(FW_Ioctl(1, nullptr), -1);
+    EXPECT_TRUE(log.has(LOG_WARNING, "FW_Ioctl: encountered internal error\n"));
+    EXPECT_TRUE(DeviceShim::opens().empty());
+  });
+}

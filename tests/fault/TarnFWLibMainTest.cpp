@@ -6,6 +6,7 @@
 
 #include "DeviceShim.h"
 #include "Expect.h"
+#include "Locks.h"
 #include "LogCapture.h"
 #include "TarnFWLibHandle.h"
 #include "TarnFWLog.h"
@@ -23,6 +24,14 @@ template <typename T>
 const char* value(const T* address) {
   return reinterpret_cast<const char*>(address);
 }
+
+/// A generic channel that counts its ends in its context.
+FWStatus_t init(void* argument, void** context) {
+  *context = argument;
+  return 0;
+}
+void countEnd(void* context) { ++*static_cast<int*>(context); }
+FWStatus_t request(void*, void*, unsigned int, void*) { return 0; }
 
 /// Sends one empty command through the handle.
 FWStatus_t send(fwlibhandle_* handle) {
@@ -102,19 +111,44 @@ TEST(TarnFWLibMain, ExitOfTheDefaultHandleKeepsItUsable) {
 TEST(TarnFWLibMain, ExitOfAnotherHandleDeletesItAndMakesTheDefaultOne) {
   EXPECT_FRESH([] {
     DeviceShim::put(kDevice);
-    Bytes memory(64);
-    const unsigned int length = 64;
-    const char* items[] = {"FWIOMemory", value(memory.data()), "FWIOLength", value(&length)};
+    int ends = 0;
+    const FWLibGenericIO_ table = {init, countEnd, request, nullptr};
+    const char* items[] = {"FWIOGenericIO", value(&table), "FWIOGenericIOInitArg", value(&ends)};
     int reserved = 0;
     fwlibhandle_* handle = nullptr;
-    ASSERT_EQ(FW_Initialize(FW_INTERFACE_VERSION, &reserved, FW_IO_MEMORY, 4, items, &handle), 0u);
+    ASSERT_EQ(FW_Initialize(FW_INTERFACE_VERSION, &reserved, FW_IO_GENERIC, 4, items, &handle), 0u);
     LogCapture log;
     g_tarnfw_verbose[FW_COMPONENT_API].level = 1;
     EXPECT_EQ(FW_Exit(handle), 0u);
+    EXPECT_EQ(ends, 1);
     EXPECT_EQ(DeviceShim::opens().size(), 1u);
     EXPECT_FALSE(
         log.has(LOG_DEBUG, "Not delete the lib handle since it's the global default one.\n"));
     EXPECT_TRUE(log.has(LOG_DEBUG, "Tarn Firewall library TARNFW 0.3 has exited.\n"));
+  });
+}
+
+TEST(TarnFWLibMain, ALockThatFailsGivesNoDefaultHandleAndAWarning) {
+  EXPECT_FRESH([] {
+    DeviceShim::put(kDevice);
+    LogCapture log;
+    DeviceShim::failNextLock();
+    EXPECT_EQ(FW_GetDefaultLibHandle(), nullptr);
+    EXPECT_EQ(log.normalized(),
+              Lines{"4|tarnfw: TarnFWLibMain:FW_GetDefaultLibHandle():N FW_GetDefaultLibHandle: "
+                    "encountered internal error\n"});
+    EXPECT_NE(FW_GetDefaultLibHandle(), nullptr);
+  });
+}
+
+TEST(TarnFWLibMain, ALockThatFailsMakesExitAnUnknownError) {
+  EXPECT_FRESH([] {
+    DeviceShim::put(kDevice);
+    fwlibhandle_* handle = FW_GetDefaultLibHandle();
+    LogCapture log;
+    DeviceShim::failNextLock();
+    EXPECT_EQ(FW_Exit(handle), 5u);
+    EXPECT_TRUE(log.has(LOG_WARNING, "FW_Exit: encountered internal error\n"));
   });
 }
 
@@ -190,4 +224,15 @@ TEST(TarnFWSimpleMsgBuf, TheLargestSizeThatDoesNotOverflowGoesToTheAllocator) {
   DeviceShim::failNextCalloc();
   EXPECT_EQ(library->getCommandBuffer(&body, 4294967275u), 8u);
   EXPECT_TRUE(log.has(LOG_WARNING, "failed to get message buffer of size 4294967275\n\n"));
+}
+
+TEST(TarnFWSimpleMsgBuf, ALockThatFailsThrowsAndLosesNoMemory) {
+  const auto library = CTarnFWLibHandle::GetInstance();
+  void* body = nullptr;
+  DeviceShim::failNextLock();
+  EXPECT_THROW(library->getCommandBuffer(&body, 12), Locks::LockException);
+  EXPECT_EQ(body, nullptr);
+  ASSERT_EQ(library->getCommandBuffer(&body, 12), 0u);
+  EXPECT_EQ(static_cast<std::uint8_t*>(body)[-12], 0) << "no sequence number was lost";
+  library->releaseCommandBuffer(body);
 }

@@ -102,3 +102,14 @@ TEST(TarnSiIoctl, OpeningAndClosingAreInfoLines) {
             "6|tarnfw:io TarnFWDevice:~CTarnFWDevice():N closed ioctl device: "
             "/dev/brq-tarn-ploy\n");
 }
+
+TEST(TarnSiIoctl, ALockThatFailsGivesMinusOneAndNamesTheFunction) {
+  EXPECT_FRESH([] {
+    DeviceShim::put(kDevice);
+    LogCapture log;
+    DeviceShim::failNextLock();
+    EXPECT_EQ(SI_Ioctl(1, nullptr), -1);
+    EXPECT_TRUE(log.has(LOG_WARNING, "SI_Ioctl: encountered internal error\n"));
+    EXPECT_TRUE(DeviceShim::opens().empty());
+  });
+}

@@ -74,3 +74,14 @@ TEST(TarnWGTIoctl, OpeningAndClosingAreDebugLines) {
             "close /dev/weirgatetbl\n"
             "7|tarnfw:io TarnFWDevice:~CTarnFWDevice():N closed ioctl device: /dev/weirgatetbl\n");
 }
+
+TEST(TarnWGTIoctl, ALockThatFailsGivesMinusOneAndNamesTheFunction) {
+  EXPECT_FRESH([] {
+    DeviceShim::put(kDevice);
+    LogCapture log;
+    DeviceShim::failNextLock();
+    EXPECT_EQ(WGT_Ioctl(1, nullptr), -1);
+    EXPECT_TRUE(log.has(LOG_WARNING, "WGT_Ioctl: encountered internal error\n"));
+    EXPECT_TRUE(DeviceShim::opens().empty());
+  });
+}

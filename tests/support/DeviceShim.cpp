@@ -3,6 +3,7 @@
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <pthread.h>
 #include <sys/ioctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -37,6 +38,7 @@ struct State {
 State* g_state = nullptr;
 bool g_failCalloc = false;
 bool g_failNew = false;
+bool g_failLock = false;
 
 State& state() {
   if (g_state == nullptr) g_state = new State;
@@ -113,13 +115,21 @@ int close(int descriptor) {
   return real(descriptor);
 }
 
-// The linker sends the library's calls of these two functions here.
+// The linker sends the library's calls of these functions here.
 void* __real_calloc(std::size_t count, std::size_t size);
 void* __wrap_calloc(std::size_t count, std::size_t size);
 void* __wrap_calloc(std::size_t count, std::size_t size) {
   if (!g_failCalloc) return __real_calloc(count, size);
   g_failCalloc = false;
   return nullptr;
+}
+
+int __real_pthread_mutex_lock(pthread_mutex_t* mutex);
+int __wrap_pthread_mutex_lock(pthread_mutex_t* mutex);
+int __wrap_pthread_mutex_lock(pthread_mutex_t* mutex) {
+  if (!g_failLock) return __real_pthread_mutex_lock(mutex);
+  g_failLock = false;
+  return EINVAL;
 }
 
 void* __real__ZnwmRKSt9nothrow_t(std::size_t size, const std::nothrow_t& tag);
@@ -145,6 +155,7 @@ const std::vector<std::string>& closes() { return state().closes; }
 const std::vector<Call>& calls() { return state().calls; }
 
 void failNextCalloc() { g_failCalloc = true; }
+void failNextLock() { g_failLock = true; }
 void failNextNothrowNew() { g_failNew = true; }
 
 }  // namespace DeviceShim

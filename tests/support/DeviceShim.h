@@ -36,6 +36,9 @@ const std::vector<Call>& calls();
 /// The next `calloc` of the library gives null.
 void failNextCalloc();
 
+/// The next lock of a mutex by the library fails with `EINVAL`.
+void failNextLock();
+
 /// The next `new (std::nothrow)` of the library gives null.
 void failNextNothrowNew();
 
