@@ -7,3 +7,7 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
   # Our printf-like macros pass a literal behind a literal prefix through __VA_OPT__.
   target_compile_options(tarnfw_warnings INTERFACE -Wno-gnu-zero-variadic-macro-arguments)
 endif()
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+  # It sees overlapping copies in the concatenation of a literal and a string (GCC bug 105651).
+  target_compile_options(tarnfw_warnings INTERFACE -Wno-restrict)
+endif()
