@@ -221,6 +221,7 @@ int GetFWFilters(const char* cmd, int argc, char** argv) {
       "    -c <slowpathID> : get slowpath to filter distribution\n"
       "    -n              : get number of filters\n"
       "    -h              : this help message\n";
+  const Usage usage(kUsage, cmd);
 
   const char* agent = nullptr;
   bool countOnly = false;
@@ -239,7 +240,7 @@ int GetFWFilters(const char* cmd, int argc, char** argv) {
         view.distribution = true;
         break;
       case 'c':
-        if (!decimalOption(options.value(), &view.slowPathId)) return usage(1, kUsage, cmd);
+        if (!decimalOption(options.value(), &view.slowPathId)) return usage(1);
         view.slowPathOnly = true;
         break;
       case 'n':
@@ -249,9 +250,9 @@ int GetFWFilters(const char* cmd, int argc, char** argv) {
         view.vifOnly = true;
         break;
       case 'h':
-        return usage(0, kUsage, cmd);
+        return usage(0);
       default:
-        return usage(1, kUsage, cmd);
+        return usage(1);
     }
   }
 

@@ -13,12 +13,17 @@
 #include "TarnFWLog.h"
 #include "TarnFWUtil.h"
 
-int usage(int status, const char* format, ...) {
-  va_list arguments;
-  va_start(arguments, format);
-  std::vprintf(format, arguments);
-  va_end(arguments);
+int Usage::operator()(int status) const {
+  const char* const place = std::strstr(text_, "%s");
+  std::fwrite(text_, 1, static_cast<std::size_t>(place - text_), stdout);
+  std::fputs(cmd_, stdout);
+  std::fputs(place + 2, stdout);
   return status;
+}
+
+int Usage::filterMissing() const {
+  error("ERROR: filter is missing.\n");
+  return (*this)(1);
 }
 
 int error(const char* format, ...) {
@@ -131,6 +136,29 @@ void Verbosity::apply(const FilterTarget& target) const {
   if (level == 0) return;
   announce(target);
   FW_SetLibVerboseLevel(component, static_cast<unsigned int>(level));
+}
+
+std::optional<int> SharedOptions::take(int option, const char* value, const Usage& usage) {
+  int failed = 0;
+  switch (option) {
+    case 'f':
+      failed = target.take(value);
+      break;
+    case 'v':
+      verbosity.raise(value);
+      break;
+    case 'm':
+      failed = verbosity.takeComponent(value);
+      break;
+    default:
+      return usage(option == 'h' ? 0 : 1);
+  }
+  return failed != 0 ? std::optional(failed) : std::nullopt;
+}
+
+void SharedOptions::settle() {
+  target.settleAgent();
+  verbosity.apply(target);
 }
 
 int initFWLibrary(fwlibhandle_** handle) {

@@ -7,6 +7,7 @@
 #include <getopt.h>
 
 #include <cstddef>
+#include <optional>
 #include <string>
 
 #include "tarnfw.h"
@@ -16,12 +17,25 @@
 /// Prints the usage text that `tarnioctl`, `-h` and `help` show, with `word` in its first line.
 void printHelp(const char* word);
 
-/// Prints a handler's usage text to standard output and returns `status`:
-///
-///     case 'h': return usage(0, kUsage, cmd);
-int usage(int status, const char* format, ...) __attribute__((format(printf, 2, 3)));
+/// A handler's usage text, with the command word as typed in the place of its one "%s".
+class Usage {
+ public:
+  Usage(const char* text, const char* cmd) : text_(text), cmd_(cmd) {}
 
-/// Prints an error line to standard error and returns 1.
+  /// Prints it to standard output and returns `status`: `return usage(0);`.
+  int operator()(int status) const;
+
+  /// Says that a filter is needed, shows the text and returns 1.
+  int filterMissing() const;
+
+ private:
+  const char* text_;
+  const char* cmd_;
+};
+
+/// Prints an error line to standard error and returns 1:
+///
+///     return error("ERROR: failed to get fail policy: %s\n", FW_StatusToString(status));
 int error(const char* format, ...) __attribute__((format(printf, 1, 2)));
 
 /// The printer that handlers register with `FW_SetLibPrettyPrinting(pretty_printing, stdout)`:
@@ -111,6 +125,34 @@ struct Verbosity {
 
   /// Announces, and sets the library's level, when the level is not zero.
   void apply(const FilterTarget& target) const;
+};
+
+// --- What most handlers take
+
+/// The options that most handlers share. One that takes no more than these reads:
+///
+///     const Usage usage(kUsage, cmd);
+///     SharedOptions shared;
+///     Options options(argc, argv, "hv::m:f:");
+///     for (int option; (option = options.next()) != -1;)
+///       if (const auto status = shared.take(option, options.value(), usage)) return *status;
+///     if (!shared.target.given) return usage.filterMissing();
+///     shared.settle();
+///     FW_SetLibPrettyPrinting(pretty_printing, stdout);
+///     fwlibhandle_* handle;
+///     if (initFWLibrary(&handle) != 0) return 1;
+///
+/// With options of its own it switches over them and leaves the rest to `take`.
+struct SharedOptions {
+  FilterTarget target;
+  Verbosity verbosity;
+
+  /// Takes `-f`, `-v` or `-m`. A result is the status that the handler is to return at once: 0
+  /// behind the usage for `-h`, 1 behind an error line, or behind the usage for any other option.
+  std::optional<int> take(int option, const char* value, const Usage& usage);
+
+  /// Behind the options: settles the agent, and says and sets the verbosity.
+  void settle();
 };
 
 // --- Library

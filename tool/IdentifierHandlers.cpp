@@ -40,12 +40,13 @@ int Number2Uuid(const char* cmd, int argc, char** argv) {
       "Usage: tarnioctl %s <number1,number2>\n"
       "    -b          : toggle byte order\n"
       "    -h          : this help message\n";
+  const Usage usage(kUsage, cmd);
 
   bool hostOrder = false;
   Options options(argc, argv, "hb", kLongOptions);
   for (int option; (option = options.next()) != -1;) {
-    if (option == 'h') return usage(0, kUsage, cmd);
-    if (option != 'b') return usage(1, kUsage, cmd);
+    if (option == 'h') return usage(0);
+    if (option != 'b') return usage(1);
     hostOrder = true;
   }
 
@@ -71,12 +72,13 @@ int Uuid2Number(const char* cmd, int argc, char** argv) {
       "Usage: tarnioctl %s <uuid>\n"
       "    -b          : toggle byte order\n"
       "    -h          : this help message\n";
+  const Usage usage(kUsage, cmd);
 
   bool hostOrder = false;
   Options options(argc, argv, "hb", kLongOptions);
   for (int option; (option = options.next()) != -1;) {
-    if (option == 'h') return usage(0, kUsage, cmd);
-    if (option != 'b') return usage(1, kUsage, cmd);
+    if (option == 'h') return usage(0);
+    if (option != 'b') return usage(1);
     hostOrder = true;
   }
 

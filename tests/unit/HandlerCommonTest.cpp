@@ -282,6 +282,58 @@ TEST(Verbosity, IsSilentAtLevelZero) {
   EXPECT_EQ(level, 2u);
 }
 
+// --- What most handlers take
+
+namespace {
+
+/// A handler of its shared options only.
+int sharedHandler(std::vector<std::string> words, SharedOptions& shared) {
+  words.insert(words.begin(), "getrules");
+  Arguments arguments(std::move(words));
+  const Usage usage("Usage: tarnioctl %s\n", "GetRules");
+  Options options(arguments.count(), arguments.vector(), "hv::m:f:");
+  for (int option; (option = options.next()) != -1;)
+    if (const auto status = shared.take(option, options.value(), usage)) return *status;
+  if (!shared.target.given) return usage.filterMissing();
+  shared.settle();
+  return 0;
+}
+
+CommandResult runShared(const std::vector<std::string>& words) {
+  SharedOptions shared;
+  return captured([&] { return sharedHandler(words, shared); });
+}
+
+}  // namespace
+
+TEST(SharedOptions, TakeFilterVerbosityAndComponent) {
+  const LogCapture log;
+  SharedOptions shared;
+  EXPECT_EQ(captured([&] {
+              return sharedHandler({"-v", "-f", "vif", "-m", "io", "-v2"}, shared);
+            }),
+            (CommandResult{0, "verbose level : 3\nweirgate agent: kelpco-sfw\n", ""}));
+  EXPECT_EQ(bytesOf(shared.target.port),
+            Bytes(100).text(0, "vif").text(64, "kelpco-sfw").at(99, {8}));
+  unsigned int level = 0;
+  FW_GetLibVerboseLevel(5, &level);
+  EXPECT_EQ(level, 3u);
+}
+
+TEST(SharedOptions, EndTheHandlerWhereItCannotGoOn) {
+  const std::string usage = "Usage: tarnioctl GetRules\n";
+  EXPECT_EQ(runShared({"-h", "-x"}), (CommandResult{0, usage, ""}));
+  EXPECT_EQ(runShared({"-x"}), (CommandResult{1, usage, "getrules: invalid option -- 'x'\n"}));
+  EXPECT_EQ(runShared({"-f"}),
+            (CommandResult{1, usage, "getrules: option requires an argument -- 'f'\n"}));
+  EXPECT_EQ(runShared({}), (CommandResult{1, usage, "ERROR: filter is missing.\n"}));
+  EXPECT_EQ(runShared({"-m", "nobody", "-h"}),
+            (CommandResult{1, "", "ERROR: bad component id nobody\n"}));
+  const std::string tooLong(100, 'f');
+  EXPECT_EQ(runShared({"-f", tooLong}),
+            (CommandResult{1, "", "ERROR: invalid filter name " + tooLong + "\n"}));
+}
+
 // --- Options
 
 TEST(Options, EachWalkBeginsAnew) {
@@ -354,9 +406,18 @@ TEST(DecimalOption, RefusesTheRestAndKeepsTheValue) {
 
 // --- Texts and the library
 
-TEST(Usage, GoesToStandardOutputAndGivesTheStatus) {
-  EXPECT_EQ(captured([] { return usage(1, "Usage: tarnioctl %s <options>\n", "GetRules"); }),
-            (CommandResult{1, "Usage: tarnioctl GetRules <options>\n", ""}));
+TEST(Usage, GoesToStandardOutputWithTheWordAndGivesTheStatus) {
+  const Usage usage("Does it.\n\nUsage: tarnioctl %s <options>\n    -x : 100%\n", "GetRules%s");
+  EXPECT_EQ(
+      captured([&] { return usage(0); }),
+      (CommandResult{0, "Does it.\n\nUsage: tarnioctl GetRules%s <options>\n    -x : 100%\n", ""}));
+  EXPECT_EQ(captured([&] { return usage(1); }).status, 1);
+}
+
+TEST(Usage, SaysThatAFilterIsMissing) {
+  const Usage usage("Usage: tarnioctl %s\n", "getrules");
+  EXPECT_EQ(captured([&] { return usage.filterMissing(); }),
+            (CommandResult{1, "Usage: tarnioctl getrules\n", "ERROR: filter is missing.\n"}));
 }
 
 TEST(Error, GoesToStandardErrorAndGives1) {
