@@ -2,6 +2,7 @@
 
 #include <charconv>
 #include <concepts>
+#include <cstddef>
 #include <string>
 
 namespace TarnFirewall {
@@ -16,7 +17,8 @@ void appendText(std::string& text, const char* format, ...) __attribute__((forma
 template <std::integral T>
 void appendDecimal(std::string& text, T value) {
   char digits[24];
-  text.append(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
+  const char* const end = std::to_chars(digits, digits + sizeof digits, value).ptr;
+  text.append(digits, static_cast<std::size_t>(end - digits));
 }
 
 /// Appends an integer in lower-case hexadecimal, filled with zeros up to `width` digits (16 at
@@ -24,10 +26,10 @@ void appendDecimal(std::string& text, T value) {
 template <std::unsigned_integral T>
 void appendHex(std::string& text, T value, unsigned int width = 1) {
   char digits[16];
-  char* const end = std::to_chars(digits, digits + sizeof digits, value, 16).ptr;
-  const auto length = static_cast<unsigned int>(end - digits);
+  const char* const end = std::to_chars(digits, digits + sizeof digits, value, 16).ptr;
+  const auto length = static_cast<std::size_t>(end - digits);
   if (length < width) text.append(width - length, '0');
-  text.append(digits, end);
+  text.append(digits, length);
 }
 
 }  // namespace TarnFirewall
