@@ -1,0 +1,187 @@
+// What a program sees that runs in a lab. This program is run by "tarnlab run".
+#include <dirent.h>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/ioctl.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <string>
+#include <thread>
+#include <vector>
+
+// What the C library's headers call when a program is built with checks.
+extern "C" int __open_2(const char*, int);
+extern "C" int __open64_2(const char*, int);
+extern "C" int __openat_2(int, const char*, int);
+extern "C" int __openat64_2(int, const char*, int);
+
+namespace {
+
+constexpr const char* device = "/dev/brq-tarn";
+
+struct [[gnu::packed]] Frame {
+  std::uint32_t command;
+  std::uint32_t status;
+  std::uint32_t length;
+  std::uint64_t address;
+};
+
+/// Asks for the number of filters; -1 when the descriptor is no firewall device.
+int filters(int fd) {
+  std::vector<unsigned char> body(116);
+  Frame frame{20, 0, 116, reinterpret_cast<std::uintptr_t>(body.data())};
+  if (::ioctl(fd, 20, &frame) != 0) return -1;
+  return body[100];
+}
+
+int openDescriptors() {
+  return static_cast<int>(std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}));
+}
+
+TEST(LabPreload, EveryFormOfOpenReachesTheDevice) {
+  const int before = openDescriptors();
+  for (int fd :
+       {::open(device, O_RDWR), ::open64(device, O_RDWR), ::open("/dev/tarn", O_RDWR),
+        ::openat(AT_FDCWD, device, O_RDWR), ::openat64(-1, device, O_RDWR),
+        __open_2(device, O_RDWR), __open64_2(device, O_RDWR), __openat_2(AT_FDCWD, device, O_RDWR),
+        __openat64_2(AT_FDCWD, device, O_RDWR), ::open(device, O_RDWR | O_CREAT, 0600)}) {
+    EXPECT_EQ(filters(fd), 8);
+    EXPECT_EQ(::close(fd), 0);
+  }
+  EXPECT_EQ(openDescriptors(), before);
+}
+
+TEST(LabPreload, TheOtherDevicesAreThereAndAnswerNothingYet) {
+  for (const char* path : {"/dev/weirgatetbl", "/dev/brq-tarn-ploy"}) {
+    const int fd = ::open(path, O_RDWR | O_CLOEXEC);
+    ASSERT_GE(fd, 0) << path;
+    EXPECT_NE(::fcntl(fd, F_GETFD) & FD_CLOEXEC, 0);
+    errno = 0;
+    EXPECT_EQ(::ioctl(fd, 4, nullptr), -1);
+    EXPECT_EQ(errno, ENOTTY);
+    ::close(fd);
+  }
+}
+
+TEST(LabPreload, EveryCopyOfADescriptorIsTheDeviceToo) {
+  const int fd = ::open(device, O_RDWR);
+  ASSERT_GE(fd, 0);
+  const int copies[] = {::dup(fd),
+                        ::dup2(fd, 200),
+                        ::dup3(fd, 201, O_CLOEXEC),
+                        ::fcntl(fd, F_DUPFD, 202),
+                        ::fcntl(fd, F_DUPFD_CLOEXEC, 203),
+                        ::dup2(fd, fd)};
+  for (const int copy : copies) EXPECT_EQ(filters(copy), 8) << copy;
+  const int plain = ::open("/dev/zero", O_RDONLY);
+  EXPECT_EQ(::dup2(plain, 200), 200);
+  EXPECT_EQ(filters(200), -1) << "a descriptor that was replaced is no device any more";
+  for (const int copy : {copies[0], 200, 201, 202, 203, plain, fd}) ::close(copy);
+  EXPECT_EQ(filters(fd), -1);
+  EXPECT_EQ(errno, EBADF);
+}
+
+TEST(LabPreload, ADescriptorClosedBehindItsBackIsNoDevice) {
+  const int fd = ::open(device, O_RDWR);
+  ASSERT_GE(fd, 0);
+  std::FILE* stream = ::fdopen(fd, "r+");
+  ASSERT_NE(stream, nullptr);
+  std::fclose(stream);
+  const int again = ::open("/dev/zero", O_RDONLY);
+  EXPECT_EQ(again, fd);
+  EXPECT_EQ(filters(again), -1);
+  EXPECT_EQ(errno, ENOTTY);
+  ::close(again);
+}
+
+TEST(LabPreload, EverythingElsePassesThrough) {
+  char name[] = "/tmp/tarnlab-preload.XXXXXX";
+  ::close(::mkstemp(name));
+  const int fd = ::open(name, O_RDWR | O_CREAT | O_TRUNC, 0640);
+  ASSERT_GE(fd, 0);
+  EXPECT_EQ(::write(fd, "text", 4), 4);
+  int waiting = 0;
+  EXPECT_EQ(::ioctl(fd, FIONREAD, &waiting), 0);
+  EXPECT_EQ(::fcntl(fd, F_GETFL) & O_ACCMODE, O_RDWR);
+  EXPECT_EQ(::close(fd), 0);
+  ::unlink(name);
+  const std::string folder = std::string(name) + ".d";
+  ASSERT_EQ(::mkdir(folder.c_str(), 0700), 0);
+  const int in = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY);
+  const ::mode_t mask = ::umask(0);
+  const int made = ::openat(in, "made", O_WRONLY | O_CREAT | O_EXCL, 0604);
+  ::umask(mask);
+  struct stat status {};
+  EXPECT_EQ(::fstat(made, &status), 0);
+  EXPECT_EQ(status.st_mode & 0777, 0604u);
+  ::close(made);
+  ::close(in);
+  std::filesystem::remove_all(folder);
+
+  EXPECT_EQ(::open("/dev/brq-tarn-", O_RDWR), -1);
+  EXPECT_EQ(errno, ENOENT);
+  EXPECT_EQ(::open("/dev/brq", O_RDWR), -1);
+  EXPECT_EQ(::close(-1), -1);
+  EXPECT_EQ(errno, EBADF);
+  EXPECT_EQ(::ioctl(-1, 20, nullptr), -1);
+  EXPECT_EQ(errno, EBADF);
+  EXPECT_EQ(::ioctl(1 << 20, 20, nullptr), -1);
+  EXPECT_EQ(errno, EBADF);
+  const char* volatile nowhere = nullptr;
+  EXPECT_EQ(::open(nowhere, O_RDONLY), -1);
+  EXPECT_EQ(errno, EFAULT);
+}
+
+TEST(LabPreload, BadAddressesAreAnErrorAndNoCrash) {
+  const int fd = ::open(device, O_RDWR);
+  for (const std::uintptr_t address : {std::uintptr_t{0}, std::uintptr_t{1}, ~std::uintptr_t{0}}) {
+    errno = 0;
+    EXPECT_EQ(::ioctl(fd, 15, address), -1);
+    EXPECT_EQ(errno, EFAULT);
+  }
+  ::close(fd);
+}
+
+TEST(LabPreload, ARequestThatSucceedsLeavesErrnoAlone) {
+  const int fd = ::open(device, O_RDWR);
+  errno = EXDEV;
+  EXPECT_EQ(filters(fd), 8);
+  EXPECT_EQ(errno, EXDEV);
+  ::close(fd);
+}
+
+TEST(LabPreload, ThreadsOpenAskAndCloseAtOnce) {
+  std::vector<std::thread> threads;
+  for (int t = 0; t < 4; ++t) {
+    threads.emplace_back([] {
+      for (int turn = 0; turn < 100; ++turn) {
+        const int fd = ::open(device, O_RDWR);
+        EXPECT_EQ(filters(fd), 8);
+        EXPECT_EQ(::close(fd), 0);
+        const int plain = ::open("/dev/zero", O_RDONLY);
+        EXPECT_EQ(filters(plain), -1);
+        ::close(plain);
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+}
+
+TEST(LabPreload, AChildHasTheDeviceThatItsParentOpened) {
+  const int fd = ::open(device, O_RDWR);
+  const pid_t child = ::fork();
+  if (child == 0) ::_exit(filters(fd));
+  int status = 0;
+  ASSERT_EQ(::waitpid(child, &status, 0), child);
+  EXPECT_EQ(WEXITSTATUS(status), 8);
+  ::close(fd);
+}
+
+}  // namespace
