@@ -79,9 +79,9 @@ std::string filterListText(const JournalEntry& entry) {
   const ByteVector sent = whole(entry.sent, entry.size);
   const ByteVector answered = whole(entry.answered, entry.size);
   constexpr std::size_t size = 116, atCount = 100, atLength = 104;
-  if (sent.size() < size) return "filters";
-  const std::string_view agent = getText(sent, 0, atCount);
   std::string text = entry.request == 20 ? "number of filters" : "filters";
+  if (sent.size() < size) return text;
+  const std::string_view agent = getText(sent, 0, atCount);
   text += agent.empty() ? " of every agent" : " of " + printable(agent);
   if (entry.request == 21) {
     text += format(" (count %u, room %u)", get32(sent, atCount), get32(sent, atLength));
@@ -113,9 +113,14 @@ std::string dump(const char* title, ConstBytes bytes, std::uint64_t size) {
 }  // namespace
 
 std::string decodeEntry(const JournalEntry& entry) {
+  return format("%s %s[%u] ", timeText(entry.time).c_str(), printable(entry.program).c_str(),
+                entry.process) +
+         decodeRequest(entry);
+}
+
+std::string decodeRequest(const JournalEntry& entry) {
   std::string text =
-      format("%s %s[%u] %s %u: ", timeText(entry.time).c_str(), printable(entry.program).c_str(),
-             entry.process, std::string(deviceName(entry.device)).c_str(), entry.request);
+      format("%s %u: ", std::string(deviceName(entry.device)).c_str(), entry.request);
   if (entry.device == Device::firewall && entry.request == 15) {
     text += messageText(entry);
   } else if (entry.device == Device::firewall && (entry.request == 20 || entry.request == 21)) {

@@ -11,6 +11,9 @@ namespace TarnLab {
 /// One line, without a line end: when, who, which device and request, what was asked, the answer.
 std::string decodeEntry(const JournalEntry& entry);
 
+/// The same without when and who.
+std::string decodeRequest(const JournalEntry& entry);
+
 /// The bytes that were sent and answered, sixteen to a line, each line with an end.
 std::string dumpEntry(const JournalEntry& entry);
 

@@ -10,11 +10,14 @@ namespace TarnLab {
 int runLog(const Store& store, Arguments arguments) {
   bool withBytes = false;
   bool withRecords = false;
+  bool shortened = false;
   std::optional<unsigned long long> last;
   for (; !arguments.empty(); arguments = arguments.subspan(1)) {
     const std::string_view option = arguments[0];
     if (option == "-x") {
       withBytes = true;
+    } else if (option == "-s") {
+      shortened = true;
     } else if (option == "-v") {
       withRecords = true;
     } else if (option == "-n" && arguments.size() > 1) {
@@ -40,7 +43,7 @@ int runLog(const Store& store, Arguments arguments) {
       --skipped;
       return true;
     }
-    std::puts(decodeEntry(entry).c_str());
+    std::puts((shortened ? decodeRequest(entry) : decodeEntry(entry)).c_str());
     if (withRecords) std::fputs(decodeRecords(entry).c_str(), stdout);
     if (withBytes) std::fputs(dumpEntry(entry).c_str(), stdout);
     return std::ferror(stdout) == 0;

@@ -62,11 +62,12 @@ constexpr ProgramCommand commands[] = {
      "  --help          this text\n",
      runShow},
     {"log", "show what was asked of the devices",
-     "Usage: tarnlab log [-v] [-x] [-n N]\n"
+     "Usage: tarnlab log [-s] [-v] [-x] [-n N]\n"
      "\n"
      "Shows every message and direct request so far, one line each: when, which program,\n"
      "device and request number, what was asked, and the answer.\n"
      "\n"
+     "  -s              short: without when and which program\n"
      "  -v              with the rules, addresses, elements and names in it\n"
      "  -x              with the bytes that were sent and answered\n"
      "  -n N            only the last N\n"

@@ -1,0 +1,401 @@
+The program that makes labs and runs programs in them.
+
+  $ . "$TESTDIR/setup"
+
+  $ run tarnlab --help
+  Usage: tarnlab [--home FOLDER] COMMAND [ARGUMENT...]
+  
+  A model of the kernel firewall for programs that are run in it.
+  
+    init     make a lab: a fresh host with a few machines and their filters
+    run      run a program in the lab
+    shell    start a shell in the lab
+    reset    make the lab's host fresh again
+    show     show what the host holds
+    log      show what was asked of the devices
+    fault    order failures, or list or clear them
+  
+    --home FOLDER  the lab's folder; without it the one that TARNLAB_HOME names, or
+                   .tarnlab in the current folder
+    --help         this text; "tarnlab COMMAND --help" tells more
+  $ run tarnlab
+  err| tarnlab: a command is missing
+  err| Usage: tarnlab [--home FOLDER] COMMAND [ARGUMENT...]
+  err| 
+  err| A model of the kernel firewall for programs that are run in it.
+  err| 
+  err|   init     make a lab: a fresh host with a few machines and their filters
+  err|   run      run a program in the lab
+  err|   shell    start a shell in the lab
+  err|   reset    make the lab's host fresh again
+  err|   show     show what the host holds
+  err|   log      show what was asked of the devices
+  err|   fault    order failures, or list or clear them
+  err| 
+  err|   --home FOLDER  the lab's folder; without it the one that TARNLAB_HOME names, or
+  err|                  .tarnlab in the current folder
+  err|   --help         this text; "tarnlab COMMAND --help" tells more
+  [2]
+  $ run tarnlab frobnicate
+  err| tarnlab: unknown command frobnicate
+  err| Usage: tarnlab [--home FOLDER] COMMAND [ARGUMENT...]
+  err| 
+  err| A model of the kernel firewall for programs that are run in it.
+  err| 
+  err|   init     make a lab: a fresh host with a few machines and their filters
+  err|   run      run a program in the lab
+  err|   shell    start a shell in the lab
+  err|   reset    make the lab's host fresh again
+  err|   show     show what the host holds
+  err|   log      show what was asked of the devices
+  err|   fault    order failures, or list or clear them
+  err| 
+  err|   --home FOLDER  the lab's folder; without it the one that TARNLAB_HOME names, or
+  err|                  .tarnlab in the current folder
+  err|   --help         this text; "tarnlab COMMAND --help" tells more
+  [2]
+  $ run tarnlab --home
+  err| tarnlab: --home needs a folder
+  err| Usage: tarnlab [--home FOLDER] COMMAND [ARGUMENT...]
+  err| 
+  err| A model of the kernel firewall for programs that are run in it.
+  err| 
+  err|   init     make a lab: a fresh host with a few machines and their filters
+  err|   run      run a program in the lab
+  err|   shell    start a shell in the lab
+  err|   reset    make the lab's host fresh again
+  err|   show     show what the host holds
+  err|   log      show what was asked of the devices
+  err|   fault    order failures, or list or clear them
+  err| 
+  err|   --home FOLDER  the lab's folder; without it the one that TARNLAB_HOME names, or
+  err|                  .tarnlab in the current folder
+  err|   --help         this text; "tarnlab COMMAND --help" tells more
+  [2]
+  $ run tarnlab --bad init
+  err| tarnlab: unknown option --bad
+  err| Usage: tarnlab [--home FOLDER] COMMAND [ARGUMENT...]
+  err| 
+  err| A model of the kernel firewall for programs that are run in it.
+  err| 
+  err|   init     make a lab: a fresh host with a few machines and their filters
+  err|   run      run a program in the lab
+  err|   shell    start a shell in the lab
+  err|   reset    make the lab's host fresh again
+  err|   show     show what the host holds
+  err|   log      show what was asked of the devices
+  err|   fault    order failures, or list or clear them
+  err| 
+  err|   --home FOLDER  the lab's folder; without it the one that TARNLAB_HOME names, or
+  err|                  .tarnlab in the current folder
+  err|   --help         this text; "tarnlab COMMAND --help" tells more
+  [2]
+
+Without a lab
+
+  $ run tarnlab --home nowhere run true
+  err| tarnlab: no lab at nowhere: make one with "tarnlab init"
+  [125]
+  $ run tarnlab --home nowhere shell
+  err| tarnlab: no lab at nowhere: make one with "tarnlab init"
+  [125]
+  $ run tarnlab --home nowhere show
+  err| tarnlab: no lab at nowhere: make one with "tarnlab init"
+  [1]
+  $ run tarnlab --home nowhere log
+  err| tarnlab: no lab at nowhere: make one with "tarnlab init"
+  [1]
+  $ run tarnlab --home nowhere fault
+  err| tarnlab: no lab at nowhere: make one with "tarnlab init"
+  [1]
+  $ run tarnlab --home nowhere reset
+  err| tarnlab: no lab at nowhere: make one with "tarnlab init"
+  [1]
+  $ preload=$(dirname "$(command -v tarnlab)")/libtarnlab_preload.so
+  $ run env TARNLAB_HOME=nowhere LD_PRELOAD=$preload:$SYSLOG_SHIM tarnioctl getfilters
+  err| ERROR: there is no filter for agent 
+  log| tarnioctl <84> tarnfw: TarnFWDevice:callDevice():N error 12: cannot open device /dev/brq-tarn: 2\n
+  [1]
+
+Making one
+
+  $ run tarnlab init --help
+  Usage: tarnlab init [--machines N] [--memory BYTES]
+  
+  Makes a lab in the folder that TARNLAB_HOME names, by default .tarnlab in the
+  current folder. There must be none yet: "tarnlab reset" makes one fresh again.
+  
+    --machines N    a host of N like machines (1 to 100000) in place of the usual one
+    --memory BYTES  the largest rule set or address set that the host has memory for;
+                    1073741824 without this option
+    --help          this text
+  $ run tarnlab init --machines
+  err| tarnlab: init: --machines needs a number
+  err| Try "tarnlab init --help".
+  [2]
+  $ run tarnlab init --machines 0
+  err| tarnlab: init: --machines: bad number 0
+  err| Try "tarnlab init --help".
+  [2]
+  $ run tarnlab init --machines 100001
+  err| tarnlab: init: --machines: bad number 100001
+  err| Try "tarnlab init --help".
+  [2]
+  $ run tarnlab init --memory 12x
+  err| tarnlab: init: --memory: bad number 12x
+  err| Try "tarnlab init --help".
+  [2]
+  $ run tarnlab init extra
+  err| tarnlab: init: unknown argument extra
+  err| Try "tarnlab init --help".
+  [2]
+  $ tarnlab init > made
+  $ run tarnlab init > again
+  [1]
+  $ sed "s|$TARNLAB_HOME|HOME|" again
+  err| tarnlab: there is a lab at HOME already: "tarnlab reset" makes it fresh again
+
+Running
+
+  $ run tarnlab run --help
+  Usage: tarnlab run COMMAND [ARGUMENT...]
+  
+  Runs the program, and all programs that it starts, with the lab behind the control
+  devices. Ends with the program's exit status, with 127 when there is no such program,
+  126 when it cannot be run, 125 when there is no lab.
+  
+    --help          this text
+  $ run tarnlab run
+  err| tarnlab: run: a program is missing
+  err| Try "tarnlab run --help".
+  [125]
+  $ run tarnlab run no-such-program
+  err| tarnlab: cannot find the program no-such-program
+  [127]
+  $ echo 'exit 3' > script
+  $ chmod +x script
+  $ run tarnlab run ./script
+  [3]
+  $ mkdir folder
+  $ run tarnlab run ./folder
+  err| tarnlab: cannot run ./folder: Permission denied
+  [126]
+  $ run tarnlab run sh -c 'exit 7'
+  [7]
+  $ run tarnlab run -- sh -c 'exit 8'
+  [8]
+  $ SHELL=/bin/true run tarnlab shell
+  $ run tarnlab shell extra
+  err| tarnlab: shell: takes no arguments
+  err| Try "tarnlab shell --help".
+  [125]
+
+Showing
+
+  $ run tarnlab show --help
+  Usage: tarnlab show [FILTER]
+         tarnlab show --rules FILTER [RULESET]
+         tarnlab show --addrsets FILTER [ADDRSET]
+  
+  Shows the host's filters, what each of them holds, and the faults in force; with a
+  FILTER, that one only. An agent's shared address sets are shown and named as the
+  filter shared-addrset-filter-AGENT.
+  
+    --rules         the rules of every rule set, or of the one, as the configuration
+                    language writes them
+    --addrsets      the addresses and elements of every address set and container, or
+                    of the one
+    --help          this text
+  $ tarnlab show | sed "s|$TARNLAB_HOME|HOME|"
+  lab HOME
+  filter nic-1002672-eth0-kelpco-sfw.2
+    agent kelpco-sfw, vnic 0, slow path 1, vif 8d0c7a10-55f4-4c1e-9b02-0000632a0000
+  filter nic-1002672-eth0-kelpco-inspect.4
+    agent kelpco-inspect, vnic 0, slow path 0, vif 8d0c7a10-55f4-4c1e-9b02-0000632a0000
+  filter nic-1002731-eth0-kelpco-sfw.2
+    agent kelpco-sfw, vnic 0, slow path 1, vif 8d0c7a10-55f4-4c1e-9b02-0000632b0000
+  filter nic-1003044-eth0-kelpco-sfw.2
+    agent kelpco-sfw, vnic 0, slow path 2, vif 8d0c7a10-55f4-4c1e-9b02-000070110000
+  filter nic-1003044-eth1-kelpco-sfw.2
+    agent kelpco-sfw, vnic 1, slow path 2, vif 8d0c7a10-55f4-4c1e-9b02-000070110001
+  filter nic-1003120-eth0-kelpco-sfw.2
+    agent kelpco-sfw, vnic 0, slow path 0, vif 8d0c7a10-55f4-4c1e-9b02-000070120000
+  filter nic-998214-eth0-kelpco-sfw.2
+    agent kelpco-sfw, vnic 0, slow path 3
+  filter nic-998214-eth0-kelpco-spoof.guard.1
+    agent kelpco-spoof.guard, vnic 0, slow path 0
+  $ run tarnlab show nowhere
+  err| tarnlab: there is no filter nowhere
+  [1]
+  $ run tarnlab show a b
+  err| tarnlab: show: takes one filter
+  err| Try "tarnlab show --help".
+  [2]
+  $ run tarnlab show --frob
+  err| tarnlab: show: unknown argument --frob
+  err| Try "tarnlab show --help".
+  [2]
+  $ run tarnlab show --rules
+  err| tarnlab: show: --rules needs a filter and takes the name of a set
+  err| Try "tarnlab show --help".
+  [2]
+  $ run tarnlab show --rules nic-1002672-eth0-kelpco-sfw.2
+  $ run tarnlab show --rules nic-1002672-eth0-kelpco-sfw.2 web
+  err| tarnlab: there is no rule set web
+  [1]
+  $ run tarnlab show --addrsets nic-1002672-eth0-kelpco-sfw.2 web
+  err| tarnlab: there is no address set web
+  [1]
+  $ run tarnlab show --rules nowhere
+  err| tarnlab: there is no filter nowhere
+  [1]
+
+The log
+
+  $ run tarnlab log --help
+  Usage: tarnlab log [-s] [-v] [-x] [-n N]
+  
+  Shows every message and direct request so far, one line each: when, which program,
+  device and request number, what was asked, and the answer.
+  
+    -s              short: without when and which program
+    -v              with the rules, addresses, elements and names in it
+    -x              with the bytes that were sent and answered
+    -n N            only the last N
+    --help          this text
+  $ run tarnlab log
+  $ tarnlab run tarnioctl getfilters -n
+  Total number of kernel filters: 8
+  $ tarnlab log | sed -E 's/^[0-9-]+ [0-9:.]+ tarnioctl\[[0-9]+\]/WHEN WHO/'
+  WHEN WHO firewall 20: number of filters of every agent = ok {count 8}
+  $ run tarnlab log -s -n 1
+  firewall 20: number of filters of every agent = ok {count 8}
+  $ run tarnlab log -n 0
+  $ run tarnlab log -n
+  err| tarnlab: log: -n needs a number
+  err| Try "tarnlab log --help".
+  [2]
+  $ run tarnlab log -n x
+  err| tarnlab: log: bad number x
+  err| Try "tarnlab log --help".
+  [2]
+  $ run tarnlab log -q
+  err| tarnlab: log: unknown argument -q
+  err| Try "tarnlab log --help".
+  [2]
+  $ tarnlab log > /dev/full
+  tarnlab: cannot write the output
+  [1]
+
+Faults
+
+  $ run tarnlab fault --help
+  Usage: tarnlab fault
+         tarnlab fault status S [--count N] [--only COMMAND]
+         tarnlab fault errno E [--count N] [--only REQUEST] [--device DEVICE]
+         tarnlab fault delay MS [--count N]
+         tarnlab fault absent [DEVICE...]
+         tarnlab fault clear
+  
+  Without an argument, lists the faults in force. Otherwise:
+  
+    status S        messages are not carried out but answered with status S
+    errno E         requests fail with the errno E, a number or a name like ENOMEM
+    delay MS        requests are held up for so many milliseconds
+    absent          the devices cannot be opened; without a DEVICE, the firewall
+    clear           no faults from now on
+    --count N       only the next N; without it, until cleared
+    --only COMMAND  only messages with this command, by name or number
+    --only REQUEST  only this request number
+    --device DEVICE firewall, tables or insertion
+    --help          this text
+  $ run tarnlab fault
+  no faults
+  $ run tarnlab fault status
+  err| tarnlab: fault: status needs a value
+  err| Try "tarnlab fault --help".
+  [2]
+  $ run tarnlab fault status x
+  err| tarnlab: fault: bad status x
+  err| Try "tarnlab fault --help".
+  [2]
+  $ run tarnlab fault status 26 --count 0
+  err| tarnlab: fault: bad count 0
+  err| Try "tarnlab fault --help".
+  [2]
+  $ run tarnlab fault status 26 --count
+  err| tarnlab: fault: --count needs a value
+  err| Try "tarnlab fault --help".
+  [2]
+  $ run tarnlab fault status 26 --only NoSuchCommand
+  err| tarnlab: fault: unknown command NoSuchCommand
+  err| Try "tarnlab fault --help".
+  [2]
+  $ run tarnlab fault status 26 --device firewall
+  err| tarnlab: fault: --device does not go with this fault
+  err| Try "tarnlab fault --help".
+  [2]
+  $ run tarnlab fault status 26 --frob 1
+  err| tarnlab: fault: unknown argument --frob
+  err| Try "tarnlab fault --help".
+  [2]
+  $ run tarnlab fault errno ENOSUCH
+  err| tarnlab: fault: bad errno ENOSUCH
+  err| Try "tarnlab fault --help".
+  [2]
+  $ run tarnlab fault errno 0
+  err| tarnlab: fault: bad errno 0
+  err| Try "tarnlab fault --help".
+  [2]
+  $ run tarnlab fault errno EIO --device nowhere
+  err| tarnlab: fault: unknown device nowhere
+  err| Try "tarnlab fault --help".
+  [2]
+  $ run tarnlab fault errno EIO --only x
+  err| tarnlab: fault: bad request number x
+  err| Try "tarnlab fault --help".
+  [2]
+  $ run tarnlab fault delay 3600001
+  err| tarnlab: fault: bad delay 3600001
+  err| Try "tarnlab fault --help".
+  [2]
+  $ run tarnlab fault absent nowhere
+  err| tarnlab: fault: unknown device nowhere
+  err| Try "tarnlab fault --help".
+  [2]
+  $ run tarnlab fault frob
+  err| tarnlab: fault: unknown fault frob
+  err| Try "tarnlab fault --help".
+  [2]
+  $ run tarnlab fault clear now
+  err| tarnlab: fault: clear takes no arguments
+  err| Try "tarnlab fault --help".
+  [2]
+  $ run tarnlab fault
+  no faults
+  $ tarnlab fault status 26 --only getruleofruleset --count 3
+  $ tarnlab fault errno 28 --device /dev/weirgatetbl --only 3
+  $ tarnlab fault absent
+  $ tarnlab fault absent firewall
+  $ run tarnlab fault
+  messages are answered with status 26, those with command 10 only, the next 3
+  requests fail with ENOSPC on the device tables, request 3 only, until cleared
+  the device firewall is absent
+  $ run tarnlab run tarnioctl getfilters -n
+  Total number of kernel filters: 0
+  log| tarnioctl <84> tarnfw: TarnFWDevice:callDevice():N error 12: cannot open device /dev/brq-tarn: 2\n
+  $ run tarnlab fault clear
+  $ run tarnlab fault
+  no faults
+
+Fresh again
+
+  $ tarnlab fault delay 1
+  $ run tarnlab reset now
+  err| tarnlab: reset: takes no arguments
+  err| Try "tarnlab reset --help".
+  [2]
+  $ run tarnlab reset
+  $ run tarnlab fault
+  no faults
+  $ run tarnlab log
