@@ -1,18 +1,22 @@
 #include "TarnFWCmdClearRootRuleSet.h"
 #include "TarnFWCmdClearRuleSet.h"
 #include "TarnFWCmdClearRuleSetJump.h"
+#include "TarnFWCmdCreateRuleSet.h"
 #include "TarnFWCmdDestroyAllRuleSet.h"
 #include "TarnFWCmdDestroyRuleSet.h"
 #include "TarnFWCmdGetDlbOfRuleSet.h"
 #include "TarnFWCmdGetRootRuleSet.h"
 #include "TarnFWCmdGetRuleCountOfRuleSet.h"
+#include "TarnFWCmdGetRuleOfRuleSet.h"
 #include "TarnFWCmdGetRuleSetCount.h"
 #include "TarnFWCmdGetRuleSetInfo.h"
 #include "TarnFWCmdGetRuleSetJump.h"
 #include "TarnFWCmdGetRuleSetList.h"
 #include "TarnFWCmdGetStatOfRuleSet.h"
 #include "TarnFWCmdRun.h"
+#include "TarnFWCmdSetRootRuleSet.h"
 #include "TarnFWCmdSetRuleSetJump.h"
+#include "TarnFWRuleFactory.h"
 #include "tarnfw.h"
 
 using namespace TarnFirewall;
@@ -159,6 +163,46 @@ FWStatus_t FW_GetRuleSetInfo(fwlibhandle_* handle, const dvs_port_* port, void* 
       *count = command.count(reply);
       *realizationTime = command.realizationTime(reply);
       *generation = command.generation(reply);
+    });
+  });
+}
+
+FWStatus_t FW_CreateRuleSet(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                            const FWRuleSetID_t* id, const FWRuleSetID_t* jump,
+                            const FWRule_* rules, unsigned int count) {
+  return callLibrary(__func__, handle, [&](CTarnFWLibHandle& library) -> FWStatus_t {
+    if (id == nullptr || (rules == nullptr && count != 0)) return FW_STATUS_INVALID_ARGUMENT;
+    auto list = std::make_unique<CTarnFWRuleList>(false);
+    for (unsigned int i = 0; i < count; ++i) {
+      std::unique_ptr<CTarnFWRule> rule = CTarnFWRuleFactory::newFromMsgBuf(rules + i);
+      if (rule == nullptr) return FW_STATUS_INVALID_RULE;
+      list->addRule(std::move(rule));
+    }
+    CTarnFWCmdCreateRuleSet command(port, *id, jump == nullptr ? FWRuleSetID_t{} : *jump,
+                                    std::move(list));
+    return run(library, command, context);
+  });
+}
+
+FWStatus_t FW_SetRootRuleSet(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                             const FWRuleSetID_t* layer3, const FWRuleSetID_t* layer2) {
+  return callLibrary(__func__, handle, [&](CTarnFWLibHandle& library) -> FWStatus_t {
+    if (layer3 == nullptr || layer2 == nullptr) return FW_STATUS_INVALID_ARGUMENT;
+    CTarnFWCmdSetRootRuleSet command(port, *layer3, *layer2);
+    return run(library, command, context);
+  });
+}
+
+FWStatus_t FW_GetRuleOfRuleSet(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                               unsigned int kind, unsigned int max, unsigned int from,
+                               const FWRuleSetID_t* id, const unsigned int* ids, FWRule_* rules,
+                               unsigned int* returned) {
+  return callLibrary(__func__, handle, [&](CTarnFWLibHandle& library) -> FWStatus_t {
+    if (id == nullptr || rules == nullptr || returned == nullptr) return FW_STATUS_INVALID_ARGUMENT;
+    auto command = readCommand<CTarnFWCmdGetRuleOfRuleSet>(port, *id, kind, max, from, ids);
+    return run(library, command, context, [&](const CTarnFWCmdReply& reply) {
+      *returned = command.returned(reply);
+      for (unsigned int i = 0; i < *returned; ++i) rules[i] = command.ruleAt(reply, i);
     });
   });
 }

@@ -5,6 +5,8 @@
 #include "TarnFWAddressFactory.h"
 #include "TarnFWException.h"
 #include "TarnFWLibCall.h"
+#include "TarnFWRule.h"
+#include "TarnFWRuleFactory.h"
 #include "tarnfw.h"
 
 using namespace TarnFirewall;
@@ -33,6 +35,22 @@ class TextBuffer {
 }  // namespace
 
 extern "C" {
+
+FWStatus_t FW_GetRuleString(const FWRule_* rules, unsigned int count, char* text, unsigned int size,
+                            unsigned int pretty) {
+  return callFrame(__func__, [&]() -> FWStatus_t {
+    if (rules == nullptr || count == 0 || text == nullptr || size == 0) {
+      return FW_STATUS_INVALID_ARGUMENT;
+    }
+    TextBuffer buffer(text, size);
+    for (unsigned int i = 0; i < count; ++i) {
+      const std::unique_ptr<CTarnFWRule> rule = CTarnFWRuleFactory::newFromMsgBuf(rules + i);
+      if (rule == nullptr) return FW_STATUS_INVALID_RULE;
+      buffer.append(pretty != 0 ? rule->toString2() : rule->toString());
+    }
+    return FW_STATUS_OK;
+  });
+}
 
 FWStatus_t FW_GetAddressString(const FWAddress_* addresses, unsigned int count, char* text,
                                unsigned int size) {

@@ -161,6 +161,24 @@ FWStatus_t FW_GetRuleSetInfo(fwlibhandle_* handle, const dvs_port_* port, void* 
                              const FWRuleSetID_t* id, unsigned int* count,
                              std::uint64_t* realizationTime, std::uint64_t* generation);
 
+/// Creates a rule set of `count` rules, or replaces its rules. The jump target, which may be null,
+/// is not sent: `FW_SetRuleSetJump` sets it. 45 for a record that makes no rule.
+FWStatus_t FW_CreateRuleSet(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                            const FWRuleSetID_t* id, const FWRuleSetID_t* jump,
+                            const FWRule_* rules, unsigned int count);
+
+/// Sends all IP traffic of the filter to one rule set and all Ethernet traffic to another; one of
+/// the names may be empty.
+FWStatus_t FW_SetRootRuleSet(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                             const FWRuleSetID_t* layer3, const FWRuleSetID_t* layer2);
+
+/// Up to `max` rules: those of the `max` rule ids at `ids`, or from an index on when that is null.
+/// `rules` holds `max`.
+FWStatus_t FW_GetRuleOfRuleSet(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                               unsigned int kind, unsigned int max, unsigned int from,
+                               const FWRuleSetID_t* id, const unsigned int* ids, FWRule_* rules,
+                               unsigned int* returned);
+
 /// Statistics of up to `max` rules: of the `max` rule ids at `ids`, or from an index on when that
 /// is null. `stats` holds `max`.
 FWStatus_t FW_GetStatOfRuleSet(fwlibhandle_* handle, const dvs_port_* port, void* context,
@@ -242,7 +260,10 @@ FWStatus_t FW_SetAddrSetCfg(fwlibhandle_* handle, const dvs_port_* port, void* c
 // --- Records as text
 
 /// Texts of `count` records one behind the other, closed with a NUL. 3 for a null or zero argument,
-/// 9 when `size` is too small.
+/// 9 when `size` is too small, 45 for a record that makes no rule. `pretty` asks for the labelled
+/// form.
+FWStatus_t FW_GetRuleString(const FWRule_* rules, unsigned int count, char* text, unsigned int size,
+                            unsigned int pretty);
 FWStatus_t FW_GetAddressString(const FWAddress_* addresses, unsigned int count, char* text,
                                unsigned int size);
 
