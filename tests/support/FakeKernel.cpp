@@ -5,7 +5,9 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
+#include <ctime>
 
+#include "TarnFWBootTime.h"
 #include "TarnFWIOChannelGeneric.h"
 #include "TarnFWLog.h"
 #include "tarnfw.h"
@@ -167,6 +169,22 @@ std::string printedFor(CTarnFWCmd& command, const Bytes& reply) {
   kernel.answer(0, reply);
   EXPECT_EQ(executeOnce(kernel, command), 0u);
   return printed.text();
+}
+
+std::string maskTime(std::string text, std::uint64_t bootSeconds) {
+  for (std::size_t at = 0; at + 19 <= text.size(); ++at) {
+    if (text[at] < '0' || text[at] > '9') continue;
+    std::tm time{};
+    const std::string part = text.substr(at, 19);
+    const char* const end = strptime(part.c_str(), "%Y-%m-%dT%H:%M:%S", &time);
+    if (end != part.c_str() + 19) continue;
+    time.tm_isdst = -1;
+    EXPECT_NEAR(static_cast<double>(std::mktime(&time)),
+                static_cast<double>(bootsec2time(bootSeconds)), 2);
+    return text.replace(at, 19, "TIME");
+  }
+  ADD_FAILURE() << "no time in: " << text;
+  return text;
 }
 
 Bytes& put16(Bytes& bytes, std::size_t offset, std::uint16_t value) {

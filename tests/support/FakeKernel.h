@@ -99,6 +99,10 @@ TarnFirewall::FWStatus_t executeOnce(FakeKernel& kernel, TarnFirewall::CTarnFWCm
 /// What the command prints for a reply that starts with these bytes.
 std::string printedFor(TarnFirewall::CTarnFWCmd& command, const Bytes& reply);
 
+/// Replaces the only time in `text` by "TIME", and expects it to be that moment behind the host's
+/// boot, give or take the second in which the test runs.
+std::string maskTime(std::string text, std::uint64_t bootSeconds);
+
 /// Host-order words at an offset.
 Bytes& put16(Bytes& bytes, std::size_t offset, std::uint16_t value);
 Bytes& put32(Bytes& bytes, std::size_t offset, std::uint32_t value);

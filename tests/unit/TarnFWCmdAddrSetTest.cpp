@@ -1,0 +1,437 @@
+// The commands about address sets and containers: their bodies byte by byte, what they print for a
+// reply, and replies that lie.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "Expect.h"
+#include "FakeKernel.h"
+#include "LogCapture.h"
+#include "TarnFWAddressFactory.h"
+#include "TarnFWCmdClearAddrSet.h"
+#include "TarnFWCmdConfigSharedAddrSet.h"
+#include "TarnFWCmdCreateAddrSet.h"
+#include "TarnFWCmdCreateContainer.h"
+#include "TarnFWCmdDestroyAddrSet.h"
+#include "TarnFWCmdDestroyAllAddrSet.h"
+#include "TarnFWCmdGetAddrSetCount.h"
+#include "TarnFWCmdGetAddrSetInfo.h"
+#include "TarnFWCmdGetAddrSetList.h"
+#include "TarnFWCmdGetAddrSetStatList.h"
+#include "TarnFWCmdGetAddrSetTypeAndSize.h"
+#include "TarnFWCmdGetAddrValidOfAddrSet.h"
+#include "TarnFWCmdGetAddressOfAddrSet.h"
+#include "TarnFWCmdGetAddressStatOfAddrSet.h"
+#include "TarnFWCmdGetElementsOfContainer.h"
+#include "TarnFWCmdGetSharedAddrSet.h"
+#include "TarnFWCmdSetAddrSetCfg.h"
+#include "TarnFWL7Attribute.h"
+#include "TarnFWLog.h"
+#include "tarnfw.h"
+
+using namespace TarnFirewall;
+
+namespace {
+
+FWAddrSetID_t id(const std::string& name) {
+  FWAddrSetID_t result{};
+  name.copy(result.text, sizeof result.text);
+  return result;
+}
+
+const std::string kFull(38, 'f');
+
+template <typename Command>
+void expectIdentity(const Command& command, int number, unsigned int size,
+                    const std::string& text) {
+  EXPECT_EQ(command.getCommand(), number);
+  EXPECT_EQ(command.getType(), 23 + number);
+  EXPECT_EQ(command.getMsgSize(), size);
+  EXPECT_EQ(command.toString(), text);
+}
+
+/// Hands every truncation of a reply to the command; what lies behind the cut is never read.
+template <typename Command>
+void expectTruncationsAreSafe(Command& command, const Bytes& reply) {
+  LogCapture log;
+  const Printed printed;
+  for (std::size_t size = 0; size < reply.size(); ++size) {
+    const std::vector<std::uint8_t> cut(reply.begin(),
+                                        reply.begin() + static_cast<std::ptrdiff_t>(size));
+    try {
+      command.checkCmdReply(cut.data(), static_cast<unsigned int>(size));
+    } catch (const CInsufficientMsgBufException&) {
+    }
+  }
+}
+
+/// Lines printed for a reply of full size that tells `count` entries at `offset`.
+template <typename Command>
+long linesFor(Command& command, std::size_t offset, std::uint32_t count) {
+  LogCapture log;
+  Bytes reply(command.getMsgSize());
+  put32(reply, offset, count);
+  const std::string text = printedFor(command, reply);
+  return std::count(text.begin(), text.end(), '\n');
+}
+
+/// 144 bytes of an IPv4 address.
+Bytes ipv4(int a, int b, int c, int d) { return Bytes(144).at(0, {1}).at(4, {a, b, c, d}); }
+
+void copyTo(Bytes& bytes, std::size_t offset, const Bytes& part) {
+  std::copy(part.begin(), part.end(), bytes.begin() + static_cast<std::ptrdiff_t>(offset));
+}
+
+std::unique_ptr<CTarnFWAddressList> listOf(std::initializer_list<const char*> texts) {
+  auto list = std::make_unique<CTarnFWAddressList>(false);
+  for (const char* text : texts) {
+    EXPECT_TRUE(list->addAddress(CTarnFWAddressFactory::newFromString(FW_ADDRSET_IP, text)));
+  }
+  return list;
+}
+
+}  // namespace
+
+TEST(TarnFWCmdAddrSet, CommandsWithAName) {
+  CTarnFWCmdDestroyAddrSet destroy(nullptr, id("web"));
+  expectIdentity(destroy, 14, 42, "destroy addrset web");
+  EXPECT_EQ(requestOf(destroy), Bytes(42).text(0, "web"));
+  CTarnFWCmdClearAddrSet clear(nullptr, id(kFull));
+  expectIdentity(clear, 64, 46, "delete all from addrset " + kFull);
+  EXPECT_EQ(requestOf(clear), Bytes(46).text(0, kFull));
+  CTarnFWCmdGetAddrSetTypeAndSize size(nullptr, id("web"));
+  expectIdentity(size, 15, 50, "describe size of addrset web");
+  EXPECT_EQ(requestOf(size), Bytes(50).text(0, "web"));
+  CTarnFWCmdGetAddrSetInfo info(nullptr, id("web"));
+  expectIdentity(info, 16, 58, "describe info of addrset web");
+  EXPECT_EQ(requestOf(info), Bytes(58).text(0, "web"));
+}
+
+TEST(TarnFWCmdAddrSet, CommandsOfTheWholeFilter) {
+  const dvs_port_ port = filterPort("nic-1");
+  CTarnFWCmdDestroyAllAddrSet destroy(&port);
+  expectIdentity(destroy, 65, 4, "destroy all addrset of filter nic-1");
+  EXPECT_EQ(requestOf(destroy), Bytes(4));
+  CTarnFWCmdGetSharedAddrSet shared(nullptr);
+  expectIdentity(shared, 45, 4, "describe shared addrset");
+  EXPECT_EQ(requestOf(shared), Bytes(4));
+  CTarnFWCmdConfigSharedAddrSet on(nullptr, true);
+  expectIdentity(on, 44, 4, "enable shared addrset");
+  EXPECT_EQ(requestOf(on), Bytes(4).at(0, {1}));
+  CTarnFWCmdConfigSharedAddrSet off(nullptr, false);
+  expectIdentity(off, 44, 4, "disable shared addrset");
+  EXPECT_EQ(requestOf(off), Bytes(4));
+}
+
+TEST(TarnFWCmdAddrSet, ACountSendsItsTypeAndTypeZeroCountsEveryKind) {
+  CTarnFWCmdGetAddrSetCount every(nullptr, FW_ADDRSET_ANY);
+  expectIdentity(every, 20, 8, "describe count of addrset");
+  EXPECT_EQ(requestOf(every), Bytes(8));
+  CTarnFWCmdGetAddrSetCount sids(nullptr, FW_ADDRSET_SID);
+  EXPECT_EQ(requestOf(sids), Bytes(8).at(0, {5}));
+  EXPECT_EQ(printedFor(sids, Bytes(8).at(4, {9, 1})), "addrset count : 265\n");
+}
+
+TEST(TarnFWCmdAddrSet, ListsSendTypeMaxAndFrom) {
+  CTarnFWCmdGetAddrSetList names(nullptr, FW_ADDRSET_MAC, 3, 260);
+  expectIdentity(names, 21, 16 + 3 * 38, "describe list of addrset from 260");
+  EXPECT_EQ(requestOf(names), Bytes(130).at(0, {2}).at(4, {3, 0, 0, 0, 4, 1}));
+  CTarnFWCmdGetAddrSetStatList stats(nullptr, FW_ADDRSET_ANY, 2, 0);
+  expectIdentity(stats, 22, 16 + 2 * 130, "describe stat of addrset");
+  EXPECT_EQ(requestOf(stats), Bytes(276).at(4, {2}));
+  EXPECT_THROW_WITH(CTarnFWCmdGetAddrSetList(nullptr, FW_ADDRSET_ANY, 113025456, 0),
+                    CIntegerOverflowException, 17,
+                    "integer overflow for the number of addrsets: 113025456");
+}
+
+TEST(TarnFWCmdAddrSet, MembersAreAskedForByNameMaxAndFrom) {
+  CTarnFWCmdGetAddressOfAddrSet addresses(nullptr, id("web"), 2, 260);
+  expectIdentity(addresses, 17, 70 + 2 * 144, "describe address of addrset web from 260");
+  EXPECT_EQ(requestOf(addresses), Bytes(358).text(0, "web").at(38, {1, 0, 0, 0, 2, 0, 0, 0, 4, 1}));
+  CTarnFWCmdGetAddrValidOfAddrSet valid(nullptr, id("web"), 2, 260);
+  expectIdentity(valid, 18, 54 + 2 * 145, "describe valid address of addrset web");
+  EXPECT_EQ(requestOf(valid), Bytes(344).text(0, "web").at(42, {2, 0, 0, 0, 4, 1}));
+  CTarnFWCmdGetAddressStatOfAddrSet stats(nullptr, id("web"), 2, 260, 1);
+  expectIdentity(stats, 19, 58 + 2 * 80, "describe address stat of addrset web");
+  EXPECT_EQ(requestOf(stats), Bytes(218).text(0, "web").at(42, {2, 0, 0, 0, 4, 1, 0, 0, 1}));
+  EXPECT_THROW_WITH(CTarnFWCmdGetAddressOfAddrSet(nullptr, id("web"), 29826162, 0),
+                    CIntegerOverflowException, 17,
+                    "integer overflow for the number of addresses: 29826162");
+}
+
+TEST(TarnFWCmdAddrSet, PrintsTypeSizeAndInfo) {
+  CTarnFWCmdGetAddrSetTypeAndSize size(nullptr, id("web"));
+  EXPECT_EQ(printedFor(size, Bytes(50).at(38, {3, 0, 0, 0, 1, 0, 0, 0, 0xb0, 1})),
+            "addrset type : 1\naddrset elements count : 3\naddrset serialize size : 432\n");
+  CTarnFWCmdGetAddrSetInfo info(nullptr, id("web"));
+  Bytes reply(58);
+  put64(put64(put32(reply, 38, 3), 42, 60), 50, 9);
+  EXPECT_EQ(maskTime(printedFor(info, reply), 60),
+            "address count    : 3\ngeneration number: 9\nrealization time : TIME\n");
+  expectTruncationsAreSafe(info, reply);
+}
+
+TEST(TarnFWCmdAddrSet, PrintsWhetherSetsAreShared) {
+  CTarnFWCmdGetSharedAddrSet command(nullptr);
+  EXPECT_EQ(printedFor(command, Bytes({1, 0, 0, 0})), "shared addrset: enabled\n");
+  EXPECT_EQ(printedFor(command, Bytes({2, 1, 1, 1})), "shared addrset: disabled\n");
+}
+
+TEST(TarnFWCmdAddrSet, PrintsTheNamesOfAList) {
+  LogCapture log;
+  CTarnFWCmdGetAddrSetList command(nullptr, FW_ADDRSET_ANY, 2, 0);
+  g_tarnfw_verbose[FW_COMPONENT_CMD].level = 1;
+  EXPECT_EQ(printedFor(command, Bytes(92).at(12, {2}).text(16, kFull).text(54, "b")),
+            kFull + "\nb\n");
+  EXPECT_TRUE(log.has(7, "retrieved 2 addrsets\n"));
+}
+
+TEST(TarnFWCmdAddrSet, PrintsTheStatisticsOfSets) {
+  CTarnFWCmdGetAddrSetStatList command(nullptr, FW_ADDRSET_ANY, 1, 0);
+  Bytes reply = Bytes(146).at(12, {1}).text(16, "web");
+  // Eleven counters, 1 to 11, in the order of the record.
+  for (std::uint64_t i = 0; i < 11; ++i) put64(reply, 16 + 38 + 8 * i, i + 1);
+  EXPECT_EQ(printedFor(command, reply),
+            "addrset web:\n"
+            "    in + pass  : packets = 3                 bytes = 7               \n"
+            "    in + drop  : packets = 4                 bytes = 8               \n"
+            "    out + pass : packets = 1                 bytes = 5               \n"
+            "    out + drop : packets = 2                 bytes = 6               \n"
+            "    match = 9                 no_match = 10                uptime = 11              "
+            "\n");
+}
+
+TEST(TarnFWCmdAddrSet, PrintsAddressesBehindTheirHeader) {
+  LogCapture log;
+  CTarnFWCmdGetAddressOfAddrSet command(nullptr, id("web"), 2, 0);
+  Bytes reply(358);
+  put64(put64(put32(reply, 50, 2), 54, 60), 62, 9);
+  copyTo(reply, 70, ipv4(10, 0, 0, 1));
+  copyTo(reply, 214, ipv4(10, 0, 0, 2));
+  g_tarnfw_verbose[FW_COMPONENT_CMD].level = 1;
+  const std::string text = maskTime(printedFor(command, reply), 60);
+  EXPECT_EQ(text, "# generation number: 9\n# realization time : TIME\nip 10.0.0.1\nip 10.0.0.2\n");
+  EXPECT_TRUE(log.has(7, "retrieved 2 addresses of addrset web\n"));
+  reply.at(70, {0xee, 0xee});
+  EXPECT_EQ(maskTime(printedFor(command, reply), 60),
+            "# generation number: 9\n# realization time : TIME\n");
+  EXPECT_TRUE(log.has(7, "failed to convert address #0: 33\n"));
+  expectTruncationsAreSafe(command, reply);
+}
+
+TEST(TarnFWCmdAddrSet, PrintsAddressesWithTheirValidity) {
+  LogCapture log;
+  CTarnFWCmdGetAddrValidOfAddrSet command(nullptr, id("web"), 2, 0);
+  Bytes reply(344);
+  put32(reply, 50, 2);
+  copyTo(reply, 54, ipv4(10, 0, 0, 1));
+  copyTo(reply, 199, ipv4(10, 0, 0, 2));
+  reply.at(54 + 144, {0xa5}).at(199 + 144, {1});
+  g_tarnfw_verbose[FW_COMPONENT_CMD].level = 1;
+  EXPECT_EQ(printedFor(command, reply),
+            "ip 10.0.0.1  dlb_valid_cnt = 0xa5\nip 10.0.0.2  dlb_valid_cnt = 0x01\n");
+  EXPECT_TRUE(log.has(7, "retrieved 2 addresses of addrset web\n"));
+  reply.at(199, {0xee, 0xee});
+  EXPECT_EQ(printedFor(command, reply), "ip 10.0.0.1  dlb_valid_cnt = 0xa5\n");
+  EXPECT_TRUE(log.has(7, "failed to convert address #1: 33\n"));
+}
+
+TEST(TarnFWCmdAddrSet, StatisticsOfAddressesStayInTheBuffer) {
+  LogCapture log;
+  CTarnFWCmdGetAddressStatOfAddrSet command(nullptr, id("web"), 2, 0, 0);
+  g_tarnfw_verbose[FW_COMPONENT_CMD].level = 1;
+  EXPECT_EQ(printedFor(command, Bytes(218).at(54, {2})), "");
+  EXPECT_TRUE(log.has(7, "retrieved 2 stats of addrset web\n"));
+}
+
+TEST(TarnFWCmdAddrSet, UntrueNumbersAreCutToWhatWasAskedFor) {
+  CTarnFWCmdGetAddrSetList names(nullptr, FW_ADDRSET_ANY, 2, 0);
+  CTarnFWCmdGetAddrSetStatList stats(nullptr, FW_ADDRSET_ANY, 2, 0);
+  CTarnFWCmdGetAddrValidOfAddrSet valid(nullptr, id("web"), 2, 0);
+  CTarnFWCmdGetAddressOfAddrSet addresses(nullptr, id("web"), 2, 0);
+  for (const auto& [told, shown] :
+       {std::pair{0u, 0}, std::pair{2u, 2}, std::pair{3u, 2}, std::pair{0xffffffffu, 2}}) {
+    EXPECT_EQ(linesFor(names, 12, told), shown);
+    EXPECT_EQ(linesFor(stats, 12, told), 6 * shown);
+    // An address of type 0 is "any", which converts.
+    EXPECT_EQ(linesFor(valid, 50, told), shown);
+    EXPECT_EQ(linesFor(addresses, 50, told), 2 + shown);
+  }
+  expectTruncationsAreSafe(names, Bytes(92).at(12, {2}));
+  expectTruncationsAreSafe(stats, Bytes(276).at(12, {2}));
+  expectTruncationsAreSafe(valid, Bytes(344).at(50, {2}));
+}
+
+TEST(TarnFWCmdAddrSet, AConfigurationIsWrittenInTheKernelsOrder) {
+  FWAddrSetCfg_ configuration{};
+  configuration.name = id("web");
+  configuration.operation = 5;
+  configuration.component = 0x01020304;
+  for (int i = 0; i < 16; ++i) configuration.address[i] = static_cast<std::uint8_t>(0xa0 + i);
+  configuration.first = 0x11;
+  configuration.second = 0x22;
+  CTarnFWCmdSetAddrSetCfg command(nullptr, configuration);
+  expectIdentity(command, 46, 194, "set addrset config");
+  Bytes expected = Bytes(194).at(0, {5}).text(4, "web").at(42, {4, 3, 2, 1});
+  for (int i = 0; i < 16; ++i) expected.at(static_cast<std::size_t>(46 + i), {0xa0 + i});
+  EXPECT_EQ(requestOf(command), expected.at(186, {0x11, 0, 0, 0, 0x22}));
+}
+
+TEST(TarnFWCmdAddrSet, AConfigurationPrintsWhatCameOfIt) {
+  FWAddrSetCfg_ configuration{};
+  CTarnFWCmdSetAddrSetCfg filter(nullptr, configuration);
+  const auto reply = [](int operation, int first, int second) {
+    return Bytes(194).at(0, {operation}).at(186, {first, 0, 0, 0, second});
+  };
+  for (const int operation : {5, 6}) {
+    EXPECT_EQ(printedFor(filter, reply(operation, 0x1f, 0x20)),
+              "kentry valid field changed from 0x1f to 0x20\n");
+  }
+  EXPECT_EQ(printedFor(filter, reply(4, 1, 0)), "kif stats = enabled\n");
+  EXPECT_EQ(printedFor(filter, reply(1, 2, 0)), "kif stats = disabled\n");
+  EXPECT_EQ(printedFor(filter, reply(4, 0, 0)), "kif stats = unset\n");
+  configuration.name = id("web");
+  CTarnFWCmdSetAddrSetCfg named(nullptr, configuration);
+  EXPECT_EQ(printedFor(named, reply(4, 1, 0)), "kif stats = enabled, table stats = unset");
+  EXPECT_EQ(printedFor(named, reply(4, 7, 1)), "kif stats = disabled, table stats = enabled");
+}
+
+// --- Creation
+
+TEST(TarnFWCmdAddrSet, ASetWithoutAddressesSendsItsHead) {
+  CTarnFWCmdCreateAddrSet command(nullptr, "web", FW_ADDRSET_IP);
+  expectIdentity(command, 13, 86, "create addrset web");
+  EXPECT_EQ(requestOf(command), Bytes(86).text(0, "web").at(50, {1}).at(58, {3}));
+}
+
+TEST(TarnFWCmdAddrSet, ThreeAddressesTakeFourHundredAndThirtyTwoBytes) {
+  CTarnFWCmdCreateAddrSet command(nullptr, id("web"), FW_ADDRSET_IP,
+                                  listOf({"10.0.0.1", "10.0.0.2", "10.0.0.3"}));
+  EXPECT_EQ(command.getMsgSize(), 86u + 432);
+  Bytes expected(86 + 432);
+  expected.text(0, "web").at(46, {3, 0, 0, 0, 1, 0, 0, 0, 0xb0, 1, 0, 0, 3});
+  for (int i = 0; i < 3; ++i) {
+    copyTo(expected, static_cast<std::size_t>(86 + 144 * i), ipv4(10, 0, 0, i + 1));
+  }
+  EXPECT_EQ(requestOf(command), expected);
+  EXPECT_EQ(command.toString(), "create addrset web with {ip 10.0.0.1, ip 10.0.0.2, ip 10.0.0.3}");
+}
+
+TEST(TarnFWCmdAddrSet, AnIPv6AddressMarksTheFlags) {
+  CTarnFWCmdCreateAddrSet command(nullptr, "web", FW_ADDRSET_IP, listOf({"2001:db8::1"}));
+  EXPECT_EQ(requestOf(command)[58], 0x0b);
+}
+
+TEST(TarnFWCmdAddrSet, TheTypeServesTheTextOnly) {
+  const dvs_port_ port = filterPort("nic-1");
+  EXPECT_EQ(CTarnFWCmdCreateAddrSet(&port, "web", FW_ADDRSET_ATTRIBUTE).toString(),
+            "create attrset web for filter nic-1");
+  CTarnFWCmdCreateAddrSet mac(nullptr, "web", FW_ADDRSET_MAC);
+  CTarnFWCmdCreateAddrSet ip(nullptr, "web", FW_ADDRSET_IP);
+  EXPECT_EQ(requestOf(mac), requestOf(ip));
+}
+
+TEST(TarnFWCmdAddrSet, AddressesAreAddedFromTheirRecords) {
+  CTarnFWCmdCreateAddrSet command(nullptr, "web", FW_ADDRSET_IP);
+  EXPECT_TRUE(command.addAddress(nullptr, 0));
+  const Bytes records[2] = {ipv4(10, 0, 0, 1), ipv4(10, 0, 0, 2)};
+  FWAddress_ addresses[2];
+  for (int i = 0; i < 2; ++i) addresses[i] = loadRecord<FWAddress_>(records[i].data());
+  EXPECT_TRUE(command.addAddress(addresses, 2));
+  EXPECT_EQ(command.getMsgSize(), 86u + 288);
+  EXPECT_EQ(requestOf(command)[46], 2);
+}
+
+TEST(TarnFWCmdAddrSet, ANameFillsItsFieldAsAnIdentifierButNotAsText) {
+  CTarnFWCmdCreateAddrSet command(nullptr, id(kFull), FW_ADDRSET_IP);
+  EXPECT_EQ(requestOf(command), Bytes(86).text(0, kFull).at(50, {1}).at(58, {3}));
+  EXPECT_THROW_WITH(CTarnFWCmdCreateAddrSet(nullptr, kFull.c_str(), FW_ADDRSET_IP),
+                    CIDTooLongException, 32, "id is too long: " + kFull);
+}
+
+TEST(TarnFWCmdAddrSet, TheTransactionIdIsKeptUnlessBothFlagsComeBack) {
+  FakeKernel kernel;
+  CTarnFWCmdCreateAddrSet command(nullptr, "web", FW_ADDRSET_IP);
+  Bytes reply(86);
+  for (int i = 0; i < 16; ++i) reply.at(static_cast<std::size_t>(62 + i), {i + 1});
+  kernel.answer(0, reply.at(58, {1}));
+  EXPECT_EQ(executeOnce(kernel, command), 0u);
+  EXPECT_EQ(command.transactionID()[15], 16);
+  kernel.answer(0, reply.at(58, {0x0b}));
+  EXPECT_EQ(executeOnce(kernel, command), 0u);
+  EXPECT_EQ(command.transactionID()[15], 0);
+  expectTruncationsAreSafe(command, reply);
+}
+
+TEST(TarnFWCmdAddrSet, AContainerSendsItsChainBehindTheHead) {
+  CTarnFWCmdCreateContainer command(nullptr, "box", static_cast<FWContainerType>(7));
+  expectIdentity(command, 75, 86 + 12, "create container box");
+  EXPECT_EQ(requestOf(command),
+            Bytes(98).text(0, "box").at(50, {7, 0, 0, 0, 12, 0, 0, 0, 3}).at(86, {7}));
+}
+
+TEST(TarnFWCmdAddrSet, TypeTwoIsAnAttributeProfileAndAnyOtherAPlainContainer) {
+  const CTarnFWCmdCreateContainer profile(nullptr, "p", FW_CONTAINER_ATTR_PROFILE);
+  EXPECT_EQ(profile.toString(), "create attrprofile p");
+  EXPECT_TRUE(typeid(profile.container()) != typeid(CTarnFWContainer));
+  const CTarnFWCmdCreateContainer plain(nullptr, "p", FW_CONTAINER_ADDRSET);
+  EXPECT_EQ(plain.toString(), "create container p");
+  EXPECT_TRUE(typeid(plain.container()) == typeid(CTarnFWContainer));
+}
+
+TEST(TarnFWCmdAddrSet, AContainersNameHasItsNulWithinItsField) {
+  const std::string longest(37, 'n');
+  CTarnFWCmdCreateContainer command(nullptr, longest, FW_CONTAINER_ADDRSET);
+  EXPECT_EQ(requestOf(command)[36], 'n');
+  EXPECT_EQ(requestOf(command)[37], 0);
+  EXPECT_THROW(CTarnFWCmdCreateContainer(nullptr, kFull, FW_CONTAINER_ADDRSET),
+               CInvalidContainerNameException);
+}
+
+TEST(TarnFWCmdAddrSet, ATooSmallBufferForAContainerIsLogged) {
+  LogCapture log;
+  CTarnFWCmdCreateContainer command(nullptr, "box", FW_CONTAINER_ADDRSET);
+  Bytes body(97);
+  unsigned int written = 0;
+  EXPECT_FALSE(command.writeCmdBody(body.data(), 97, &written, 0));
+  EXPECT_TRUE(log.has(3, "failed to write command body buffer size: 97 required size: 98\n\n"));
+}
+
+// --- Elements
+
+TEST(TarnFWCmdAddrSet, ElementsAreAskedForByNameAndCount) {
+  CTarnFWCmdGetElementsOfContainer command(nullptr, "box", FW_CONTAINER_ATTR_PROFILE, 3, 40);
+  expectIdentity(command, 56, 110, "describe elements of container box");
+  EXPECT_EQ(requestOf(command), Bytes(110).text(0, "box").at(42, {3}));
+}
+
+TEST(TarnFWCmdAddrSet, AnEmptyChainHasNoElements) {
+  FakeKernel kernel;
+  CTarnFWCmdGetElementsOfContainer command(nullptr, "box", FW_CONTAINER_ATTR_PROFILE, 3, 12);
+  EXPECT_EQ(executeOnce(kernel, command), 0u);
+  unsigned int count = 77;
+  char* none[1] = {nullptr};
+  EXPECT_TRUE(command.elementsToCharArray(none, 0, &count));
+  EXPECT_EQ(count, 0u);
+}
+
+TEST(TarnFWCmdAddrSet, AChainThatCannotBeDecodedIsReported) {
+  LogCapture log;
+  FakeKernel kernel;
+  unsigned int count = 77;
+  for (const std::uint32_t elements : {1u, 2u, 0xffffffffu}) {
+    CTarnFWCmdGetElementsOfContainer command(nullptr, "box", FW_CONTAINER_ATTR_PROFILE, 3, 12);
+    Bytes reply(82);
+    put32(reply, 74, elements);
+    kernel.answer(0, reply);
+    EXPECT_EQ(executeOnce(kernel, command), 0u);
+    EXPECT_FALSE(command.elementsToCharArray(nullptr, 3, &count));
+  }
+  CTarnFWCmdGetElementsOfContainer none(nullptr, "box", FW_CONTAINER_ATTR_PROFILE, 3, 0);
+  EXPECT_EQ(executeOnce(kernel, none), 0u);
+  EXPECT_FALSE(none.elementsToCharArray(nullptr, 3, &count));
+  EXPECT_EQ(count, 77u);
+  EXPECT_TRUE(log.has(3, "failed to convert tlv elements into a char array\n"));
+}
