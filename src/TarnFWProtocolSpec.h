@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 
 #include "TarnFWObject.h"
@@ -116,6 +117,9 @@ class CTarnFWProtocolSpec : public ITarnFWObject {
   }
 
  private:
+  friend class CTarnFWProtocolSpecList;
+
+  std::unique_ptr<CTarnFWProtocolSpec> next_;  // in the list that holds this spec
   std::uint8_t dir_;
   bool negated_;
 };

@@ -1,6 +1,5 @@
 #include "TarnFWProtocolSpecList.h"
 
-#include <algorithm>
 #include <span>
 
 #include "TarnFWException.h"
@@ -32,20 +31,23 @@ void writeSpec(CTarnFWProtocolSpec& spec, FWSpecHeader_& header, std::span<std::
 }  // namespace
 
 void CTarnFWProtocolSpecList::appendTo(std::string& text) const {
-  const bool several = specs_.size() > 1;
-  if (several) text += "with {";
-  const char* separator = "";
-  for (const auto& spec : specs_) {
-    text += separator;
-    spec->appendTo(text);
-    separator = ", ";
+  if (!first_) return;
+  if (!first_->next_) {
+    first_->appendTo(text);
+    return;
   }
-  if (several) text += '}';
+  const char* separator = "with {";
+  forEach([&](const CTarnFWProtocolSpec& spec) {
+    text += separator;
+    spec.appendTo(text);
+    separator = ", ";
+  });
+  text += '}';
 }
 
 void CTarnFWProtocolSpecList::setDir(unsigned char dir) {
   CTarnFWProtocolSpec::setDir(dir);
-  for (const auto& spec : specs_) spec->setDir(dir);
+  forEach([dir](CTarnFWProtocolSpec& spec) { spec.setDir(dir); });
 }
 
 void CTarnFWProtocolSpecList::claimKind(const CTarnFWProtocolSpec& spec) {
@@ -54,74 +56,91 @@ void CTarnFWProtocolSpecList::claimKind(const CTarnFWProtocolSpec& spec) {
   kinds_ |= bit;
 }
 
+std::unique_ptr<CTarnFWProtocolSpec>& CTarnFWProtocolSpecList::end() {
+  auto* place = &first_;
+  while (*place) place = &(*place)->next_;
+  return *place;
+}
+
 void CTarnFWProtocolSpecList::addSpec(std::unique_ptr<CTarnFWProtocolSpec> spec) {
   claimKind(*spec);
-  specs_.push_back(std::move(spec));
+  end() = std::move(spec);
 }
 
 std::unique_ptr<CTarnFWProtocolSpec> CTarnFWProtocolSpecList::deleteSpec(
     FWProtocolSpecType_t kind) {
-  const auto place = std::find_if(specs_.begin(), specs_.end(),
-                                  [kind](const auto& spec) { return spec->getSpecType() == kind; });
-  if (place == specs_.end()) return nullptr;
+  auto* place = &first_;
+  while (*place && (*place)->getSpecType() != kind) place = &(*place)->next_;
+  if (!*place) return nullptr;
   TARNFW_TRACE(FW_COMPONENT_PROTOCOL, 0, "Remove protocol spec %d\n\n", static_cast<int>(kind));
   std::unique_ptr<CTarnFWProtocolSpec> spec = std::move(*place);
-  specs_.erase(place);
+  *place = std::move(spec->next_);
+  return spec;
+}
+
+std::unique_ptr<CTarnFWProtocolSpec> CTarnFWProtocolSpecList::takeFirst() {
+  std::unique_ptr<CTarnFWProtocolSpec> spec = std::move(first_);
+  if (spec) first_ = std::move(spec->next_);
   return spec;
 }
 
 unsigned int CTarnFWProtocolSpecList::getSpecCount(FWProtocolSpecType_t kind) const {
-  if (kind == FW_SPEC_NONE) return static_cast<unsigned int>(specs_.size());
-  return static_cast<unsigned int>(
-      std::count_if(specs_.begin(), specs_.end(),
-                    [kind](const auto& spec) { return spec->getSpecType() == kind; }));
+  unsigned int count = 0;
+  forEach([&](const CTarnFWProtocolSpec& spec) {
+    if (kind == FW_SPEC_NONE || spec.getSpecType() == kind) ++count;
+  });
+  return count;
+}
+
+std::uint32_t CTarnFWProtocolSpecList::getKinds() const {
+  std::uint32_t kinds = 0;
+  forEach([&](const CTarnFWProtocolSpec& spec) { kinds |= 1u << spec.getSpecType(); });
+  return kinds;
 }
 
 void CTarnFWProtocolSpecList::mergeSpecList(CTarnFWProtocolSpecList& other) {
-  auto& from = other.specs_;
-  while (!from.empty()) {
-    claimKind(*from.front());
-    specs_.push_back(std::move(from.front()));
-    from.erase(from.begin());
+  while (other.first_) {
+    claimKind(*other.first_);
+    end() = other.takeFirst();
   }
 }
 
 void CTarnFWProtocolSpecList::writePorts(FWPortBlock_& block) const {
-  for (const auto& spec : specs_) {
-    switch (spec->getSpecType()) {
+  forEach([&](CTarnFWProtocolSpec& spec) {
+    switch (spec.getSpecType()) {
       case FW_SPEC_L4_PORT:
       case FW_SPEC_L4_PORT_RANGE:
       case FW_SPEC_L4_PORT_SET:
-        writeSpec(*spec, block.header, block.body, false);
+        writeSpec(spec, block.header, block.body, false);
         break;
       default:
         break;
     }
-  }
+  });
 }
 
 void CTarnFWProtocolSpecList::writeSession(FWSessionBlock_& block) const {
-  for (const auto& spec : specs_) {
-    const FWProtocolSpecType_t kind = spec->getSpecType();
+  forEach([&](CTarnFWProtocolSpec& spec) {
+    const FWProtocolSpecType_t kind = spec.getSpecType();
     switch (kind) {
       case FW_SPEC_TCP_FLAGS:
       case FW_SPEC_ICMP_TYPE:
-        writeSpec(*spec, block.flagsHeader, block.flagsBody, true);
+        writeSpec(spec, block.flagsHeader, block.flagsBody, true);
         break;
       case FW_SPEC_TCP_OPTIONS:
-        writeSpec(*spec, block.optionsHeader, block.options, true);
+        writeSpec(spec, block.optionsHeader, block.options, true);
         break;
       case FW_SPEC_STATELESS:
       case FW_SPEC_DSCP:
       case FW_SPEC_STRICT:
       case FW_SPEC_SLOPPY:
-        spec->toMessage(&block, sizeof block, nullptr);
+        spec.toMessage(&block, sizeof block, nullptr);
         TARNFW_TRACE(FW_COMPONENT_PROTOCOL, 0, "    wrote protocol spec: %s\n", kTraceWords[kind]);
         break;
       default:
         break;
     }
-  }
+  });
 }
 
 bool CTarnFWProtocolSpecList::toMessage(void* buffer, unsigned int size, unsigned int* written) {

@@ -1,8 +1,6 @@
 #pragma once
 
 #include <memory>
-#include <span>
-#include <vector>
 
 #include "TarnFWProtocolSpec.h"
 
@@ -44,7 +42,13 @@ class CTarnFWProtocolSpecList final : public CTarnFWProtocolSpec {
   /// Members of this kind, or all members for FW_SPEC_NONE.
   unsigned int getSpecCount(FWProtocolSpecType_t kind) const;
 
-  std::span<const std::unique_ptr<CTarnFWProtocolSpec>> getSpecs() const { return specs_; }
+  bool empty() const { return !first_; }
+
+  /// The kinds of the members, a bit each: `1 << kind`.
+  std::uint32_t getKinds() const;
+
+  /// Takes the first member out; null when there is none.
+  std::unique_ptr<CTarnFWProtocolSpec> takeFirst();
 
   /// Moves the members of `other` to this list's end. On CDuplicateProtocolSpecException the member
   /// in question and those behind it stay in `other`.
@@ -52,12 +56,18 @@ class CTarnFWProtocolSpecList final : public CTarnFWProtocolSpec {
 
  private:
   void claimKind(const CTarnFWProtocolSpec& spec);
+  std::unique_ptr<CTarnFWProtocolSpec>& end();
+  template <typename Action>
+  void forEach(Action action) const {
+    for (CTarnFWProtocolSpec* spec = first_.get(); spec != nullptr; spec = spec->next_.get())
+      action(*spec);
+  }
   void writePorts(FWPortBlock_& block) const;
   void writeSession(FWSessionBlock_& block) const;
 
   bool portMode_ = false;
-  std::vector<std::unique_ptr<CTarnFWProtocolSpec>> specs_;
-  std::uint64_t kinds_ = 0;  // bit: object type of a member less kFirstType
+  std::unique_ptr<CTarnFWProtocolSpec> first_;  // the others hang on it: most lists have one
+  std::uint64_t kinds_ = 0;                     // bit: object type of a member less kFirstType
 };
 
 }  // namespace TarnFirewall

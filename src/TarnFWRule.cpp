@@ -49,7 +49,7 @@ const char* directionText(FWRuleDirection_t direction) {
 
 /// Appends a blank and the list's text, or nothing when there is no text. The result is the text.
 std::string_view appendSpecs(std::string& text, const CTarnFWProtocolSpecList* list) {
-  if (list == nullptr) return {};
+  if (list == nullptr || list->empty()) return {};
   text += ' ';
   const std::size_t start = text.size();
   list->appendTo(text);
@@ -82,7 +82,7 @@ void appendEnd(std::string& text, const char* label, const CTarnFWAddress* addre
     text += label;
     text += "_Excluded : Yes\n";
   }
-  if (ports != nullptr && ports->getSpecCount(FW_SPEC_NONE) != 0) {
+  if (ports != nullptr && !ports->empty()) {
     text += label;
     text += "_Port : ";
     ports->appendTo(text);
@@ -101,6 +101,12 @@ bool writeAddress(CTarnFWAddress* address, FWAddress_& record, unsigned int bit,
   flags |= bit;
   unsigned int written = 0;
   return address->toMessage(&record, sizeof record, &written);
+}
+
+/// Into a cleared block.
+template <typename Block>
+void writeSpecs(CTarnFWProtocolSpecList* list, Block& block) {
+  if (list != nullptr && !list->empty()) list->toMessage(&block, sizeof block, nullptr);
 }
 
 void writeProfile(const CTarnFWContainerID* id, FWRuleProfile_& record) {
@@ -291,7 +297,7 @@ bool CTarnFWRule::encode(FWRule_& record) const {
     if (protocol_->isNegated()) flags |= kRuleProtocolNegated;
   }
 
-  if (connection_) connection_->toMessage(&record.session, sizeof record.session, nullptr);
+  writeSpecs(connection_.get(), record.session);
   const bool acted =
       action_ ? action_->toMessage(&record.action, sizeof record.action, nullptr)
               : CTarnFWRuleActionAccept().toMessage(&record.action, sizeof record.action, nullptr);
@@ -314,10 +320,8 @@ bool CTarnFWRule::encode(FWRule_& record) const {
   record.flags = static_cast<std::uint8_t>(flags | (af & 1) << kRuleAFLowShift);
   record.moreFlags = static_cast<std::uint8_t>((af >> 1) & kRuleAFHigh);
 
-  if (sourcePorts_)
-    sourcePorts_->toMessage(&record.sourcePorts, sizeof record.sourcePorts, nullptr);
-  if (destinationPorts_)
-    destinationPorts_->toMessage(&record.destinationPorts, sizeof record.destinationPorts, nullptr);
+  writeSpecs(sourcePorts_.get(), record.sourcePorts);
+  writeSpecs(destinationPorts_.get(), record.destinationPorts);
 
   unsigned int mode = 0;
   if (extendedSource_) {

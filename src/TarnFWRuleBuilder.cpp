@@ -65,7 +65,7 @@ std::unique_ptr<CTarnFWProtocolSpecList> toList(Port& port, FWProtocolSpecDir di
 
 /// The way back, when the rule did not take the list.
 void fromList(std::unique_ptr<CTarnFWProtocolSpecList>& list, Port& port) {
-  if (list) port = list->deleteSpec(list->getSpecs().front()->getSpecType());
+  if (list) port = list->takeFirst();
 }
 
 /// Container ids of a record are taken as they stand.
@@ -299,9 +299,20 @@ std::unique_ptr<CTarnFWRule> CTarnFWRuleBuilder::buildRule() {
 }
 
 void CTarnFWRuleBuilder::init() {
-  CTarnFWRuleBuilder fresh;
-  fresh.tag_ = std::move(tag_);
-  *this = std::move(fresh);
+  id_ = 0;
+  internal_ = false;
+  position_ = 0;
+  direction_ = FW_DIRECTION_INOUT;
+  af_ = FW_AF_NONE;
+  protocol_.reset();
+  action_.reset();
+  source_.reset();
+  destination_.reset();
+  sourcePort_.reset();
+  destPort_.reset();
+  connection_.reset();
+  extendedSource_.reset();
+  attributeProfile_.reset();
 }
 
 void CTarnFWRuleBuilder::init(const FWRule_* record) {

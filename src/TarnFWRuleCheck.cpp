@@ -50,11 +50,7 @@ void checkRuleParts(const CTarnFWProtocol& protocol, FWRuleAction_t action,
 }
 
 SpecKinds specKinds(const CTarnFWProtocolSpecList* list) {
-  SpecKinds kinds = 0;
-  if (list != nullptr) {
-    for (const auto& spec : list->getSpecs()) kinds |= specKind(spec->getSpecType());
-  }
-  return kinds;
+  return list != nullptr ? list->getKinds() : 0;
 }
 
 void checkRuleSpecs(const CTarnFWProtocol& protocol, SpecKinds connection, bool directionPorts,
