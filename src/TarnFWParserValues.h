@@ -1,14 +1,16 @@
 #pragma once
 
 /// Plain values that the scanner hands to the parser, and the record by which one parse keeps the
-/// scanner's failure. All are trivially copyable, so that the parser's stack may be moved as bytes;
-/// what is pointed to lies in the parse's arena and is never freed by itself.
+/// scanner's failure. All but that record are trivially copyable, so that the parser's stack may be
+/// moved as bytes; what is pointed to lies in the parse's arena and is never freed by itself.
 
 #include <netinet/in.h>
 
 #include <cstdint>
 
+#include "TarnFWAddress.h"
 #include "TarnFWParserArena.h"
+#include "TarnFWProtocolNames.h"
 #include "TarnFWTypes.h"
 
 namespace TarnFirewall {
@@ -38,14 +40,10 @@ struct FWIPv6Range {
   in6_addr last;
 };
 
-struct FWEtherBytes {
-  std::uint8_t bytes[6];
-};
-
 /// An address, and the end or the mask that follows it.
 struct FWEtherPair {
-  FWEtherBytes first;
-  FWEtherBytes second;
+  fw_ether_ first;
+  fw_ether_ second;
 };
 
 /// A virtual machine's or switch's identifier in the form of the host's configuration files, with
@@ -55,12 +53,19 @@ struct FWIdPort {
   std::uint32_t port;
 };
 
+/// An IPv4 address with a port in host order.
+struct FWIPPort {
+  in_addr address;
+  std::uint16_t port;
+};
+
 /// What one parse carries beside the scanner: the scanner's first failure, and the memory of the
 /// tokens. The caller of the parser owns it and value-initialises it before the parse.
 struct fw_lex_extra_ {
   FWStatus_t status = FW_STATUS_OK;  // 0, or the status of the first failure of the scanner
   char message[256] = {};            // its text, always terminated
   CTarnFWParserArena arena;
+  CTarnFWProtocolNames protocols;
 };
 
 }  // namespace TarnFirewall

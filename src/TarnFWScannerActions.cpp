@@ -37,9 +37,9 @@ std::uint8_t hexByte(const char* digits) {
 }
 
 /// Six bytes of two digits each, with one character between them.
-FWEtherBytes etherBytes(const char* text) {
-  FWEtherBytes ether;
-  for (std::size_t i = 0; i < sizeof ether.bytes; ++i) ether.bytes[i] = hexByte(text + 3 * i);
+fw_ether_ etherBytes(const char* text) {
+  fw_ether_ ether;
+  for (std::size_t i = 0; i < sizeof ether.octet; ++i) ether.octet[i] = hexByte(text + 3 * i);
   return ether;
 }
 

@@ -203,6 +203,9 @@ enum FWContainerType : std::uint32_t {
 /// Opaque library handle; a `CTarnFWLibHandle` stands behind it.
 struct fwlibhandle_;
 
+/// Opaque handle of loaded configuration: its commands, a `CTarnFWCmdList`.
+struct fwconfigfile_;
+
 /// A registered logger gets the priority less 6 plus its base, the format and the arguments.
 using FWLoggerFunction_t = void (*)(int priority, const char* format, va_list arguments);
 

@@ -10,6 +10,8 @@
 /// This header, TarnFWTypes.h and TarnFWWire.h are what is installed. What stands between the two
 /// visibility lines is what the shared library exports.
 
+#include <stdio.h>
+
 #include "TarnFWRecords.h"
 #include "TarnFWTypes.h"
 
@@ -23,6 +25,7 @@ using TarnFirewall::FWAddrSetStat_;
 using TarnFirewall::FWAddrSetType_t;
 using TarnFirewall::FWContainerType;
 using TarnFirewall::FWDlbRule_;
+using TarnFirewall::fwconfigfile_;
 using TarnFirewall::FWIoctlFrame;
 using TarnFirewall::FWIOType_t;
 using TarnFirewall::FWLibGenericIO_;
@@ -72,6 +75,34 @@ fwlibhandle_* FW_GetDefaultLibHandle();
 
 /// Ends a handle. The default handle is left as it is and stays usable. 3 for a null handle.
 FWStatus_t FW_Exit(fwlibhandle_* handle);
+
+// --- Configuration text
+
+/// Loads configuration text: parses it, makes the channel that it names, if any, and gives a handle
+/// to its commands. Nothing is sent. `*channel` is replaced when the text names a channel; the
+/// former one stays open and the caller's. 3 for a null argument, 8 without memory, 16 or the
+/// status of what is wrong for a text that does not parse. A text may fail with status 0: test the
+/// handle too, which is then as it was before.
+///
+/// One load at a time in a process. A `config default agent` statement holds for all later loads,
+/// even when this one fails.
+FWStatus_t FW_LoadConfigString(const char* text, fwlibhandle_** channel, fwconfigfile_** handle);
+
+/// The same from an open stream, which stays the caller's. `fileName` stands in error lines.
+/// `*handle` is null unless the load succeeds.
+FWStatus_t FW_LoadConfigFile2(FILE* file, const char* fileName, fwlibhandle_** channel,
+                              fwconfigfile_** handle);
+
+/// The same from a file; 12 when it can't be opened.
+FWStatus_t FW_LoadConfigFile(const char* path, fwlibhandle_** channel, fwconfigfile_** handle);
+
+/// Sends the commands in their order, up to the first that fails; `port` replaces their selectors
+/// unless it is null. May be repeated. 3 for a null handle.
+FWStatus_t FW_EvaluateConfigFile(fwlibhandle_* handle, fwconfigfile_* config, dvs_port_* port,
+                                 void* context);
+
+/// Ends the handle. 3 for a null handle.
+FWStatus_t FW_FreeConfigFile(fwconfigfile_* config);
 
 // --- Direct requests to the control devices
 

@@ -88,7 +88,6 @@ UNAVAILABLE(SetSkifferExportVersionAllFilters)
 UNAVAILABLE(SetThresholds)
 UNAVAILABLE(SetTimeout)
 UNAVAILABLE(SetVerbose)
-UNAVAILABLE(TarnFWCLI)
 UNAVAILABLE(TraceHulld)
 UNAVAILABLE(TraceTarn)
 

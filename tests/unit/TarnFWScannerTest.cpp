@@ -25,9 +25,9 @@ static_assert(TK_COMMENT == 258 && TK_CREATE == 259 && TK_NUMBER_RANGE == 255 + 
 
 namespace {
 
-std::string etherText(const FWEtherBytes& ether) {
-  return formatText("%02x%02x%02x%02x%02x%02x", ether.bytes[0], ether.bytes[1], ether.bytes[2],
-                    ether.bytes[3], ether.bytes[4], ether.bytes[5]);
+std::string etherText(const fw_ether_& ether) {
+  return formatText("%02x%02x%02x%02x%02x%02x", ether.octet[0], ether.octet[1], ether.octet[2],
+                    ether.octet[3], ether.octet[4], ether.octet[5]);
 }
 
 std::string addressText(int family, const void* address) {

@@ -1,0 +1,39 @@
+#include "TarnFWParserActions.h"
+
+#include "TarnFWCmdConfig.h"
+#include "TarnFWCmdList.h"
+#include "TarnFWScanner.h"
+#include "tarnfw_parser.h"
+
+namespace TarnFirewall {
+
+fw_lex_extra_& FWParse::extra() const { return *yyget_extra(scanner); }
+
+void dropParseResults(const FWParse& parse) {
+  delete std::exchange(*parse.cmdList, nullptr);
+  delete std::exchange(*parse.cmdConfig, nullptr);
+}
+
+void reportParseFailure(const FWParse& parse) {
+  const auto report = [&](const char* message) {
+    yyerror(nullptr, parse.status, parse.scanner, parse.filename, parse.cmdList, parse.cmdConfig,
+            message);
+  };
+  try {
+    throw;
+  } catch (const SilentParseFailure&) {
+    dropParseResults(parse);
+  } catch (const CTarnFWException& e) {
+    *parse.status = static_cast<FWStatus_t>(e.retcode());
+    report(e.what());
+  } catch (...) {
+    report("internal error");
+  }
+}
+
+std::uint32_t number32(std::int64_t number, const char* message) {
+  if (number < 0 || number > 0xffffffff) throw CParseFailure(message, FW_STATUS_INTEGER_TOO_LARGE);
+  return static_cast<std::uint32_t>(number);
+}
+
+}  // namespace TarnFirewall

@@ -1,0 +1,93 @@
+#pragma once
+
+/// What all actions of the grammar share: the arguments of the parse, the ownership of values, and
+/// the way an action fails.
+///
+/// An action takes over the owned values of its right side at once, with `own`, since the parser
+/// does not destroy them when the action fails. It fails by throwing.
+
+#include <cstdint>
+#include <memory>
+#include <utility>
+
+#include "TarnFWException.h"
+#include "TarnFWParserValues.h"
+
+namespace TarnFirewall {
+
+class CTarnFWCmdConfig;
+class CTarnFWCmdList;
+
+/// The arguments of the parse in progress.
+struct FWParse {
+  FWStatus_t* status;
+  void* scanner;
+  const char* filename;
+  CTarnFWCmdList** cmdList;
+  CTarnFWCmdConfig** cmdConfig;
+
+  fw_lex_extra_& extra() const;
+  CTarnFWParserArena& arena() const { return extra().arena; }
+
+  /// A plain value in the arena. Throws `std::bad_alloc`.
+  template <typename Value>
+  Value* keep(const Value& value) const;
+};
+
+/// A failure with its message and status; 16 where the language names none.
+class CParseFailure final : public CTarnFWException {
+ public:
+  explicit CParseFailure(std::string message, FWStatus_t status = FW_STATUS_PARSING_ERROR)
+      : CTarnFWException(std::move(message), static_cast<int>(status)) {}
+};
+
+/// A failure that ends the parse without a message and without a status: callers see status 0 and
+/// no result, which they test for.
+struct SilentParseFailure {};
+
+/// Takes over a value of the right side.
+template <typename Value>
+std::unique_ptr<Value> own(Value* value) {
+  return std::unique_ptr<Value>(value);
+}
+
+/// Reports the exception that is being handled: its status and text, "internal error" for one that
+/// is not the library's, nothing for a silent failure. No result is left.
+void reportParseFailure(const FWParse& parse);
+
+/// Deletes both results and clears them.
+void dropParseResults(const FWParse& parse);
+
+/// Runs an action; false when it failed, which has been reported.
+template <typename Action>
+bool attempt(const FWParse& parse, Action&& action) {
+  try {
+    action();
+    return true;
+  } catch (...) {
+    reportParseFailure(parse);
+    return false;
+  }
+}
+
+/// The number in 32 bits; throws `CParseFailure` with status 17 and the message for any other.
+std::uint32_t number32(std::int64_t number, const char* message);
+
+/// A copy of a name with its NUL in a field that is longer than it.
+template <typename Name>
+Name nameField(const FWParserText& text) {
+  Name name = {};
+  std::memcpy(name.text, text.data, text.length);
+  return name;
+}
+
+template <typename Value>
+Value* FWParse::keep(const Value& value) const {
+  static_assert(std::is_trivially_copyable_v<Value>);
+  void* room = arena().allocate(sizeof value);
+  if (room == nullptr) throw std::bad_alloc();
+  std::memcpy(room, &value, sizeof value);
+  return static_cast<Value*>(room);
+}
+
+}  // namespace TarnFirewall

@@ -1,0 +1,237 @@
+#include "TarnFWParserActionsAddress.h"
+
+#include "TarnFWAddrSetID.h"
+#include "TarnFWAddressAttr.h"
+#include "TarnFWAddressConvert.h"
+#include "TarnFWAddressEther.h"
+#include "TarnFWAddressEtherMask.h"
+#include "TarnFWAddressEtherRange.h"
+#include "TarnFWAddressIPv4.h"
+#include "TarnFWAddressIPv4CIDR.h"
+#include "TarnFWAddressIPv4Range.h"
+#include "TarnFWAddressIPv6.h"
+#include "TarnFWAddressIPv6CIDR.h"
+#include "TarnFWAddressIPv6Range.h"
+#include "TarnFWCmdCreateAddrSet.h"
+#include "TarnFWCmdGetAddrSetList.h"
+#include "TarnFWCmdGetAddrSetStatList.h"
+#include "TarnFWCmdGetAddressOfAddrSet.h"
+#include "TarnFWLog.h"
+#include "TarnFWText.h"
+#include "TarnFWUtil.h"
+
+namespace TarnFirewall {
+
+FWAttrIDType attribute_type = FW_ATTR_ID_NONE;
+
+namespace {
+
+/// Addresses and set names that one message asks for.
+constexpr unsigned int kAddressesPerMessage = 50000;
+constexpr unsigned int kSetsPerMessage = 20000;
+
+template <typename Address>
+std::unique_ptr<CTarnFWAddress> addressOfText(const FWParse& parse, const FWParserText& text) {
+  auto address = std::make_unique<Address>(text.data, false);
+  parse.arena().releaseLast(text.data, text.length);
+  return address;
+}
+
+bool addIPv4Block(void* context, in_addr block, unsigned int prefix) {
+  auto& list = *static_cast<CTarnFWAddressList*>(context);
+  if (prefix == 32) {
+    list.addAddress(std::make_unique<CTarnFWAddressIPv4>(block, false));
+  } else {
+    const auto length = static_cast<unsigned char>(prefix);
+    list.addAddress(std::make_unique<CTarnFWAddressIPv4CIDR>(block, length, false));
+  }
+  return true;
+}
+
+bool addIPv6Block(void* context, in6_addr block, unsigned int prefix) {
+  auto& list = *static_cast<CTarnFWAddressList*>(context);
+  if (prefix == 128) {
+    list.addAddress(std::make_unique<CTarnFWAddressIPv6>(block, false));
+  } else {
+    const auto length = static_cast<unsigned char>(prefix);
+    list.addAddress(std::make_unique<CTarnFWAddressIPv6CIDR>(block, length, false));
+  }
+  return true;
+}
+
+}  // namespace
+
+std::unique_ptr<CTarnFWAddress> ipv4Address(const FWParse& parse, const FWParserText& text) {
+  return addressOfText<CTarnFWAddressIPv4>(parse, text);
+}
+
+std::unique_ptr<CTarnFWAddress> ipv6Address(const FWParse& parse, const FWParserText& text) {
+  return addressOfText<CTarnFWAddressIPv6>(parse, text);
+}
+
+std::unique_ptr<CTarnFWAddress> ipv4Block(const FWParse& parse, const FWParserText& text) {
+  return addressOfText<CTarnFWAddressIPv4CIDR>(parse, text);
+}
+
+std::unique_ptr<CTarnFWAddress> ipv6Block(const FWParse& parse, const FWParserText& text) {
+  return addressOfText<CTarnFWAddressIPv6CIDR>(parse, text);
+}
+
+std::unique_ptr<CTarnFWAddress> ipv4Range(const FWIPv4Range& range) {
+  return std::make_unique<CTarnFWAddressIPv4Range>(range.first, range.last, false);
+}
+
+std::unique_ptr<CTarnFWAddress> ipv6Range(const FWIPv6Range& range) {
+  return std::make_unique<CTarnFWAddressIPv6Range>(range.first, range.last, false);
+}
+
+std::unique_ptr<CTarnFWAddress> etherAddress(const fw_ether_& ether) {
+  return std::make_unique<CTarnFWAddressEther>(ether, false);
+}
+
+std::unique_ptr<CTarnFWAddress> etherRange(const FWEtherPair& pair) {
+  return std::make_unique<CTarnFWAddressEtherRange>(pair.first, pair.second, false);
+}
+
+std::unique_ptr<CTarnFWAddress> etherMask(const FWEtherPair& pair) {
+  return std::make_unique<CTarnFWAddressEtherMask>(pair.first, pair.second, false);
+}
+
+std::unique_ptr<CTarnFWAddress> addressSet(const FWParserText& name) {
+  return std::make_unique<CTarnFWAddrSetID>(name.data, false);
+}
+
+CTarnFWAddress* negated(CTarnFWAddress* address) {
+  address->setNegated(true);
+  return address;
+}
+
+FWIPPort ipPort(const FWParserText& text) {
+  FWIPPort result = {};
+  fw_str2ipport(text.data, &result.address, &result.port);
+  return result;
+}
+
+FWIPPort anyPort(const FWParserText& text) {
+  const char* digits = std::strchr(text.data, ':') + 1;
+  long port = 0;
+  if (!Str2Port(digits, &port)) {
+    throw CParseFailure(formatText("port number (%s) is invalid", digits),
+                        FW_STATUS_INVALID_L4_PORT);
+  }
+  return {{INADDR_NONE}, static_cast<std::uint16_t>(port)};
+}
+
+bool addBlocksOfRange(CTarnFWAddressList& list, const CTarnFWAddress& range) {
+  if (range.getType() == FW_ADDRESS_IPV4_RANGE) {
+    in_addr first, last;
+    static_cast<const CTarnFWAddressIPv4Range&>(range).getAddress(&first, &last);
+    return ipv4range2cidr(first, last, &list, addIPv4Block);
+  }
+  if (range.getType() == FW_ADDRESS_IPV6_RANGE) {
+    in6_addr first, last;
+    static_cast<const CTarnFWAddressIPv6Range&>(range).getAddress(&first, &last);
+    return ipv6range2cidr(first, last, &list, addIPv6Block);
+  }
+  return false;
+}
+
+bool AddAddress(CTarnFWAddressList* list, std::unique_ptr<CTarnFWAddress>& address) {
+  const int type = address->getType();
+  if (type != FW_ADDRESS_IPV4_RANGE && type != FW_ADDRESS_IPV6_RANGE) {
+    list->addAddress(std::move(address));
+    return true;
+  }
+  if (!addBlocksOfRange(*list, *address)) return false;
+  if (type == FW_ADDRESS_IPV4_RANGE) {
+    TARNFW_INFO("replaced ip range %s to cidr list\n", address->toString().c_str());
+  } else {
+    TARNFW_INFO("replaced ipv6 range %s to cidr list\n", address->toString().c_str());
+  }
+  address.reset();
+  return true;
+}
+
+std::unique_ptr<CTarnFWAddressList> appended(std::unique_ptr<CTarnFWAddressList> list,
+                                             std::unique_ptr<CTarnFWAddress> address) {
+  if (!AddAddress(list.get(), address)) {
+    throw CParseFailure(
+        formatText("failed to replace ip range %s to cidr list", address->toString().c_str()));
+  }
+  return list;
+}
+
+std::unique_ptr<CTarnFWAddressList> appendedPlain(std::unique_ptr<CTarnFWAddressList> list,
+                                                  std::unique_ptr<CTarnFWAddress> address) {
+  list->addAddress(std::move(address));
+  return list;
+}
+
+std::unique_ptr<CTarnFWAddress> attributeOfKind(FWAttrIDType key, FWAttrIDValType kind,
+                                                const FWParserText& text) {
+  switch (kind) {
+    case FW_ATTR_ID_VALUE_INT:
+      return std::make_unique<CTarnFWAttr<FW_ATTR_ID_VALUE_INT>>(key, text.data, false);
+    case FW_ATTR_ID_VALUE_UINT:
+      return std::make_unique<CTarnFWAttr<FW_ATTR_ID_VALUE_UINT>>(key, text.data, false);
+    case FW_ATTR_ID_VALUE_STRING:
+      return std::make_unique<CTarnFWAttr<FW_ATTR_ID_VALUE_STRING>>(key, text.data, false);
+    case FW_ATTR_ID_VALUE_SID:
+      return std::make_unique<CTarnFWAttr<FW_ATTR_ID_VALUE_SID>>(key, text.data, false);
+    default:
+      // The kinds that the key table holds end here: the kernel takes their values in containers.
+      throw SilentParseFailure();
+  }
+}
+
+std::unique_ptr<CTarnFWAddress> attribute(const FWParserText& text) {
+  const FWAttrIDType key = attribute_type;
+  if (key >= FW_ATTR_ID_NONE) {
+    TARNFW_TRACE(FW_COMPONENT_PARSER, 0, "    invalid attribute %d\n", static_cast<int>(key));
+    throw SilentParseFailure();
+  }
+  const FWAttrIDValType* kind = FWAttribute_key2type_map.find(key);
+  if (kind == nullptr) {
+    TARNFW_WARNING("attribute key %d not found\n", static_cast<int>(key));
+    throw SilentParseFailure();
+  }
+  return attributeOfKind(key, *kind, text);
+}
+
+std::unique_ptr<CTarnFWAddressList> emptyList() {
+  return std::make_unique<CTarnFWAddressList>(false);
+}
+
+FWAddrSetID_t addrSetName(const FWParserText& text) {
+  if (text.length >= sizeof(FWAddrSetID_t)) {
+    throw CParseFailure(formatText("addrset name (%s) is too long", text.data),
+                        FW_STATUS_ID_TOO_LONG);
+  }
+  return nameField<FWAddrSetID_t>(text);
+}
+
+std::unique_ptr<CTarnFWCmd> createAddrSet(const dvs_port_* port, const FWParserText& name,
+                                          FWAddrSetType_t type,
+                                          std::unique_ptr<CTarnFWAddressList> list) {
+  const FWAddrSetID_t id = addrSetName(name);
+  if (list == nullptr) return std::make_unique<CTarnFWCmdCreateAddrSet>(port, id, type);
+  return std::make_unique<CTarnFWCmdCreateAddrSet>(port, id, type, std::move(list));
+}
+
+std::unique_ptr<CTarnFWCmd> getAddresses(const dvs_port_* port, const FWParserText& name,
+                                         std::int64_t from) {
+  const FWAddrSetID_t id = addrSetName(name);
+  const std::uint32_t first = number32(from, "addrset index value overflows");
+  return std::make_unique<CTarnFWCmdGetAddressOfAddrSet>(port, id, kAddressesPerMessage, first);
+}
+
+std::unique_ptr<CTarnFWCmd> getAddrSetStats(const dvs_port_* port) {
+  return std::make_unique<CTarnFWCmdGetAddrSetStatList>(port, FW_ADDRSET_ANY, kSetsPerMessage, 0);
+}
+
+std::unique_ptr<CTarnFWCmd> getAddrSetList(const dvs_port_* port, std::int64_t from) {
+  const std::uint32_t first = number32(from, "addrset list index value overflows");
+  return std::make_unique<CTarnFWCmdGetAddrSetList>(port, FW_ADDRSET_ANY, kSetsPerMessage, first);
+}
+
+}  // namespace TarnFirewall

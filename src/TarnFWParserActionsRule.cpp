@@ -1,0 +1,321 @@
+#include "TarnFWParserActionsRule.h"
+
+#include "TarnFWAddrSetID.h"
+#include "TarnFWCmdCreateAddrSet.h"
+#include "TarnFWCmdList.h"
+#include "TarnFWLog.h"
+#include "TarnFWParserActionsAddress.h"
+#include "TarnFWProtocolSpecDSCP.h"
+#include "TarnFWProtocolSpecICMPType.h"
+#include "TarnFWProtocolSpecL4Port.h"
+#include "TarnFWProtocolSpecL4PortRange.h"
+#include "TarnFWProtocolSpecTCPOptions.h"
+#include "TarnFWRuleActionLB.h"
+#include "TarnFWRuleActionMacRewrite.h"
+#include "TarnFWText.h"
+#include "TarnFWUtil.h"
+
+namespace TarnFirewall {
+
+namespace {
+
+constexpr std::size_t kNormalUuidLength = 36;
+constexpr std::int64_t kMaxTCPFlags = 0x1ff;
+
+/// The number as a `Value`; throws `CParseFailure` with status 17 and the message for any other.
+template <typename Value>
+Value numberUpTo(std::int64_t number, Value limit, const char* message) {
+  if (number < 0 || number > limit) throw CParseFailure(message, FW_STATUS_INTEGER_TOO_LARGE);
+  return static_cast<Value>(number);
+}
+
+struct PortBounds {
+  std::uint16_t low;
+  std::uint16_t high;
+};
+
+/// Both bounds as ports, in any order.
+PortBounds portBounds(const FWNumberRange& range) {
+  const std::uint16_t low = portNumber(range.low);
+  return {low, portNumber(range.high)};
+}
+
+PortBounds risingPortBounds(const FWNumberRange& range) {
+  const PortBounds bounds = portBounds(range);
+  if (bounds.low >= bounds.high) {
+    throw CUnsupportedException(FW_STATUS_PARSING_ERROR, "invalid port range");
+  }
+  return bounds;
+}
+
+/// The command that creates an address set of the range's blocks, and the range's negation mark.
+/// Null, with nothing done, for an address that is no range or can't be covered by blocks.
+std::unique_ptr<CTarnFWCmd> createRuleIPRangeCmd(const dvs_port_* port, const char* name,
+                                                 const CTarnFWAddress& address, bool* negated) {
+  auto list = std::make_unique<CTarnFWAddressList>(false);
+  if (!addBlocksOfRange(*list, address)) return nullptr;
+  *negated = address.isNegated();
+  FWAddrSetID_t id = {};
+  Strncpy(id.text, name, sizeof id.text);
+  const char* family = address.isIPv4Address() ? "ip" : "ipv6";
+  TARNFW_INFO("replaced %s range %s to ipset %s\n", family, address.toString().c_str(), name);
+  return std::make_unique<CTarnFWCmdCreateAddrSet>(port, id, FW_ADDRSET_IP, std::move(list));
+}
+
+bool isRange(const CTarnFWAddress& address) {
+  return address.getType() == FW_ADDRESS_IPV4_RANGE || address.getType() == FW_ADDRESS_IPV6_RANGE;
+}
+
+/// Replaces a range by a set named "`word``id`", created ahead of the statement.
+void replaceRange(const FWParse& parse, const char* word, std::uint32_t id,
+                  std::unique_ptr<CTarnFWAddress>& address) {
+  if (!isRange(*address)) return;
+  const std::string name = formatText("%s%d", word, static_cast<int>(id));
+  bool negated = false;
+  auto command = createRuleIPRangeCmd(nullptr, name.c_str(), *address, &negated);
+  if (command == nullptr) return;
+  (*parse.cmdList)->addCmd(std::move(command));
+  address = std::make_unique<CTarnFWAddrSetID>(name.c_str(), negated);
+}
+
+/// The same for the target of a NAT action, which names the set itself.
+void replaceTargetRange(const FWParse& parse, std::uint32_t id, CTarnFWRuleAction& action) {
+  if (action.getAction() != FW_ACTION_SNAT && action.getAction() != FW_ACTION_DNAT) return;
+  const std::string name = formatText("target%d", static_cast<int>(id));
+  const std::unique_ptr<CTarnFWAddress> range = action.replaceIPRangeAddress(name.c_str());
+  if (range == nullptr) return;
+  bool negated = false;
+  auto command = createRuleIPRangeCmd(nullptr, name.c_str(), *range, &negated);
+  if (command == nullptr) {
+    throw CUnsupportedException(FW_STATUS_INTERNAL_ERROR,
+                                "failed to replace NAT rule target ip range");
+  }
+  (*parse.cmdList)->addCmd(std::move(command));
+}
+
+std::unique_ptr<CTarnFWRule> assembleRule(const FWParse& parse, std::uint32_t id,
+                                          std::uint32_t position, FWRuleParts& parts) {
+  parts.specs->setDir(FW_SPEC_DIR_BOTH);
+  parts.sourcePorts->setDir(FW_SPEC_DIR_SOURCE);
+  parts.destinationPorts->setDir(FW_SPEC_DIR_DESTINATION);
+  replaceRange(parse, "src", id, parts.source);
+  replaceRange(parse, "dst", id, parts.destination);
+  replaceTargetRange(parse, id, *parts.action);
+  auto rule = std::make_unique<CTarnFWRule>(
+      id, static_cast<int>(position), parts.direction, std::move(parts.protocol),
+      std::move(parts.specs), std::move(parts.source), std::move(parts.sourcePorts),
+      std::move(parts.destination), std::move(parts.destinationPorts), std::move(parts.action),
+      std::move(parts.extendedSource), std::move(parts.attributeProfile));
+  if (parts.af != FW_AF_NONE) rule->setAF(parts.af);
+  if (parts.tag.length != 0) rule->setTag(parts.tag.data);
+  return rule;
+}
+
+}  // namespace
+
+std::unique_ptr<CTarnFWProtocol> protocolOfName(const FWParse& parse, const FWParserText& name,
+                                                bool negated) {
+  const int number = parse.extra().protocols.number(name.data);
+  if (number < 0) {
+    throw CParseFailure(formatText("unknown protocol (%s)", name.data),
+                        FW_STATUS_UNKNOWN_PROTOCOL_NAME);
+  }
+  return std::make_unique<CTarnFWProtocol>(true, static_cast<unsigned short>(number), true,
+                                           negated);
+}
+
+std::unique_ptr<CTarnFWProtocol> protocolOfNumber(std::int64_t number, bool negated) {
+  const auto value = numberUpTo<std::uint8_t>(number, 0xff, "ip protocol value overflows");
+  return std::make_unique<CTarnFWProtocol>(true, value, true, negated);
+}
+
+std::unique_ptr<CTarnFWProtocol> etherType(std::int64_t number, bool negated) {
+  const auto value = numberUpTo<std::uint16_t>(number, 0xffff, "ether type value overflows");
+  return std::make_unique<CTarnFWProtocol>(true, value, false, negated);
+}
+
+std::uint16_t portNumber(std::int64_t number) {
+  if (number < 0 || number > 0xffff) {
+    throw CParseFailure(formatText("TCP/UDP port number (%d) is invalid", static_cast<int>(number)),
+                        FW_STATUS_INVALID_L4_PORT);
+  }
+  return static_cast<std::uint16_t>(number);
+}
+
+std::unique_ptr<CTarnFWProtocolSpec> port(std::int64_t number, bool negated) {
+  return std::make_unique<CTarnFWProtocolSpecL4Port>(FW_SPEC_DIR_BOTH, portNumber(number), negated);
+}
+
+std::unique_ptr<CTarnFWProtocolSpec> portRange(const FWNumberRange& range, bool negated) {
+  const PortBounds bounds = risingPortBounds(range);
+  return std::make_unique<CTarnFWProtocolSpecL4PortRange>(FW_SPEC_DIR_BOTH, bounds.low, bounds.high,
+                                                          negated);
+}
+
+std::unique_ptr<CTarnFWProtocolSpecL4PortSet> portSet() {
+  return std::make_unique<CTarnFWProtocolSpecL4PortSet>(FW_SPEC_DIR_BOTH, false);
+}
+
+std::unique_ptr<CTarnFWProtocolSpecL4PortSet> withPort(
+    std::unique_ptr<CTarnFWProtocolSpecL4PortSet> set, std::int64_t number) {
+  set->addPort(portNumber(number));
+  return set;
+}
+
+std::unique_ptr<CTarnFWProtocolSpecL4PortSet> withPorts(
+    std::unique_ptr<CTarnFWProtocolSpecL4PortSet> set, const FWNumberRange& range) {
+  const PortBounds bounds = risingPortBounds(range);
+  set->addPortRange(bounds.low, bounds.high);
+  return set;
+}
+
+std::unique_ptr<CTarnFWProtocolSpec> negatedSpec(std::unique_ptr<CTarnFWProtocolSpec> spec) {
+  spec->setNegated(true);
+  return spec;
+}
+
+std::unique_ptr<CTarnFWProtocolSpecList> emptySpecs() {
+  return std::make_unique<CTarnFWProtocolSpecList>(FW_SPEC_DIR_BOTH);
+}
+
+std::unique_ptr<CTarnFWProtocolSpecList> withSpec(std::unique_ptr<CTarnFWProtocolSpecList> list,
+                                                  std::unique_ptr<CTarnFWProtocolSpec> spec) {
+  list->addSpec(std::move(spec));
+  return list;
+}
+
+std::unique_ptr<CTarnFWProtocolSpec> dscpOfText(const FWParserText& text) {
+  long value = 0;
+  if (!Str2Long(text.data, 16, &value) || value < 0 || value > 0xff) {
+    throw CUnsupportedException(FW_STATUS_BAD_DSCP_MARKINGS, "bad dscp markings");
+  }
+  return std::make_unique<CTarnFWProtocolSpecDSCP>(static_cast<unsigned char>(value));
+}
+
+std::unique_ptr<CTarnFWProtocolSpec> dscpOfNumber(std::int64_t number) {
+  return std::make_unique<CTarnFWProtocolSpecDSCP>(static_cast<unsigned char>(number));
+}
+
+std::unique_ptr<CTarnFWProtocolSpec> tcpOptions(const FWParserText& text, bool negated) {
+  return std::make_unique<CTarnFWProtocolSpecTCPOptions>(FW_SPEC_DIR_BOTH, text.data, text.length,
+                                                         negated);
+}
+
+std::unique_ptr<CTarnFWProtocolSpec> icmpType(std::int64_t type, bool negated) {
+  const auto value = numberUpTo<unsigned char>(type, 0xff, "icmp type overflows");
+  return std::make_unique<CTarnFWProtocolSpecICMPType>(FW_SPEC_DIR_BOTH, value, negated);
+}
+
+std::unique_ptr<CTarnFWProtocolSpec> icmpTypeCode(const FWNumberRange& typeCode, bool negated) {
+  const auto type = numberUpTo<unsigned char>(typeCode.low, 0xff, "icmp type overflows");
+  const auto code = numberUpTo<unsigned char>(typeCode.high, 0xff, "icmp code overflows");
+  return std::make_unique<CTarnFWProtocolSpecICMPType>(FW_SPEC_DIR_BOTH, type, code, negated);
+}
+
+std::uint16_t tcpFlags(std::int64_t number) {
+  if (number < 0 || number > kMaxTCPFlags) {
+    throw CInvalidTCPFlagsException(static_cast<unsigned int>(number));
+  }
+  return static_cast<std::uint16_t>(number);
+}
+
+std::uint16_t withActionFlag(std::uint16_t flags, std::uint16_t flag, const char* name) {
+  if ((flags & flag) != 0) TARNFW_WARNING("duplicate rule action flag: %s\n", name);
+  return static_cast<std::uint16_t>(flags | flag);
+}
+
+std::unique_ptr<CTarnFWRuleAction> flaggedAction(std::unique_ptr<CTarnFWRuleAction> action,
+                                                 const FWActionFlags& flags) {
+  if ((flags.flags & kActionLog) != 0) action->enableLogPacket();
+  if ((flags.flags & kActionCopy) != 0) action->enableCopyPacket();
+  if ((flags.flags & kActionNoFlow) != 0) action->enableNoFlow();
+  if ((flags.flags & kActionRtt) != 0) action->enableRtt();
+  if ((flags.flags & kActionLBRule) != 0) action->enableLBRule();
+  if ((flags.flags & kActionDynamic) != 0 && flags.application != 0) {
+    action->enableDynamic(flags.application);
+  }
+  return action;
+}
+
+FWParserText keyPolicy(const FWParse& parse, const FWParserText& text) {
+  std::uint8_t uuid[kUuidSize];
+  if (!normalstr2uuid(uuid, text.data)) {
+    throw CParseFailure(formatText("bad uuid (%s)", text.data), FW_STATUS_INVALID_ARGUMENT);
+  }
+  if (text.length <= kNormalUuidLength) return text;
+  const char* cut = parse.arena().copy(text.data, kNormalUuidLength);
+  if (cut == nullptr) throw std::bad_alloc();
+  return {cut, kNormalUuidLength};
+}
+
+std::unique_ptr<CTarnFWRuleAction> macRewrite(const fw_ether_& ether) {
+  return std::make_unique<CTarnFWRuleActionMacRewrite>(ether.octet);
+}
+
+std::unique_ptr<CTarnFWRuleAction> dnat(std::unique_ptr<CTarnFWAddress> address) {
+  return dnatToPool(std::move(address), FW_POOL_NONE, 0);
+}
+
+std::unique_ptr<CTarnFWRuleAction> dnatToPort(std::unique_ptr<CTarnFWAddress> address,
+                                              std::int64_t port) {
+  return std::make_unique<CTarnFWRuleActionDNAT>(std::move(address), FW_POOL_NONE, portNumber(port),
+                                                 0);
+}
+
+std::unique_ptr<CTarnFWRuleAction> dnatToPorts(std::unique_ptr<CTarnFWAddress> address,
+                                               const FWNumberRange& ports) {
+  const PortBounds bounds = risingPortBounds(ports);
+  return std::make_unique<CTarnFWRuleActionDNAT>(std::move(address), FW_POOL_NONE, bounds.low,
+                                                 bounds.high, 0);
+}
+
+std::unique_ptr<CTarnFWRuleAction> dnatToPool(std::unique_ptr<CTarnFWAddress> address,
+                                              FWRulePoolOpt_t option, std::uint16_t persist) {
+  return std::make_unique<CTarnFWRuleActionDNAT>(std::move(address), option, persist);
+}
+
+std::unique_ptr<CTarnFWRuleAction> dnatToPoolPorts(std::unique_ptr<CTarnFWAddress> address,
+                                                   const FWNumberRange& ports,
+                                                   FWRulePoolOpt_t option, std::uint16_t persist) {
+  const PortBounds bounds = portBounds(ports);
+  return std::make_unique<CTarnFWRuleActionDNAT>(std::move(address), option, bounds.low,
+                                                 bounds.high, persist);
+}
+
+std::unique_ptr<CTarnFWRuleAction> loadBalancing(std::uint16_t type, std::int64_t idle,
+                                                 std::int64_t close, const char* options) {
+  const auto idleTime = static_cast<unsigned short>(idle);
+  const auto closeTime = static_cast<unsigned short>(close);
+  if (options == nullptr) {
+    return std::make_unique<CTarnFWRuleActionLB>(type, idleTime, closeTime);
+  }
+  return std::make_unique<CTarnFWRuleActionLB>(type, idleTime, closeTime, options);
+}
+
+std::unique_ptr<CTarnFWRule> buildRule(const FWParse& parse, CTarnFWParserArena::Mark mark,
+                                       FWRuleParts parts) {
+  const std::uint32_t id = number32(parts.id, "rule id value overflows");
+  const std::uint32_t position = number32(parts.position, "rule position value overflows");
+  try {
+    auto rule = assembleRule(parse, id, position, parts);
+    parse.arena().release(mark);
+    return rule;
+  } catch (const CTarnFWException& e) {
+    // The exception's own status is not passed on here, which callers of the library know.
+    throw CParseFailure(e.what());
+  }
+}
+
+std::unique_ptr<CTarnFWRuleList> ruleList() { return std::make_unique<CTarnFWRuleList>(false); }
+
+std::unique_ptr<CTarnFWRuleList> withRule(std::unique_ptr<CTarnFWRuleList> list,
+                                          std::unique_ptr<CTarnFWRule> rule) {
+  list->addRule(std::move(rule));
+  return list;
+}
+
+std::unique_ptr<CTarnFWContainerID> containerID(const FWParserText& name) {
+  return std::make_unique<CTarnFWContainerID>(name.data);
+}
+
+}  // namespace TarnFirewall

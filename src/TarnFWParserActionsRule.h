@@ -1,0 +1,146 @@
+#pragma once
+
+/// Actions of a rule: its specs, its action with the flags, and the rule itself.
+
+#include "TarnFWAddress.h"
+#include "TarnFWContainerID.h"
+#include "TarnFWParserActions.h"
+#include "TarnFWProtocol.h"
+#include "TarnFWProtocolSpecL4PortSet.h"
+#include "TarnFWProtocolSpecList.h"
+#include "TarnFWRule.h"
+#include "TarnFWRuleAction.h"
+#include "TarnFWRuleActionDNAT.h"
+#include "TarnFWRuleList.h"
+
+namespace TarnFirewall {
+
+// --- Protocol
+
+/// By the host's name of the protocol. Throws `CParseFailure` with status 52.
+std::unique_ptr<CTarnFWProtocol> protocolOfName(const FWParse& parse, const FWParserText& name,
+                                                bool negated);
+std::unique_ptr<CTarnFWProtocol> protocolOfNumber(std::int64_t number, bool negated);
+std::unique_ptr<CTarnFWProtocol> etherType(std::int64_t number, bool negated);
+
+// --- Ports
+
+/// A port, or `CParseFailure` with status 38.
+std::uint16_t portNumber(std::int64_t number);
+
+std::unique_ptr<CTarnFWProtocolSpec> port(std::int64_t number, bool negated);
+
+/// The low bound must be below the high one: equal bounds are refused, with status 16.
+std::unique_ptr<CTarnFWProtocolSpec> portRange(const FWNumberRange& range, bool negated);
+
+std::unique_ptr<CTarnFWProtocolSpecL4PortSet> portSet();
+std::unique_ptr<CTarnFWProtocolSpecL4PortSet> withPort(
+    std::unique_ptr<CTarnFWProtocolSpecL4PortSet> set, std::int64_t number);
+std::unique_ptr<CTarnFWProtocolSpecL4PortSet> withPorts(
+    std::unique_ptr<CTarnFWProtocolSpecL4PortSet> set, const FWNumberRange& range);
+std::unique_ptr<CTarnFWProtocolSpec> negatedSpec(std::unique_ptr<CTarnFWProtocolSpec> spec);
+
+// --- Protocol specs
+
+std::unique_ptr<CTarnFWProtocolSpecList> emptySpecs();
+std::unique_ptr<CTarnFWProtocolSpecList> withSpec(std::unique_ptr<CTarnFWProtocolSpecList> list,
+                                                  std::unique_ptr<CTarnFWProtocolSpec> spec);
+
+/// DSCP of hexadecimal digits. Throws `CUnsupportedException` with status 60.
+std::unique_ptr<CTarnFWProtocolSpec> dscpOfText(const FWParserText& text);
+
+/// DSCP of the low byte of the number.
+std::unique_ptr<CTarnFWProtocolSpec> dscpOfNumber(std::int64_t number);
+
+std::unique_ptr<CTarnFWProtocolSpec> tcpOptions(const FWParserText& text, bool negated);
+std::unique_ptr<CTarnFWProtocolSpec> icmpType(std::int64_t type, bool negated);
+
+/// Type and code come as the two numbers of a range token.
+std::unique_ptr<CTarnFWProtocolSpec> icmpTypeCode(const FWNumberRange& typeCode, bool negated);
+
+/// Bits of the TCP flags, as the wire has them.
+enum FWTCPFlag : std::uint16_t {
+  FW_TCP_FIN = 0x1,
+  FW_TCP_SYN = 0x2,
+  FW_TCP_RST = 0x4,
+  FW_TCP_PSH = 0x8,
+  FW_TCP_ACK = 0x10,
+  FW_TCP_URG = 0x20,
+  FW_TCP_ECE = 0x40,
+  FW_TCP_CWR = 0x80,
+  FW_TCP_NS = 0x100,
+};
+
+/// Flags as a number of at most 0x1ff; throws `CInvalidTCPFlagsException` for any other.
+std::uint16_t tcpFlags(std::int64_t number);
+
+// --- Action
+
+/// Flags of an action, as its record has them, and the application that it belongs to.
+struct FWActionFlags {
+  std::uint16_t flags;
+  std::uint16_t application;
+};
+
+/// The flag added to the mask; one that is there already is warned about by its name.
+std::uint16_t withActionFlag(std::uint16_t flags, std::uint16_t flag, const char* name);
+
+std::unique_ptr<CTarnFWRuleAction> flaggedAction(std::unique_ptr<CTarnFWRuleAction> action,
+                                                 const FWActionFlags& flags);
+
+/// A key policy's identifier, which must be in normal form; throws `CParseFailure` with status 3.
+FWParserText keyPolicy(const FWParse& parse, const FWParserText& text);
+
+std::unique_ptr<CTarnFWRuleAction> macRewrite(const fw_ether_& ether);
+
+/// Destination NAT to any of a range of ports. With a pool option the order of the two bounds is
+/// the action's to judge, without one they are a range as rules have it.
+std::unique_ptr<CTarnFWRuleAction> dnat(std::unique_ptr<CTarnFWAddress> address);
+std::unique_ptr<CTarnFWRuleAction> dnatToPort(std::unique_ptr<CTarnFWAddress> address,
+                                              std::int64_t port);
+std::unique_ptr<CTarnFWRuleAction> dnatToPorts(std::unique_ptr<CTarnFWAddress> address,
+                                               const FWNumberRange& ports);
+std::unique_ptr<CTarnFWRuleAction> dnatToPool(std::unique_ptr<CTarnFWAddress> address,
+                                              FWRulePoolOpt_t option, std::uint16_t persist);
+std::unique_ptr<CTarnFWRuleAction> dnatToPoolPorts(std::unique_ptr<CTarnFWAddress> address,
+                                                   const FWNumberRange& ports,
+                                                   FWRulePoolOpt_t option, std::uint16_t persist);
+
+/// Load balancing; the time-outs are cut to 16 bits. `options` may be null.
+std::unique_ptr<CTarnFWRuleAction> loadBalancing(std::uint16_t type, std::int64_t idle,
+                                                 std::int64_t close, const char* options);
+
+// --- Rule
+
+/// What stands in a rule, in its order.
+struct FWRuleParts {
+  std::int64_t id;
+  std::int64_t position;
+  FWRuleDirection_t direction;
+  FWRuleAF_t af;
+  std::unique_ptr<CTarnFWProtocol> protocol;
+  std::unique_ptr<CTarnFWProtocolSpecList> specs;
+  std::unique_ptr<CTarnFWAddress> source;
+  std::unique_ptr<CTarnFWProtocolSpecList> sourcePorts;
+  std::unique_ptr<CTarnFWAddress> destination;
+  std::unique_ptr<CTarnFWProtocolSpecList> destinationPorts;
+  std::unique_ptr<CTarnFWContainerID> extendedSource;
+  std::unique_ptr<CTarnFWContainerID> attributeProfile;
+  std::unique_ptr<CTarnFWRuleAction> action;
+  FWParserText tag;
+};
+
+/// The rule. Each address range in it becomes a reference to an address set named after the rule's
+/// id, and the command that creates the set goes to the command list at once, so that it stands
+/// ahead of the statement. The texts of the rule, behind the mark, are freed. Failures behind the
+/// two numbers end in status 16, whatever their own.
+std::unique_ptr<CTarnFWRule> buildRule(const FWParse& parse, CTarnFWParserArena::Mark mark,
+                                       FWRuleParts parts);
+
+std::unique_ptr<CTarnFWRuleList> ruleList();
+std::unique_ptr<CTarnFWRuleList> withRule(std::unique_ptr<CTarnFWRuleList> list,
+                                          std::unique_ptr<CTarnFWRule> rule);
+
+std::unique_ptr<CTarnFWContainerID> containerID(const FWParserText& name);
+
+}  // namespace TarnFirewall

@@ -1,0 +1,39 @@
+#include "TarnFWParserActionsStatement.h"
+
+#include "TarnFWCmdConfig.h"
+#include "TarnFWCmdList.h"
+#include "TarnFWText.h"
+
+namespace TarnFirewall {
+
+namespace {
+
+CTarnFWCmd* keepChannel(const FWParse& parse, std::unique_ptr<CTarnFWCmdConfig> config) {
+  delete std::exchange(*parse.cmdConfig, config.release());
+  return nullptr;
+}
+
+}  // namespace
+
+void addStatement(const FWParse& parse, std::unique_ptr<CTarnFWCmd> command) {
+  if (command != nullptr) (*parse.cmdList)->addCmd(std::move(command));
+  parse.arena().release({});
+}
+
+CTarnFWCmd* setChannel(const FWParse& parse, bool device, const FWParserText& name,
+                       const FWParserText& saveTo) {
+  return keepChannel(parse, std::make_unique<CTarnFWCmdConfig>(device, name.data, saveTo.data));
+}
+
+CTarnFWCmd* setChannel(const FWParse& parse, bool socket, const FWIPPort& address,
+                       const FWParserText& saveTo) {
+  return keepChannel(parse, std::make_unique<CTarnFWCmdConfig>(socket, address.address,
+                                                               address.port, saveTo.data));
+}
+
+CTarnFWCmd* unavailable(const char* statement) {
+  throw CParseFailure(formatText("statement '%s' is not available in this build", statement),
+                      FW_STATUS_NOT_SUPPORTED);
+}
+
+}  // namespace TarnFirewall

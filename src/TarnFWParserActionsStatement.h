@@ -1,0 +1,22 @@
+#pragma once
+
+/// Actions of the list of statements, and of the statements that change the setup.
+
+#include "TarnFWCmd.h"
+#include "TarnFWParserActions.h"
+
+namespace TarnFirewall {
+
+/// Adds the statement's command, if it has one, and frees the statement's texts.
+void addStatement(const FWParse& parse, std::unique_ptr<CTarnFWCmd> command);
+
+/// Replaces the channel that an earlier statement chose. No command comes of it: null.
+CTarnFWCmd* setChannel(const FWParse& parse, bool device, const FWParserText& name,
+                       const FWParserText& saveTo);
+CTarnFWCmd* setChannel(const FWParse& parse, bool socket, const FWIPPort& address,
+                       const FWParserText& saveTo);
+
+/// Refuses a statement that nothing compiles, with status 7.
+[[noreturn]] CTarnFWCmd* unavailable(const char* statement);
+
+}  // namespace TarnFirewall

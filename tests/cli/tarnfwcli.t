@@ -1,0 +1,159 @@
+Configuration text into the kernel.
+
+  $ . "$TESTDIR/setup"
+  $ tarnlab init > made
+  $ filter=nic-1002672-eth0-kelpco-sfw.2
+
+  $ run tarnioctl tarnfwcli
+  err| ERROR: Command tarnfwcli is dangerous and can cause unintended consequence!
+  err| ERROR: Please supply first option -Override in order to override the safety guard and actually run the command.
+  [1]
+  $ run tarnioctl tarnfwcli -Override -h
+  Usage: tarnioctl tarnfwcli <options>
+      -v <number> : verbose level of output
+      -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2
+      -v<number>  : enable verbose log
+      -m <string> : verbose log component name or id
+      -l <file>   : file of config commands
+      -c <cmd>    : config command
+      -h          : this help message
+  $ run tarnioctl tarnfwcli -Override -x
+  Usage: tarnioctl tarnfwcli <options>
+      -v <number> : verbose level of output
+      -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2
+      -v<number>  : enable verbose log
+      -m <string> : verbose log component name or id
+      -l <file>   : file of config commands
+      -c <cmd>    : config command
+      -h          : this help message
+  err| -Override: invalid option -- 'x'
+  [1]
+
+Nothing to load.
+
+  $ lab tarnioctl tarnfwcli -Override
+  log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initializing tarn library.\n\n
+  log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initialized tarn library\n\n
+  [1]
+  $ lab tarnioctl tarnfwcli -Override -f $filter
+  log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initializing tarn library.\n\n
+  log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initialized tarn library\n\n
+  [1]
+
+Text from the command line.
+
+  $ lab tarnioctl tarnfwcli -Override -f $filter -c 'create ruleset "web" with rule 1 inout protocol tcp from any to any port 80 accept;'
+  log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initializing tarn library.\n\n
+  log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initialized tarn library\n\n
+  log| tarnioctl <85> Filter nic-1002672-eth0-kelpco-sfw.2 was configured with `create ruleset "web" with rule 1 inout protocol tcp from any to any port 80 accept;'.\n
+  $ lab tarnioctl tarnfwcli -Override -f $filter -c 'describe list of ruleset; describe rule of ruleset "web";'
+  web
+  # generation number: 1
+  # realization time : ????-??-??T??:??:?? (glob)
+  rule 1 at 0 inout protocol tcp from any to any port 80 accept;
+  log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initializing tarn library.\n\n
+  log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initialized tarn library\n\n
+  log| tarnioctl <85> Filter nic-1002672-eth0-kelpco-sfw.2 was configured with `describe list of ruleset; describe rule of ruleset "web";'.\n
+
+A file, and standard input, in the order of the options.
+
+  $ cat > sets.conf << 'END'
+  > create addrset "a" { 10.0.0.1-3, };
+  > describe list of addrset;
+  > END
+  $ lab tarnioctl tarnfwcli -Override -f $filter -l sets.conf
+  a
+  log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initializing tarn library.\n\n
+  log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initialized tarn library\n\n
+  log| tarnioctl <86> tarnfw: TarnFWParserActionsAddress:AddAddress():N replaced ip range ip 10.0.0.1-10.0.0.3 to cidr list\n
+  log| tarnioctl <85> Filter nic-1002672-eth0-kelpco-sfw.2 was configured with `sets.conf'.\n
+  $ echo 'describe size of addrset "a";' | lab tarnioctl tarnfwcli -Override -f $filter -c 'describe count of addrset;' -l -
+  addrset count : 1
+  addrset type : 1
+  addrset elements count : 2
+  addrset serialize size : 288
+  log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initializing tarn library.\n\n
+  log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initialized tarn library\n\n
+  log| tarnioctl <85> Filter nic-1002672-eth0-kelpco-sfw.2 was configured with `describe count of addrset;'.\n
+  log| tarnioctl <85> Filter nic-1002672-eth0-kelpco-sfw.2 was configured with `-'.\n
+
+A selector in the text does without the option.
+
+  $ lab tarnioctl tarnfwcli -Override -c "describe count of ruleset of vif 8d0c7a10-55f4-4c1e-9b02-0000632a0000;"
+  ruleset count : 1
+  log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initializing tarn library.\n\n
+  log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initialized tarn library\n\n
+  log| tarnioctl <85> Filter  was configured with `describe count of ruleset of vif 8d0c7a10-55f4-4c1e-9b02-0000632a0000;'.\n
+
+What is wrong is told with its place; nothing of the text is sent.
+
+  $ lab tarnioctl tarnfwcli -Override -f $filter -c 'destroy all ruleset; destroy;'
+  err| ERROR: Could not load config `destroy all ruleset; destroy;': parsing error
+  log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initializing tarn library.\n\n
+  log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initialized tarn library\n\n
+  log| tarnioctl <83> tarnfw: tarnfw_parser:yyerror():N [<cmd>:1] syntax error, unexpected ;, expecting keyword ruleset or keyword addrset or keyword all\n
+  [1]
+  $ printf 'create addrset "b";\ncreate addrset "c" {\n  10.0.0.1, 10.0.0.300-5 };\n' > bad.conf
+  $ lab tarnioctl tarnfwcli -Override -f $filter -l bad.conf
+  err| ERROR: Could not load config `bad.conf': invalid network address
+  log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initializing tarn library.\n\n
+  log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initialized tarn library\n\n
+  log| tarnioctl <83> tarnfw: tarnfw_parser:yyerror():N [bad.conf:3] invalid ip address - 10.0.0.300\n
+  [1]
+  $ lab tarnioctl tarnfwcli -Override -f $filter -l nonesuch.conf
+  err| ERROR: Could not load config `nonesuch.conf': cannot load file
+  log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initializing tarn library.\n\n
+  log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initialized tarn library\n\n
+  [1]
+  $ lab tarnioctl tarnfwcli -Override -f $filter -c 'set connection;'
+  err| ERROR: Could not load config `set connection;': not supported
+  log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initializing tarn library.\n\n
+  log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initialized tarn library\n\n
+  log| tarnioctl <83> tarnfw: tarnfw_parser:yyerror():N [<cmd>:1] statement 'set connection' is not available in this build\n
+  [1]
+  $ lab tarnioctl tarnfwcli -Override -f $filter -c 'create nonesuch attrset "a" with x;'
+  err| ERROR: Failed to eval config `create nonesuch attrset "a" with x;': invalid argument
+  log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initializing tarn library.\n\n
+  log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initialized tarn library\n\n
+  log| tarnioctl <84> tarnfw: TarnFWAttributeUtils:FWAttribute_str2key():N attribute literal string name nonesuch not found\n
+  [1]
+  $ lab tarnioctl tarnfwcli -Override -f $filter -c 'describe count of ruleset; describe count of addrset;'
+  ruleset count : 1
+  addrset count : 1
+  log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initializing tarn library.\n\n
+  log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initialized tarn library\n\n
+  log| tarnioctl <85> Filter nic-1002672-eth0-kelpco-sfw.2 was configured with `describe count of ruleset; describe count of addrset;'.\n
+
+What the kernel refuses ends the evaluation.
+
+  $ lab tarnioctl tarnfwcli -Override -f $filter -c 'destroy ruleset "nonesuch"; describe count of ruleset;'
+  err| ERROR: Failed to eval config `destroy ruleset "nonesuch"; describe count of ruleset;': no ruleset
+  log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initializing tarn library.\n\n
+  log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initialized tarn library\n\n
+  log| tarnioctl <84> tarnfw: TarnFWCmd:execute():N failed to execute command DestroyRuleSet: no ruleset\n\n
+  [1]
+
+Another channel takes the messages of its text and of those behind it.
+
+  $ lab tarnioctl tarnfwcli -Override -f $filter -c 'config file "out.bin"; destroy ruleset "web";' -c 'destroy all addrset;'
+  log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initializing tarn library.\n\n
+  log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initialized tarn library\n\n
+  log| tarnioctl <85> Filter nic-1002672-eth0-kelpco-sfw.2 was configured with `config file "out.bin"; destroy ruleset "web";'.\n
+  log| tarnioctl <85> Filter nic-1002672-eth0-kelpco-sfw.2 was configured with `destroy all addrset;'.\n
+  $ wc -c < out.bin
+  332
+  $ lab tarnioctl tarnfwcli -Override -f $filter -c 'config file "/nonesuch/out.bin";'
+  err| ERROR: Could not load config `config file "/nonesuch/out.bin";': cannot load file
+  log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initializing tarn library.\n\n
+  log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initialized tarn library\n\n
+  log| tarnioctl <84> tarnfw: TarnFWLibMain:FW_Initialize():N error 12: /nonesuch/out.bin : No such file or directory\n
+  [1]
+
+No more than 256 texts.
+
+  $ texts=(); for i in $(seq 258); do texts+=(-c '#'); done
+  $ lab tarnioctl tarnfwcli -Override -f $filter "${texts[@]}" | uniq -c
+        2 err| ERROR: cannot accept more than 256 configs
+        1 log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initializing tarn library.\n\n
+        1 log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initialized tarn library\n\n
+      256 log| tarnioctl <85> Filter nic-1002672-eth0-kelpco-sfw.2 was configured with `#'.\n

@@ -1,0 +1,277 @@
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+
+#include "FakeKernel.h"
+#include "LogCapture.h"
+#include "TarnFWCmdList.h"
+#include "TarnFWLog.h"
+#include "tarnfw.h"
+
+using namespace TarnFirewall;
+
+namespace {
+
+/// A file with a text, removed at its end.
+class TextFile {
+ public:
+  explicit TextFile(const std::string& text) {
+    const int descriptor = mkstemp(path_);
+    std::FILE* stream = fdopen(descriptor, "w");
+    std::fwrite(text.data(), 1, text.size(), stream);
+    std::fclose(stream);
+  }
+  ~TextFile() { unlink(path_); }
+  TextFile(const TextFile&) = delete;
+  TextFile& operator=(const TextFile&) = delete;
+  const char* path() const { return path_; }
+
+ private:
+  char path_[32] = "/tmp/tarnfw-load-XXXXXX";
+};
+
+fwlibhandle_* const kNoChannel = nullptr;
+
+/// A load with its results, freed at its end.
+struct Loaded {
+  ~Loaded() {
+    if (config != nullptr) FW_FreeConfigFile(config);
+    if (channel != kNoChannel) delete fromLibHandle(channel);
+  }
+  CTarnFWCmdList* list() const { return reinterpret_cast<CTarnFWCmdList*>(config); }
+
+  fwlibhandle_* channel = kNoChannel;
+  fwconfigfile_* config = nullptr;
+};
+
+/// Verbosity of the public functions while it lives.
+struct ApiLevel {
+  ApiLevel() { FW_SetLibVerboseLevel(FW_COMPONENT_API, 1); }
+  ~ApiLevel() { FW_SetLibVerboseLevel(FW_COMPONENT_API, 0); }
+};
+
+fwconfigfile_* const kUntouched = reinterpret_cast<fwconfigfile_*>(16);
+
+}  // namespace
+
+TEST(TarnFWLoadConfig, RefusesNullArguments) {
+  fwlibhandle_* channel = nullptr;
+  fwconfigfile_* config = nullptr;
+  EXPECT_EQ(FW_LoadConfigString(nullptr, &channel, &config), 3u);
+  EXPECT_EQ(FW_LoadConfigString("", nullptr, &config), 3u);
+  EXPECT_EQ(FW_LoadConfigString("", &channel, nullptr), 3u);
+  EXPECT_EQ(FW_LoadConfigFile(nullptr, &channel, &config), 3u);
+  EXPECT_EQ(FW_LoadConfigFile("x", nullptr, &config), 3u);
+  EXPECT_EQ(FW_LoadConfigFile("x", &channel, nullptr), 3u);
+  EXPECT_EQ(FW_LoadConfigFile2(nullptr, "x", &channel, &config), 3u);
+  EXPECT_EQ(FW_LoadConfigFile2(stdin, nullptr, &channel, &config), 3u);
+  EXPECT_EQ(FW_LoadConfigFile2(stdin, "x", nullptr, &config), 3u);
+  EXPECT_EQ(FW_LoadConfigFile2(stdin, "x", &channel, nullptr), 3u);
+  EXPECT_EQ(FW_EvaluateConfigFile(nullptr, kUntouched, nullptr, nullptr), 3u);
+  FakeKernel kernel;
+  EXPECT_EQ(FW_EvaluateConfigFile(kernel.handle(), nullptr, nullptr, nullptr), 3u);
+  EXPECT_EQ(FW_FreeConfigFile(nullptr), 3u);
+}
+
+TEST(TarnFWLoadConfig, LoadsAnEmptyStringAsAnEmptyList) {
+  Loaded loaded;
+  EXPECT_EQ(FW_LoadConfigString("", &loaded.channel, &loaded.config), 0u);
+  ASSERT_NE(loaded.config, nullptr);
+  EXPECT_EQ(loaded.list()->size(), 0u);
+  EXPECT_EQ(loaded.channel, kNoChannel);
+  FakeKernel kernel;
+  EXPECT_EQ(FW_EvaluateConfigFile(kernel.handle(), loaded.config, nullptr, nullptr), 0u);
+  EXPECT_TRUE(kernel.messages().empty());
+}
+
+TEST(TarnFWLoadConfig, LoadsAFileAndAStream) {
+  const TextFile file("destroy all ruleset;\ndestroy all addrset;\n");
+  Loaded fromFile;
+  EXPECT_EQ(FW_LoadConfigFile(file.path(), &fromFile.channel, &fromFile.config), 0u);
+  ASSERT_NE(fromFile.config, nullptr);
+  EXPECT_EQ(fromFile.list()->size(), 2u);
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> stream(std::fopen(file.path(), "r"),
+                                                               &std::fclose);
+  Loaded fromStream;
+  EXPECT_EQ(FW_LoadConfigFile2(stream.get(), "name", &fromStream.channel, &fromStream.config), 0u);
+  ASSERT_NE(fromStream.config, nullptr);
+  EXPECT_EQ(fromStream.list()->size(), 2u);
+}
+
+TEST(TarnFWLoadConfig, MakesTheChannelThatTheTextNames) {
+  const TextFile file("");
+  Loaded loaded;
+  const std::string text = std::string("config file \"") + file.path() + "\";";
+  EXPECT_EQ(FW_LoadConfigString(text.c_str(), &loaded.channel, &loaded.config), 0u);
+  ASSERT_NE(loaded.config, nullptr);
+  EXPECT_EQ(loaded.list()->size(), 0u);
+  EXPECT_NE(loaded.channel, kNoChannel);
+}
+
+TEST(TarnFWLoadConfig, SendsToTheFileThatTheTextNames) {
+  const TextFile file("");
+  Loaded loaded;
+  const std::string text = std::string("config file \"") + file.path() + "\"; destroy all ruleset;";
+  ASSERT_EQ(FW_LoadConfigString(text.c_str(), &loaded.channel, &loaded.config), 0u);
+  EXPECT_EQ(FW_EvaluateConfigFile(loaded.channel, loaded.config, nullptr, nullptr), 0u);
+  // Header, envelope and a body of 4 bytes.
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> stream(std::fopen(file.path(), "r"),
+                                                               &std::fclose);
+  std::uint8_t bytes[64];
+  EXPECT_EQ(std::fread(bytes, 1, sizeof bytes, stream.get()), 36u);
+}
+
+TEST(TarnFWLoadConfig, GivesNoHandleWhenTheChannelCannotBeMade) {
+  LogCapture log;
+  const ApiLevel level;
+  Loaded loaded;
+  const FWStatus_t status = FW_LoadConfigString("destroy all ruleset; config file \"/nonesuch/x\";",
+                                                &loaded.channel, &loaded.config);
+  EXPECT_NE(status, 0u);
+  EXPECT_EQ(loaded.config, nullptr);
+  EXPECT_EQ(loaded.channel, kNoChannel);
+  EXPECT_TRUE(log.has(7, "failed to load new IO channel: " + std::to_string(status) + ".\n"));
+}
+
+TEST(TarnFWLoadConfig, GivesNoHandleForASyntaxError) {
+  LogCapture log;
+  Loaded loaded;
+  EXPECT_EQ(FW_LoadConfigString("destroy all ruleset;\ndestroy all addrset;\ndestroy;",
+                                &loaded.channel, &loaded.config),
+            16u);
+  EXPECT_EQ(loaded.config, nullptr);
+  EXPECT_EQ(loaded.channel, kNoChannel);
+  ASSERT_EQ(log.lines().size(), 1u);
+  EXPECT_NE(log.lines()[0].text.find(" [<cmd>:3] syntax error, "), std::string::npos);
+}
+
+TEST(TarnFWLoadConfig, NamesTheFileInAnError) {
+  LogCapture log;
+  const TextFile file("\n\ndestroy;");
+  Loaded loaded;
+  EXPECT_EQ(FW_LoadConfigFile(file.path(), &loaded.channel, &loaded.config), 16u);
+  ASSERT_EQ(log.lines().size(), 1u);
+  EXPECT_NE(log.lines()[0].text.find(std::string(" [") + file.path() + ":3] syntax error, "),
+            std::string::npos);
+}
+
+TEST(TarnFWLoadConfig, GivesTheScannersStatusInsideAStatement) {
+  LogCapture log;
+  Loaded loaded;
+  EXPECT_EQ(FW_LoadConfigString("create addrset a 10.0.0.256-9;", &loaded.channel, &loaded.config),
+            33u);
+}
+
+TEST(TarnFWLoadConfig, IgnoresWhatFollowsAScannerFailureBetweenStatements) {
+  Loaded loaded;
+  EXPECT_EQ(FW_LoadConfigString("destroy all ruleset; 10.0.0.256-9 nonsense", &loaded.channel,
+                                &loaded.config),
+            0u);
+  ASSERT_NE(loaded.config, nullptr);
+  EXPECT_EQ(loaded.list()->size(), 1u);
+}
+
+TEST(TarnFWLoadConfig, LeavesOrClearsTheHandleWhenAParseFailsWithoutAStatus) {
+  const std::string text = "create nonesuch attrset a with x;";
+  fwlibhandle_* channel = nullptr;
+  fwconfigfile_* config = kUntouched;
+  EXPECT_EQ(FW_LoadConfigString(text.c_str(), &channel, &config), 0u);
+  EXPECT_EQ(config, kUntouched);
+  const TextFile file(text);
+  EXPECT_EQ(FW_LoadConfigFile(file.path(), &channel, &config), 0u);
+  EXPECT_EQ(config, nullptr);
+}
+
+TEST(TarnFWLoadConfig, RefusesAFileThatCannotBeOpened) {
+  LogCapture log;
+  const ApiLevel level;
+  fwlibhandle_* channel = nullptr;
+  fwconfigfile_* config = kUntouched;
+  EXPECT_EQ(FW_LoadConfigFile("/nonesuch/x", &channel, &config), 12u);
+  EXPECT_EQ(config, kUntouched);
+  EXPECT_TRUE(log.has(7, "failed to open file /nonesuch/x - " + std::to_string(ENOENT) + "\n"));
+}
+
+TEST(TarnFWLoadConfig, SendsTheCommandsInOrderEachTime) {
+  Loaded loaded;
+  ASSERT_EQ(FW_LoadConfigString("destroy all ruleset; destroy all addrset;", &loaded.channel,
+                                &loaded.config),
+            0u);
+  FakeKernel kernel;
+  for (int i = 0; i < 2; ++i) {
+    EXPECT_EQ(FW_EvaluateConfigFile(kernel.handle(), loaded.config, nullptr, nullptr), 0u);
+  }
+  ASSERT_EQ(kernel.messages().size(), 4u);
+  EXPECT_EQ(kernel.messages()[0].envelope()[4], 60);
+  EXPECT_EQ(kernel.messages()[1].envelope()[4], 65);
+  EXPECT_EQ(kernel.messages()[2].envelope()[4], 60);
+}
+
+TEST(TarnFWLoadConfig, PutsTheCallersSelectorOnEveryCommand) {
+  Loaded loaded;
+  ASSERT_EQ(
+      FW_LoadConfigString("destroy all ruleset of filter f;", &loaded.channel, &loaded.config), 0u);
+  FakeKernel kernel;
+  dvs_port_ port = {};
+  port.identifier[0] = 'g';
+  setSelectorType(port, FW_SELECTOR_FILTER);
+  EXPECT_EQ(FW_EvaluateConfigFile(kernel.handle(), loaded.config, &port, nullptr), 0u);
+  ASSERT_TRUE(kernel.last().port.has_value());
+  EXPECT_STREQ(kernel.last().port->identifier, "g");
+}
+
+TEST(TarnFWLoadConfig, StopsAtTheFirstCommandThatFails) {
+  Loaded loaded;
+  ASSERT_EQ(FW_LoadConfigString("destroy all ruleset; destroy all addrset;", &loaded.channel,
+                                &loaded.config),
+            0u);
+  FakeKernel kernel;
+  kernel.answer(28);
+  EXPECT_EQ(FW_EvaluateConfigFile(kernel.handle(), loaded.config, nullptr, nullptr), 28u);
+  EXPECT_EQ(kernel.messages().size(), 1u);
+}
+
+TEST(TarnFWLoadConfig, TracesItsSteps) {
+  LogCapture log;
+  const ApiLevel level;
+  const TextFile messages("");
+  const std::string text = std::string("config file \"") + messages.path() + "\";";
+  {
+    Loaded loaded;
+    FW_LoadConfigString(text.c_str(), &loaded.channel, &loaded.config);
+  }
+  for (const char* line : {"FW_LoadConfigString.\n", "loading new IO channel.\n",
+                           "delete cmd list/config\n", "obtained config handle.\n",
+                           "FW_LoadConfigString: ok\n", "deleting config file handle.\n"}) {
+    EXPECT_TRUE(log.has(7, line)) << line;
+  }
+  log.clear();
+  const TextFile file(text);
+  {
+    Loaded loaded;
+    FW_LoadConfigFile(file.path(), &loaded.channel, &loaded.config);
+  }
+  const std::string opened = std::string("opened config file ") + file.path() + "\n";
+  for (const char* line :
+       {opened.c_str(), "FW_LoadConfigFile2.\n", "loading new IO channel from config file.\n",
+        "obtained config file handle.\n"}) {
+    EXPECT_TRUE(log.has(7, line)) << line;
+  }
+  log.clear();
+  {
+    Loaded loaded;
+    FW_LoadConfigString("x", &loaded.channel, &loaded.config);
+    const TextFile bad("x");
+    FW_LoadConfigFile(bad.path(), &loaded.channel, &loaded.config);
+    const TextFile noChannel("config file \"/nonesuch/x\";");
+    const FWStatus_t status = FW_LoadConfigFile(noChannel.path(), &loaded.channel, &loaded.config);
+    EXPECT_TRUE(log.has(
+        7, "failed to load new IO channel from config file: " + std::to_string(status) + ".\n"));
+  }
+  EXPECT_TRUE(log.has(7, "failed to parse config string.\n"));
+  EXPECT_TRUE(log.has(7, "failed to parse config file.\n"));
+}

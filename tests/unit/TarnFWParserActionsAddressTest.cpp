@@ -1,0 +1,218 @@
+#include <gtest/gtest.h>
+
+#include "Expect.h"
+#include "ParseText.h"
+#include "TarnFWAddressAttr.h"
+#include "TarnFWLog.h"
+#include "TarnFWParserActionsAddress.h"
+#include "tarnfw.h"
+
+using namespace TarnFirewall;
+
+namespace {
+
+const std::string k37(37, 'n');
+const std::string k38(38, 'n');
+
+/// Types of the members of the set that a statement creates, as one text.
+std::string memberTypes(const std::string& list) {
+  const ParseText parse("create addrset a " + list + ";");
+  EXPECT_EQ(parse.failure(), "") << list;
+  if (parse.count() != 1) return "(no command)";
+  const auto body = parse.body();
+  std::string types;
+  for (std::size_t at = 86; at < body.size(); at += 144) {
+    types += (types.empty() ? "" : " ") + std::to_string(body[at]);
+  }
+  EXPECT_EQ(parse.word(46), (body.size() - 86) / 144);
+  return types;
+}
+
+/// Command number of the only command of a statement.
+int number(const std::string& statement) {
+  const ParseText parse(statement);
+  EXPECT_EQ(parse.failure(), "") << statement;
+  return parse.count() == 1 ? parse.command().getCommand() : -1;
+}
+
+}  // namespace
+
+TEST(TarnFWParserActionsAddress, ReadsEveryKindOfMember) {
+  EXPECT_EQ(memberTypes("10.0.0.1"), "1");
+  EXPECT_EQ(memberTypes("::1"), "2");
+  EXPECT_EQ(memberTypes("10.0.0.0/8"), "5");
+  EXPECT_EQ(memberTypes("10.0.0.0/255.0.0.0"), "5");
+  EXPECT_EQ(memberTypes("2001:db8::/32"), "6");
+  EXPECT_EQ(memberTypes("any"), "0");
+  EXPECT_EQ(memberTypes("00:11:22:33:44:55"), "7");
+  EXPECT_EQ(memberTypes("00:11:22:33:44:55-00:11:22:33:44:66"), "8");
+  EXPECT_EQ(memberTypes("00:11:22:33:44:55/ff:ff:ff:00:00:00"), "9");
+  EXPECT_EQ(memberTypes("{ 10.0.0.1, ::1, 10.0.0.0/8, }"), "1 2 5");
+  EXPECT_EQ(memberTypes("with { 00:11:22:33:44:55, 00:11:22:33:44:55-00:11:22:33:44:66, }"), "7 8");
+}
+
+TEST(TarnFWParserActionsAddress, KeepsARangeWithoutBracesAndSplitsOneInsideThem) {
+  EXPECT_EQ(memberTypes("10.0.0.1-9"), "3");
+  // 10.0.0.1, 10.0.0.2/31, 10.0.0.4/30, 10.0.0.8/31
+  EXPECT_EQ(memberTypes("{ 10.0.0.1-9 }"), "1 5 5 5");
+  EXPECT_EQ(memberTypes("::1-::5"), "4");
+  EXPECT_EQ(memberTypes("{ ::1-::5 }"), "2 6 6");
+  const ParseText parse("create addrset a { 10.0.0.1-9, ::1-::5 };");
+  EXPECT_TRUE(parse.log.has(6, "replaced ip range ip 10.0.0.1-10.0.0.9 to cidr list\n"));
+  EXPECT_TRUE(parse.log.has(6, "replaced ipv6 range ip ::1-::5 to cidr list\n"));
+}
+
+TEST(TarnFWParserActionsAddress, SplitsTheBlockOfAllAddresses) {
+  EXPECT_EQ(memberTypes("0.0.0.0/0"), "5 5");
+  EXPECT_EQ(memberTypes("{ 0.0.0.0/0, 10.0.0.1 }"), "5 5 1");
+}
+
+TEST(TarnFWParserActionsAddress, RefusesARangeThatNoBlocksCover) {
+  EXPECT_EQ(parseFailure("create addrset a { 1::-2::1 };"),
+            "16|failed to replace ip range ip 1::-2::1 to cidr list");
+  EXPECT_EQ(parseFailure("create addrset a { ::1, 1::-2::1 };"),
+            "16|failed to replace ip range ip 1::-2::1 to cidr list");
+  EXPECT_EQ(memberTypes("1::-2::1"), "4");
+}
+
+TEST(TarnFWParserActionsAddress, PassesTheFailuresOfAddressesOn) {
+  EXPECT_EQ(parseFailure("create addrset a 999.1.1.1;"), "33|999.1.1.1");
+  EXPECT_EQ(parseFailure("create addrset a 1.2.3.4/33;"), "33|1.2.3.4/33");
+  EXPECT_EQ(parseFailure("create addrset a 1.2.3.4/255.0.255.0;"), "33|1.2.3.4/255.0.255.0");
+  EXPECT_EQ(parseFailure("create addrset a ::1/129;"), "33|::1/129");
+  EXPECT_EQ(parseFailure("create addrset a 10.0.0.5-5;"),
+            "33|invalid IPv4 range: 10.0.0.5 - 10.0.0.5");
+  EXPECT_EQ(parseFailure("create addrset a { 10.0.0.1, 999.1.1.1 };"), "33|999.1.1.1");
+}
+
+TEST(TarnFWParserActionsAddress, CreatesAnEmptySet) {
+  for (const char* statement :
+       {"create addrset a;", "create addrset a { };", "create addrset a of filter f with { };"}) {
+    const ParseText parse(statement);
+    EXPECT_EQ(parse.failure(), "");
+    EXPECT_EQ(parse.command().getCommand(), 13);
+    EXPECT_EQ(parse.body().size(), 86u);
+    EXPECT_EQ(parse.field(0), "a");
+  }
+}
+
+TEST(TarnFWParserActionsAddress, TakesNamesOf37Bytes) {
+  const ParseText parse("create addrset " + k37 + " 10.0.0.1;");
+  EXPECT_EQ(parse.failure(), "");
+  EXPECT_EQ(parse.field(0), k37);
+}
+
+TEST(TarnFWParserActionsAddress, RefusesNamesOf38BytesInEveryStatement) {
+  for (const std::string& statement :
+       {"create addrset " + k38 + ";", "create addrset " + k38 + " 10.0.0.1;",
+        "create addrset " + k38 + " with { 10.0.0.1 };",
+        "create addrset " + k38 + " 00:11:22:33:44:55;",
+        "create addrset " + k38 + " with 00:11:22:33:44:55;", "create APP_ID attrset " + k38 + ";",
+        "delete all from addrset " + k38 + ";", "destroy addrset " + k38 + ";",
+        "describe size of addrset " + k38 + ";", "describe info of addrset " + k38 + ";",
+        "describe address of addrset " + k38 + ";",
+        "describe address of addrset " + k38 + " from 4294967296;"}) {
+    EXPECT_EQ(parseFailure(statement), "32|addrset name (" + k38 + ") is too long") << statement;
+  }
+}
+
+TEST(TarnFWParserActionsAddress, MakesTheCommandOfEachStatement) {
+  EXPECT_EQ(number("delete all from addrset a;"), 64);
+  EXPECT_EQ(number("destroy addrset a;"), 14);
+  EXPECT_EQ(number("destroy all addrset;"), 65);
+  EXPECT_EQ(number("describe size of addrset a;"), 15);
+  EXPECT_EQ(number("describe info of addrset a;"), 16);
+  EXPECT_EQ(number("describe stat of addrset;"), 22);
+  EXPECT_EQ(number("describe address of addrset a;"), 17);
+  EXPECT_EQ(number("describe count of addrset;"), 20);
+  EXPECT_EQ(number("describe list of addrset;"), 21);
+  EXPECT_EQ(number("enable shared addrset;"), 44);
+  EXPECT_EQ(number("disable shared addrset;"), 44);
+  EXPECT_EQ(number("describe shared addrset;"), 45);
+}
+
+TEST(TarnFWParserActionsAddress, ReadsManyAddressesFromAnIndex) {
+  const ParseText all("describe address of addrset a of filter f;");
+  EXPECT_EQ(all.field(0), "a");
+  EXPECT_EQ(all.word(42), 50000u);
+  EXPECT_EQ(all.word(46), 0u);
+  EXPECT_EQ(ParseText("describe address of addrset a from 4294967295;").word(46), 0xffffffffu);
+  EXPECT_EQ(parseFailure("describe address of addrset a from 4294967296;"),
+            "17|addrset index value overflows");
+  EXPECT_EQ(parseFailure("describe address of addrset a from -1;"),
+            "17|addrset index value overflows");
+}
+
+TEST(TarnFWParserActionsAddress, ListsTwentyThousandSetsOfEveryKind) {
+  const ParseText all("describe list of addrset;");
+  EXPECT_EQ(all.word(0), 0u);
+  EXPECT_EQ(all.word(4), 20000u);
+  EXPECT_EQ(all.word(8), 0u);
+  EXPECT_EQ(ParseText("describe list of addrset from 7;").word(8), 7u);
+  EXPECT_EQ(parseFailure("describe list of addrset from 4294967296;"),
+            "17|addrset list index value overflows");
+  const ParseText stats("describe stat of addrset;");
+  EXPECT_EQ(stats.word(4), 20000u);
+  EXPECT_EQ(stats.word(8), 0u);
+}
+
+TEST(TarnFWParserActionsAddress, SwitchesSharedSets) {
+  EXPECT_EQ(ParseText("enable shared addrset;").body()[0] & 1, 1);
+  EXPECT_EQ(ParseText("disable shared addrset;").body()[0] & 1, 0);
+}
+
+TEST(TarnFWParserActionsAddress, CreatesAnAttributeSetOfAnyKeyWithoutMembers) {
+  for (const char* key : {"APP_ID", "WIN_SID", "nonesuch"}) {
+    const ParseText parse(std::string("create ") + key + " attrset a of filter f;");
+    EXPECT_EQ(parse.failure(), "");
+    EXPECT_EQ(parse.command().getCommand(), 13);
+    EXPECT_EQ(parse.body().size(), 86u);
+  }
+}
+
+TEST(TarnFWParserActionsAddress, EndsTheParseSilentlyAtAMemberOfAnAttributeSet) {
+  for (const char* statement :
+       {"create APP_ID attrset a with HTTP;", "create nonesuch attrset a with x;",
+        "create WIN_SID attrset a with { x, y };"}) {
+    const ParseText parse(statement);
+    EXPECT_EQ(parse.failure(), "0|") << statement;
+  }
+}
+
+TEST(TarnFWParserActionsAddress, TracesAnUnknownKey) {
+  struct Level {
+    Level() { FW_SetLibVerboseLevel(FW_COMPONENT_PARSER, 1); }
+    ~Level() { FW_SetLibVerboseLevel(FW_COMPONENT_PARSER, 0); }
+  } const level;
+  const ParseText parse("create nonesuch attrset a with x;");
+  EXPECT_TRUE(parse.log.has(7, "    invalid attribute 12\n"));
+}
+
+TEST(TarnFWParserActionsAddress, MakesAttributesOfFourKinds) {
+  const FWParserText number = {"33", 2};
+  for (const FWAttrIDValType kind : {FW_ATTR_ID_VALUE_INT, FW_ATTR_ID_VALUE_UINT,
+                                     FW_ATTR_ID_VALUE_STRING, FW_ATTR_ID_VALUE_SID}) {
+    const auto address = attributeOfKind(FW_ATTR_ID_WIN_SID, kind, number);
+    const auto& attribute = dynamic_cast<const CTarnFWAddressAttr&>(*address);
+    EXPECT_EQ(attribute.getKey(), FW_ATTR_ID_WIN_SID);
+    EXPECT_EQ(attribute.getValueType(), kind);
+  }
+  EXPECT_THROW(attributeOfKind(FW_ATTR_ID_WIN_SID, FW_ATTR_ID_VALUE_KEY_SID, number),
+               SilentParseFailure);
+}
+
+TEST(TarnFWParserActionsAddress, RefusesAttributeTextsThatAreTooLong) {
+  for (const auto& [kind, limit] :
+       {std::pair(FW_ATTR_ID_VALUE_STRING, 128u), std::pair(FW_ATTR_ID_VALUE_SID, 75u)}) {
+    const std::string fits(limit, 'v');
+    const std::string longer(limit + 1, 'v');
+    EXPECT_NO_THROW(attributeOfKind(FW_ATTR_ID_WIN_SID, kind, {fits.c_str(), limit}));
+    EXPECT_THROW_WITH(attributeOfKind(FW_ATTR_ID_WIN_SID, kind, {longer.c_str(), limit + 1}),
+                      CIDTooLongException, 32, "id is too long: " + longer);
+  }
+}
+
+TEST(TarnFWParserActionsAddress, RefusesThePortOfAnyAbove16Bits) {
+  EXPECT_EQ(parseFailure("set connection with from any:65536 to any:1;"),
+            "38|port number (65536) is invalid");
+}

@@ -1,0 +1,113 @@
+#include <syslog.h>
+
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <new>
+
+#include "HandlerCommon.h"
+#include "Handlers.h"
+
+namespace {
+
+/// One `-l` or `-c`.
+struct Config {
+  enum Kind { kFile = 1, kText = 2 };
+  Kind kind;
+  const char* argument;
+};
+
+constexpr unsigned int kMaxConfigs = 256;
+constexpr char kStandardInput[] = "-";
+
+FWStatus_t load(const Config& config, fwlibhandle_** library, fwconfigfile_** handle) {
+  if (config.kind == Config::kText) return FW_LoadConfigString(config.argument, library, handle);
+  if (std::strcmp(config.argument, kStandardInput) == 0) {
+    return FW_LoadConfigFile2(stdin, kStandardInput, library, handle);
+  }
+  return FW_LoadConfigFile(config.argument, library, handle);
+}
+
+int failed(const char* what, const Config& config, FWStatus_t status) {
+  return error("ERROR: %s `%s': %s\n", what, config.argument, FW_StatusToString(status));
+}
+
+/// Loads one config, goes over to the channel that it names, and evaluates it.
+int configure(const Config& config, FilterTarget& target, fwlibhandle_** library) {
+  fwlibhandle_* loaded = *library;
+  fwconfigfile_* handle = nullptr;
+  if (const FWStatus_t status = load(config, &loaded, &handle)) {
+    return failed("Could not load config", config, status);
+  }
+  if (loaded != *library) {
+    const FWStatus_t status = FW_Exit(*library);
+    *library = loaded;
+    if (status != 0) {
+      FW_FreeConfigFile(handle);
+      return failed("Failed to free old library", config, status);
+    }
+  }
+  dvs_port_* port = target.given ? &target.port : nullptr;
+  if (const FWStatus_t status = FW_EvaluateConfigFile(*library, handle, port, nullptr)) {
+    failed("Failed to eval config", config, status);
+    FW_FreeConfigFile(handle);
+    return 1;
+  }
+  syslog(LOG_NOTICE, "Filter %s was configured with `%s'.\n", target.name, config.argument);
+  if (const FWStatus_t status = FW_FreeConfigFile(handle)) {
+    return failed("Failed to free config", config, status);
+  }
+  return 0;
+}
+
+}  // namespace
+
+int TarnFWCLI(const char* cmd, int argc, char** argv) {
+  static constexpr char kUsage[] =
+      "Usage: tarnioctl %s <options>\n"
+      "    -v <number> : verbose level of output\n"
+      "    -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2\n"
+      "    -v<number>  : enable verbose log\n"
+      "    -m <string> : verbose log component name or id\n"
+      "    -l <file>   : file of config commands\n"
+      "    -c <cmd>    : config command\n"
+      "    -h          : this help message\n";
+
+  const std::unique_ptr<Config[]> configs(new (std::nothrow) Config[kMaxConfigs]);
+  if (configs == nullptr) return error("ERROR: failed to alloc memory for configs\n");
+  unsigned int count = 0;
+  const auto take = [&](Config::Kind kind, const char* argument) {
+    if (count < kMaxConfigs) {
+      configs[count++] = {kind, argument};
+    } else {
+      error("ERROR: cannot accept more than %d configs\n", static_cast<int>(kMaxConfigs));
+    }
+  };
+
+  const Usage usage(kUsage, cmd);
+  SharedOptions shared;
+  Options options(argc, argv, "hv::m:f:l:c:");
+  for (int option; (option = options.next()) != -1;) {
+    switch (option) {
+      case 'l':
+        take(Config::kFile, options.value());
+        break;
+      case 'c':
+        take(Config::kText, options.value());
+        break;
+      default:
+        if (const auto status = shared.take(option, options.value(), usage)) return *status;
+    }
+  }
+
+  FW_SetLibPrettyPrinting(pretty_printing, stdout);
+  shared.settle();
+  fwlibhandle_* library = nullptr;
+  if (initFWLibrary(&library) != 0 || count == 0) return 1;
+  int result = 0;
+  for (unsigned int i = 0; i < count && result == 0; ++i) {
+    result = configure(configs[i], shared.target, &library);
+  }
+  FW_Exit(library);
+  return result;
+}
