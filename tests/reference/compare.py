@@ -3,6 +3,8 @@
 
     compare.py [--count N] [--seed S] [--batch B] TARNIOCTL TARNLAB
 
+N is 100,000, or what TARNFW_STATEMENTS says.
+
 The program runs in a lab and writes its messages to a file channel; each statement's messages are
 then compared with what wire.py makes of the same description. Prints the number of statements and
 messages compared; the first difference ends it with status 1 and shows statement and bytes.
@@ -57,7 +59,8 @@ def compare(got, batch):
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
-    parser.add_argument('--count', type=int, default=100000)
+    parser.add_argument('--count', type=int,
+                        default=int(os.environ.get('TARNFW_STATEMENTS', '100000')))
     parser.add_argument('--batch', type=int, default=5000)
     parser.add_argument('--seed', type=int, default=20)
     parser.add_argument('tarnioctl')
@@ -65,7 +68,9 @@ def main():
     options = parser.parse_args()
     rng = random.Random(options.seed)
     messages = 0
-    with tempfile.TemporaryDirectory() as folder:
+    # Memory, where the host has such a folder: the messages are many and short.
+    memory = '/dev/shm' if os.access('/dev/shm', os.W_OK) else None
+    with tempfile.TemporaryDirectory(dir=memory) as folder:
         os.environ['TARNLAB_HOME'] = os.path.join(folder, 'lab')
         subprocess.run([options.tarnlab, 'init'], check=True, capture_output=True)
         generator = statements.Generator(rng)
