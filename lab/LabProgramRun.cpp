@@ -34,7 +34,13 @@ std::string preloadLibrary() {
   const std::string folder = ownFolder();
   for (const char* place : {"/", "/../" TARNLAB_LIBRARY_FOLDER "/"}) {
     const std::string path = folder + place + std::string(libraryName);
-    if (::access(path.c_str(), R_OK) == 0) return absolute(path);
+    if (::access(path.c_str(), R_OK) != 0) continue;
+    const std::string found = absolute(path);
+    // The loader takes both for the end of a name, and would run the program without the library.
+    if (found.find_first_of(" :") != std::string::npos) {
+      throw std::runtime_error("a blank or colon in the path keeps " + found + " from being loaded");
+    }
+    return found;
   }
   throw std::runtime_error("cannot find " + std::string(libraryName) + " beside this program");
 }
