@@ -134,9 +134,11 @@ TEST(LabPreload, EverythingElsePassesThrough) {
   EXPECT_EQ(errno, EBADF);
   EXPECT_EQ(::ioctl(1 << 20, 20, nullptr), -1);
   EXPECT_EQ(errno, EBADF);
-  const char* volatile nowhere = nullptr;
+#ifndef __SANITIZE_THREAD__  // whose own open reads the path
+  const char* volatile nowhere = reinterpret_cast<const char*>(16);
   EXPECT_EQ(::open(nowhere, O_RDONLY), -1);
   EXPECT_EQ(errno, EFAULT);
+#endif
 }
 
 TEST(LabPreload, BadAddressesAreAnErrorAndNoCrash) {
