@@ -85,6 +85,10 @@ void FakeKernel::answerWith(std::function<FWStatus_t(std::uint8_t*, unsigned int
   answers_.push_back(std::move(f));
 }
 
+void FakeKernel::answerAllWith(std::function<FWStatus_t(std::uint8_t*, unsigned int)> f) {
+  otherwise_ = std::move(f);
+}
+
 FWStatus_t FakeKernel::request(void* message, unsigned int size, void* context) {
   auto* bytes = static_cast<std::uint8_t*>(message);
   Message kept;
@@ -93,6 +97,7 @@ FWStatus_t FakeKernel::request(void* message, unsigned int size, void* context) 
   kept.context = context;
   messages_.push_back(std::move(kept));
   if (answers_.empty()) {
+    if (otherwise_) return otherwise_(bytes, size);
     std::memset(bytes + 28, 0, 4);
     return 0;
   }

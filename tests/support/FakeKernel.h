@@ -51,6 +51,9 @@ class FakeKernel {
   /// The next message is answered by this function, which gets the whole message.
   void answerWith(std::function<TarnFirewall::FWStatus_t(std::uint8_t* message, unsigned int)> f);
 
+  /// Every message without a prepared answer is answered by this function.
+  void answerAllWith(std::function<TarnFirewall::FWStatus_t(std::uint8_t* message, unsigned int)> f);
+
   const std::vector<Message>& messages() const { return messages_; }
   const Message& last() const { return messages_.back(); }
 
@@ -62,6 +65,7 @@ class FakeKernel {
 
   std::unique_ptr<TarnFirewall::CTarnFWLibHandle> library_;
   std::deque<std::function<TarnFirewall::FWStatus_t(std::uint8_t*, unsigned int)>> answers_;
+  std::function<TarnFirewall::FWStatus_t(std::uint8_t*, unsigned int)> otherwise_;
   std::vector<Message> messages_;
   std::optional<TarnFirewall::dvs_port_> port_;
 };

@@ -8,6 +8,7 @@
 #include "DeviceShim.h"
 #include "Expect.h"
 #include "HandlerCommon.h"
+#include "HandlerKernel.h"
 #include "LogCapture.h"
 #include "RunCommand.h"
 #include "TarnFWLog.h"
@@ -62,16 +63,7 @@ class Arguments {
   std::vector<char*> pointers_;
 };
 
-bool g_noHandle = false;
-
 }  // namespace
-
-extern "C" {
-fwlibhandle_* __real_FW_GetDefaultLibHandle();
-fwlibhandle_* __wrap_FW_GetDefaultLibHandle() {
-  return g_noHandle ? nullptr : __real_FW_GetDefaultLibHandle();
-}
-}
 
 // --- Agent of a filter name
 
@@ -443,11 +435,10 @@ TEST(FieldText, EndsAtItsNulOrAtItsField) {
 }
 
 TEST(InitFWLibrary, SaysThatTheLibraryCannotBeOpened) {
-  fwlibhandle_* handle = reinterpret_cast<fwlibhandle_*>(&g_noHandle);
-  g_noHandle = true;
+  fwlibhandle_* handle = reinterpret_cast<fwlibhandle_*>(&handle);
+  const DefaultHandle none(nullptr);
   EXPECT_EQ(captured([&] { return initFWLibrary(&handle); }),
             (CommandResult{1, "", "ERROR: unable to open firewall library\n"}));
-  g_noHandle = false;
   EXPECT_EQ(handle, nullptr);
 }
 
