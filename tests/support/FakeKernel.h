@@ -52,7 +52,8 @@ class FakeKernel {
   void answerWith(std::function<TarnFirewall::FWStatus_t(std::uint8_t* message, unsigned int)> f);
 
   /// Every message without a prepared answer is answered by this function.
-  void answerAllWith(std::function<TarnFirewall::FWStatus_t(std::uint8_t* message, unsigned int)> f);
+  void answerAllWith(
+      std::function<TarnFirewall::FWStatus_t(std::uint8_t* message, unsigned int)> f);
 
   const std::vector<Message>& messages() const { return messages_; }
   const Message& last() const { return messages_.back(); }

@@ -52,9 +52,7 @@ Bytes balancingRule(int id) { return rule(id, 13).at(742, {0x40}).text(614, "rr"
 /// A rule that makes no text: its action's code is none.
 Bytes brokenRule() { return rule(1, 15).at(742, {0x40}); }
 
-Bytes snatRule(int id) {
-  return rule(id, 7).at(790, {0x50}).at(460, {1}).at(464, {192, 0, 2, 20});
-}
+Bytes snatRule(int id) { return rule(id, 7).at(790, {0x50}).at(460, {1}).at(464, {192, 0, 2, 20}); }
 Bytes dnatRule(int id) { return rule(id, 8).at(460, {1}).at(464, {10, 0, 0, 9}); }
 
 /// State of a load-balancing rule.
@@ -312,10 +310,9 @@ TEST(GetRules, ShowsTheNamedRuleSetWhateverItsCase) {
 
 TEST(GetRules, ListsDnatRulesThenFilterRulesThenSnatRules) {
   RuleKernel kernel;
-  kernel.sets = {{"web",
-                  {{0, {acceptRule(1001), dropRule(1002)}},
-                   {1, {snatRule(1003)}},
-                   {2, {dnatRule(1004)}}}}};
+  kernel.sets = {
+      {"web",
+       {{0, {acceptRule(1001), dropRule(1002)}}, {1, {snatRule(1003)}}, {2, {dnatRule(1004)}}}}};
   EXPECT_EQ(getRulesMasked(),
             (CommandResult{0,
                            std::string(kOpen) +
@@ -342,12 +339,11 @@ TEST(GetRules, WithoutInfoTheRulesFollowAtOnce) {
   RuleKernel kernel;
   kernel.sets = {{"web", {{0, {acceptRule(1)}}}}};
   kernel.fail(kInfo, 7);
-  EXPECT_EQ(getRules(),
-            (CommandResult{0,
-                           "ruleset web {\n"
-                           "  rule 1 at 1 inout protocol any from any to any accept;\n"
-                           "}\n\n",
-                           ""}));
+  EXPECT_EQ(getRules(), (CommandResult{0,
+                                       "ruleset web {\n"
+                                       "  rule 1 at 1 inout protocol any from any to any accept;\n"
+                                       "}\n\n",
+                                       ""}));
 }
 
 TEST(GetRules, AFailedRuleCountSkipsTheOtherKindsAndClosesTheBrace) {
@@ -390,10 +386,9 @@ TEST(GetRules, AReplyWithoutTheRuleIsAFailure) {
 TEST(GetRules, ARuleThatMakesNoTextEndsTheList) {
   RuleKernel kernel;
   kernel.sets = {{"web", {{0, {brokenRule(), acceptRule(2)}}}}};
-  EXPECT_EQ(getRulesMasked(),
-            (CommandResult{0, std::string(kOpen) + "}\n\n",
-                           std::string("ERROR:   rule conversion failed ") +
-                               FW_StatusToString(37) + "\n"}));
+  EXPECT_EQ(getRulesMasked(), (CommandResult{0, std::string(kOpen) + "}\n\n",
+                                             std::string("ERROR:   rule conversion failed ") +
+                                                 FW_StatusToString(37) + "\n"}));
 }
 
 TEST(GetRules, ACountBeyondTheRulesEndsAtTheFirstThatIsNotThere) {
@@ -435,14 +430,13 @@ TEST(GetRules, VerbosityTellsWhichRuleSetIsBeingPurged) {
   kernel.sets = {{"web", {{0, {acceptRule(1)}}}}};
   kernel.fail(kInfo, 7);
   kernel.fail(kRules, 26);
-  EXPECT_EQ(getRules({"-v", "-m", "cache"}),
-            (CommandResult{0,
-                           "verbose level : 1\n"
-                           "weirgate agent: kelpco-sfw\n"
-                           "ruleset web {\n"
-                           "DEBUG: ruleset web is being purged\n"
-                           "}\n\n",
-                           ""}));
+  EXPECT_EQ(getRules({"-v", "-m", "cache"}), (CommandResult{0,
+                                                            "verbose level : 1\n"
+                                                            "weirgate agent: kelpco-sfw\n"
+                                                            "ruleset web {\n"
+                                                            "DEBUG: ruleset web is being purged\n"
+                                                            "}\n\n",
+                                                            ""}));
 }
 
 TEST(GetRules, PurgingIsNoErrorInTheOtherModes) {
@@ -465,15 +459,25 @@ TEST(GetRules, PurgingIsNoErrorInTheOtherModes) {
 
 TEST(GetRulesStatistics, HaveNoRulesetLineAndTheirOwnOrderOfKinds) {
   RuleKernel kernel;
-  kernel.sets = {{"web",
-                  {{0, {acceptRule(1), acceptRule(2)}}, {1, {snatRule(3)}}, {2, {dnatRule(4)}}}}};
-  const std::string counters = ": 10 evals, 20 hits, 30 sessions, in 40 out 50 pkts, in 60 out 70 "
-                               "bytes\n";
+  kernel.sets = {
+      {"web", {{0, {acceptRule(1), acceptRule(2)}}, {1, {snatRule(3)}}, {2, {dnatRule(4)}}}}};
+  const std::string counters =
+      ": 10 evals, 20 hits, 30 sessions, in 40 out 50 pkts, in 60 out 70 "
+      "bytes\n";
   EXPECT_EQ(getRules({"-s"}), (CommandResult{0,
                                              "rule     3" + counters + "rule     1" + counters +
                                                  "rule     2" + counters + "rule     4" + counters,
                                              ""}));
-  const Printed printed;
+}
+
+TEST(GetRulesStatistics, LeaveNoPrinterBehind) {
+  RuleKernel kernel;
+  kernel.sets = {{"web", {{0, {acceptRule(1)}}}}};
+  const std::string list = getRulesMasked().out;
+  getRules({"-s"});
+  EXPECT_EQ(getRulesMasked().out, list);
+  getRules({"-i"});
+  EXPECT_EQ(getRulesMasked().out, list);
 }
 
 TEST(GetRulesStatistics, ARuleSetWithoutRulesIsNotAskedFor) {
@@ -685,8 +689,10 @@ TEST(GetRulesBalancing, ARuleTextOf256CharactersLeavesTheBraceOpen) {
   longRule.text(614, std::string(127, 'o')).text(852, std::string(31, 't'));
   longRule.at(796 - 6, {0x17}).at(12, {4}).at(156, {4}).at(16, std::initializer_list<int>{0x20});
   for (int i = 0; i < 16; ++i) {
-    longRule.at(static_cast<std::size_t>(16 + i), {0x11}).at(static_cast<std::size_t>(32 + i), {0x22});
-    longRule.at(static_cast<std::size_t>(160 + i), {0x11}).at(static_cast<std::size_t>(176 + i), {0x22});
+    longRule.at(static_cast<std::size_t>(16 + i), {0x11})
+        .at(static_cast<std::size_t>(32 + i), {0x22});
+    longRule.at(static_cast<std::size_t>(160 + i), {0x11})
+        .at(static_cast<std::size_t>(176 + i), {0x22});
   }
   longRule.at(790, {0x13});
   kernel.sets = {{"web", {{2, {longRule}}}}};
