@@ -1,5 +1,6 @@
 #include "TarnFWCmdCreateAddrSet.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "TarnFWAddrSetHead.h"
@@ -64,6 +65,8 @@ std::string CTarnFWCmdCreateAddrSet::toString() const {
 
 bool CTarnFWCmdCreateAddrSet::writeEntries(void* buffer, unsigned int room, unsigned int* written) {
   if (list_->getAddresses().empty()) return true;
+  // Addresses leave the bytes of their records that they do not use as they stand.
+  std::memset(buffer, 0, std::min(room, entriesSize()));
   return list_->toMessage(buffer, room, written);
 }
 

@@ -1,5 +1,8 @@
 #include "TarnFWCmdCreateContainer.h"
 
+#include <algorithm>
+#include <cstring>
+
 #include "TarnFWAddrSetHead.h"
 #include "TarnFWLog.h"
 
@@ -31,6 +34,7 @@ std::string CTarnFWCmdCreateContainer::toString() const {
 
 bool CTarnFWCmdCreateContainer::writeEntries(void* buffer, unsigned int room,
                                              unsigned int* written) {
+  std::memset(buffer, 0, std::min(room, entriesSize()));
   return container_->toMessage(buffer, room, written);
 }
 

@@ -24,9 +24,8 @@ bool CTarnFWCreateCmd::writeCmdBody(void* body, unsigned int room, unsigned int*
     return false;
   }
   auto* bytes = static_cast<std::byte*>(body);
-  // All of it: the entries leave the bytes that they do not use as they stand.
-  std::memset(bytes, 0, size);
   const std::span<std::byte> head(bytes, layout_.head);
+  std::memset(head.data(), 0, head.size());
   storeAt(head, layout_.flags, kRequestFlags);
   fillHead(head);
   unsigned int entries = 0;

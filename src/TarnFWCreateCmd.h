@@ -43,7 +43,7 @@ class CTarnFWCreateCmd : public CTarnFWCmd {
   /// Bytes of the entries.
   virtual unsigned int entriesSize() const = 0;
 
-  /// Writes the entries; `*written` bytes of them.
+  /// Writes the entries, every byte of them, into memory that may hold anything; `*written` bytes.
   virtual bool writeEntries(void* buffer, unsigned int room, unsigned int* written) = 0;
 
   /// Fills the zeroed head, in which the flags of a request are set already.

@@ -646,3 +646,37 @@ TEST(TarnFWUtilAddresses, AColonTellsTheFamily) {
   EXPECT_FALSE(ParseIPString("::", ipv4, v6, nullptr, &isV6));
   EXPECT_FALSE(ParseIPString("::", ipv4, v6, &isRange, nullptr));
 }
+
+TEST(TarnInetPton, ReadsAQuadAsTheCLibraryDoes) {
+  // Texts of random characters, and quads that may have one of them changed.
+  std::uint64_t state = 1;
+  const auto next = [&state] {
+    state = state * 6364136223846793005u + 1442695040888963407u;
+    return static_cast<unsigned int>(state >> 33);
+  };
+  const std::string characters = "0125.9 3.6x";
+  unsigned int good = 0;
+  for (int i = 0; i < 400000; ++i) {
+    std::string text;
+    if (i % 2 == 0) {
+      for (unsigned int n = next() % 16; n > 0; --n) text += characters[next() % characters.size()];
+    } else {
+      for (int octet = 0; octet < 4; ++octet) {
+        text += (octet == 0 ? "" : ".") + std::to_string(next() % 300);
+      }
+      if (next() % 4 == 0) text[next() % text.size()] = characters[next() % characters.size()];
+    }
+    const std::size_t start = text.find_first_not_of(' ');
+    const std::string word =
+        start == std::string::npos ? "" : text.substr(start, text.find(' ', start) - start);
+    in_addr ours{};
+    in_addr theirs{};
+    const int expected = inet_pton(AF_INET, word.c_str(), &theirs);
+    ASSERT_EQ(tarn_inet_pton(AF_INET, text.c_str(), &ours), expected) << "'" << text << "'";
+    if (expected == 1) {
+      ASSERT_EQ(ours.s_addr, theirs.s_addr) << text;
+      ++good;
+    }
+  }
+  EXPECT_GT(good, 50000u);
+}
