@@ -24,9 +24,8 @@ std::string timeText(std::uint64_t nanoseconds) {
 /// The kept bytes, as long again as they were before trailing zeros were dropped.
 ByteVector whole(const ByteVector& kept, std::uint64_t size) {
   ByteVector bytes = kept;
-  if (bytes.size() < size && size <= JournalEntry::keptLimit) {
-    bytes.resize(static_cast<std::size_t>(size));
-  }
+  const std::uint64_t known = std::min<std::uint64_t>(size, JournalEntry::keptLimit);
+  if (bytes.size() < known) bytes.resize(static_cast<std::size_t>(known));
   return bytes;
 }
 
@@ -104,8 +103,8 @@ std::string dump(const char* title, ConstBytes bytes, std::uint64_t size) {
     text += '\n';
   }
   if (bytes.size() < size) {
-    text += bytes.size() >= JournalEntry::keptLimit ? "    what follows was not kept\n"
-                                                    : "    zeros to the end\n";
+    text += size > JournalEntry::keptLimit ? "    what follows was not kept\n"
+                                           : "    zeros to the end\n";
   }
   return text;
 }

@@ -130,6 +130,7 @@ constexpr Field fields[] = {
     {75, true, 62, As::hex16, 0, "transaction"},
 };
 
+/// The field as text; empty for one that is not worth telling.
 std::string value(const Field& field, ConstBytes body) {
   switch (field.as) {
     case As::text:
@@ -145,6 +146,7 @@ std::string value(const Field& field, ConstBytes body) {
     case As::low4:
       return format("%u", get8(body, field.offset) & 15u);
     case As::hex16:
+      if (isZero(part(body, field.offset, 16))) return "";
       return format("%016llx%016llx", static_cast<unsigned long long>(get64(body, field.offset)),
                     static_cast<unsigned long long>(get64(body, field.offset + 8u)));
   }
@@ -157,6 +159,7 @@ std::string decodeFields(std::uint16_t command, bool reply, ConstBytes body) {
     if (field.command != command || field.reply != reply) continue;
     try {
       const std::string shown = value(field, body);
+      if (shown.empty()) continue;
       text += (text.empty() ? "" : ", ") + std::string(field.name) + " " + shown;
     } catch (const std::out_of_range&) {
       break;

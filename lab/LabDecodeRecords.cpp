@@ -105,7 +105,8 @@ std::string messageLines(ConstBytes message, bool reply) {
 std::string decodeRecords(const JournalEntry& entry) {
   if (entry.device != Device::firewall || entry.request != 15) return "";
   const auto whole = [&entry](ByteVector bytes) {
-    if (entry.size <= JournalEntry::keptLimit) bytes.resize(static_cast<std::size_t>(entry.size));
+    const std::uint64_t known = std::min<std::uint64_t>(entry.size, JournalEntry::keptLimit);
+    if (bytes.size() < known) bytes.resize(static_cast<std::size_t>(known));
     return bytes;
   };
   std::string text = messageLines(whole(entry.sent), false);

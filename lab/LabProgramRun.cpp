@@ -38,7 +38,8 @@ std::string preloadLibrary() {
     const std::string found = absolute(path);
     // The loader takes both for the end of a name, and would run the program without the library.
     if (found.find_first_of(" :") != std::string::npos) {
-      throw std::runtime_error("a blank or colon in the path keeps " + found + " from being loaded");
+      throw std::runtime_error("a blank or colon in the path keeps " + found +
+                               " from being loaded");
     }
     return found;
   }
