@@ -95,9 +95,9 @@ void replaceTargetRange(const FWParse& parse, std::uint32_t id, CTarnFWRuleActio
 
 std::unique_ptr<CTarnFWRule> assembleRule(const FWParse& parse, std::uint32_t id,
                                           std::uint32_t position, FWRuleParts& parts) {
-  parts.specs->setDir(FW_SPEC_DIR_BOTH);
-  parts.sourcePorts->setDir(FW_SPEC_DIR_SOURCE);
-  parts.destinationPorts->setDir(FW_SPEC_DIR_DESTINATION);
+  if (parts.specs != nullptr) parts.specs->setDir(FW_SPEC_DIR_BOTH);
+  if (parts.sourcePorts != nullptr) parts.sourcePorts->setDir(FW_SPEC_DIR_SOURCE);
+  if (parts.destinationPorts != nullptr) parts.destinationPorts->setDir(FW_SPEC_DIR_DESTINATION);
   replaceRange(parse, "src", id, parts.source);
   replaceRange(parse, "dst", id, parts.destination);
   replaceTargetRange(parse, id, *parts.action);

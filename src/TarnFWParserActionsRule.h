@@ -112,7 +112,8 @@ std::unique_ptr<CTarnFWRuleAction> loadBalancing(std::uint16_t type, std::int64_
 
 // --- Rule
 
-/// What stands in a rule, in its order.
+/// What stands in a rule, in its order. Specs, ports and profiles that are not written are null:
+/// most rules have few of them.
 struct FWRuleParts {
   std::int64_t id;
   std::int64_t position;

@@ -4,6 +4,7 @@
 
 #include <cerrno>
 #include <charconv>
+#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -16,16 +17,19 @@ namespace TarnFirewall {
 namespace {
 
 /// Records the first failure and ends the input. The message is cut to its field.
-int fail(fw_lex_extra_* extra, FWStatus_t status, const char* what, std::string_view text) {
+__attribute__((format(printf, 3, 4))) int fail(fw_lex_extra_* extra, FWStatus_t status,
+                                               const char* format, ...) {
   if (extra->status != FW_STATUS_OK) return 0;
   extra->status = status;
-  std::snprintf(extra->message, sizeof extra->message, "%s%.*s", what,
-                static_cast<int>(text.size()), text.data());
+  va_list arguments;
+  va_start(arguments, format);
+  std::vsnprintf(extra->message, sizeof extra->message, format, arguments);
+  va_end(arguments);
   return 0;
 }
 
 int outOfMemory(fw_lex_extra_* extra) {
-  return fail(extra, FW_STATUS_OUT_OF_MEMORY, "out of memory", "");
+  return fail(extra, FW_STATUS_OUT_OF_MEMORY, "out of memory");
 }
 
 constexpr std::uint8_t hexDigit(char c) {
@@ -57,7 +61,7 @@ bool parseAddress(fw_lex_extra_* extra, int family, std::string_view part, Addre
   const std::size_t length = part.copy(copy, sizeof copy - 1);
   copy[length] = '\0';
   if (length == part.size() && inet_pton(family, copy, address) == 1) return true;
-  fail(extra, FW_STATUS_INVALID_ADDRESS, "invalid ip address - ", part);
+  fail(extra, FW_STATUS_INVALID_ADDRESS, "invalid ip address - %s", copy);
   return false;
 }
 
@@ -73,7 +77,7 @@ int scanText(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text, int token) 
 int scanQuoted(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text) {
   const ScannedText body = {text.data + 1, text.length - 2};
   if (body.length > kParserTextLimit) {
-    return fail(extra, FW_STATUS_NAME_TOO_LONG, "identifier too long - ", text.data);
+    return fail(extra, FW_STATUS_NAME_TOO_LONG, "identifier too long - %s", text.data);
   }
   // A NUL inside the quotes ends the text: names are C texts from here on.
   return scanText(extra, value, {body.data, strnlen(body.data, body.length)}, TK_STRING);
@@ -81,7 +85,7 @@ int scanQuoted(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text) {
 
 int scanIdentifier(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text) {
   if (text.length > kParserTextLimit) {
-    return fail(extra, FW_STATUS_NAME_TOO_LONG, "identifier is too long - ", text.data);
+    return fail(extra, FW_STATUS_NAME_TOO_LONG, "identifier is too long - %s", text.data);
   }
   return scanText(extra, value, text, TK_STRING);
 }
@@ -91,7 +95,7 @@ int scanDecimal(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text) {
   const auto [end, error] = std::from_chars(text.data, text.data + text.length, value->number, 10);
   if (error != std::errc{}) {
     errno = ERANGE;
-    return fail(extra, FW_STATUS_PARSING_ERROR, "decimal integer overflows - ", text.data);
+    return fail(extra, FW_STATUS_PARSING_ERROR, "decimal integer overflows - %s", text.data);
   }
   return TK_NUMBER;
 }
@@ -99,7 +103,7 @@ int scanDecimal(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text) {
 int scanHexadecimal(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text) {
   value->number = std::strtoll(text.data, nullptr, 16);
   if (errno != 0) {
-    return fail(extra, FW_STATUS_PARSING_ERROR, "hex integer overflows - ", text.data);
+    return fail(extra, FW_STATUS_PARSING_ERROR, "hex integer overflows - %s", text.data);
   }
   return TK_NUMBER;
 }
@@ -108,12 +112,12 @@ int scanRange(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text, char separ
   errno = 0;
   const long long low = std::strtoll(text.data, nullptr, 10);
   if (errno != 0) {
-    return fail(extra, FW_STATUS_PARSING_ERROR, "low bound of decimal range overflows - ",
+    return fail(extra, FW_STATUS_PARSING_ERROR, "low bound of decimal range overflows - %s",
                 text.data);
   }
   const long long high = std::strtoll(std::strchr(text.data, separator) + 1, nullptr, 10);
   if (errno != 0) {
-    return fail(extra, FW_STATUS_PARSING_ERROR, "high bound of decimal range overflows - ",
+    return fail(extra, FW_STATUS_PARSING_ERROR, "high bound of decimal range overflows - %s",
                 text.data);
   }
   value->numberRange = {static_cast<std::uint32_t>(low), static_cast<std::uint32_t>(high)};

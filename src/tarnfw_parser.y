@@ -966,7 +966,7 @@ Single_Rule:
 
 Optional_Protocol_Spec:
     %empty  /* 234 */
-      { TRY($$ = emptySpecs().release()); }
+      { $$ = nullptr; }
   | Protocol_Spec  /* 235 */
     ;
 
@@ -1042,7 +1042,7 @@ Address_Spec:
 
 Optional_Port_Spec:
     %empty  /* 267 */
-      { TRY($$ = emptySpecs().release()); }
+      { $$ = nullptr; }
   | Single_Port_Spec  /* 268 */
       { TRY($$ = withSpec(emptySpecs(), own($1)).release()); }
     ;

@@ -28,34 +28,33 @@ FWStatus_t load(const Config& config, fwlibhandle_** library, fwconfigfile_** ha
   return FW_LoadConfigFile(config.argument, library, handle);
 }
 
-int failed(const char* what, const Config& config, FWStatus_t status) {
-  return error("ERROR: %s `%s': %s\n", what, config.argument, FW_StatusToString(status));
-}
-
 /// Loads one config, goes over to the channel that it names, and evaluates it.
 int configure(const Config& config, FilterTarget& target, fwlibhandle_** library) {
   fwlibhandle_* loaded = *library;
   fwconfigfile_* handle = nullptr;
   if (const FWStatus_t status = load(config, &loaded, &handle)) {
-    return failed("Could not load config", config, status);
+    return error("ERROR: Could not load config `%s': %s\n", config.argument,
+                 FW_StatusToString(status));
   }
   if (loaded != *library) {
     const FWStatus_t status = FW_Exit(*library);
     *library = loaded;
     if (status != 0) {
       FW_FreeConfigFile(handle);
-      return failed("Failed to free old library", config, status);
+      return error("ERROR: Failed to free old library `%s': %s\n", config.argument,
+                   FW_StatusToString(status));
     }
   }
   dvs_port_* port = target.given ? &target.port : nullptr;
   if (const FWStatus_t status = FW_EvaluateConfigFile(*library, handle, port, nullptr)) {
-    failed("Failed to eval config", config, status);
+    error("ERROR: Failed to eval config `%s': %s\n", config.argument, FW_StatusToString(status));
     FW_FreeConfigFile(handle);
     return 1;
   }
   syslog(LOG_NOTICE, "Filter %s was configured with `%s'.\n", target.name, config.argument);
   if (const FWStatus_t status = FW_FreeConfigFile(handle)) {
-    return failed("Failed to free config", config, status);
+    return error("ERROR: Failed to free config `%s': %s\n", config.argument,
+                 FW_StatusToString(status));
   }
   return 0;
 }
