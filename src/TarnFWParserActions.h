@@ -84,7 +84,7 @@ Name nameField(const FWParserText& text) {
 template <typename Value>
 Value* FWParse::keep(const Value& value) const {
   static_assert(std::is_trivially_copyable_v<Value>);
-  void* room = arena().allocate(sizeof value);
+  void* room = arena().allocateFor<Value>();
   if (room == nullptr) throw std::bad_alloc();
   std::memcpy(room, &value, sizeof value);
   return static_cast<Value*>(room);

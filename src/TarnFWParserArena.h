@@ -28,13 +28,21 @@ class CTarnFWParserArena {
   CTarnFWParserArena(const CTarnFWParserArena&) = delete;
   CTarnFWParserArena& operator=(const CTarnFWParserArena&) = delete;
 
-  /// Room for `size` bytes, at most `kBlockSize`, at an address of alignment 1. Null without
-  /// memory.
-  void* allocate(std::size_t size) {
-    if (current_ == nullptr || size > kBlockSize - used_) return allocateFromNextBlock(size);
-    void* room = current_->bytes + used_;
-    used_ += static_cast<std::uint32_t>(size);
-    return room;
+  /// Room for `size` bytes, at most `kBlockSize`, at an address of `alignment`, a power of two up
+  /// to that of `std::max_align_t`. Null without memory.
+  void* allocate(std::size_t size, std::size_t alignment = 1) {
+    const std::size_t start = (used_ + alignment - 1) & ~(alignment - 1);
+    if (current_ == nullptr || start > kBlockSize || size > kBlockSize - start) {
+      return allocateFromNextBlock(size);
+    }
+    used_ = static_cast<std::uint32_t>(start + size);
+    return current_->bytes + start;
+  }
+
+  /// Room for one plain value, aligned for it. Null without memory.
+  template <typename Value>
+  void* allocateFor() {
+    return allocate(sizeof(Value), alignof(Value));
   }
 
   /// A copy of `length` characters with a NUL behind them. Null without memory.
@@ -61,7 +69,7 @@ class CTarnFWParserArena {
  private:
   struct Block {
     Block* next;
-    char bytes[kBlockSize];
+    alignas(std::max_align_t) char bytes[kBlockSize];
   };
 
   void* allocateFromNextBlock(std::size_t size);

@@ -155,7 +155,7 @@ int scanIPv6Range(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text) {
   FWIPv6Range range;
   if (!parseAddress(extra, AF_INET6, whole.substr(0, dash), &range.first)) return 0;
   if (!parseAddress(extra, AF_INET6, whole.substr(dash + 1), &range.last)) return 0;
-  void* room = extra->arena.allocate(sizeof range);
+  void* room = extra->arena.allocateFor<FWIPv6Range>();
   if (room == nullptr) return outOfMemory(extra);
   std::memcpy(room, &range, sizeof range);
   value->ipv6Range = static_cast<FWIPv6Range*>(room);
@@ -170,7 +170,7 @@ int scanIdPort(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text, char sepa
     byte = hexByte(digits);
     digits += 2;
   }
-  void* room = extra->arena.allocate(sizeof(FWIdPort));
+  void* room = extra->arena.allocateFor<FWIdPort>();
   if (room == nullptr) return outOfMemory(extra);
   FWIdPort result = {};
   std::snprintf(result.text, sizeof result.text,

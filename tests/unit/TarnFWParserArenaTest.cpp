@@ -54,3 +54,13 @@ TEST(TarnFWParserArena, HandsOutAWholeBlockAndNothingLarger) {
   EXPECT_NE(arena.allocate(CTarnFWParserArena::kBlockSize), nullptr);
   EXPECT_EQ(arena.allocate(CTarnFWParserArena::kBlockSize + 1), nullptr);
 }
+
+TEST(TarnFWParserArena, AlignsAValueBehindATextOfAnyLength) {
+  CTarnFWParserArena arena;
+  for (std::size_t length = 0; length < 40; ++length) {
+    ASSERT_NE(arena.copy("0123456789012345678901234567890123456789", length), nullptr);
+    void* room = arena.allocateFor<std::uint64_t>();
+    ASSERT_NE(room, nullptr);
+    EXPECT_EQ(reinterpret_cast<std::uintptr_t>(room) % alignof(std::uint64_t), 0u);
+  }
+}
