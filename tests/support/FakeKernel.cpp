@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
@@ -72,7 +73,7 @@ void FakeKernel::answer(FWStatus_t status, const Bytes& reply) {
   answerWith([status, reply](std::uint8_t* message, unsigned int size) -> FWStatus_t {
     EXPECT_LE(reply.size() + 32, size) << "the prepared reply does not fit";
     std::memcpy(message + 28, &status, sizeof status);
-    std::memcpy(message + 32, reply.data(), std::min<std::size_t>(reply.size(), size - 32));
+    std::copy_n(reply.begin(), std::min<std::size_t>(reply.size(), size - 32), message + 32);
     return 0;
   });
 }
