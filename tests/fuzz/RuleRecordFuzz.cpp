@@ -22,7 +22,9 @@ FWRule_ written(CTarnFWRule& rule) {
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   FWRule_ record{};
-  std::memcpy(static_cast<void*>(&record), data, size < sizeof record ? size : sizeof record);
+  if (size != 0) {
+    std::memcpy(static_cast<void*>(&record), data, size < sizeof record ? size : sizeof record);
+  }
   std::unique_ptr<CTarnFWRule> rule;
   try {
     rule = CTarnFWRuleFactory::newFromMsgBuf(&record);

@@ -45,7 +45,7 @@ std::string HandlerKernel::Body::text(std::size_t offset, std::size_t length) co
 
 void HandlerKernel::Body::put(std::size_t offset, const Bytes& bytes) {
   ASSERT_LE(offset + bytes.size(), size);
-  std::memcpy(at + offset, bytes.data(), bytes.size());
+  if (bytes.size() != 0) std::memcpy(at + offset, bytes.data(), bytes.size());
 }
 
 void HandlerKernel::Body::put32(std::size_t offset, std::uint32_t value) {
