@@ -10,8 +10,9 @@ namespace {
 
 constexpr std::size_t atOperation = 0, atName = 4, atAddress = 46, addressSize = 16, atFirst = 186,
                       atSecond = 190;
-constexpr std::uint32_t enableStatistics = 1, disableStatistics = 2, unsetStatistics = 3,
-                        showStatistics = 4, setValid = 5, clearValid = 6;
+// Operation 3 takes the choice for a set away again.
+constexpr std::uint32_t enableStatistics = 1, disableStatistics = 2, showStatistics = 4,
+                        setValid = 5, clearValid = 6;
 constexpr std::uint32_t unset = 0, enabled = 1, disabled = 2;
 
 /// The place of an address in the set, or its count when the set does not hold it.
@@ -69,9 +70,9 @@ std::uint32_t configure(const CommandContext& context, CommandBody& body) {
     body.put32(atSecond, set ? set->head().statistics : 0);
     return Status::ok;
   }
-  const std::uint32_t after = operation == enableStatistics    ? enabled
-                              : operation == disableStatistics ? disabled
-                                                               : unset;
+  std::uint32_t after = unset;
+  if (operation == enableStatistics) after = enabled;
+  if (operation == disableStatistics) after = disabled;
   if (set) {
     SetHead head = set->head();
     head.statistics = after;
