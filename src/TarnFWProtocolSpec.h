@@ -77,7 +77,7 @@ inline constexpr std::uint16_t kSessionSloppy = 0x1000;
 /// What a rule asks of a packet beyond addresses and protocol: base of ports, TCP flags and
 /// options, ICMP types, DSCP and the modes of connection tracking.
 ///
-/// `toMessage` writes the body of the spec; the list that holds it writes the header.
+/// `toMessage` writes the body of the protocol spec; the list that holds it writes the header.
 class CTarnFWProtocolSpec : public ITarnFWObject {
  public:
   /// Object type of a spec: its kind behind this number.

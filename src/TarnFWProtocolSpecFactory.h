@@ -11,8 +11,8 @@ class CTarnFWProtocolSpecFactory {
  public:
   /// Reads a header and the body behind it. Null when there is no spec in this place or the buffer
   /// has less than a header. Throws CInsufficientMsgBufException when the body is cut off,
-  /// CUnknownProtocolSpecTypeException for a kind that has no body, and what the spec's class
-  /// throws for a bad value.
+  /// CUnknownProtocolSpecTypeException for a kind that has no body, and what the protocol spec's
+  /// class throws for a bad value.
   static std::unique_ptr<CTarnFWProtocolSpec> newFromMsgBuf(const void* buffer, unsigned int size);
 
   /// A range when the text has "-" or ":", else a set when it has ",", else a port. Throws what
