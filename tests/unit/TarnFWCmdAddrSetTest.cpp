@@ -10,6 +10,7 @@
 #include "FakeKernel.h"
 #include "LogCapture.h"
 #include "TarnFWAddressFactory.h"
+#include "TarnFWAttrProfile.h"
 #include "TarnFWCmdClearAddrSet.h"
 #include "TarnFWCmdConfigSharedAddrSet.h"
 #include "TarnFWCmdCreateAddrSet.h"
@@ -375,10 +376,12 @@ TEST(TarnFWCmdAddrSet, AContainerSendsItsChainBehindTheHead) {
 TEST(TarnFWCmdAddrSet, TypeTwoIsAnAttributeProfileAndAnyOtherAPlainContainer) {
   const CTarnFWCmdCreateContainer profile(nullptr, "p", FW_CONTAINER_ATTR_PROFILE);
   EXPECT_EQ(profile.toString(), "create attrprofile p");
-  EXPECT_TRUE(typeid(profile.container()) != typeid(CTarnFWContainer));
+  const CTarnFWContainer& made = profile.container();
+  EXPECT_TRUE(typeid(made) == typeid(CTarnFWAttrProfile));
   const CTarnFWCmdCreateContainer plain(nullptr, "p", FW_CONTAINER_ADDRSET);
   EXPECT_EQ(plain.toString(), "create container p");
-  EXPECT_TRUE(typeid(plain.container()) == typeid(CTarnFWContainer));
+  const CTarnFWContainer& other = plain.container();
+  EXPECT_TRUE(typeid(other) == typeid(CTarnFWContainer));
 }
 
 TEST(TarnFWCmdAddrSet, AContainersNameHasItsNulWithinItsField) {
