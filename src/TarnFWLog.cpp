@@ -129,12 +129,17 @@ FWStatus_t FW_RegisterComponent(const char* name, unsigned int* component) {
   if (name == nullptr || component == nullptr) return FW_STATUS_INVALID_ARGUMENT;
   const std::size_t length = std::strlen(name);
   if (length >= sizeof g_tarnfw_verbose[0].name) return FW_STATUS_INVALID_ARGUMENT;
-  const Locks::Guard lock(g_tarnfw_verbose_mutex);
-  if (g_tarnfw_max_component >= kComponentRows) return FW_STATUS_REACHED_MAXIMAL_COMPONENTS;
-  std::memcpy(g_tarnfw_verbose[g_tarnfw_max_component].name, name, length + 1);
-  *component = g_tarnfw_max_component;
-  ++g_tarnfw_max_component;
-  return FW_STATUS_OK;
+  try {
+    const Locks::Guard lock(g_tarnfw_verbose_mutex);
+    if (g_tarnfw_max_component >= kComponentRows) return FW_STATUS_REACHED_MAXIMAL_COMPONENTS;
+    std::memcpy(g_tarnfw_verbose[g_tarnfw_max_component].name, name, length + 1);
+    *component = g_tarnfw_max_component;
+    ++g_tarnfw_max_component;
+    return FW_STATUS_OK;
+  } catch (const Locks::LockException&) {
+    TARNFW_WARNING("%s: encountered internal error\n", __func__);
+    return FW_STATUS_UNKNOWN_ERROR;
+  }
 }
 
 FWStatus_t FW_UnregisterComponent(unsigned int) { return FW_STATUS_NOT_SUPPORTED; }
@@ -169,9 +174,13 @@ void FW_SetLibVerboseLevel(unsigned int component, unsigned int level) {
 }
 
 void FW_SetLibPrettyPrinting(FWPrettyPrinting_t function, void* context) {
-  const Locks::Guard lock(g_tarnfw_pretty_printing_mutex);
-  g_tarnfw_pretty_printing = function;
-  g_tarnfw_pretty_printing_context = context;
+  try {
+    const Locks::Guard lock(g_tarnfw_pretty_printing_mutex);
+    g_tarnfw_pretty_printing = function;
+    g_tarnfw_pretty_printing_context = context;
+  } catch (const Locks::LockException&) {
+    TARNFW_WARNING("%s: encountered internal error\n", __func__);
+  }
 }
 
 }  // extern "C"

@@ -33,6 +33,8 @@ FWStatus_t init(void* argument, void** context) {
 void countEnd(void* context) { ++*static_cast<int*>(context); }
 FWStatus_t request(void*, void*, unsigned int, void*) { return 0; }
 
+__attribute__((format(printf, 2, 3))) int printNothing(void*, const char*, ...) { return 0; }
+
 /// Sends one empty command through the handle.
 FWStatus_t send(fwlibhandle_* handle) {
   CTarnFWLibHandle& library = *fromLibHandle(handle);
@@ -206,6 +208,35 @@ TEST(TarnFWLibMain, InitializeWithoutMemoryForTheHandleGivesEight) {
   });
 }
 
+TEST(TarnFWLog, ALockThatFailsRegistersNoComponentAndPassesNoException) {
+  LogCapture log;
+  unsigned int component = 77;
+  DeviceShim::failNextLock();
+  EXPECT_EQ(FW_RegisterComponent("mine", &component), 5u);
+  EXPECT_EQ(component, 77u);
+  EXPECT_EQ(FW_GetComponentCount(), 19u);
+  EXPECT_EQ(log.normalized(),
+            Lines{"4|tarnfw: TarnFWLog:FW_RegisterComponent():N FW_RegisterComponent: encountered "
+                  "internal error\n"});
+}
+
+TEST(TarnFWLog, ALockThatFailsKeepsThePrinterAndPassesNoException) {
+  LogCapture log;
+  int context = 0;
+  DeviceShim::failNextLock();
+  FW_SetLibPrettyPrinting(printNothing, &context);
+  EXPECT_EQ(g_tarnfw_pretty_printing, nullptr);
+  EXPECT_EQ(g_tarnfw_pretty_printing_context, nullptr);
+  EXPECT_EQ(log.normalized(),
+            Lines{"4|tarnfw: TarnFWLog:FW_SetLibPrettyPrinting():N FW_SetLibPrettyPrinting: "
+                  "encountered internal error\n"});
+}
+
+TEST(TarnFWLog, ALockThatFailsWhileACommandPrintsIsThrown) {
+  DeviceShim::failNextLock();
+  EXPECT_THROW(PrettyPrinting(), Locks::LockException);
+}
+
 TEST(TarnFWSimpleMsgBuf, WithoutMemoryABufferIsRefusedWithAWarning) {
   LogCapture log;
   const auto library = CTarnFWLibHandle::GetInstance();
@@ -224,6 +255,18 @@ TEST(TarnFWSimpleMsgBuf, TheLargestSizeThatDoesNotOverflowGoesToTheAllocator) {
   DeviceShim::failNextCalloc();
   EXPECT_EQ(library->getCommandBuffer(&body, 4294967275u), 8u);
   EXPECT_TRUE(log.has(LOG_WARNING, "failed to get message buffer of size 4294967275\n\n"));
+}
+
+TEST(Mutex, ALockThatFailsThrowsTheSystemsError) {
+  Locks::Mutex mutex;
+  DeviceShim::failNextLock();
+  try {
+    mutex.lock();
+    ADD_FAILURE() << "nothing was thrown";
+  } catch (const Locks::LockException& e) {
+    EXPECT_EQ(e.error(), EINVAL);
+    EXPECT_STREQ(e.what(), "LockException: Invalid argument");
+  }
 }
 
 TEST(TarnFWSimpleMsgBuf, ALockThatFailsThrowsAndLosesNoMemory) {
