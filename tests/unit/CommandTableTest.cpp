@@ -236,11 +236,35 @@ TEST(RunCommand, TheGuardLooksAtTheSecondArgumentOnly) {
   EXPECT_EQ(runCommand({"addfilter", "-h"}), (CommandResult{1, "", guardText("addfilter")}));
 }
 
+TEST(RunCommand, TheHelpOfADangerousCommandStandsBehindItsOverride) {
+  const CommandResult refused = runCommand({"TarnFWCLI", "-h"});
+  EXPECT_EQ(refused, (CommandResult{1, "", guardText("TarnFWCLI")}));
+  const CommandResult shown = runCommand({"TarnFWCLI", "-Override", "-h"});
+  EXPECT_EQ(shown.status, 0);
+  EXPECT_EQ(shown.out.substr(0, 37), "Usage: tarnioctl TarnFWCLI <options>\n");
+  EXPECT_EQ(shown.err, "");
+}
+
 TEST(RunCommand, ARefusedCommandHasNotOpenedTheLibrary) {
-  DeviceShim::put("/dev/brq-tarn");
-  const std::size_t before = DeviceShim::opens().size();
-  EXPECT_EQ(runCommand({"deleterules", "-f", "nic-1-eth0-kelpco-sfw.2", "-r", "all"}).status, 1);
-  EXPECT_EQ(DeviceShim::opens().size(), before);
+  // In a process of its own, where no library is open yet.
+  EXPECT_FRESH([] {
+    DeviceShim::put("/dev/brq-tarn");
+    const std::vector<std::string> words{"tarnfwcli", "-f", "nic-1-eth0-kelpco-sfw.2", "-c",
+                                         "clear root ruleset;"};
+    EXPECT_EQ(runCommand(words), (CommandResult{1, "", guardText("tarnfwcli")}));
+    EXPECT_TRUE(DeviceShim::opens().empty());
+
+    std::vector<std::string> allowed = words;
+    allowed.insert(allowed.begin() + 1, "-Override");
+    runCommand(allowed);
+    EXPECT_EQ(DeviceShim::opens().size(), 1u) << "the same words open it behind the guard";
+  });
+}
+
+TEST(RunCommand, AHandlerGetsTheWordInFrontOfItsFirstOption) {
+  // getopt's own lines begin with it: the command's word, or the guard's.
+  EXPECT_EQ(runCommand({"GetFilters", "-x"}).err, "GetFilters: invalid option -- 'x'\n");
+  EXPECT_EQ(runCommand({"tarnfwcli", "-Override", "-x"}).err, "-Override: invalid option -- 'x'\n");
 }
 
 TEST(RunCommand, CommandsOfTheDebugBuildSayThatTheyAreUnsupported) {

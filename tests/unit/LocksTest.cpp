@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <thread>
 
 #include "Locks.h"
 
@@ -11,10 +12,25 @@ TEST(LockException, CarriesTheNumberAndTheSystemsText) {
   EXPECT_EQ(std::string(e.what()), std::string("LockException: ") + std::strerror(EINVAL));
 }
 
-TEST(Mutex, AGuardHoldsItForItsScope) {
+TEST(Mutex, AGuardKeepsOtherThreadsOutForItsScope) {
   Locks::Mutex mutex;
-  { const Locks::Guard guard(mutex); }
-  mutex.lock();
-  mutex.unlock();
-  SUCCEED();
+  int inside = 0;
+  int count = 0;
+  bool met = false;
+  const auto work = [&] {
+    for (int i = 0; i < 2000; ++i) {
+      const Locks::Guard guard(mutex);
+      met = met || inside != 0;
+      ++inside;
+      ++count;
+      std::this_thread::yield();
+      --inside;
+    }
+  };
+  std::thread one(work);
+  std::thread two(work);
+  one.join();
+  two.join();
+  EXPECT_FALSE(met);
+  EXPECT_EQ(count, 4000);
 }

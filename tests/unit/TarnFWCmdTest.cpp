@@ -114,7 +114,17 @@ TEST_F(TarnFWCmd, ABusyKernelCostsThreeSendsAndThreeSeconds) {
   EXPECT_EQ(kernel.messages()[1].envelope()[8], 26);
 }
 
-TEST_F(TarnFWCmd, AKernelThatIsBusyOnceOnTheSecondAttemptSucceeds) {
+TEST_F(TarnFWCmd, AKernelThatIsBusyOnceSucceedsOnTheNextSend) {
+  LogCapture log;
+  TestCmd command;
+  kernel.answer(26);
+  kernel.answer(0);
+  EXPECT_EQ(execute(command), 0u);
+  EXPECT_EQ(kernel.messages().size(), 2u);
+  EXPECT_EQ(Sleeps::seen(), std::vector<unsigned int>{1});
+}
+
+TEST_F(TarnFWCmd, AKernelThatIsBusyUpToTheSecondAttemptSucceedsOnTheThird) {
   LogCapture log;
   TestCmd command;
   kernel.answer(26);
@@ -155,6 +165,15 @@ TEST_F(TarnFWCmd, ABodyThatIsRefusedFailsTheFlushWithStatusEight) {
   TestCmd command;
   command.refuse = true;
   EXPECT_EQ(execute(command), 8u);
+  EXPECT_TRUE(kernel.messages().empty());
+}
+
+TEST_F(TarnFWCmd, AMessageThatCannotBeWrittenIsStatusNineAndNeverSent) {
+  class Unwritten final : public TestCmd {
+    bool toMessage(void*, unsigned int, unsigned int*) override { return false; }
+  } command;
+  EXPECT_EQ(execute(command), 9u);
+  EXPECT_EQ(size, 0u);
   EXPECT_TRUE(kernel.messages().empty());
 }
 
