@@ -1,6 +1,7 @@
 // tarnlab run and tarnlab shell: a program with the lab behind its devices.
 #include <elf.h>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -56,6 +57,7 @@ void prepend(const char* variable, const std::string& value, char separator) {
 
 /// The file that a command names, looked up as execvp does.
 std::optional<std::string> findProgram(const std::string& command) {
+  if (command.empty()) return std::nullopt;
   if (command.find('/') != std::string::npos) {
     return ::access(command.c_str(), F_OK) == 0 ? std::optional(command) : std::nullopt;
   }
@@ -65,7 +67,11 @@ std::optional<std::string> findProgram(const std::string& command) {
     const std::size_t end = std::min(path.find(':', at), path.size());
     const std::string folder = path.substr(at, end - at);
     const std::string candidate = (folder.empty() ? "." : folder) + "/" + command;
-    if (::access(candidate.c_str(), X_OK) == 0) return candidate;
+    struct stat status;
+    if (::access(candidate.c_str(), X_OK) == 0 && ::stat(candidate.c_str(), &status) == 0 &&
+        S_ISREG(status.st_mode)) {
+      return candidate;
+    }
     at = end + 1;
   }
   return std::nullopt;

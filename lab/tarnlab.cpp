@@ -1,4 +1,5 @@
 // The program tarnlab: makes a lab, runs programs in it, shows what happened there.
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
@@ -135,6 +136,16 @@ void requireLab(const Store& store) {
 
 namespace {
 
+/// Whether the help of a command is wanted. Behind "run" only the first argument is tarnlab's own:
+/// the program that is run has options too.
+bool asksForHelp(const ProgramCommand& command, Arguments arguments) {
+  if (command.run == runRun)
+    arguments = arguments.first(std::min<std::size_t>(arguments.size(), 1));
+  return std::any_of(arguments.begin(), arguments.end(), [](std::string_view argument) {
+    return argument == "--help" || argument == "-h";
+  });
+}
+
 int main(Arguments arguments) {
   std::string folder = Store::defaultFolder();
   arguments = arguments.subspan(arguments.empty() ? 0 : 1);
@@ -162,7 +173,7 @@ int main(Arguments arguments) {
   for (const ProgramCommand& command : commands) {
     if (command.name != name) continue;
     arguments = arguments.subspan(1);
-    if (!arguments.empty() && std::string_view(arguments[0]) == "--help") {
+    if (asksForHelp(command, arguments)) {
       std::fwrite(command.help.data(), 1, command.help.size(), stdout);
       return exitOk;
     }

@@ -172,6 +172,15 @@ Running
   $ run tarnlab run no-such-program
   err| tarnlab: cannot find the program no-such-program
   [127]
+  $ run tarnlab run ''
+  err| tarnlab: cannot find the program 
+  [127]
+  $ mkdir path path/inner
+  $ PATH=$PWD/path:$PATH run tarnlab run inner
+  err| tarnlab: cannot find the program inner
+  [127]
+  $ run tarnlab run echo --help -h
+  --help -h
   $ echo 'exit 3' > script
   $ chmod +x script
   $ run tarnlab run ./script
@@ -385,6 +394,17 @@ Faults
   Total number of kernel filters: 0
   log| tarnioctl <84> tarnfw: TarnFWDevice:callDevice():N error 12: cannot open device /dev/brq-tarn: 2\n
   $ run tarnlab fault clear
+  $ run tarnlab fault
+  no faults
+
+Help, wherever it is asked for
+
+  $ run tarnlab fault status 26 --help | head -1
+  Usage: tarnlab fault
+  $ run tarnlab log -s -h | head -1
+  Usage: tarnlab log [-s] [-v] [-x] [-n N]
+  $ run tarnlab run -h | head -1
+  Usage: tarnlab run COMMAND [ARGUMENT...]
   $ run tarnlab fault
   no faults
 
