@@ -131,15 +131,13 @@ CTarnFWL7Attribute::CTarnFWL7Attribute(const _FWAttrValue* value, unsigned int s
 void CTarnFWL7Attribute::readValue(const std::uint8_t* record, unsigned int size) {
   const std::uint8_t* const value = record + kHead;
   switch (type_) {
-    case FW_ATTR_VALUE_INT:
-      value_.number = loadRecord<hosti64>(value);
-      return;
     case FW_ATTR_VALUE_UINT:
       value_.unsignedNumber = loadRecord<host64>(value);
       return;
+    case FW_ATTR_VALUE_INT:
     case FW_ATTR_VALUE_EINT:
       value_.number = loadRecord<hosti64>(value);
-      if (!eint2str(key_, value_.number, &text_)) {
+      if (type_ == FW_ATTR_VALUE_EINT && !eint2str(key_, value_.number, &text_)) {
         throw CInvalidAttrValue("invalid encoded int value " + std::to_string(value_.number) +
                                 " for key " + keyName(key_));
       }
@@ -243,9 +241,9 @@ unsigned int CTarnFWL7Attribute::getTlvLength() const {
     case FW_ATTR_VALUE_UUID:
       return kTextAt + (text_.empty() ? 0 : static_cast<unsigned int>(text_.size()) + 1);
     case FW_ATTR_VALUE_SID:
-      return kSidLength;
+      break;
   }
-  return kHead;
+  return kSidLength;
 }
 
 bool CTarnFWL7Attribute::serializeValue(void* buffer, unsigned int size,
@@ -280,9 +278,6 @@ bool CTarnFWL7Attribute::serializeValue(void* buffer, unsigned int size,
     case FW_ATTR_VALUE_SID:
       storeRecord(value, value_.sid);
       break;
-    default:
-      TARNFW_ERROR("unknown attribute value\n\n");
-      return false;
   }
   if (written != nullptr) *written = length;
   return true;
@@ -304,10 +299,9 @@ bool CTarnFWL7Attribute::operator==(const CTarnFWL7Attribute& that) const {
     case FW_ATTR_VALUE_UUID:
       return value_.uuid == that.value_.uuid;
     case FW_ATTR_VALUE_SID:
-      return text_ == that.text_;
+      break;
   }
-  TARNFW_ERROR("unknown attribute value\n\n");
-  return false;
+  return text_ == that.text_;
 }
 
 bool CTarnFWL7Attribute::operator<(const CTarnFWContainerElement& other) const {
@@ -324,24 +318,23 @@ bool CTarnFWL7Attribute::operator<(const CTarnFWContainerElement& other) const {
     case FW_ATTR_VALUE_UUID:
       return value_.uuid < that.value_.uuid;
     case FW_ATTR_VALUE_SID:
-      return text_ < that.text_;
+      break;
   }
-  TARNFW_ERROR("unknown attribute value\n\n");
-  return false;
+  return text_ < that.text_;
 }
 
 std::string CTarnFWL7Attribute::toStringValue() const {
   switch (type_) {
     case FW_ATTR_VALUE_INT:
-      return std::to_string(value_.number);
     case FW_ATTR_VALUE_UINT:
-      return std::to_string(value_.unsignedNumber);
+      return type_ == FW_ATTR_VALUE_INT ? std::to_string(value_.number)
+                                        : std::to_string(value_.unsignedNumber);
     case FW_ATTR_VALUE_EINT:
     case FW_ATTR_VALUE_UUID:
     case FW_ATTR_VALUE_SID:
-      return text_;
+      break;
   }
-  return "unknown";
+  return text_;
 }
 
 std::string CTarnFWL7Attribute::toString() const { return keyName(key_) + " : " + toStringValue(); }
