@@ -37,28 +37,6 @@ std::unique_ptr<CTarnFWAddress> addressOfText(const FWParse& parse, const FWPars
   return address;
 }
 
-bool addIPv4Block(void* context, in_addr block, unsigned int prefix) {
-  auto& list = *static_cast<CTarnFWAddressList*>(context);
-  if (prefix == 32) {
-    list.addAddress(std::make_unique<CTarnFWAddressIPv4>(block, false));
-  } else {
-    const auto length = static_cast<unsigned char>(prefix);
-    list.addAddress(std::make_unique<CTarnFWAddressIPv4CIDR>(block, length, false));
-  }
-  return true;
-}
-
-bool addIPv6Block(void* context, in6_addr block, unsigned int prefix) {
-  auto& list = *static_cast<CTarnFWAddressList*>(context);
-  if (prefix == 128) {
-    list.addAddress(std::make_unique<CTarnFWAddressIPv6>(block, false));
-  } else {
-    const auto length = static_cast<unsigned char>(prefix);
-    list.addAddress(std::make_unique<CTarnFWAddressIPv6CIDR>(block, length, false));
-  }
-  return true;
-}
-
 }  // namespace
 
 std::unique_ptr<CTarnFWAddress> ipv4Address(const FWParse& parse, const FWParserText& text) {
@@ -122,16 +100,38 @@ FWIPPort anyPort(const FWParserText& text) {
   return {{INADDR_NONE}, static_cast<std::uint16_t>(port)};
 }
 
+bool IPv4Range2CIDR_Callback(void* list, in_addr address, unsigned int prefix) {
+  auto& addresses = *static_cast<CTarnFWAddressList*>(list);
+  if (prefix == 32) {
+    addresses.addAddress(std::make_unique<CTarnFWAddressIPv4>(address, false));
+  } else {
+    const auto length = static_cast<unsigned char>(prefix);
+    addresses.addAddress(std::make_unique<CTarnFWAddressIPv4CIDR>(address, length, false));
+  }
+  return true;
+}
+
+bool IPv6Range2CIDR_Callback(void* list, in6_addr address, unsigned int prefix) {
+  auto& addresses = *static_cast<CTarnFWAddressList*>(list);
+  if (prefix == 128) {
+    addresses.addAddress(std::make_unique<CTarnFWAddressIPv6>(address, false));
+  } else {
+    const auto length = static_cast<unsigned char>(prefix);
+    addresses.addAddress(std::make_unique<CTarnFWAddressIPv6CIDR>(address, length, false));
+  }
+  return true;
+}
+
 bool addBlocksOfRange(CTarnFWAddressList& list, const CTarnFWAddress& range) {
   if (range.getType() == FW_ADDRESS_IPV4_RANGE) {
     in_addr first, last;
     static_cast<const CTarnFWAddressIPv4Range&>(range).getAddress(&first, &last);
-    return ipv4range2cidr(first, last, &list, addIPv4Block);
+    return ipv4range2cidr(first, last, &list, IPv4Range2CIDR_Callback);
   }
   if (range.getType() == FW_ADDRESS_IPV6_RANGE) {
     in6_addr first, last;
     static_cast<const CTarnFWAddressIPv6Range&>(range).getAddress(&first, &last);
-    return ipv6range2cidr(first, last, &list, addIPv6Block);
+    return ipv6range2cidr(first, last, &list, IPv6Range2CIDR_Callback);
   }
   return false;
 }

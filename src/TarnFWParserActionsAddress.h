@@ -2,6 +2,8 @@
 
 /// Actions of addresses, address lists and address sets.
 
+#include <netinet/in.h>
+
 #include "TarnFWAddress.h"
 #include "TarnFWAddressList.h"
 #include "TarnFWAttrStaticMaps.h"
@@ -68,6 +70,12 @@ std::unique_ptr<CTarnFWCmd> getAddresses(const dvs_port_* port, const FWParserTe
                                          std::int64_t from);
 std::unique_ptr<CTarnFWCmd> getAddrSetStats(const dvs_port_* port);
 std::unique_ptr<CTarnFWCmd> getAddrSetList(const dvs_port_* port, std::int64_t from);
+
+/// Callbacks of `ipv4range2cidr` and `ipv6range2cidr`: add a block, or the single address that a
+/// block of full prefix length is, to the `CTarnFWAddressList` at `list`. Always true: an address
+/// that the list refuses is left out, with the list's warning, and the walk goes on.
+bool IPv4Range2CIDR_Callback(void* list, in_addr address, unsigned int prefix);
+bool IPv6Range2CIDR_Callback(void* list, in6_addr address, unsigned int prefix);
 
 /// Gives the range's blocks to the list, as `AddAddress` does. False for an address that is no
 /// range, and for a range that can't be covered.

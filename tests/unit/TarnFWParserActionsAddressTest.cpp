@@ -1,6 +1,8 @@
+#include <arpa/inet.h>
 #include <gtest/gtest.h>
 
 #include "Expect.h"
+#include "LogCapture.h"
 #include "ParseText.h"
 #include "TarnFWAddressAttr.h"
 #include "TarnFWLog.h"
@@ -60,6 +62,29 @@ TEST(TarnFWParserActionsAddress, KeepsARangeWithoutBracesAndSplitsOneInsideThem)
   const ParseText parse("create addrset a { 10.0.0.1-9, ::1-::5 };");
   EXPECT_TRUE(parse.log.has(6, "replaced ip range ip 10.0.0.1-10.0.0.9 to cidr list\n"));
   EXPECT_TRUE(parse.log.has(6, "replaced ipv6 range ip ::1-::5 to cidr list\n"));
+}
+
+TEST(TarnFWParserActionsAddress, ABlockOfARangeBecomesAnAddressOrABlock) {
+  CTarnFWAddressList list(false);
+  EXPECT_TRUE(IPv4Range2CIDR_Callback(&list, in_addr{htonl(0x0a000001)}, 32));
+  EXPECT_TRUE(IPv4Range2CIDR_Callback(&list, in_addr{htonl(0x0a000002)}, 31));
+  in6_addr address{};
+  address.s6_addr[0] = 0x20;
+  EXPECT_TRUE(IPv6Range2CIDR_Callback(&list, address, 128));
+  EXPECT_TRUE(IPv6Range2CIDR_Callback(&list, address, 127));
+  EXPECT_EQ(list.toString(), "{ip 10.0.0.1, ip 10.0.0.2/31, ip 2000::, ip 2000::/127}");
+  for (const auto& member : list.getAddresses()) EXPECT_FALSE(member->isNegated());
+}
+
+TEST(TarnFWParserActionsAddress, ABlockThatTheListRefusesDoesNotEndTheWalk) {
+  LogCapture log;
+  CTarnFWAddressList list(false);
+  list.setSetType(FW_ADDRSET_MAC);
+  EXPECT_TRUE(IPv4Range2CIDR_Callback(&list, in_addr{htonl(0x0a000001)}, 32));
+  EXPECT_TRUE(IPv6Range2CIDR_Callback(&list, in6_addr{}, 64));
+  EXPECT_EQ(list.toString(), "{}");
+  EXPECT_TRUE(log.has(4, "cannot add non-MAC address of type 1 into a MAC set\n"));
+  EXPECT_TRUE(log.has(4, "cannot add non-MAC address of type 6 into a MAC set\n"));
 }
 
 TEST(TarnFWParserActionsAddress, SplitsTheBlockOfAllAddresses) {
