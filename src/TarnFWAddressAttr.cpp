@@ -15,18 +15,14 @@ namespace TarnFirewall {
 
 namespace {
 
-// Offsets in the value of the record.
-constexpr std::size_t kNumberAt = 4;
-constexpr std::size_t kTextAt = 2;
+constexpr std::size_t kNumberAt = 4;  // in the value of the record
 
 // Bytes of the value that each kind writes.
 constexpr std::size_t kNumberSize = kNumberAt + 8;
-constexpr std::size_t kTextSize = sizeof FWAttrRecord_::value;
-constexpr std::size_t kSidSize = 76;
 
 // Longest texts with their NUL.
 constexpr std::size_t kTextLimit = 129;
-constexpr std::size_t kSidLimit = kSidSize;
+constexpr std::size_t kSidLimit = sizeof(fw_sid);
 
 /// Number at the front of the text, as `strtol` reads it.
 bool readLong(const char* text, long min, long max, long* number) {
@@ -168,9 +164,9 @@ std::string CTarnFWAttr<Kind>::toString() const {
   } else if constexpr (Kind == FW_ATTR_ID_VALUE_UINT) {
     appendText(result, "unsigned int attr %lu", static_cast<unsigned long>(number()));
   } else if constexpr (Kind == FW_ATTR_ID_VALUE_STRING) {
-    const auto* const text = reinterpret_cast<const char*>(record_.value) + kTextAt;
+    const auto value = loadRecord<fw_str>(record_.value);
     result += "str attr ";
-    result.append(text, fieldLength(text, kTextSize - kTextAt));
+    result.append(value.text, fieldLength(value.text, sizeof value.text));
   } else {
     result += "sid attr ";
   }
@@ -189,10 +185,10 @@ bool CTarnFWAttr<Kind>::toMessage(void* buffer, unsigned int size, unsigned int*
     return storeAttr(buffer, size, written, kNumberSize);
   } else if constexpr (Kind == FW_ATTR_ID_VALUE_STRING) {
     TARNFW_TRACE(FW_COMPONENT_ADDRESS, 0, "Attribute<fw_str> toMessage\n");
-    return storeAttr(buffer, size, written, kTextSize);
+    return storeAttr(buffer, size, written, sizeof(fw_str));
   } else {
     TARNFW_TRACE(FW_COMPONENT_ADDRESS, 0, "Attribute<fw_sid> toMessage\n");
-    return storeAttr(buffer, size, written, kSidSize);
+    return storeAttr(buffer, size, written, sizeof(fw_sid));
   }
 }
 

@@ -18,6 +18,20 @@ static_assert(sizeof(FWAttrRecord_) == sizeof FWAddress_::value && alignof(FWAtt
 static_assert(offsetof(FWAttrRecord_, key) == 0 && offsetof(FWAttrRecord_, valueType) == 4 &&
               offsetof(FWAttrRecord_, value) == 8);
 
+/// Value of an attribute of text.
+struct fw_str {
+  std::uint8_t unread[2];  // +0  record +12, kept as it stands
+  char text[130];          // +2  record +14
+};
+static_assert(sizeof(fw_str) == sizeof FWAttrRecord_::value && alignof(fw_str) == 1);
+static_assert(offsetof(fw_str, unread) == 0 && offsetof(fw_str, text) == 2);
+
+/// Value of an attribute of a security identifier. It is carried and never looked into.
+struct fw_sid {
+  std::uint8_t bytes[76];  // +0  record +12
+};
+static_assert(sizeof(fw_sid) == 76 && alignof(fw_sid) == 1 && offsetof(fw_sid, bytes) == 0);
+
 /// Base of the addresses that match on one attribute. It stands for no address itself: it has no
 /// text and no wire form of its own.
 class CTarnFWAddressAttr : public CTarnFWAddress {
