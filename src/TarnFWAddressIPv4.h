@@ -10,7 +10,7 @@ class CTarnFWAddressIPv4 final : public CTarnFWAddressIPSingle<IPv4Family, FW_AD
   using CTarnFWAddressIPSingle::CTarnFWAddressIPSingle;
 
  private:
-  /// By the unswapped number.
+  /// By the unswapped number, so that the last octet weighs most: meant so.
   bool valueLess(const CTarnFWAddress& other) const override;
 };
 

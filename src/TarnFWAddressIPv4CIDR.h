@@ -10,7 +10,7 @@ class CTarnFWAddressIPv4CIDR final : public CTarnFWAddressIPCIDR<IPv4Family, FW_
   using CTarnFWAddressIPCIDR::CTarnFWAddressIPCIDR;
 
  private:
-  /// By prefix length, then by the unmasked address as an unswapped number.
+  /// By prefix length, then by the unmasked address as an unswapped number. Meant so.
   bool valueLess(const CTarnFWAddress& other) const override;
 };
 
