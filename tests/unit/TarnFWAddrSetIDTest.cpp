@@ -52,8 +52,10 @@ TEST(TarnFWAddrSetID, A37CharacterNameIsAcceptedAnd38AreTooLong) {
   const std::string longer(38, 'n');
   EXPECT_THROW_WITH(CTarnFWAddrSetID(longer.c_str(), false), CIDTooLongException, 32,
                     "id is too long: " + longer);
+  // The message has room for 255 characters.
   const std::string endless(1000000, 'n');
-  EXPECT_THROW(CTarnFWAddrSetID(endless.c_str(), false), CIDTooLongException);
+  EXPECT_THROW_WITH(CTarnFWAddrSetID(endless.c_str(), false), CIDTooLongException, 32,
+                    "id is too long: " + std::string(255 - 16, 'n'));
 }
 
 TEST(TarnFWAddrSetID, WritesItsNameIntoTheWholeField) {

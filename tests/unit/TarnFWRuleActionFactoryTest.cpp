@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "Expect.h"
 #include "Message.h"
 #include "TarnFWRuleActionFactory.h"
@@ -79,6 +81,45 @@ TEST(TarnFWRuleActionFactory, ReadsEachFlag) {
   EXPECT_EQ(read(record(2, 0x100))->toString(), "drop with lbrule");
   EXPECT_EQ(read(record(2, 0x11f).at(288, {0x10}))->toString(),
             "drop with {log,copy,noflow,rtt,lbrule} as ftp");
+}
+
+TEST(TarnFWRuleActionFactory, EveryKindCarriesEveryFlag) {
+  const Bytes kinds[] = {record(1),
+                         record(2),
+                         record(3),
+                         record(4).text(0, "web"),
+                         record(5),
+                         record(6),
+                         withAddress(7),
+                         withAddress(8),
+                         record(9),
+                         record(10),
+                         record(11).text(293, kPolicy),
+                         record(12),
+                         record(13).at(282, {0x40}),
+                         record(14).text(293, kPolicy)};
+  const struct {
+    int low, high;
+    const char* text;
+  } flags[] = {{0x01, 0, " with log"},
+               {0x02, 0, " with copy"},
+               {0x08, 0, " with noflow"},
+               {0x10, 0, " with rtt"},
+               {0x00, 1, " with lbrule"},
+               {0x04, 0, " as ftp"},
+               {0x1f, 1, " with {log,copy,noflow,rtt,lbrule} as ftp"}};
+  for (const Bytes& kind : kinds) {
+    const std::string plain = read(kind)->toString();
+    // A key policy stands behind the flags, all other data in front of them.
+    const std::size_t place = std::min(plain.find(" keypolicy "), plain.size());
+    for (const auto& flag : flags) {
+      Bytes bytes = Bytes(kind).at(291, {flag.low, flag.high});
+      if ((flag.low & 0x04) != 0) bytes.at(288, {0x13});
+      const auto action = read(bytes);
+      EXPECT_EQ(action->toString(), std::string(plain).insert(place, flag.text));
+      EXPECT_EQ(messageOf(*action), bytes);
+    }
+  }
 }
 
 TEST(TarnFWRuleActionFactory, TheFlagsOfADynamicApplicationInARecordAreNotRead) {

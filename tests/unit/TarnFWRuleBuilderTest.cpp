@@ -270,6 +270,20 @@ TEST(TarnFWRuleBuilder, AddressesInEveryForm) {
             ipText + "not ip 1.2.3.5 to ip 1.2.3.4 accept;");
 }
 
+TEST(TarnFWRuleBuilder, ARuleKeepsABlockOfPrefixLength0ThatAListWouldSplit) {
+  CTarnFWRuleBuilder builder = started(kTCP);
+  builder.setSource(ip("0.0.0.0"), 0);
+  const auto rule = builder.buildRule();
+  ASSERT_NE(rule, nullptr);
+  EXPECT_EQ(rule->toString(), "rule 7 inout protocol tcp from ip 0.0.0.0/0 to any accept;");
+  EXPECT_EQ(messageOf(*rule), Bytes(892)
+                                  .at(0, {7, 0, 0, 0, 0xff, 0xff, 0xff, 0xff})
+                                  .at(12, {5})
+                                  .at(750, {1})
+                                  .at(790, {0x95, 0, 0, 0x10, 6, 0})
+                                  .at(884, {1}));
+}
+
 TEST(TarnFWRuleBuilder, NegatesOnlyAnAddressThatIsThere) {
   CTarnFWRuleBuilder builder = started(kTCP);
   builder.negateSource();

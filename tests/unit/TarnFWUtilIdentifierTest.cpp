@@ -259,6 +259,17 @@ TEST(TarnFWUtilIdentifier, AVnicNameBecomesTheKernelsNameOfItsContainer) {
   EXPECT_STREQ(buffer, "000102030405060708090a0b0c0d0e0fi01");
 }
 
+TEST(TarnFWUtilIdentifier, A38CharacterContainerNameIsAVnicFormWithOneDigit) {
+  const std::string vnic = std::string(kNormal) + ".9";
+  ASSERT_EQ(vnic.size(), 38u);
+  char buffer[39];
+  ASSERT_TRUE(normalizeContainerName(vnic, buffer));
+  EXPECT_STREQ(buffer, "000102030405060708090a0b0c0d0e0ft09");
+  // One character less and the name stays what it is, a vnic form or not.
+  ASSERT_TRUE(normalizeContainerName(vnic.substr(0, 37), buffer));
+  EXPECT_EQ(std::string(buffer), std::string(kNormal) + ".");
+}
+
 TEST(TarnFWUtilIdentifier, AContainersVnicIndexIsBelowTen) {
   char buffer[39] = "as it was";
   EXPECT_FALSE(normalizeContainerName(std::string(kNormal) + ".010", buffer));
