@@ -6,6 +6,7 @@
 #include <string>
 
 #include "AddressRecord.h"
+#include "LibcShim.h"
 #include "TarnFWAddressIPv6.h"
 
 using namespace TarnFirewall;
@@ -47,6 +48,15 @@ TEST(TarnFWAddressIPv6, WritesEveryAddressAsInetNtopDoes) {
     ASSERT_NE(inet_ntop(AF_INET6, &address, expected, sizeof expected), nullptr);
     ASSERT_EQ(CTarnFWAddressIPv6(address, false).toString(), std::string("ip ") + expected);
   }
+}
+
+TEST(TarnFWAddressIPv6, AnAddressThatInetNtopFailsOnHasNoText) {
+  const CTarnFWAddressIPv6 address("2001:db8::1", false);
+  {
+    const LibcShim::FailingAddressTexts failing;
+    EXPECT_THROW_WITH(address.toString(), CInvalidAddressException, 33, "invalid ip6 address");
+  }
+  EXPECT_EQ(address.toString(), "ip 2001:db8::1");
 }
 
 TEST(TarnFWAddressIPv6, ALeadingBlankAndATrailingWordDoNotCount) {

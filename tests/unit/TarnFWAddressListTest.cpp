@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "Expect.h"
+#include "LibcShim.h"
 #include "LogCapture.h"
 #include "TarnFWAddrSetID.h"
 #include "TarnFWAddressAny.h"
@@ -140,11 +141,21 @@ TEST(TarnFWAddressList, AFailingMemberEndsTheWriting) {
   EXPECT_EQ(buffer[288], 0);
 }
 
+TEST(TarnFWAddressList, AMemberWithoutATextLeavesTheListWithoutOne) {
+  CTarnFWAddressList list(false);
+  ASSERT_TRUE(list.addAddress(std::make_unique<CTarnFWAddressIPv4>("10.0.0.1", false)));
+  ASSERT_TRUE(list.addAddress(std::make_unique<CTarnFWAddressIPv6>("::1", false)));
+  {
+    const LibcShim::FailingAddressTexts failing;
+    EXPECT_THROW_WITH(list.toString(), CInvalidAddressException, 33, "invalid ip6 address");
+  }
+  EXPECT_EQ(list.toString(), "{ip 10.0.0.1, ip ::1}");
+}
+
 TEST(TarnFWAddressList, RefusesACountWhoseSizeNeedsMoreThan32Bits) {
   EXPECT_EQ(CTarnFWAddressList::getMsgSize(std::size_t{29826161}), 4294967184u);
   EXPECT_THROW_WITH(CTarnFWAddressList::getMsgSize(std::size_t{29826162}),
-                    CIntegerOverflowException, 17,
-                    CIntegerOverflowException("too many addresses", 29826162).what());
+                    CIntegerOverflowException, 17, "too many addresses: 29826162");
 }
 
 TEST(TarnFWAddressList, AnIPSetTakesTypes1To6) {

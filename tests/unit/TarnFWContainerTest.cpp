@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "Expect.h"
+#include "LibcShim.h"
 #include "LogCapture.h"
 #include "TarnFWAttrProfile.h"
 #include "TarnFWContainer.h"
@@ -302,6 +303,24 @@ TEST(TarnFWContainer, GivesItsElementsAsTextsThatTheCallerOwns) {
   EXPECT_STREQ(texts[0], "APP_ID : APP_UDP");
   EXPECT_STREQ(texts[1], "APP_ID : APP_ICMPV6");
   EXPECT_EQ(texts[2], nullptr);
+  std::free(texts[0]);
+  std::free(texts[1]);
+}
+
+TEST(TarnFWContainer, ATextThatCannotBeCopiedFailsAndTakesBackTheOthers) {
+  CTarnFWContainer container("web", kPlain);
+  container.addElement(app(34));
+  container.addElement(app(33));
+  char* texts[2] = {nullptr, nullptr};
+  LogCapture log;
+  for (const unsigned int good : {0u, 1u}) {
+    const LibcShim::FailingCopies failing(good);
+    EXPECT_FALSE(container.elementsToCharArray(texts, 2)) << good;
+  }
+  EXPECT_TRUE(log.lines().empty());
+  const LibcShim::FailingCopies enough(2);
+  ASSERT_TRUE(container.elementsToCharArray(texts, 2));
+  EXPECT_STREQ(texts[0], "APP_ID : APP_UDP");
   std::free(texts[0]);
   std::free(texts[1]);
 }

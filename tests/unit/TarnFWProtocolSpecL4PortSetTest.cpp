@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "Expect.h"
+#include "LibcShim.h"
 #include "Message.h"
 #include "TarnFWProtocolSpecL4PortSet.h"
 
@@ -96,6 +97,12 @@ TEST(TarnFWProtocolSpecL4PortSet, ATokenThatDoesNotReadNamesTheWholeText) {
   }
   EXPECT_THROW_WITH(PortSet(1, static_cast<const char*>(nullptr)), CInvalidL4PortException, 38,
                     "invalid TCP/UDP port: ");
+}
+
+TEST(TarnFWProtocolSpecL4PortSet, ATextThatCannotBeCopiedIsRefusedWhole) {
+  const LibcShim::FailingCopies failing;
+  EXPECT_THROW_WITH(PortSet(1, "80,90"), CInvalidL4PortException, 38,
+                    "invalid TCP/UDP port: 80,90");
 }
 
 TEST(TarnFWProtocolSpecL4PortSet, FifteenPortsAreTakenAndASixteenthThrows) {

@@ -4,6 +4,7 @@
 #include <thread>
 
 #include "Expect.h"
+#include "LibcShim.h"
 #include "Message.h"
 #include "TarnFWProtocol.h"
 
@@ -41,6 +42,13 @@ TEST(TarnFWProtocol, AnIPProtocolWithoutANameIsItsNumber) {
   EXPECT_EQ(CTarnFWProtocol(true, 253, false).toString(), "protocol 253");
   EXPECT_EQ(CTarnFWProtocol(true, 253, false).toString(), "protocol 253");
   EXPECT_EQ(CTarnFWProtocol(true, 65535, false).toString(), "protocol 65535");
+}
+
+TEST(TarnFWProtocol, AProtocolMayHaveANameOfAnyLength) {
+  const std::string name(5000, 'p');
+  const LibcShim::HostProtocol known(300, name);
+  EXPECT_EQ(CTarnFWProtocol(true, 300, false).toString(), "protocol " + name);
+  EXPECT_EQ(CTarnFWProtocol(true, 301, false).toString(), "protocol 301");
 }
 
 TEST(TarnFWProtocol, NamesAreTheSameFromAnyThread) {

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "Expect.h"
+#include "LibcShim.h"
 #include "LogCapture.h"
 #include "Message.h"
 #include "TarnFWAddrSetID.h"
@@ -831,6 +832,21 @@ TEST(TarnFWRule, LabelledFormOfALayer2Rule) {
   CTarnFWRule inet6 = Parts().make();
   inet6.setAF(FW_AF_INET6);
   EXPECT_NE(inet6.toString2().find("\nAf : inet6\n"), std::string::npos);
+}
+
+TEST(TarnFWRule, ARuleWithoutTheTextOfAnAddressHasNone) {
+  Parts parts;
+  parts.direction = FW_DIRECTION_OUT;
+  parts.src<IPv6>("::1", false).act<CTarnFWRuleActionSNAT>(std::make_unique<IPv6>("::2", false));
+  const CTarnFWRuleAction& action = *parts.action;
+  const CTarnFWRule rule = parts.make();
+  {
+    const LibcShim::FailingAddressTexts failing;
+    EXPECT_THROW_WITH(rule.toString(), CInvalidAddressException, 33, "invalid ip6 address");
+    EXPECT_THROW_WITH(rule.toString2(), CInvalidAddressException, 33, "invalid ip6 address");
+    EXPECT_THROW_WITH(action.toString(), CInvalidAddressException, 33, "invalid ip6 address");
+  }
+  EXPECT_EQ(rule.toString(), "rule 7 out protocol any from ip ::1 to any snat ip ::2;");
 }
 
 TEST(TarnFWRule, LabelledFormErasesTheLastNotWhereverItStands) {

@@ -4,11 +4,11 @@
 
 #include <array>
 #include <climits>
-#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <vector>
 
+#include "LibcShim.h"
 #include "LogCapture.h"
 #include "TarnFWLog.h"
 #include "TarnFWUtil.h"
@@ -16,27 +16,6 @@
 using namespace TarnFirewall;
 
 namespace {
-
-bool gCopiesFail = false;
-
-}  // namespace
-
-/// Stands in front of the C library's, so that a copy can fail.
-extern "C" char* strdup(const char* text) noexcept {
-  if (gCopiesFail) return nullptr;
-  const std::size_t size = std::strlen(text) + 1;
-  auto* const copy = static_cast<char*>(std::malloc(size));
-  return copy == nullptr ? nullptr : static_cast<char*>(std::memcpy(copy, text, size));
-}
-
-namespace {
-
-/// Lets every copy of a text fail while it lives.
-class FailingCopies {
- public:
-  FailingCopies() { gCopiesFail = true; }
-  ~FailingCopies() { gCopiesFail = false; }
-};
 
 using Octets = std::array<std::uint8_t, 6>;
 using IPv6 = std::array<std::uint8_t, 16>;
@@ -419,7 +398,7 @@ TEST(TarnFWUtilLists, ACopyThatCannotBeMadeIsLogged) {
   std::uint32_t values[1];
   unsigned int count = 0;
   {
-    const FailingCopies failing;
+    const LibcShim::FailingCopies failing;
     EXPECT_FALSE(ParseEtherTypeString("1", types, 1, &count));
     EXPECT_FALSE(ParseProtocolString("2", protocols, 1, &count));
     EXPECT_FALSE(ParseTimeoutList("3", values, 1));
@@ -453,6 +432,14 @@ TEST(TarnFWUtilAddresses, AMacAddressIsMasked) {
     EXPECT_EQ(address, (Octets{0x00, 0x11, 0x02, 0x00, 0x00, 0x00})) << text;
     EXPECT_EQ(mask, (Octets{0xff, 0xff, 0x0f, 0x00, 0x00, 0x00})) << text;
   }
+}
+
+TEST(TarnFWUtilAddresses, OnlyTheLowBitsOfALongOctetCount) {
+  // The scan cuts a number to its byte, so that no octet is out of range here.
+  Octets address{};
+  Octets mask{};
+  EXPECT_TRUE(ParseMACString("100:1ff:2:3:4:5", address.data(), mask.data()));
+  EXPECT_EQ(address, (Octets{0x00, 0xff, 0x02, 0x03, 0x04, 0x05}));
 }
 
 TEST(TarnFWUtilAddresses, RefusesWhatIsNoMacAddress) {

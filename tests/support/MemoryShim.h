@@ -1,0 +1,35 @@
+#pragma once
+
+#include <new>
+
+/// Replaces `new` and `delete` in the program it is linked into, so that a test can let one
+/// allocation fail.
+namespace MemoryShim {
+
+/// While it lives, the allocation of this number by this thread throws `std::bad_alloc`; the first
+/// has the number 0.
+class FailingAllocation {
+ public:
+  explicit FailingAllocation(unsigned int number);
+  ~FailingAllocation();
+  FailingAllocation(const FailingAllocation&) = delete;
+  FailingAllocation& operator=(const FailingAllocation&) = delete;
+};
+
+/// Calls `body` with its first allocation failing, then with its second, and so on, until none
+/// fails any more. `afterwards` is called behind each failure. The result is their number.
+template <typename Body, typename Afterwards>
+unsigned int failEachAllocation(Body body, Afterwards afterwards) {
+  for (unsigned int number = 0;; ++number) {
+    try {
+      const FailingAllocation failing(number);
+      body();
+      return number;
+    } catch (const std::bad_alloc&) {
+      // The guard is gone, so that what follows may allocate.
+    }
+    afterwards();
+  }
+}
+
+}  // namespace MemoryShim
