@@ -42,15 +42,17 @@ void CTarnFWCmdSetAddrSetCfg::read(const CTarnFWCmdReply& reply) {
   const PrettyPrinting out;
   if (!out) return;
   const std::uint32_t operation = reply.word(0);
+  const std::uint32_t firstValue = first(reply);
+  const std::uint32_t secondValue = second(reply);
   if (operation == FW_ADDRSET_SET_VALID || operation == FW_ADDRSET_CLEAR_VALID) {
-    out.print(out.context, "kentry valid field changed from 0x%x to 0x%x\n", first(reply),
-              second(reply));
+    out.print(out.context, "kentry valid field changed from 0x%x to 0x%x\n", firstValue,
+              secondValue);
   } else if (fieldText(configuration_.name.text).empty()) {
-    out.print(out.context, "kif stats = %s\n", stateName(first(reply)));
+    out.print(out.context, "kif stats = %s\n", stateName(firstValue));
   } else {
     // Without a line end, as scripts know it.
-    out.print(out.context, "kif stats = %s, table stats = %s", stateName(first(reply)),
-              stateName(second(reply)));
+    out.print(out.context, "kif stats = %s, table stats = %s", stateName(firstValue),
+              stateName(secondValue));
   }
 }
 
