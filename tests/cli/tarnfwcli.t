@@ -105,6 +105,12 @@ What is wrong is told with its place; nothing of the text is sent.
   log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initializing tarn library.\n\n
   log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initialized tarn library\n\n
   [1]
+  $ mkdir folder.conf
+  $ lab tarnioctl tarnfwcli -Override -f $filter -l folder.conf
+  err| input in flex scanner failed
+  log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initializing tarn library.\n\n
+  log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initialized tarn library\n\n
+  [2]
   $ lab tarnioctl tarnfwcli -Override -f $filter -c 'set connection;'
   err| ERROR: Could not load config `set connection;': not supported
   log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initializing tarn library.\n\n

@@ -1,0 +1,11 @@
+// Options of the command that shows all that a filter holds, whose parts walk them anew, and
+// replies of any kernel.
+
+#include "Fuzz.h"
+#include "HandlerFuzz.h"
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  static constexpr const char* kCommands[] = {"getfwconfig"};
+  requireReason(runInput(kCommands, {data, size}));
+  return 0;
+}

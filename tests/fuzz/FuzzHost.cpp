@@ -1,0 +1,372 @@
+#include "FuzzHost.h"
+
+#include <fcntl.h>
+#include <sys/ioctl.h>
+#include <sys/socket.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdarg>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <utility>
+
+#include "Fuzz.h"
+#include "TarnFWFilter.h"
+#include "TarnFWIOChannelIOCTL.h"
+#include "TarnFWMsgBuf.h"
+
+using namespace TarnFirewall;
+
+namespace {
+
+FuzzHost* g_host = nullptr;
+
+/// A small host. A message takes what the largest request needs; an array has as many items as the
+/// kernel says, and more than these bytes it does not get.
+constexpr std::size_t kMessageMemory = 16 << 20;
+constexpr std::size_t kArrayMemory = 512 << 10;
+
+/// Behind so many calls all that follow fail, so that a count that the kernel made up ends.
+constexpr unsigned int kMaxCalls = 4096;
+
+constexpr unsigned long kSendMessage = 15;
+constexpr std::size_t kEnvelopeStatus = kMsgHeaderSize + 8;
+constexpr std::size_t kBody = kMsgHeaderSize + 12;
+
+template <typename Record>
+Record* at(std::uint64_t address) {
+  return reinterpret_cast<Record*>(static_cast<std::uintptr_t>(address));
+}
+
+// --- Standard output and standard error
+
+std::string g_out;
+std::string g_err;
+
+/// Never closed: the library keeps the stream of its printer.
+std::FILE* sinkOf(std::string& text) {
+  cookie_io_functions_t functions{};
+  functions.write = [](void* cookie, const char* bytes, std::size_t size) {
+    auto& kept = *static_cast<std::string*>(cookie);
+    kept.append(bytes, std::min(size, FuzzHost::kMaxText - kept.size()));
+    return static_cast<ssize_t>(size);
+  };
+  std::FILE* const sink = fopencookie(&text, "w", functions);
+  require(sink != nullptr);
+  return sink;
+}
+
+std::FILE* outSink() {
+  static std::FILE* const sink = sinkOf(g_out);
+  return sink;
+}
+
+std::FILE* errSink() {
+  static std::FILE* const sink = sinkOf(g_err);
+  return sink;
+}
+
+/// What the searching program itself writes while a command runs: what it found.
+bool isFind(const char* path) {
+  const char* const slash = std::strrchr(path, '/');
+  const char* const name = slash != nullptr ? slash + 1 : path;
+  for (const char* begin : {"crash-", "leak-", "oom-", "slow-unit-", "timeout-"})
+    if (std::strncmp(name, begin, std::strlen(begin)) == 0) return true;
+  return false;
+}
+
+}  // namespace
+
+// --- Bytes
+
+std::span<const std::uint8_t> FuzzHost::take(std::size_t size) {
+  const auto part = bytes_.first(std::min(size, bytes_.size()));
+  bytes_ = bytes_.subspan(part.size());
+  return part;
+}
+
+std::uint64_t FuzzHost::number(std::size_t size) {
+  std::uint64_t value = 0;
+  unsigned int shift = 0;
+  for (const std::uint8_t byte : take(size)) {
+    value |= std::uint64_t{byte} << shift;
+    shift += 8;
+  }
+  return value;
+}
+
+/// Counts a call; false when it fails because there were too many.
+bool FuzzHost::answers() {
+  if (++calls_ <= kMaxCalls) return true;
+  errno = EIO;
+  return false;
+}
+
+// --- Kernel
+
+int FuzzHost::reply(std::span<std::uint8_t> body, std::uint32_t* status) {
+  while (!bytes_.empty()) {
+    switch (number(1) % 4) {
+      case 0:
+        return 0;
+      case 1: {
+        const std::size_t offset = std::min<std::size_t>(number(2), body.size());
+        const auto bytes = take(number(2));
+        const auto room = body.subspan(offset);
+        std::copy_n(bytes.begin(), std::min(bytes.size(), room.size()), room.begin());
+        break;
+      }
+      case 2:
+        *status = static_cast<std::uint32_t>(number(1));
+        return 0;
+      default:
+        errno = static_cast<int>(number(1));
+        return -1;
+    }
+  }
+  return 0;
+}
+
+int FuzzHost::message(void* block) {
+  const auto frame = loadRecord<FWIoctlFrame>(block);
+  require(frame.bodyLength == sizeof(FWIoctlMessage_));
+  const auto sent = loadRecord<FWIoctlMessage_>(at<void>(frame.body));
+  require(sent.messageSize >= kBody);
+  auto* const bytes = at<std::uint8_t>(sent.message);
+  std::uint32_t status = 0;
+  const int result = reply({bytes + kBody, sent.messageSize - kBody}, &status);
+  std::memcpy(bytes + kEnvelopeStatus, &status, sizeof status);
+  return result;
+}
+
+int FuzzHost::filterList(unsigned long request, void* block) {
+  auto frame = loadRecord<FWIoctlFrame>(block);
+  require(frame.bodyLength == sizeof(FWFilterList_));
+  auto list = loadRecord<FWFilterList_>(at<void>(frame.body));
+  std::span<std::uint8_t> buffer;
+  if (request == FW_REQUEST_FILTER_LIST)
+    buffer = {at<std::uint8_t>(list.buffer), std::size_t{list.bufferLength}};
+  list.count = static_cast<std::uint32_t>(number(4));
+  list.bufferLength = static_cast<std::uint32_t>(number(4));
+  std::uint32_t status = 0;
+  const int result = reply(buffer, &status);
+  frame.status = status;
+  storeRecord(at<void>(frame.body), list);
+  storeRecord(block, frame);
+  return result;
+}
+
+// --- The program's calls, while a host lives
+
+extern "C" int __real_open(const char* path, int flags, ...);
+
+struct FuzzHostCalls {
+  static int descriptor() {
+    return g_host->answers() ? __real_open("/dev/null", O_RDWR | O_CLOEXEC) : -1;
+  }
+
+  /// The streams of files and of standard input: the content is taken at the first read.
+  struct Content {
+    FuzzHost& host;
+    std::span<const std::uint8_t> left{};
+    bool taken = false;
+  };
+
+  static std::FILE* stream(FuzzHost& host) {
+    cookie_io_functions_t functions{};
+    functions.read = [](void* cookie, char* bytes, std::size_t size) {
+      auto& content = *static_cast<Content*>(cookie);
+      if (!std::exchange(content.taken, true)) {
+        content.host.answers();
+        content.left = content.host.take(content.host.number(2));
+      }
+      const auto part = content.left.first(std::min(size, content.left.size()));
+      content.left = content.left.subspan(part.size());
+      std::copy(part.begin(), part.end(), bytes);
+      return static_cast<ssize_t>(part.size());
+    };
+    functions.close = [](void* cookie) {
+      const std::unique_ptr<Content> content(static_cast<Content*>(cookie));
+      --content->host.openFiles_;
+      return 0;
+    };
+    std::FILE* const made = fopencookie(new Content{host}, "r", functions);
+    require(made != nullptr);
+    ++host.openFiles_;
+    return made;
+  }
+
+  static int ioctl(unsigned long request, void* argument) {
+    if (!g_host->answers()) return -1;
+    switch (request) {
+      case kSendMessage:
+        return g_host->message(argument);
+      case FW_REQUEST_FILTER_COUNT:
+      case FW_REQUEST_FILTER_LIST:
+        return g_host->filterList(request, argument);
+    }
+    errno = ENOTTY;
+    return -1;
+  }
+
+  static int connect() {
+    if (!g_host->answers()) return -1;
+    const int error = static_cast<int>(g_host->number(1));
+    errno = error;
+    return error == 0 ? 0 : -1;
+  }
+
+  static ssize_t send(std::size_t size) {
+    if (!g_host->answers()) return -1;
+    g_host->received_ = 0;
+    const std::size_t most = g_host->number(1);
+    errno = EAGAIN;
+    if (most == 255) return -1;
+    return static_cast<ssize_t>(most == 0 ? size : std::min(size, most));
+  }
+
+  static ssize_t recv(void* buffer, std::size_t size) {
+    if (!g_host->answers()) return -1;
+    const auto bytes = g_host->take(std::min<std::size_t>(g_host->number(2), size));
+    // The buffer holds the header that was sent. One whose header is broken is never freed, which
+    // is known and kept.
+    const std::size_t kept =
+        kMsgHeaderSize - std::min<std::size_t>(g_host->received_, kMsgHeaderSize);
+    const auto written = bytes.subspan(std::min(kept, bytes.size()));
+    std::copy(written.begin(), written.end(), static_cast<std::uint8_t*>(buffer) + kept);
+    g_host->received_ += bytes.size();
+    return static_cast<ssize_t>(bytes.size());
+  }
+};
+
+extern "C" {
+
+int __wrap_open(const char* path, int flags, ...);
+int __wrap_open(const char* path, int flags, ...) {
+  va_list arguments;
+  va_start(arguments, flags);
+  const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(arguments, mode_t) : 0;
+  va_end(arguments);
+  if (g_host == nullptr) return __real_open(path, flags, mode);
+  if (path[0] != '\0') return FuzzHostCalls::descriptor();
+  errno = ENOENT;
+  return -1;
+}
+
+std::FILE* __real_fopen(const char* path, const char* mode);
+std::FILE* __wrap_fopen(const char* path, const char* mode);
+std::FILE* __wrap_fopen(const char* path, const char* mode) {
+  if (g_host == nullptr || (mode[0] != 'r' && isFind(path))) return __real_fopen(path, mode);
+  // Every file is there but the one without a name; none can be written.
+  if (path[0] != '\0' && mode[0] == 'r') return FuzzHostCalls::stream(*g_host);
+  errno = path[0] == '\0' ? ENOENT : EROFS;
+  return nullptr;
+}
+
+int __real_ioctl(int descriptor, unsigned long request, ...) noexcept;
+int __wrap_ioctl(int descriptor, unsigned long request, ...) noexcept;
+int __wrap_ioctl(int descriptor, unsigned long request, ...) noexcept {
+  va_list arguments;
+  va_start(arguments, request);
+  void* const argument = va_arg(arguments, void*);
+  va_end(arguments);
+  if (g_host == nullptr) return __real_ioctl(descriptor, request, argument);
+  return FuzzHostCalls::ioctl(request, argument);
+}
+
+int __real_socket(int family, int type, int protocol) noexcept;
+int __wrap_socket(int family, int type, int protocol) noexcept;
+int __wrap_socket(int family, int type, int protocol) noexcept {
+  if (g_host == nullptr) return __real_socket(family, type, protocol);
+  return FuzzHostCalls::descriptor();
+}
+
+int __real_connect(int descriptor, const sockaddr* address, socklen_t size);
+int __wrap_connect(int descriptor, const sockaddr* address, socklen_t size);
+int __wrap_connect(int descriptor, const sockaddr* address, socklen_t size) {
+  if (g_host == nullptr) return __real_connect(descriptor, address, size);
+  return FuzzHostCalls::connect();
+}
+
+ssize_t __real_send(int descriptor, const void* bytes, std::size_t size, int flags);
+ssize_t __wrap_send(int descriptor, const void* bytes, std::size_t size, int flags);
+ssize_t __wrap_send(int descriptor, const void* bytes, std::size_t size, int flags) {
+  if (g_host == nullptr) return __real_send(descriptor, bytes, size, flags);
+  return FuzzHostCalls::send(size);
+}
+
+ssize_t __real_recv(int descriptor, void* buffer, std::size_t size, int flags);
+ssize_t __wrap_recv(int descriptor, void* buffer, std::size_t size, int flags);
+ssize_t __wrap_recv(int descriptor, void* buffer, std::size_t size, int flags) {
+  if (g_host == nullptr) return __real_recv(descriptor, buffer, size, flags);
+  return FuzzHostCalls::recv(buffer, size);
+}
+
+void* __real_calloc(std::size_t count, std::size_t size);
+void* __wrap_calloc(std::size_t count, std::size_t size);
+void* __wrap_calloc(std::size_t count, std::size_t size) {
+  const std::size_t most = count > 1 ? kArrayMemory : kMessageMemory;
+  if (g_host == nullptr || size == 0 || count <= most / size) return __real_calloc(count, size);
+  errno = ENOMEM;
+  return nullptr;
+}
+
+unsigned int __real_sleep(unsigned int seconds);
+unsigned int __wrap_sleep(unsigned int seconds);
+unsigned int __wrap_sleep(unsigned int seconds) {
+  return g_host == nullptr ? __real_sleep(seconds) : 0;
+}
+
+__attribute__((format(printf, 2, 3))) void __wrap_syslog(int priority, const char* format, ...);
+void __wrap_syslog(int, const char* format, ...) {
+  char line[1024];
+  va_list arguments;
+  va_start(arguments, format);
+  std::vsnprintf(line, sizeof line, format, arguments);
+  va_end(arguments);
+}
+
+[[noreturn]] void __real_exit(int status);
+[[noreturn]] void __wrap_exit(int status);
+void __wrap_exit(int status) {
+  require(g_host == nullptr);  // commands return
+  __real_exit(status);
+}
+
+}  // extern "C"
+
+// --- Its life
+
+FuzzHost::FuzzHost(std::span<const std::uint8_t> bytes)
+    : bytes_(bytes), realInput_(stdin), realOutput_(stdout), realError_(stderr) {
+  require(g_host == nullptr);
+  g_out.clear();
+  g_err.clear();
+  input_ = FuzzHostCalls::stream(*this);
+  stdin = input_;
+  stdout = outSink();
+  stderr = errSink();
+  g_host = this;
+}
+
+FuzzHost::~FuzzHost() {
+  std::fflush(stdout);
+  std::fflush(stderr);
+  g_host = nullptr;
+  stdin = realInput_;
+  stdout = realOutput_;
+  stderr = realError_;
+  std::fclose(input_);
+}
+
+std::string FuzzHost::out() const {
+  std::fflush(stdout);
+  return g_out;
+}
+
+std::string FuzzHost::err() const {
+  std::fflush(stderr);
+  return g_err;
+}

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <span>
+#include <string>
+
+/// The host around a command of the program, made up by a fuzzer's bytes: the kernel behind the
+/// control devices, files, standard input, and the peers of sockets. While one lives, the linker
+/// sends the program's calls to it, so that nothing of the machine that searches is opened, written
+/// or waited for, and standard output and standard error are kept in memory. One lives at a time.
+///
+/// The bytes are used up in the order of the calls; numbers have their lowest byte first. Behind
+/// the end of the bytes every call succeeds, and what is read is empty.
+///
+///     message to the kernel   parts, each a byte, modulo 4, and what follows it:
+///                               0  nothing: the reply is complete
+///                               1  16 bits offset, 16 bits length and the bytes that the kernel
+///                                  writes there in the body; another part follows
+///                               2  a byte, the kernel's status: the reply is complete
+///                               3  a byte: the call itself fails with this errno
+///     list of filters         32 bits count, 32 bits length, then parts, as above, of the buffer
+///     file, standard input    16 bits length and the content
+///     connect                 a byte: errno, 0 for success
+///     send                    a byte: 0 takes all, 255 is busy, else the most that is taken
+///     recv                    16 bits length and the bytes; none is the peer's end
+///
+/// What a peer says in place of a message's header is not handed over: the header stays.
+class FuzzHost {
+ public:
+  explicit FuzzHost(std::span<const std::uint8_t> bytes);
+  ~FuzzHost();
+  FuzzHost(const FuzzHost&) = delete;
+  FuzzHost& operator=(const FuzzHost&) = delete;
+
+  /// What was written so far, at most `kMaxText` bytes of it.
+  std::string out() const;
+  std::string err() const;
+  static constexpr std::size_t kMaxText = 1 << 20;
+
+  /// Calls of devices, files and sockets so far.
+  unsigned int calls() const { return calls_; }
+
+  /// Files that were opened and not closed yet, standard input aside.
+  unsigned int openFiles() const { return openFiles_ - 1; }
+
+ private:
+  friend struct FuzzHostCalls;
+
+  std::span<const std::uint8_t> take(std::size_t size);
+  std::uint64_t number(std::size_t size);
+  bool answers();
+  int reply(std::span<std::uint8_t> body, std::uint32_t* status);
+  int message(void* block);
+  int filterList(unsigned long request, void* frame);
+
+  std::span<const std::uint8_t> bytes_;
+  unsigned int calls_ = 0;
+  unsigned int openFiles_ = 0;
+  std::size_t received_ = 0;  // since the last send
+  std::FILE* input_ = nullptr;
+  std::FILE* realInput_;
+  std::FILE* realOutput_;
+  std::FILE* realError_;
+};
