@@ -8,42 +8,68 @@ die() {
   exit 1
 }
 
-# need_packages PACKAGE... installs those that are missing; nothing happens when all are there.
-need_packages() {
-  local missing=() package sudo=()
-  for package in "$@"; do
-    dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'install ok installed' ||
-      missing+=("$package")
-  done
-  [ ${#missing[@]} -eq 0 ] && return 0
-
-  say "installing with apt: ${missing[*]}"
-  command -v apt-get >/dev/null 2>&1 ||
-    die "apt-get is not on this machine; install these by hand and run again: ${missing[*]}"
-  if [ "$(id -u)" -ne 0 ]; then
-    command -v sudo >/dev/null 2>&1 ||
-      die "missing packages and neither root nor sudo to install them: ${missing[*]}"
-    sudo=(sudo)
-  fi
-  "${sudo[@]}" apt-get update -qq ||
-    die "apt-get update failed (no network?); these packages are missing: ${missing[*]}"
-  "${sudo[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq "${missing[@]}" >/dev/null ||
-    die "apt-get could not install: ${missing[*]}"
-}
+have() { command -v "$1" >/dev/null 2>&1; }
 
 build_packages=(g++ cmake ninja-build flex bison ccache libgtest-dev libgmock-dev libbenchmark-dev)
 test_packages=(python3 python3-cram valgrind pkg-config git)
 fuzz_packages=(clang-14 libclang-rt-14-dev)
 
-# need_tools PACKAGE... makes sure of what the build needs: the packages, a compiler of the right
-# age and a CMake.
+# is_there PACKAGE. Where the package system cannot be asked, the package's command answers; what has
+# none is looked for by CMake.
+is_there() {
+  if have dpkg-query; then
+    dpkg-query -W -f='${Status}' "$1" 2>/dev/null | grep -q 'install ok installed'
+    return
+  fi
+  case $1 in
+    lib* | ccache) ;;
+    ninja-build) have ninja ;;
+    python3-cram) have cram3 || have cram ;;
+    *) have "$1" ;;
+  esac
+}
+
+as_root() {
+  if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi
+}
+
+# need_packages PACKAGE... installs those that are missing; nothing happens when all are there.
+need_packages() {
+  local missing=() package
+  for package in "$@"; do
+    is_there "$package" || missing+=("$package")
+  done
+  [ ${#missing[@]} -eq 0 ] && return 0
+
+  have apt-get ||
+    die "apt-get is not on this machine; install these by hand and run again: ${missing[*]}"
+  [ "$(id -u)" -eq 0 ] || have sudo ||
+    die "missing packages and neither root nor sudo to install them: ${missing[*]}"
+  say "installing with apt: ${missing[*]}"
+  as_root apt-get update -qq ||
+    die "apt-get update failed (no network?); these packages are missing: ${missing[*]}"
+  as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq "${missing[@]}" >/dev/null ||
+    die "apt-get could not install: ${missing[*]}"
+}
+
+# need_tools PACKAGE... makes sure of what the build needs: the packages, a compiler and a CMake of
+# the right age.
 need_tools() {
   need_packages "$@"
-  command -v g++ >/dev/null 2>&1 || die "no g++ on this machine; install g++ 12 or later"
-  local major
-  major=$(g++ -dumpversion | cut -d. -f1)
-  [ "$major" -ge 12 ] || die "g++ $major is too old; g++ 12 or later is needed"
-  command -v cmake >/dev/null 2>&1 || die "no cmake on this machine; install CMake 3.25 or later"
+  local version major minor
+  have g++ || die "no g++ on this machine; install g++ 12 or later"
+  version=$(g++ -dumpversion 2>/dev/null) || version=
+  major=${version%%.*}
+  [[ $major =~ ^[0-9]+$ ]] || die "g++ does not tell its version; g++ 12 or later is needed"
+  [ "$major" -ge 12 ] || die "g++ $version is too old; g++ 12 or later is needed"
+
+  have cmake || die "no cmake on this machine; install CMake 3.25 or later"
+  version=$(cmake --version 2>/dev/null) || version=
+  [[ $version =~ version\ ([0-9]+)\.([0-9]+) ]] ||
+    die "cmake does not tell its version; CMake 3.25 or later is needed"
+  major=${BASH_REMATCH[1]} minor=${BASH_REMATCH[2]}
+  [ "$major" -gt 3 ] || { [ "$major" -eq 3 ] && [ "$minor" -ge 25 ]; } ||
+    die "CMake $major.$minor is too old; CMake 3.25 or later is needed"
 }
 
 # build PRESET [TARGET...] configures when needed and builds; quiet unless something goes wrong.
@@ -56,7 +82,7 @@ build() {
     say "configuring preset $preset"
     cmake --preset "$preset" >"$log" 2>&1 || {
       cat "$log" >&2
-      die "cmake --preset $preset failed"
+      die "configuring preset $preset failed; the log is $log"
     }
   fi
   say "building preset $preset${*:+ ($*)}"
