@@ -77,6 +77,16 @@ TEST(TarnFWContainerElement, AnUnknownKindIsLoggedAndRefused) {
   }
 }
 
+TEST(TarnFWContainerElement, TheKindIsLookedAtOnceAHeadIsThere) {
+  const Bytes head = {1, 0, 1, 0, 0, 0, 0, 0};
+  LogCapture log;
+  EXPECT_EQ(build(head).get(), nullptr);
+  EXPECT_TRUE(log.has(LOG_ERR, "unknown container element\n"));
+  log.clear();
+  EXPECT_EQ(build(Bytes(head.begin(), head.end() - 1)).get(), nullptr);
+  EXPECT_TRUE(log.lines().empty());
+}
+
 TEST(TarnFWContainerElement, ALengthThatIsNotTheRecordsIsRefused) {
   for (const int length : {0, 1, 9, 10, 17, 19, 255}) {
     EXPECT_EQ(build(element().at(4, {length})).get(), nullptr) << length;

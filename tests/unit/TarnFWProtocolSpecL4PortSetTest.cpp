@@ -121,6 +121,15 @@ TEST(TarnFWProtocolSpecL4PortSet, ARangeAsFifteenthEntryThrows) {
                     "too many TCP/UDP port: 16");
 }
 
+TEST(TarnFWProtocolSpecL4PortSet, ARangeCountsAsTwoEntriesOfAText) {
+  EXPECT_EQ(PortSet(1, ("100-200," + ports(13)).c_str()).toString(),
+            "port {100-200, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13}");
+  EXPECT_THROW_WITH(PortSet(1, ("100-200," + ports(14)).c_str()), CTooManyL4PortException, 39,
+                    "too many TCP/UDP port: 16");
+  EXPECT_EQ(PortSet(1, "1-2,2-3,3-4,4-5,5-6,6-7,7-8,9").toString(),
+            "port {1-2, 2-3, 3-4, 4-5, 5-6, 6-7, 7-8, 9}");
+}
+
 TEST(TarnFWProtocolSpecL4PortSet, ReadingCountsWhatTheTextNamesAndStopsWithoutErrorAtSixteen) {
   std::string text;
   for (int i = 0; i < 14; ++i) text += "80,";

@@ -51,6 +51,17 @@ TEST(TarnFWProtocol, AProtocolMayHaveANameOfAnyLength) {
   EXPECT_EQ(CTarnFWProtocol(true, 301, false).toString(), "protocol 301");
 }
 
+TEST(TarnFWProtocol, OnlyTheNamesOf8BitNumbersAreKept) {
+  for (const char* name : {"first", "second"}) {
+    const LibcShim::HostProtocol known(256, name);
+    EXPECT_EQ(CTarnFWProtocol(true, 256, false).toString(), std::string("protocol ") + name);
+  }
+  EXPECT_EQ(CTarnFWProtocol(true, 256, false).toString(), "protocol 256");
+  const std::string before = CTarnFWProtocol(true, 255, false).toString();
+  const LibcShim::HostProtocol known(255, "changed");
+  EXPECT_EQ(CTarnFWProtocol(true, 255, false).toString(), before);
+}
+
 TEST(TarnFWProtocol, NamesAreTheSameFromAnyThread) {
   std::vector<std::string> texts(4);
   std::vector<std::thread> threads;

@@ -244,6 +244,11 @@ TEST(TarnFWUtilLists, ALeadingDigitNeverReachesTheNames) {
   unsigned int component = 0;
   EXPECT_FALSE(ParseCompString("2nd", &component, names, 2));
   EXPECT_FALSE(ParseCompString("64", &component, names, 2));
+  constexpr const char* digits[] = {"9", "0"};
+  EXPECT_TRUE(ParseCompString("9", &component, digits, 2));
+  EXPECT_EQ(component, 9u);
+  EXPECT_TRUE(ParseCompString("0", &component, digits, 2));
+  EXPECT_EQ(component, 0u);
 }
 
 TEST(TarnFWUtilLists, NoNamesMeansNoName) {
