@@ -34,6 +34,13 @@ TEST_F(LabMessage, RefusesEveryFieldOfTheHeaderThatIsWrong) {
   EXPECT_EQ(changed(8, 77), 0) << "the sequence number is free";
 }
 
+TEST_F(LabMessage, RefusesAMessageWithoutACommand) {
+  ByteVector sent = Record().text("TARN", 4).u32(0).u32(1).u8(1).u8(1).u8(0).u8(1).u16(0).u16(0);
+  ASSERT_EQ(sent.size(), 20u);
+  EXPECT_EQ(send(sent, ByteVector(100)), EINVAL);
+  EXPECT_EQ(note(), "message without a command");
+}
+
 TEST_F(LabMessage, RefusesABodyLengthThatDoesNotAgree) {
   EXPECT_EQ(changed(20, 3), EINVAL);
   EXPECT_EQ(note(), "1 bytes behind the last command");

@@ -230,8 +230,10 @@ TEST_F(TarnFWCmdList, ABatchGoesToTheSelectorOfTheEvaluation) {
   list.addCmd(std::make_unique<TestCmd>(1, 8, &own));
   EXPECT_EQ(batch(), 0u);
   EXPECT_FALSE(kernel.last().port.has_value()) << "a command's own selector is not looked at";
+  EXPECT_STREQ(list.at(0).currentPort().identifier, "own");
   EXPECT_EQ(batch(&given), 0u);
   EXPECT_STREQ(kernel.last().port->identifier, "given");
+  EXPECT_STREQ(list.at(0).currentPort().identifier, "given") << "the commands have it as well";
 }
 
 TEST_F(TarnFWCmdList, NoBatchHoldsMoreCommandsThanTheHeaderCounts) {

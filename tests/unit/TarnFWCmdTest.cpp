@@ -94,6 +94,18 @@ TEST_F(TarnFWCmd, AStatusOfTheKernelIsReturnedWithoutARetry) {
                                      "GetRuleSetInfo: no ruleset\n\n"});
 }
 
+TEST_F(TarnFWCmd, OnlyABusyKernelIsAskedAgain) {
+  LogCapture log;
+  for (FWStatus_t status = 1; status <= 75; ++status) {
+    if (status == 26) continue;
+    TestCmd command;
+    kernel.answer(status);
+    EXPECT_EQ(execute(command), status);
+  }
+  EXPECT_EQ(kernel.messages().size(), 74u);
+  EXPECT_TRUE(Sleeps::seen().empty());
+}
+
 TEST_F(TarnFWCmd, AStatusWithoutATextIsReturnedAsItIs) {
   LogCapture log;
   TestCmd command;

@@ -61,6 +61,18 @@ TEST_F(TarnFWIOChannelSocket, SendsTheRequestsSizeAndFiftyTwoBytesAndReceivesThe
       << "nothing is received behind the message";
 }
 
+TEST_F(TarnFWIOChannelSocket, TheCatalogueReachesFromOneToNinetyOne) {
+  for (const auto& [command, request] : {std::pair{1, 1}, {91, 16}}) {
+    Bytes bytes = message(command, 40);
+    answer(Bytes(72));
+    EXPECT_EQ(send(bytes), 0u) << command;
+    const std::vector<std::uint8_t> sent = pair.arrived();
+    ASSERT_EQ(sent.size(), static_cast<std::size_t>(request + 52)) << command;
+    EXPECT_EQ(sent[4], request + 32) << command;
+    EXPECT_EQ(sent[20], request) << command;
+  }
+}
+
 TEST_F(TarnFWIOChannelSocket, TheSlackGoesOutWhenTheRequestFillsTheBody) {
   Bytes bytes = message(7, 64);
   answer(Bytes(96));
