@@ -32,7 +32,8 @@ void yyset_in(std::FILE* stream, void* scanner);
 yy_buffer_state* yy_scan_string(const char* text, void* scanner);
 void yy_delete_buffer(yy_buffer_state* buffer, void* scanner);
 
-/// Line counter of the current buffer; a new buffer starts at 1.
+/// Line counter of the current buffer. That of a stream starts at 1, that of a string where
+/// `yyset_lineno` puts it.
 void yyset_lineno(int line, void* scanner);
 int yyget_lineno(void* scanner);
 

@@ -1,7 +1,10 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <map>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "LogCapture.h"
 #include "TarnFWCmdConfig.h"
@@ -353,4 +356,195 @@ TEST(TarnFWGrammar, NamesTheLineOfTheError) {
   EXPECT_EQ(syntax("# one\n\ndestroy\nall\nport;"),
             "[name:5] syntax error, unexpected keyword port, expecting keyword ruleset or keyword "
             "addrset\n");
+}
+
+TEST(TarnFWGrammar, NamesNoTokenWhenFiveOrMoreWouldHaveDone) {
+  EXPECT_EQ(syntax("describe;"), "[name:1] syntax error, unexpected ;\n");
+  // ruleset, addrset, spoofguard, attrprofile or a name: one too many.
+  EXPECT_EQ(syntax("create 5;"), "[name:1] syntax error, unexpected decimal\n");
+  EXPECT_EQ(syntax("destroy x;"),
+            "[name:1] syntax error, unexpected double-quoted string, expecting keyword ruleset or "
+            "keyword addrset or keyword all\n");
+}
+
+TEST(TarnFWGrammar, NamesEveryKeywordInItsMessages) {
+  const std::map<std::string, std::string> odd = {
+      {"pass", "keyword pass/accept"}, {"accept", "keyword pass/accept"},
+      {"deny", "keyword reject/deny"}, {"reject", "keyword reject/deny"},
+      {"l4", "keyword lb-l4"},         {"l7", "keyword lb-l7"},
+      {"options", "keyword option"},   {"connections", "keyword connection"},
+      {"FTP", "keyword ftp"},          {"ORACLE", "keyword oracle"},
+      {"DCERPC", "keyword dcerpc"},    {"SUNRPC", "keyword sunrpc"},
+      {"NOT", "keyword not"},          {"ANY", "keyword any"}};
+  for (const char* word : {
+           "create",
+           "add",
+           "delete",
+           "replace",
+           "describe",
+           "destroy",
+           "enable",
+           "shared",
+           "disable",
+           "set",
+           "reorder",
+           "clear",
+           "ruleset",
+           "address",
+           "addrset",
+           "attribute",
+           "attrset",
+           "rule",
+           "dvswitch",
+           "port",
+           "root",
+           "default",
+           "agent",
+           "dvsport",
+           "inet",
+           "inet6",
+           "ip",
+           "mac",
+           "vnic",
+           "filter",
+           "vif",
+           "size",
+           "info",
+           "stat",
+           "revision",
+           "checksum",
+           "at",
+           "inout",
+           "in",
+           "out",
+           "of",
+           "to",
+           "as",
+           "with",
+           "keypolicy",
+           "and",
+           "into",
+           "from",
+           "all",
+           "pass",
+           "encrypt",
+           "accept",
+           "drop",
+           "deny",
+           "reject",
+           "jumpto",
+           "punt",
+           "pbr",
+           "snat",
+           "dnat",
+           "rbe",
+           "lb",
+           "poolopt",
+           "lbtype",
+           "lbidletimeout",
+           "lbclosetimeout",
+           "lboptions",
+           "random",
+           "round-robin",
+           "l4",
+           "l7",
+           "tcp-conn-balance",
+           "stateless",
+           "dscp",
+           "rtt",
+           "log",
+           "noflow",
+           "lbrule",
+           "tag",
+           "FTP",
+           "ORACLE",
+           "DCERPC",
+           "SUNRPC",
+           "divert",
+           "macrewrite",
+           "copy",
+           "NOT",
+           "ethertype",
+           "protocol",
+           "flag",
+           "flags",
+           "SYN",
+           "FIN",
+           "RST",
+           "PSH",
+           "ACK",
+           "URG",
+           "ECE",
+           "CWR",
+           "NS",
+           "option",
+           "options",
+           "icmptype",
+           "typecode",
+           "list",
+           "connection",
+           "connections",
+           "exportver",
+           "count",
+           "spoofguard",
+           "kif",
+           "ANY",
+           "config",
+           "device",
+           "socket",
+           "save",
+           "file",
+           "ribs",
+           "debug",
+           "strict",
+           "sloppy",
+           "timeout",
+           "extsrcprofile",
+           "attrprofile",
+           "uuid",
+           "mapped",
+           "connattr",
+           "domain2ip",
+           "uid2sidmap",
+       }) {
+    const auto found = odd.find(word);
+    const std::string name = found != odd.end() ? found->second : std::string("keyword ") + word;
+    EXPECT_EQ(syntax(std::string("destroy ruleset ") + word + ";"),
+              "[name:1] syntax error, unexpected " + name + ", expecting double-quoted string\n");
+  }
+}
+
+TEST(TarnFWGrammar, NamesEveryLiteralAndSignInItsMessages) {
+  const std::string uuid = "12345678-1234-1234-1234-123456789012";
+  for (const auto& [text, name] : std::vector<std::pair<std::string, std::string>>{
+           {"[", "["},
+           {"]", "]"},
+           {"{", "{"},
+           {"}", "}"},
+           {";", ";"},
+           {",", "\",\""},
+           {":", ":"},
+           {".", "."},
+           {"10.0.0.0/8", "IPv4 address with CIDR"},
+           {"10.0.0.0/255.0.0.0", "IPv4 address with mask"},
+           {"10.0.0.1-5", "IPv4 address with range"},
+           {"10.0.0.1", "IPv4 address"},
+           {"::1", "IPv6 address"},
+           {"::/64", "IPv6 address with CIDR"},
+           {"::1-::2", "IPv6 address with range"},
+           {"10.0.0.1:80", "IPv4:port"},
+           {"any:80", "Any:port"},
+           {"00:11:22:33:44:55", "Ethernet address"},
+           {"00:11:22:33:44:55-00:11:22:33:44:66", "Ethernet address with range"},
+           {"00:11:22:33:44:55/ff:ff:ff:ff:ff:ff", "Ethernet address with mask"},
+           {uuid + ":0", "UUID:port"},
+           {"5", "decimal"},
+           {"5-6", "range"}}) {
+    EXPECT_EQ(syntax("destroy ruleset " + text + " x"),
+              "[name:1] syntax error, unexpected " + name + ", expecting double-quoted string\n");
+  }
+}
+
+TEST(TarnFWGrammar, ReservesItsWordsAsNamesUnlessTheyAreQuoted) {
+  EXPECT_EQ(syntax("destroy ruleset 'into'; destroy ruleset \"mapped\";"), "");
 }

@@ -241,3 +241,58 @@ TEST(TarnFWParserActionsAddress, RefusesThePortOfAnyAbove16Bits) {
   EXPECT_EQ(parseFailure("set connection with from any:65536 to any:1;"),
             "38|port number (65536) is invalid");
 }
+
+TEST(TarnFWParserActionsAddress, SendsExactlyTheseBytesForEachStatement) {
+  const Bytes addresses = Bytes(70 + 50000 * 144).text(0, "a").at(38, {1, 0, 0, 0, 0x50, 0xc3});
+  const Bytes list = Bytes(16 + 20000 * 38).at(4, {0x20, 0x4e});
+  const auto from = [](Bytes bytes, std::size_t offset) { return bytes.at(offset, {2, 1}); };
+  const auto created = [](std::initializer_list<Bytes> members, int flags = 3) {
+    Bytes body = Bytes(86 + 144 * members.size()).text(0, "a");
+    const int size = static_cast<int>(144 * members.size());
+    body.at(46, {static_cast<int>(members.size()), 0, 0, 0, 1});
+    body.at(54, {size & 0xff, size >> 8}).at(58, {flags});
+    std::size_t at = 86;
+    for (const Bytes& member : members) {
+      std::copy(member.begin(), member.end(), body.begin() + static_cast<std::ptrdiff_t>(at));
+      at += 144;
+    }
+    return body;
+  };
+  const Bytes ipv4 = Bytes(144).at(0, {1}).at(4, {10, 0, 0, 1});
+  const Bytes ipv6 = Bytes(144).at(0, {2}).at(19, {1});
+  const Bytes ether = Bytes(144).at(0, {7}).at(4, {0, 0x11, 0x22, 0x33, 0x44, 0x55});
+  struct Row {
+    const char* statement;
+    int command;
+    Bytes body;
+  };
+  for (const Row& row : std::vector<Row>{
+           {"create addrset a", 13, created({})},
+           {"create APP_ID attrset a", 13, created({})},
+           {"create addrset a 10.0.0.1", 13, created({ipv4})},
+           {"create addrset a with { 10.0.0.1, ::1 }", 13, created({ipv4, ipv6}, 0x0b)},
+           {"create addrset a any", 13, created({Bytes(144)})},
+           {"create addrset a 00:11:22:33:44:55", 13, created({ether})},
+           {"create addrset a with { 00:11:22:33:44:55, }", 13, created({ether})},
+           {"delete all from addrset a", 64, Bytes(46).text(0, "a")},
+           {"destroy addrset a", 14, Bytes(42).text(0, "a")},
+           {"destroy all addrset", 65, Bytes(4)},
+           {"describe size of addrset a", 15, Bytes(50).text(0, "a")},
+           {"describe info of addrset a", 16, Bytes(58).text(0, "a")},
+           {"describe stat of addrset", 22, Bytes(16 + 20000 * 130).at(4, {0x20, 0x4e})},
+           {"describe address of addrset a", 17, addresses},
+           {"describe address of addrset a from 258", 17, from(addresses, 46)},
+           {"describe count of addrset", 20, Bytes(8)},
+           {"describe list of addrset", 21, list},
+           {"describe list of addrset from 258", 21, from(list, 8)},
+           {"enable shared addrset", 44, Bytes(4).at(0, {1})},
+           {"disable shared addrset", 44, Bytes(4)},
+           {"describe shared addrset", 45, Bytes(4)},
+       }) {
+    const ParseText parse(std::string(row.statement) + ";");
+    ASSERT_EQ(parse.failure(), "") << row.statement;
+    ASSERT_EQ(parse.count(), 1u) << row.statement;
+    EXPECT_EQ(parse.command().getCommand(), row.command) << row.statement;
+    EXPECT_TRUE(parse.body() == row.body) << row.statement;
+  }
+}

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "Expect.h"
 #include "ParseText.h"
 #include "TarnFWParserActionsRuleSet.h"
 
@@ -223,4 +224,76 @@ TEST(TarnFWParserActionsRuleSet, ListsTenThousandNamesFromAnIndex) {
   EXPECT_EQ(all.word(0), 10000u);
   EXPECT_EQ(all.word(4), 0u);
   EXPECT_EQ(ParseText("describe list of ruleset from 7 to filter f;").word(4), 7u);
+}
+
+TEST(TarnFWParserActionsRuleSet, SendsExactlyTheseBytesForEachStatement) {
+  const Bytes rules = Bytes(96 + 10000 * 896).text(0, "r").at(64, {0x10, 0x27}).at(72, {1});
+  const Bytes stats = Bytes(80 + 10000 * 68).text(0, "r").at(64, {0x10, 0x27}).at(72, {1});
+  const Bytes rulesByID = Bytes(96 + 2 * 896).text(0, "r").at(64, {2}).at(96, {4, 0, 0, 0, 9});
+  const Bytes statsByID = Bytes(80 + 2 * 68).text(0, "r").at(64, {2}).at(80, {4, 0, 0, 0, 9});
+  const auto with = [](Bytes bytes, std::size_t offset, std::initializer_list<int> more) {
+    return bytes.at(offset, more);
+  };
+  const Bytes list = Bytes(12 + 10000 * 64).at(0, {0x10, 0x27});
+  struct Row {
+    const char* statement;
+    int command;
+    Bytes body;
+  };
+  for (const Row& row : std::vector<Row>{
+           {"create ruleset r", 3, Bytes(168).text(64, "r").at(140, {3})},
+           {"describe root ruleset", 4, Bytes(132)},
+           {"clear root ruleset", 36, Bytes(4)},
+           {"destroy ruleset r", 7, Bytes(64).text(0, "r")},
+           {"destroy all ruleset", 60, Bytes(4)},
+           {"set jumpto of ruleset r as s", 61, Bytes(128).text(0, "r").text(64, "s")},
+           {"describe jumpto of ruleset r", 62, Bytes(128).text(0, "r")},
+           {"clear jumpto of ruleset r", 63, Bytes(64).text(0, "r")},
+           {"clear rule of ruleset r", 6, Bytes(72).text(0, "r")},
+           {"describe rule count of ruleset r", 8, Bytes(72).text(0, "r")},
+           {"describe snat rule count of ruleset r", 8, Bytes(72).text(0, "r").at(64, {1})},
+           {"describe dnat rule count of ruleset r", 8, Bytes(72).text(0, "r").at(64, {2})},
+           {"describe info of ruleset r", 9, Bytes(84).text(0, "r")},
+           {"describe rule of ruleset r", 10, rules},
+           {"describe rule of ruleset r from 258", 10, with(rules, 68, {2, 1})},
+           {"describe rule of ruleset r with { 9, 4 }", 10, rulesByID},
+           {"describe snat rule of ruleset r", 10, with(rules, 74, {1})},
+           {"describe snat rule of ruleset r from 258", 10, with(rules, 68, {2, 1, 0, 0, 1, 0, 1})},
+           {"describe snat rule of ruleset r with { 9, 4 }", 10, with(rulesByID, 74, {1})},
+           {"describe dnat rule of ruleset r", 10, with(rules, 74, {2})},
+           {"describe dnat rule of ruleset r from 258", 10, with(rules, 68, {2, 1, 0, 0, 1, 0, 2})},
+           {"describe dnat rule of ruleset r with { 9, 4 }", 10, with(rulesByID, 74, {2})},
+           {"describe stat of ruleset r", 11, stats},
+           {"describe stat of ruleset r from 258", 11, with(stats, 68, {2, 1})},
+           {"describe stat of ruleset r with { 9, 4 }", 11, statsByID},
+           {"describe snat stat of ruleset r", 11, with(stats, 74, {1})},
+           {"describe snat stat of ruleset r from 258", 11, with(stats, 68, {2, 1, 0, 0, 1, 0, 1})},
+           {"describe snat stat of ruleset r with { 9, 4 }", 11, with(statsByID, 74, {1})},
+           {"describe dnat stat of ruleset r", 11, with(stats, 74, {2})},
+           {"describe dnat stat of ruleset r from 258", 11, with(stats, 68, {2, 1, 0, 0, 1, 0, 2})},
+           {"describe dnat stat of ruleset r with { 9, 4 }", 11, with(statsByID, 74, {2})},
+           {"describe count of ruleset", 1, Bytes(4)},
+           {"describe list of ruleset", 2, list},
+           {"describe list of ruleset from 258", 2, with(list, 4, {2, 1})},
+       }) {
+    const ParseText parse(std::string(row.statement) + ";");
+    ASSERT_EQ(parse.failure(), "") << row.statement;
+    ASSERT_EQ(parse.count(), 1u) << row.statement;
+    EXPECT_EQ(parse.command().getCommand(), row.command) << row.statement;
+    EXPECT_TRUE(parse.body() == row.body) << row.statement;
+  }
+}
+
+TEST(TarnFWParserActionsRuleSet, SendsARootAsItsJumpRules) {
+  Bytes expected = Bytes(168 + 2 * 892).at(136, {2, 0, 0, 0, 3});
+  for (const int number : {1, 2}) {
+    const std::size_t at = 168 + 892 * static_cast<std::size_t>(number - 1);
+    expected.at(at, {number, 0, 0, 0, number}).text(at + 460, "r").at(at + 750, {4});
+    expected.at(at + 790, {number == 1 ? 0x10 : 0}).at(at + 796, {1}).at(at + 884, {1});
+  }
+  const ParseText both("set root ruleset r and r;");
+  ASSERT_EQ(both.failure(), "");
+  EXPECT_TRUE(both.body() == expected);
+  const ParseText one("set root ruleset r;");
+  EXPECT_TRUE(one.body() == expected.text(168 + 892 + 460, "r_L2"));
 }

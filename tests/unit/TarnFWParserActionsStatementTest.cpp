@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <new>
+
 #include "ParseText.h"
 #include "TarnFWParserActionsStatement.h"
 
@@ -87,44 +89,126 @@ TEST(TarnFWParserActionsStatement, NamesFileAndLineOfAnError) {
   EXPECT_NE(parse.log.lines()[0].text.find(" [name:3] syntax error"), std::string::npos);
 }
 
-TEST(TarnFWParserActionsStatement, RefusesStatementsThatNothingCompiles) {
-  for (const char* statement :
-       {"describe connection count",
-        "set connection",
-        "set connection with { from any:1 to any:2 }",
-        "set connection with from 10.0.0.1 port 1 to any port 2",
-        "set all connection",
-        "describe connection stat",
-        "describe connection stat from 5",
-        "clear all connection",
-        "describe exportver",
-        "set exportver 2",
-        "create attrprofile p with { [ a : b ] }",
-        "delete attrprofile p",
-        "add domain2ip uuid u with { 10.0.0.1 }",
-        "set uid2sidmap u { a, b }",
-        "set connattr 5 with { [ a : 5, 6 ] }",
-        "set connattr 10.0.0.1 1 10.0.0.2 2 tcp dir_in with { [ a : b uuid c, uuid d ] }",
-        "create spoofguard with ip { 10.0.0.1 } and mac 00:11:22:33:44:55",
-        "create spoofguard with addrset a and mac 00:11:22:33:44:55",
-        "delete spoofguard",
-        "delete spoofguard with mac 00:11:22:33:44:55",
-        "describe spoofguard",
-        "describe stat of spoofguard",
-        "describe stat of kif",
-        "clear stat of kif",
-        "describe config of lb",
-        "describe stat of lb",
-        "enable tcp strict",
-        "disable tcp strict",
-        "describe tcp strict",
-        "set timeout t to 30",
-        "set timeout to '1,2'",
-        "describe timeout t",
-        "describe timeout",
-        "debug dp 1"}) {
-    const std::string failure = parseFailure(std::string(statement) + ";");
-    EXPECT_EQ(failure.substr(0, 13), "7|statement '") << statement << ": " << failure;
-    EXPECT_NE(failure.find("' is not available in this build"), std::string::npos);
+TEST(TarnFWParserActionsStatement, RefusesStatementsThatNothingCompilesByTheirWords) {
+  for (const auto& [statement, words] : std::vector<std::pair<std::string, std::string>>{
+           {"describe connection count", "describe connection count"},
+           {"set connection", "set connection"},
+           {"set connection with { from any:1 to any:2 }", "set connection"},
+           {"set connection with { from any:1 to any:2, from any:1 to any:2 }", "set connection"},
+           {"set connection with from 10.0.0.1 port 1 to any port 2", "set connection"},
+           {"set all connection", "set all connection"},
+           {"describe connection stat", "describe connection stat"},
+           {"describe connection stat from 5", "describe connection stat"},
+           {"clear all connection", "clear all connection"},
+           {"describe exportver", "describe exportver"},
+           {"set exportver 2", "set exportver"},
+           {"create attrprofile p with { [ a : b ] }", "create attrprofile"},
+           {"create attrprofile p with { [ a : b, c ], [ a : 1 ] }", "create attrprofile"},
+           {"delete attrprofile p", "delete attrprofile"},
+           {"add domain2ip uuid u with { 10.0.0.1 }", "add domain2ip"},
+           {"add domain2ip n uuid u with { { 10.0.0.1 } }", "add domain2ip"},
+           {"set uid2sidmap u { a, b }", "set uid2sidmap"},
+           {"set connattr 5 with { [ a : 5, 6 ] }", "set connattr"},
+           {"set connattr 10.0.0.1 1 10.0.0.2 2 tcp dir_in with { [ a : b uuid c, uuid d ] }",
+            "set connattr"},
+           {"create spoofguard with ip { 10.0.0.1 } and mac 00:11:22:33:44:55",
+            "create spoofguard"},
+           {"create spoofguard with addrset a and mac 00:11:22:33:44:55", "create spoofguard"},
+           {"delete spoofguard", "delete spoofguard"},
+           {"delete spoofguard with mac 00:11:22:33:44:55", "delete spoofguard"},
+           {"describe spoofguard", "describe spoofguard"},
+           {"describe stat of spoofguard", "describe stat of spoofguard"},
+           {"describe stat of kif", "describe stat of kif"},
+           {"clear stat of kif", "clear stat of kif"},
+           {"describe config of lb", "describe config of lb"},
+           {"describe stat of lb", "describe stat of lb"},
+           {"enable tcp strict", "enable strict"},
+           {"disable tcp strict", "disable strict"},
+           {"describe tcp strict", "describe strict"},
+           {"set timeout t to 30", "set timeout"},
+           {"set timeout to '1,2'", "set timeout"},
+           {"describe timeout t", "describe timeout"},
+           {"describe timeout", "describe timeout"},
+           {"debug dp 1", "debug"}}) {
+    EXPECT_EQ(parseFailure(statement + ";"),
+              "7|statement '" + words + "' is not available in this build")
+        << statement;
   }
+}
+
+TEST(TarnFWParserActionsStatement, DoesNotJudgeTheValuesOfStatementsThatNothingCompiles) {
+  for (const auto& [statement, words] : std::vector<std::pair<std::string, std::string>>{
+           {"enable TCP strict", "enable strict"},
+           {"enable udp strict", "enable strict"},
+           {"disable udp strict", "disable strict"},
+           {"describe udp strict", "describe strict"},
+           {"debug DP 15", "debug"},
+           {"debug DP 16", "debug"},
+           {"debug xx 1", "debug"},
+           {"set timeout t to 4294967296", "set timeout"},
+           {"set connection with from any port 65536 to any port 1", "set connection"},
+           {"create attrprofile p with { [ nonesuch : b ] }", "create attrprofile"},
+           {"add domain2ip uuid nonesuch with { 10.0.0.1 }", "add domain2ip"},
+           {"set uid2sidmap nonesuch { a }", "set uid2sidmap"},
+           {"set connattr with { [ a : b ] }", "set connattr"},
+           {"delete attrprofile " + std::string(38, 'n'), "delete attrprofile"}}) {
+    EXPECT_EQ(parseFailure(statement + ";"),
+              "7|statement '" + words + "' is not available in this build")
+        << statement;
+  }
+}
+
+TEST(TarnFWParserActionsStatement, JudgesTheAddressesAndSelectorsOfStatementsThatNothingCompiles) {
+  EXPECT_EQ(parseFailure("create spoofguard with ip 999.1.1.1 and mac 00:11:22:33:44:55;"),
+            "33|999.1.1.1");
+  EXPECT_EQ(parseFailure("describe timeout of vif x;"), "63|invalid vif uuid (x)");
+  EXPECT_EQ(parseFailure("set connection with from any:65536 to any:1;"),
+            "38|port number (65536) is invalid");
+}
+
+TEST(TarnFWParserActionsStatement, NothingBehindARefusedStatementIsRead) {
+  const ParseText parse("destroy all ruleset; debug dp 1; nonsense");
+  EXPECT_EQ(parse.failure(), "7|statement 'debug' is not available in this build");
+  EXPECT_EQ(parse.list, nullptr);
+}
+
+namespace {
+
+/// What an action that throws leaves: "status|lines of level 3".
+template <typename Action>
+std::string reported(Action&& action) {
+  LogCapture log;
+  fw_lex_extra_ extra;
+  void* scanner = nullptr;
+  EXPECT_EQ(yylex_init_extra(&extra, &scanner), 0);
+  yy_buffer_state* const buffer = yy_scan_string("", scanner);
+  yyset_lineno(1, scanner);
+  FWStatus_t status = FW_STATUS_OK;
+  auto* list = new CTarnFWCmdList;
+  auto* config = new CTarnFWCmdConfig(false, "f", "");
+  EXPECT_FALSE(attempt({&status, scanner, nullptr, &list, &config}, action));
+  EXPECT_EQ(list, nullptr);
+  EXPECT_EQ(config, nullptr);
+  yy_delete_buffer(buffer, scanner);
+  yylex_destroy(scanner);
+  std::string text = std::to_string(status);
+  for (const std::string& line : log.normalized()) text += "|" + line;
+  return text;
+}
+
+const std::string kError = "|3|tarnfw: tarnfw_parser:yyerror():N [:1] ";
+
+}  // namespace
+
+TEST(TarnFWParserActionsStatement, ReportsWhatAnActionThrows) {
+  EXPECT_EQ(reported([] { throw CParseFailure("words", 17); }), "17" + kError + "words\n");
+  EXPECT_EQ(reported([] { throw CParseFailure("words"); }), "16" + kError + "words\n");
+  EXPECT_EQ(reported([] { throw CIDTooLongException("x"); }),
+            "32" + kError + "id is too long: x\n");
+  EXPECT_EQ(reported([] { throw SilentParseFailure(); }), "0");
+}
+
+TEST(TarnFWParserActionsStatement, ReportsAnythingElseAsAnInternalError) {
+  EXPECT_EQ(reported([] { throw std::bad_alloc(); }), "16" + kError + "internal error\n");
+  EXPECT_EQ(reported([] { throw 5; }), "16" + kError + "internal error\n");
 }

@@ -1,17 +1,20 @@
 #include <arpa/inet.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cctype>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <map>
 #include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "LogCapture.h"
-#include "TarnFWScanner.h"
 #include "TarnFWLog.h"
+#include "TarnFWScanner.h"
 #include "TarnFWText.h"
 #include "tarnfw.h"
 #include "tarnfw_parser.h"
@@ -635,4 +638,38 @@ TEST(TarnFWScanner, TracesEveryActionWhenItsComponentIsOn) {
   for (std::size_t i = 0; i < words.size(); ++i) {
     EXPECT_EQ(lines[i], "7|tarnfw:lexer tarnfw_scanner:yylex():N " + words[i] + " \n");
   }
+}
+
+TEST(TarnFWScanner, TracesEveryKeywordByItsWordInCapitalsButForSixOddOnes) {
+  // The words of the six are kept as they are.
+  const std::map<std::string, std::string> odd = {{"lboptions", "LBPOTIONS"},
+                                                  {"domain2ip", "DOMAIP2IP"},
+                                                  {"lbrule", "LB"},
+                                                  {"dscp", "dscp"},
+                                                  {"l4", "l4"},
+                                                  {"l7", "l7"}};
+  LogCapture log;
+  FW_SetLibVerboseLevel(FW_COMPONENT_LEXER, 1);
+  for (const auto& [word, code] : kKeywords) {
+    std::string shown = word;
+    std::transform(shown.begin(), shown.end(), shown.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
+    if (const auto found = odd.find(word); found != odd.end()) shown = found->second;
+    log.clear();
+    scan(word);
+    EXPECT_EQ(
+        log.normalized(),
+        std::vector<std::string>{"7|tarnfw:lexer tarnfw_scanner:yylex():N *" + shown + "* \n"})
+        << word;
+  }
+}
+
+TEST(TarnFWScannerDeathTest, EndsTheProcessWithStatus2WhenTheInputCannotBeRead) {
+  EXPECT_EXIT(
+      {
+        std::FILE* folder = std::fopen("/", "r");
+        Scan scan(folder);
+        scan.next();
+      },
+      testing::ExitedWithCode(2), "^input in flex scanner failed\n$");
 }
