@@ -78,7 +78,35 @@ TEST_F(LanguageDocument, RefusesEveryStatementThatItCallsUnavailable) {
   int statements = 0;
   for (std::string line; std::getline(lines, line); ++statements) {
     const ParseText parse(line);
-    EXPECT_EQ(parse.failure().substr(0, 2), "7|") << line << " " << parse.failure();
+    const std::string failure = parse.failure();
+    EXPECT_EQ(failure.substr(0, 13), "7|statement '") << line << " " << failure;
+    EXPECT_NE(failure.find("' is not available in this build"), std::string::npos) << failure;
   }
   EXPECT_GE(statements, 35);
+}
+
+TEST_F(LanguageDocument, EndsTheLoadSilentlyAtEveryStatementThatItSaysSo) {
+  const auto found = examples("tarn-silent");
+  ASSERT_EQ(found.size(), 1u);
+  std::istringstream lines(found[0].text);
+  int statements = 0;
+  for (std::string line; std::getline(lines, line); ++statements) {
+    const ParseText parse(line);
+    EXPECT_EQ(parse.failure(), "0|") << line;
+  }
+  EXPECT_EQ(statements, 3);
+}
+
+TEST_F(LanguageDocument, HasNoOtherKindOfExample) {
+  std::ifstream page(TARNFW_LANGUAGE_PAGE);
+  bool inside = false;
+  for (std::string line; std::getline(page, line);) {
+    if (line.rfind("```", 0) != 0) continue;
+    inside = !inside;
+    if (inside) {
+      EXPECT_TRUE(line == "```tarn" || line == "```tarn-channel" || line == "```tarn-unavailable" ||
+                  line == "```tarn-silent")
+          << line;
+    }
+  }
 }

@@ -96,6 +96,7 @@ TEST(TarnFWParserActionsStatement, RefusesStatementsThatNothingCompilesByTheirWo
            {"set connection with { from any:1 to any:2 }", "set connection"},
            {"set connection with { from any:1 to any:2, from any:1 to any:2 }", "set connection"},
            {"set connection with from 10.0.0.1 port 1 to any port 2", "set connection"},
+           {"set connection with from 10.0.0.1:1 to any:2", "set connection"},
            {"set all connection", "set all connection"},
            {"describe connection stat", "describe connection stat"},
            {"describe connection stat from 5", "describe connection stat"},
