@@ -6,7 +6,7 @@ namespace TarnLab {
 
 namespace {
 
-enum class As : std::uint8_t { text, u8, u32, u64, low2, low4, hex16 };
+enum class As : std::uint8_t { text, u8, u32, u64, low2, low4, hex16, bytes16 };
 
 struct Field {
   std::uint16_t command;
@@ -90,10 +90,12 @@ constexpr Field fields[] = {
     {17, true, 54, As::u64, 0, "realized"},
     {17, true, 62, As::u64, 0, "generation"},
     {18, false, 0, As::text, 38, "name"},
+    {18, false, 38, As::u32, 0, "type"},
     {18, false, 42, As::u32, 0, "max"},
     {18, false, 46, As::u32, 0, "from"},
     {18, true, 50, As::u32, 0, "returned"},
     {19, false, 0, As::text, 38, "name"},
+    {19, false, 38, As::u32, 0, "type"},
     {19, false, 42, As::u32, 0, "max"},
     {19, false, 46, As::u32, 0, "from"},
     {19, false, 50, As::u32, 0, "clear"},
@@ -114,6 +116,7 @@ constexpr Field fields[] = {
     {46, false, 0, As::u32, 0, "operation"},
     {46, false, 4, As::text, 38, "name"},
     {46, false, 42, As::u32, 0, "component"},
+    {46, false, 46, As::bytes16, 0, "address"},
     {46, false, 186, As::u32, 0, "first"},
     {46, false, 190, As::u32, 0, "second"},
     {46, true, 186, As::u32, 0, "old"},
@@ -149,6 +152,13 @@ std::string value(const Field& field, ConstBytes body) {
       if (isZero(part(body, field.offset, 16))) return "";
       return format("%016llx%016llx", static_cast<unsigned long long>(get64(body, field.offset)),
                     static_cast<unsigned long long>(get64(body, field.offset + 8u)));
+    case As::bytes16: {
+      const ConstBytes bytes = part(body, field.offset, 16);
+      if (isZero(bytes)) return "";
+      std::string text;
+      for (const std::byte byte : bytes) text += format("%02x", static_cast<unsigned>(byte));
+      return text;
+    }
   }
   return "";
 }
