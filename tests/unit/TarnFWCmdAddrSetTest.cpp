@@ -126,6 +126,19 @@ TEST_F(TarnFWCmdAddrSet, PrintsTypeSizeAndInfo) {
             "address count    : 3\ngeneration number: 9\nrealization time : TIME\n");
 }
 
+TEST_F(TarnFWCmdAddrSet, CountsOfAllOnesArePrintedAsTheyAre) {
+  CTarnFWCmdGetAddrSetTypeAndSize size(nullptr, id("web"));
+  EXPECT_EQ(printedFor(size, Bytes(50, 0xff)),
+            "addrset type : -1\naddrset elements count : -1\naddrset serialize size : -1\n");
+  CTarnFWCmdGetAddrSetInfo info(nullptr, id("web"));
+  const std::string ones = printedFor(info, Bytes(58, 0xff));
+  EXPECT_EQ(ones.substr(0, ones.find("realization")),
+            "address count    : 4294967295\ngeneration number: 18446744073709551615\n");
+  CTarnFWCmdGetAddrSetCount count(nullptr, FW_ADDRSET_ANY);
+  EXPECT_EQ(printedFor(count, Bytes(8)), "addrset count : 0\n");
+  EXPECT_EQ(printedFor(count, Bytes(8, 0xff)), "addrset count : -1\n");
+}
+
 TEST_F(TarnFWCmdAddrSet, PrintsWhetherSetsAreShared) {
   CTarnFWCmdGetSharedAddrSet command(nullptr);
   EXPECT_EQ(printedFor(command, Bytes({1, 0, 0, 0})), "shared addrset: enabled\n");
@@ -327,6 +340,21 @@ TEST_F(TarnFWCmdAddrSet, TypeTwoIsAnAttributeProfileAndAnyOtherAPlainContainer) 
   EXPECT_TRUE(typeid(other) == typeid(CTarnFWContainer));
 }
 
+TEST_F(TarnFWCmdAddrSet, TheTransactionIdOfAContainerIsKeptAlike) {
+  FakeKernel kernel;
+  CTarnFWCmdCreateContainer command(nullptr, "box", FW_CONTAINER_ATTR_PROFILE);
+  Bytes reply(98);
+  for (int i = 0; i < 16; ++i) reply.at(static_cast<std::size_t>(62 + i), {i + 1});
+  g_tarnfw_verbose[FW_COMPONENT_CMD].level = 1;
+  kernel.answer(0, reply.at(58, {2}));
+  EXPECT_EQ(executeOnce(kernel, command), 0u);
+  EXPECT_EQ(command.transactionID()[15], 16);
+  EXPECT_TRUE(log.has(7, "transaction id: 0x04030201, 0x08070605, 0x0c0b0a09, 0x100f0e0d\n"));
+  kernel.answer(0, reply.at(58, {3}));
+  EXPECT_EQ(executeOnce(kernel, command), 0u);
+  EXPECT_EQ(command.transactionID()[15], 0);
+}
+
 TEST_F(TarnFWCmdAddrSet, AContainersNameHasItsNulWithinItsField) {
   const std::string longest(37, 'n');
   CTarnFWCmdCreateContainer command(nullptr, longest, FW_CONTAINER_ADDRSET);
@@ -360,6 +388,40 @@ TEST_F(TarnFWCmdAddrSet, AnEmptyChainHasNoElements) {
   char* none[1] = {nullptr};
   EXPECT_TRUE(command.elementsToCharArray(none, 0, &count));
   EXPECT_EQ(count, 0u);
+}
+
+TEST_F(TarnFWCmdAddrSet, AChainWithUntrueNumbersIsRefused) {
+  // The security identifier S-1-5-18 in a chain of one.
+  Bytes reply(70 + 12 + 90);
+  put32(put32(put32(reply, 70, 2), 74, 1), 78, 90);
+  reply.at(82, {1, 0, 0, 0, 82}).at(90, {8, 0, 4, 0, 82}).at(104, {1, 1, 0, 0, 0, 0, 0, 5, 18});
+  CTarnFWCmdGetElementsOfContainer command(nullptr, "box", FW_CONTAINER_ATTR_PROFILE, 2, 102);
+  const auto read = [&](const Bytes& bytes) {
+    command.checkCmdReply(bytes.data(), static_cast<unsigned int>(bytes.size()));
+    char* texts[2] = {};
+    unsigned int count = 77;
+    const bool good = command.elementsToCharArray(texts, 2, &count);
+    const std::string first = texts[0] == nullptr ? "" : texts[0];
+    std::free(texts[0]);
+    return std::to_string(good) + " " + std::to_string(count) + " " + first;
+  };
+  EXPECT_EQ(read(reply), "1 1 WIN_SID : S-1-5-18");
+  // The number of elements, their bytes, and the bytes of the first one.
+  for (const auto& [field, value] :
+       std::vector<std::pair<std::size_t, std::uint32_t>>{{74, 2},
+                                                          {74, 0xffffffff},
+                                                          {78, 103},
+                                                          {78, 0x80000000},
+                                                          {78, 0xffffffff},
+                                                          {86, 0},
+                                                          {86, 83},
+                                                          {86, 0x80000000},
+                                                          {86, 0xffffffff}}) {
+    Bytes lie = reply;
+    EXPECT_EQ(read(put32(lie, field, value)), "0 77 ") << field << " " << value;
+  }
+  Bytes none = reply;
+  EXPECT_EQ(read(put32(none, 74, 0)), "1 0 ");
 }
 
 TEST_F(TarnFWCmdAddrSet, AChainThatCannotBeDecodedIsReported) {

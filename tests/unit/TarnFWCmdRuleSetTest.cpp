@@ -97,6 +97,9 @@ TEST_F(TarnFWCmdRuleSet, AKindAboveThreeIsRefused) {
   EXPECT_THROW_WITH(
       CTarnFWCmdGetStatOfRuleSet(nullptr, id("web"), std::make_unique<CTarnFWIDList>(), 4),
       CUnsupportedException, 7, "invalid rule type");
+  const unsigned int ids[] = {1};
+  EXPECT_THROW_WITH(CTarnFWCmdGetDlbOfRuleSet(nullptr, id("web"), 1u, ids, 4u),
+                    CUnsupportedException, 7, "invalid rule type");
 }
 
 TEST_F(TarnFWCmdRuleSet, AListSendsMaxAndFrom) {
@@ -145,6 +148,13 @@ TEST_F(TarnFWCmdRuleSet, ACountThatNoMessageHoldsIsRefused) {
   EXPECT_THROW_WITH(CTarnFWCmdGetStatOfRuleSet(nullptr, id("w"), 63161283u, 0u, 0u),
                     CIntegerOverflowException, 17,
                     "integer overflow for the number of rule id: 63161283");
+  EXPECT_EQ(CTarnFWCmdGetStatOfRuleSet(nullptr, id("w"), 63161282u, 0u, 0u).getMsgSize(),
+            4294967256u);
+  EXPECT_EQ(CTarnFWCmdGetDlbOfRuleSet(nullptr, id("w"), 26188824u, 0u, 0u).getMsgSize(),
+            4294967216u);
+  EXPECT_THROW_WITH(CTarnFWCmdGetDlbOfRuleSet(nullptr, id("w"), 26188825u, 0u, 0u),
+                    CIntegerOverflowException, 17,
+                    "integer overflow for the number of rule id: 26188825");
   EXPECT_THROW_WITH(CTarnFWCmdGetDlbOfRuleSet(nullptr, id("w"), 0xffffffffu, 0u, 0u),
                     CIntegerOverflowException, 17,
                     "integer overflow for the number of rule id: -1");
@@ -156,6 +166,16 @@ TEST_F(TarnFWCmdRuleSet, PrintsTheCounts) {
   EXPECT_EQ(printedFor(sets, Bytes(4, 0xff)), "ruleset count : -1\n");
   CTarnFWCmdGetRuleCountOfRuleSet rules(nullptr, id("web"), 0);
   EXPECT_EQ(printedForWord(rules, 68, 12), "rule count : 12\n");
+}
+
+TEST_F(TarnFWCmdRuleSet, CountsAndInfoOfAllOnesArePrintedAsTheyAre) {
+  CTarnFWCmdGetRuleCountOfRuleSet rules(nullptr, id("web"), 0);
+  EXPECT_EQ(printedForWord(rules, 68, 0), "rule count : 0\n");
+  EXPECT_EQ(printedForWord(rules, 68, 0xffffffff), "rule count : -1\n");
+  CTarnFWCmdGetRuleSetInfo info(nullptr, id("web"));
+  const std::string ones = printedFor(info, Bytes(84, 0xff));
+  EXPECT_EQ(ones.substr(0, ones.find("realization")),
+            "rule count       : 4294967295\ngeneration number: 18446744073709551615\n");
 }
 
 TEST_F(TarnFWCmdRuleSet, PrintsTheRoots) {
