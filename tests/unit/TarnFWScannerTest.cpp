@@ -326,6 +326,36 @@ TEST(TarnFWScanner, TakesTheSlashOfAnUnclosedCommentForAnIdentifier) {
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "Unrecognized token:  *\n");
 }
 
+TEST(TarnFWScanner, DropsTheCommentsInFrontOfAnUnclosedOne) {
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(scan("/* a */ b /*/ c # d\n/** e /*"),
+            (Tokens{"STRING(b)", "STRING(/)", "STRING(/)", "STRING(c)", "STRING(/)", "STRING(e)",
+                    "STRING(/)"}));
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "Unrecognized token:  *\nUnrecognized token:  *\nUnrecognized token:  *\n"
+            "Unrecognized token:  *\n");
+  EXPECT_EQ(scan("/* a */ b"), Tokens{"STRING(b)"});
+}
+
+TEST(TarnFWScanner, SearchesOnceForTheCloseOfManyUnclosedComments) {
+  constexpr int kLines = 40000;
+  std::string text;
+  std::string messages;
+  for (int i = 0; i < kLines; ++i) {
+    text += "/* a comment without an end\n";
+    messages += "Unrecognized token:  *\n";
+  }
+  testing::internal::CaptureStderr();
+  Scan unclosed(text);
+  const Tokens tokens = unclosed.all();
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), messages);
+  const Tokens line = {"STRING(/)",       "STRING(a)",  "STRING(comment)",
+                       "STRING(without)", "STRING(an)", "STRING(end)"};
+  ASSERT_EQ(tokens.size(), kLines * line.size());
+  for (std::size_t i = 0; i < tokens.size(); ++i) ASSERT_EQ(tokens[i], line[i % line.size()]);
+  EXPECT_EQ(unclosed.line(), kLines + 1);
+}
+
 TEST(TarnFWScanner, DropsALineCommentWithItsCarriageReturnUpToTheLineFeed) {
   Scan line("a # b \r\nc #");
   EXPECT_EQ(line.all(), (Tokens{"STRING(a)", "STRING(c)"}));
@@ -672,4 +702,16 @@ TEST(TarnFWScannerDeathTest, EndsTheProcessWithStatus2WhenTheInputCannotBeRead) 
         scan.next();
       },
       testing::ExitedWithCode(2), "^input in flex scanner failed\n$");
+}
+
+TEST(TarnFWScanner, TracesTheSlashOfAnUnclosedCommentAsAnIdentifier) {
+  LogCapture log;
+  FW_SetLibVerboseLevel(FW_COMPONENT_LEXER, 1);
+  log.clear();
+  testing::internal::CaptureStderr();
+  scan("/* a */ /*");
+  testing::internal::GetCapturedStderr();
+  ASSERT_EQ(log.lines().size(), 2u);
+  EXPECT_EQ(log.normalized()[0], "7|tarnfw:lexer tarnfw_scanner:yylex():N *COMMENT* \n");
+  EXPECT_EQ(log.normalized()[1], "7|tarnfw:lexer tarnfw_scanner:yylex():N ID(/) \n");
 }
