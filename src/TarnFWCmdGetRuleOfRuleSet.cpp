@@ -10,8 +10,11 @@ std::uint32_t CTarnFWCmdGetRuleOfRuleSet::returned(const CTarnFWCmdReply& reply)
   return entries(reply, records(reply), sizeof(FWRule_));
 }
 
-FWRule_ CTarnFWCmdGetRuleOfRuleSet::ruleAt(const CTarnFWCmdReply& reply, std::uint32_t index) {
-  return reply.record<FWRule_>(records(reply) + sizeof(FWRule_) * index);
+std::uint32_t CTarnFWCmdGetRuleOfRuleSet::copyRules(const CTarnFWCmdReply& reply,
+                                                    FWRule_* rules) const {
+  const std::uint32_t count = returned(reply);
+  reply.copyRecords(records(reply), count, rules);
+  return count;
 }
 
 void CTarnFWCmdGetRuleOfRuleSet::read(const CTarnFWCmdReply& reply) {
@@ -26,7 +29,7 @@ void CTarnFWCmdGetRuleOfRuleSet::read(const CTarnFWCmdReply& reply) {
   out.print(out.context, "# realization time : %04d-%02d-%02dT%02d:%02d:%02d\n", t.year, t.month,
             t.day, t.hour, t.minute, t.second);
   for (std::uint32_t i = 0; i < rules; ++i) {
-    const FWRule_ rule = ruleAt(reply, i);
+    const auto rule = reply.record<FWRule_>(records(reply) + sizeof(FWRule_) * i);
     char text[512];
     if (const FWStatus_t status = FW_GetRuleString(&rule, 1, text, sizeof text, 0)) {
       TARNFW_TRACE(FW_COMPONENT_CMD, 0, "failed to convert rule #%d: %d\n", static_cast<int>(i),

@@ -16,9 +16,12 @@ class CTarnFWCmdGetRuleOfRuleSet final : public CTarnFWRuleSetReadCmd<10, 96, 89
   using CTarnFWRuleSetReadCmd::CTarnFWRuleSetReadCmd;
   std::string toString() const override { return readStatement("rule"); }
 
-  /// Records in the reply, and one of them.
+  /// Records in the reply.
   std::uint32_t returned(const CTarnFWCmdReply& reply) const;
-  static FWRule_ ruleAt(const CTarnFWCmdReply& reply, std::uint32_t index);
+
+  /// Copies the reply's records to `rules`, which has room for as many as were asked for; their
+  /// number.
+  std::uint32_t copyRules(const CTarnFWCmdReply& reply, FWRule_* rules) const;
 
  private:
   void read(const CTarnFWCmdReply& reply) override;

@@ -39,6 +39,15 @@ class CTarnFWCmdReply {
     return loadRecord<Record>(part(offset, sizeof(Record)).data());
   }
 
+  /// Copies `count` records from `offset` on. The caller's memory has room for them.
+  template <typename Record>
+  void copyRecords(std::size_t offset, std::size_t count, Record* to) const {
+    static_assert(std::is_trivially_copyable_v<Record> && alignof(Record) == 1);
+    if (count == 0) return;
+    const std::span<const std::byte> records = part(offset, sizeof(Record) * count);
+    std::memcpy(static_cast<void*>(to), records.data(), records.size());
+  }
+
   std::uint8_t byte(std::size_t offset) const { return record<std::uint8_t>(offset); }
   std::uint32_t word(std::size_t offset) const { return record<host32>(offset); }
   std::uint64_t longWord(std::size_t offset) const { return record<host64>(offset); }

@@ -200,10 +200,8 @@ FWStatus_t FW_GetRuleOfRuleSet(fwlibhandle_* handle, const dvs_port_* port, void
   return callLibrary(__func__, handle, [&](CTarnFWLibHandle& library) -> FWStatus_t {
     if (id == nullptr || rules == nullptr || returned == nullptr) return FW_STATUS_INVALID_ARGUMENT;
     auto command = readCommand<CTarnFWCmdGetRuleOfRuleSet>(port, *id, kind, max, from, ids);
-    return run(library, command, context, [&](const CTarnFWCmdReply& reply) {
-      *returned = command.returned(reply);
-      for (unsigned int i = 0; i < *returned; ++i) rules[i] = command.ruleAt(reply, i);
-    });
+    return run(library, command, context,
+               [&](const CTarnFWCmdReply& reply) { *returned = command.copyRules(reply, rules); });
   });
 }
 

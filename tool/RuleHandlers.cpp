@@ -68,10 +68,11 @@ int GetSingleRuleSetByType(const RuleSource& source, unsigned int kind,
       return error("ERROR: failed to get %d rule in ruleset %s: %s\n", static_cast<int>(kind),
                    ruleSet.text, FW_StatusToString(status));
     }
-    char text[512] = {};
+    char text[512];
     status = FW_GetRuleString(&rule, 1, text, sizeof text, source.pretty);
     if (status != FW_STATUS_OK) return conversionFailed(status);
-    std::printf("  %s\n", text);
+    std::fputs("  ", stdout);
+    std::puts(text);
   }
   return 0;
 }
