@@ -15,12 +15,33 @@ constexpr std::uint8_t kMajorVersion = 1;
 constexpr std::uint8_t kMinorVersion = 1;
 constexpr std::uint8_t kCategoryFirewall = 1;
 
+/// A buffer of more memory than this is never kept.
+constexpr std::size_t kMaxSpare = 4096;
+
+/// What stands in memory in front of a message and is never sent: its size, with header and slack.
+struct alignas(std::max_align_t) Block {
+  std::size_t size;
+
+  void* message() { return this + 1; }
+  static Block* of(tarn_msg_hdr_* header) { return reinterpret_cast<Block*>(header) - 1; }
+};
+
+/// Null without memory. A large block comes as fresh pages, which the allocator knows to be zero
+/// already.
+Block* newBlock(std::size_t size) {
+  auto* const block = static_cast<Block*>(std::calloc(1, sizeof(Block) + size));
+  if (block != nullptr) block->size = size;
+  return block;
+}
+
 /// The header in front of a body. All its members have alignment 1.
 tarn_msg_hdr_* headerOf(void* body) {
   return reinterpret_cast<tarn_msg_hdr_*>(static_cast<std::byte*>(body) - kMsgHeaderSize);
 }
 
 }  // namespace
+
+CTarnFWSimpleMsgBuf::~CTarnFWSimpleMsgBuf() { std::free(spare_.load()); }
 
 void CTarnFWSimpleMsgBuf::initMsgHeader(tarn_msg_hdr_* header) {
   std::memset(static_cast<void*>(&header->sequence), 0,
@@ -40,22 +61,28 @@ bool CTarnFWSimpleMsgBuf::getBuffer(void** body, unsigned int size) {
     TARNFW_TRACE(FW_COMPONENT_MSGBUF, 0, "requested buffer size %u is too large\n\n", size);
     return false;
   }
-  // Zeroed, so that no old heap bytes reach the kernel or a peer. A large buffer comes as fresh
-  // pages, which the allocator knows to be zero already.
-  std::unique_ptr<void, decltype(&std::free)> memory(
-      std::calloc(1, kMsgHeaderSize + std::size_t{size} + kMsgSlack), std::free);
-  if (memory == nullptr) {
+  // Zeroed, so that no old heap bytes reach the kernel or a peer.
+  const std::size_t needed = kMsgHeaderSize + std::size_t{size} + kMsgSlack;
+  std::unique_ptr<Block, decltype(&std::free)> block(
+      needed <= kMaxSpare ? static_cast<Block*>(spare_.exchange(nullptr)) : nullptr, std::free);
+  if (block != nullptr && block->size == needed) {
+    std::memset(block->message(), 0, needed);
+  } else {
+    block.reset(newBlock(needed));
+  }
+  if (block == nullptr) {
     TARNFW_WARNING("failed to get message buffer of size %u\n\n", size);
     return false;
   }
-  initMsgHeader(static_cast<tarn_msg_hdr_*>(memory.get()));
-  *body = static_cast<std::byte*>(memory.release()) + kMsgHeaderSize;
+  initMsgHeader(static_cast<tarn_msg_hdr_*>(block->message()));
+  *body = static_cast<std::byte*>(block.release()->message()) + kMsgHeaderSize;
   return true;
 }
 
 bool CTarnFWSimpleMsgBuf::releaseBuffer(void* body) {
   if (!validateBuffer(body, 0)) return false;
-  std::free(headerOf(body));
+  Block* const block = Block::of(headerOf(body));
+  std::free(block->size <= kMaxSpare ? spare_.exchange(block) : block);
   return true;
 }
 

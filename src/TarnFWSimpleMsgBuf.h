@@ -2,6 +2,7 @@
 
 /// Message buffers from the heap, numbered in the order in which they were obtained.
 
+#include <atomic>
 #include <cstdint>
 
 #include "Locks.h"
@@ -9,10 +10,15 @@
 
 namespace TarnFirewall {
 
-/// One object serves all buffers of a library handle. The sequence counter starts at 0 and is the
-/// only state that threads share; a lock failure throws `Locks::LockException`.
+/// One object serves all buffers of a library handle. The sequence counter starts at 0; a lock
+/// failure throws `Locks::LockException`. The small buffer that was released last is kept for the
+/// next request of its size, since a display asks for one record after another. Threads share
+/// nothing else.
 class CTarnFWSimpleMsgBuf final : public CTarnFWMsgBuf {
  public:
+  CTarnFWSimpleMsgBuf() = default;
+  ~CTarnFWSimpleMsgBuf() override;
+
   bool getBuffer(void** body, unsigned int size) override;
   bool releaseBuffer(void* body) override;
   bool resetBuffer(void* body) override;
@@ -27,6 +33,7 @@ class CTarnFWSimpleMsgBuf final : public CTarnFWMsgBuf {
  private:
   Locks::Mutex mutex_;
   std::uint32_t sequence_ = 0;
+  std::atomic<void*> spare_ = nullptr;
 };
 
 }  // namespace TarnFirewall

@@ -75,6 +75,45 @@ TEST(TarnFWSimpleMsgBuf, BodyAndTheTwentyBytesBehindItAreZero) {
   }
 }
 
+TEST(TarnFWSimpleMsgBuf, ABufferOfTheSizeOfAReleasedOneIsAsEmptyAsTheFirst) {
+  for (const unsigned int size : {0u, 1u, 1004u, 4056u, 4057u, 300000u}) {
+    CTarnFWSimpleMsgBuf owner;
+    for (std::uint8_t sequence = 0; sequence < 4; ++sequence) {
+      const Buffer buffer(owner, size);
+      ASSERT_EQ(buffer.headerBytes(), emptyHeader().at(8, {sequence})) << "size " << size;
+      const std::span<std::uint8_t> bytes(static_cast<std::uint8_t*>(buffer.body),
+                                          size + kMsgSlack);
+      for (std::uint8_t& byte : bytes) {
+        ASSERT_EQ(byte, 0) << "size " << size;
+        byte = 0xa5;
+      }
+      owner.addCommand(buffer.body, size);
+    }
+  }
+}
+
+TEST(TarnFWSimpleMsgBuf, ABufferOfAnotherSizeThanTheReleasedOneHasItsOwnRoom) {
+  CTarnFWSimpleMsgBuf owner;
+  for (const unsigned int size : {100u, 50u, 200u, 5000u, 50u, 4056u, 100u}) {
+    const Buffer buffer(owner, size);
+    const std::span<std::uint8_t> bytes(static_cast<std::uint8_t*>(buffer.body), size + kMsgSlack);
+    for (std::uint8_t& byte : bytes) {
+      ASSERT_EQ(byte, 0) << "size " << size;
+      byte = 0xa5;
+    }
+  }
+}
+
+TEST(TarnFWSimpleMsgBuf, BuffersThatAreHeldAtOnceAreApart) {
+  CTarnFWSimpleMsgBuf owner;
+  { const Buffer released(owner, 64); }
+  const Buffer first(owner, 64);
+  const Buffer second(owner, 64);
+  std::memset(first.body, 0xa5, 64 + kMsgSlack);
+  EXPECT_EQ(second.headerBytes(), emptyHeader().at(8, {2}));
+  EXPECT_EQ(*static_cast<std::uint8_t*>(second.body), 0);
+}
+
 TEST(TarnFWSimpleMsgBuf, NullResultIsRefusedWithoutALine) {
   LogCapture log;
   g_tarnfw_verbose[FW_COMPONENT_MSGBUF].level = 3;
