@@ -107,3 +107,58 @@ What the log tells of a message.
   firewall 15: filter nic-1002672-eth0-kelpco-sfw.2 of kelpco-sfw: message 0: CreateRuleSet(name "small", sequence 0, rules 1, flags 3) = ok
       rule 1 at 0 inout protocol any from any to any accept;
   firewall 15: filter nic-1002672-eth0-kelpco-sfw.2 of kelpco-sfw: message 1: GetAddrSetTypeAndSize(name "one") = ok {entries 1, type 1, bytes 144}
+
+Address sets made of ranges are created ahead of the statement that needs them.
+
+  $ cli -c 'create ruleset "ranges" with { rule 7 in protocol tcp from 10.0.0.1-5 to 10.1.0.0-3 drop; };'
+  $ cli -c 'create ruleset "target" with rule 8 in protocol tcp from any to any dnat ip 10.0.0.1-5 port 80;'
+  $ tarnlab log -s -v -n 5 | sed 's/^firewall.*: message/message/'
+  message 0: CreateAddrSet(name "src7", sequence 0, entries 3, type 1, bytes 432, flags 3) = ok
+      ip 10.0.0.1
+      ip 10.0.0.2/31
+      ip 10.0.0.4/31
+  message 1: CreateAddrSet(name "dst7", sequence 0, entries 1, type 1, bytes 144, flags 3) = ok
+      ip 10.1.0.0/30
+  message 2: CreateRuleSet(name "ranges", sequence 0, rules 1, flags 3) = ok
+      rule 7 at 0 in protocol tcp from addrset src7 to addrset dst7 drop;
+  message 0: CreateAddrSet(name "target8", sequence 0, entries 3, type 1, bytes 432, flags 3) = ok
+      ip 10.0.0.1
+      ip 10.0.0.2/31
+      ip 10.0.0.4/31
+  message 1: CreateRuleSet(name "target", sequence 0, rules 1, flags 3) = ok
+      rule 8 at 0 in protocol tcp from any to any dnat addrset target8 port 80;
+
+What getrules prints can be loaded again, and prints the same.
+
+  $ cat > again.conf << 'END'
+  > create ruleset "again" with {
+  >   rule 1 inout protocol any from any to any accept;
+  >   rule 2 at 7 in inet protocol tcp strict from 10.0.0.0/8 port 1024-65535
+  >     to not 10.1.2.3 port { 80-90, 443 } drop with log;
+  >   rule 3 at 5 out not protocol udp from addrset "clients" to any reject with { log, copy, noflow } tag 'three';
+  >   rule 7 in protocol tcp from 10.0.0.1-5 to any port 21 accept with log as ftp;
+  > };
+  > set root ruleset "again" and "";
+  > END
+  $ cli -l again.conf
+  $ shown() { tarnlab run tarnioctl getrules -f $filter -r again | grep '^  rule'; }
+  $ shown > first
+  $ cat first
+    rule 1 at 1 inout protocol any from any to any accept;
+    rule 7 at 2 in protocol tcp from addrset src7 to any port 21 accept with log as ftp;
+    rule 3 at 3 out not protocol udp from addrset clients to any reject with {log,copy,noflow} tag 'three';
+    rule 2 at 4 in inet protocol tcp strict from ip 10.0.0.0/8 port 1024-65535 to not ip 10.1.2.3 port {80-90, 443} drop with log;
+  $ { echo 'create ruleset "again" with {'; cat first; echo '};'; } > again.conf
+  $ cli -l again.conf
+  $ shown | diff first -
+
+TCP options and Ethernet ranges are in the kernel, and no reader takes them for what they are.
+
+  $ cli -c 'create ruleset "again" with { rule 1 in protocol tcp option "abcdefg" from any to any drop; rule 2 in protocol tcp option "abcdefgh" from any to any drop; };'
+  $ shown
+    rule 1 at 1 in protocol tcp from any to any drop;
+    rule 2 at 2 in protocol tcp port 24930 from any to any drop;
+  $ cli -c 'create ruleset "again" with { rule 1 in ethertype any from 00:11:22:33:44:55-00:11:22:33:44:66 to any drop; rule 2 in protocol any from any to any drop; };'
+  $ shown
+  ERROR:   rule conversion failed invalid network address
+  [1]

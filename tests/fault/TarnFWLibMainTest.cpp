@@ -6,6 +6,7 @@
 
 #include "DeviceShim.h"
 #include "Expect.h"
+#include "FakeKernel.h"
 #include "Locks.h"
 #include "LogCapture.h"
 #include "TarnFWLibHandle.h"
@@ -278,4 +279,22 @@ TEST(TarnFWSimpleMsgBuf, ALockThatFailsThrowsAndLosesNoMemory) {
   ASSERT_EQ(library->getCommandBuffer(&body, 12), 0u);
   EXPECT_EQ(static_cast<std::uint8_t*>(body)[-12], 0) << "no sequence number was lost";
   library->releaseCommandBuffer(body);
+}
+
+// --- What a call does not allocate
+
+TEST(TarnFWLibCall, ARefusedCallTakesNoBuffer) {
+  FakeKernel kernel;
+  const FWRuleSetID_t id{};
+  unsigned int count = 77;
+  // Message buffers come from calloc: a failure that is still to come shows that none was asked
+  // for.
+  DeviceShim::failNextCalloc();
+  EXPECT_EQ(FW_GetRuleCountOfRuleSet(nullptr, nullptr, nullptr, &id, 0, &count), 2u);
+  EXPECT_EQ(FW_GetRuleCountOfRuleSet(kernel.handle(), nullptr, nullptr, &id, 0, nullptr), 3u);
+  EXPECT_EQ(FW_GetRuleCountOfRuleSet(kernel.handle(), nullptr, nullptr, &id, 4, &count), 7u);
+  EXPECT_EQ(FW_GetRuleSetCount(kernel.handle(), nullptr, nullptr, &count), 8u);
+  EXPECT_EQ(count, 77u);
+  EXPECT_TRUE(kernel.messages().empty());
+  EXPECT_EQ(FW_GetRuleSetCount(kernel.handle(), nullptr, nullptr, &count), 0u);
 }

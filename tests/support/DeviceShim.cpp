@@ -140,6 +140,14 @@ void* __wrap__ZnwmRKSt9nothrow_t(std::size_t size, const std::nothrow_t& tag) {
   return nullptr;
 }
 
+void* __real__ZnamRKSt9nothrow_t(std::size_t size, const std::nothrow_t& tag);
+void* __wrap__ZnamRKSt9nothrow_t(std::size_t size, const std::nothrow_t& tag);
+void* __wrap__ZnamRKSt9nothrow_t(std::size_t size, const std::nothrow_t& tag) {
+  if (!g_failNew) return __real__ZnamRKSt9nothrow_t(size, tag);
+  g_failNew = false;
+  return nullptr;
+}
+
 }  // extern "C"
 
 namespace DeviceShim {

@@ -39,7 +39,7 @@ void failNextCalloc();
 /// The next lock of a mutex by the library fails with `EINVAL`.
 void failNextLock();
 
-/// The next `new (std::nothrow)` of the library gives null.
+/// The next `new (std::nothrow)` of the program gives null, be it of one object or of many.
 void failNextNothrowNew();
 
 }  // namespace DeviceShim
