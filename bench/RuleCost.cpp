@@ -6,6 +6,7 @@
 #include <cstring>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "RuleParts.h"
 
@@ -31,7 +32,14 @@ __attribute__((noinline)) void readAndPrint(std::unique_ptr<CTarnFWRule>* rule,
   *text = (*rule)->toString();
 }
 
-__attribute__((noinline)) void destroyRule(std::unique_ptr<CTarnFWRule>* rule) { rule->reset(); }
+__attribute__((noinline)) void buildWriteAndDestroy(FWRule_* record, unsigned int id) {
+  unsigned int written = 0;
+  buildRule(id)->toMessage(record, sizeof *record, &written);
+}
+
+__attribute__((noinline)) void readPrintAndDestroy(const FWRule_* record, std::string* text) {
+  *text = CTarnFWRuleFactory::newFromMsgBuf(record)->toString();
+}
 
 }  // extern "C"
 
@@ -43,14 +51,17 @@ int main(int count, char** arguments) {
   }
   FWRule_ record{};
   FWRule_ copy{};
-  std::unique_ptr<CTarnFWRule> rule;
   std::string text;
+  // Kept first, while the heap is new: nothing has been given back to it.
+  std::vector<std::unique_ptr<CTarnFWRule>> kept(static_cast<std::size_t>(times) * 2);
+  for (std::size_t i = 0; i < kept.size(); i += 2) {
+    buildAndWrite(&kept[i], &record, static_cast<unsigned int>(i));
+    readAndPrint(&kept[i + 1], &record, &text);
+  }
   for (long i = 0; i < times; ++i) {
-    buildAndWrite(&rule, &record, static_cast<unsigned int>(i));
+    buildWriteAndDestroy(&record, static_cast<unsigned int>(i));
+    readPrintAndDestroy(&record, &text);
     copyRecord(&copy, &record);
-    destroyRule(&rule);
-    readAndPrint(&rule, &record, &text);
-    rule.reset();
   }
   return text.empty() ? 1 : 0;
 }

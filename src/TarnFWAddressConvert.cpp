@@ -44,12 +44,6 @@ bool walkBlocks(Word first, Word last, Visit visit) {
 
 }  // namespace
 
-bool cidr2ipv4mask(unsigned int prefix, in_addr* mask) {
-  if (mask == nullptr || prefix > kWordBits) return false;
-  mask->s_addr = htonl(leadingOnes(prefix));
-  return true;
-}
-
 bool cidr2ipv6mask(unsigned int prefix, in6_addr* mask) {
   if (mask == nullptr || prefix > 4 * kWordBits) return false;
   net32 words[4];

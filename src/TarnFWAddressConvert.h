@@ -9,7 +9,11 @@
 
 /// Stores the mask of `prefix` leading ones. False, with `mask` unchanged, when `mask` is null or
 /// the prefix above 32.
-bool cidr2ipv4mask(unsigned int prefix, in_addr* mask);
+inline bool cidr2ipv4mask(unsigned int prefix, in_addr* mask) {
+  if (mask == nullptr || prefix > 32) return false;
+  mask->s_addr = htonl(static_cast<in_addr_t>(0xffffffff00000000u >> prefix));
+  return true;
+}
 
 /// The same for IPv6, with prefixes up to 128.
 bool cidr2ipv6mask(unsigned int prefix, in6_addr* mask);

@@ -29,10 +29,6 @@ char* IPv4Family::writeAddress(char* to, const Address& address) {
   return to - 1;
 }
 
-bool IPv4Family::prefix2mask(unsigned int prefix, Address* mask) {
-  return cidr2ipv4mask(prefix, mask);
-}
-
 bool IPv4Family::mask2prefix(const Address& mask, unsigned char* prefix) {
   return ipv4mask2cidr(mask, prefix);
 }
@@ -57,10 +53,6 @@ char* IPv6Family::writeAddress(char* to, const Address& address) {
     throw CInvalidAddressException("invalid ip6 address");
   }
   return to + std::strlen(to);
-}
-
-bool IPv6Family::prefix2mask(unsigned int prefix, Address* mask) {
-  return cidr2ipv6mask(prefix, mask);
 }
 
 bool IPv6Family::mask2prefix(const Address& mask, unsigned char* prefix) {

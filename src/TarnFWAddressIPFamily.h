@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "TarnFWAddressConvert.h"
 #include "TarnFWException.h"
 
 namespace TarnFirewall {
@@ -28,7 +29,9 @@ struct IPv4Family {
   /// the place behind it.
   static char* writeAddress(char* to, const Address& address);
 
-  static bool prefix2mask(unsigned int prefix, Address* mask);
+  static bool prefix2mask(unsigned int prefix, Address* mask) {
+    return cidr2ipv4mask(prefix, mask);
+  }
   static bool mask2prefix(const Address& mask, unsigned char* prefix);
   static bool str2prefix(const char* text, unsigned char* prefix);
 
@@ -53,7 +56,9 @@ struct IPv6Family {
   /// As of IPv4. Throws `CInvalidAddressException` when `inet_ntop` fails.
   static char* writeAddress(char* to, const Address& address);
 
-  static bool prefix2mask(unsigned int prefix, Address* mask);
+  static bool prefix2mask(unsigned int prefix, Address* mask) {
+    return cidr2ipv6mask(prefix, mask);
+  }
   static bool mask2prefix(const Address& mask, unsigned char* prefix);
   static bool str2prefix(const char* text, unsigned char* prefix);
 

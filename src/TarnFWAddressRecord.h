@@ -11,6 +11,8 @@ namespace TarnFirewall {
 /// ordering. A class gives its code, its text, its value area and its comparison of values.
 class CTarnFWAddressRecord : public CTarnFWAddress {
  public:
+  unsigned int getMsgSize() const final { return sizeof(FWAddress_); }
+
   /// "not " when negated, then the class's text.
   std::string toString() const final;
   void appendTo(std::string& text) const final;

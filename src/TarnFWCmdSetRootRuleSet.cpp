@@ -33,11 +33,12 @@ CTarnFWCmdSetRootRuleSet::CTarnFWCmdSetRootRuleSet(const dvs_port_* port,
 
 void CTarnFWCmdSetRootRuleSet::addJump(bool layer3, const FWRuleSetID_t& target) {
   const unsigned int id = rules().getRuleCount() + 1;
-  auto connection = std::make_unique<CTarnFWProtocolSpecList>(static_cast<unsigned char>(0));
-  connection->addSpec(std::make_unique<CTarnFWProtocolSpecStateless>());
+  CTarnFWProtocolSpecList connection(FW_SPEC_DIR_BOTH);
+  connection.addSpec(std::make_unique<CTarnFWProtocolSpecStateless>());
   ownRules().addRule(std::make_unique<CTarnFWRule>(
-      id, static_cast<int>(id), FW_DIRECTION_INOUT, std::make_unique<CTarnFWProtocol>(layer3),
-      std::move(connection), nullptr, nullptr, nullptr, nullptr,
+      id, static_cast<int>(id), FW_DIRECTION_INOUT, CTarnFWProtocol(layer3), std::move(connection),
+      nullptr, CTarnFWProtocolSpecList(FW_SPEC_DIR_SOURCE), nullptr,
+      CTarnFWProtocolSpecList(FW_SPEC_DIR_DESTINATION),
       std::make_unique<CTarnFWRuleActionJumpto>(fieldText(target.text).c_str()), nullptr, nullptr));
 }
 

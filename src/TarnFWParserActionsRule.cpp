@@ -93,18 +93,24 @@ void replaceTargetRange(const FWParse& parse, std::uint32_t id, CTarnFWRuleActio
   (*parse.cmdList)->addCmd(std::move(command));
 }
 
+/// The specs of one place of the rule, turned to its direction; empty for null.
+CTarnFWProtocolSpecList takeSpecs(std::unique_ptr<CTarnFWProtocolSpecList>& specs,
+                                  FWProtocolSpecDir dir) {
+  if (specs == nullptr) return CTarnFWProtocolSpecList(dir);
+  specs->setDir(dir);
+  return std::move(*specs);
+}
+
 std::unique_ptr<CTarnFWRule> assembleRule(const FWParse& parse, std::uint32_t id,
                                           std::uint32_t position, FWRuleParts& parts) {
-  if (parts.specs != nullptr) parts.specs->setDir(FW_SPEC_DIR_BOTH);
-  if (parts.sourcePorts != nullptr) parts.sourcePorts->setDir(FW_SPEC_DIR_SOURCE);
-  if (parts.destinationPorts != nullptr) parts.destinationPorts->setDir(FW_SPEC_DIR_DESTINATION);
   replaceRange(parse, "src", id, parts.source);
   replaceRange(parse, "dst", id, parts.destination);
   replaceTargetRange(parse, id, *parts.action);
   auto rule = std::make_unique<CTarnFWRule>(
-      id, static_cast<int>(position), parts.direction, std::move(parts.protocol),
-      std::move(parts.specs), std::move(parts.source), std::move(parts.sourcePorts),
-      std::move(parts.destination), std::move(parts.destinationPorts), std::move(parts.action),
+      id, static_cast<int>(position), parts.direction, *parts.protocol,
+      takeSpecs(parts.specs, FW_SPEC_DIR_BOTH), std::move(parts.source),
+      takeSpecs(parts.sourcePorts, FW_SPEC_DIR_SOURCE), std::move(parts.destination),
+      takeSpecs(parts.destinationPorts, FW_SPEC_DIR_DESTINATION), std::move(parts.action),
       std::move(parts.extendedSource), std::move(parts.attributeProfile));
   if (parts.af != FW_AF_NONE) rule->setAF(parts.af);
   if (parts.tag.length != 0) rule->setTag(parts.tag.data);

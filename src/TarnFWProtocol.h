@@ -39,10 +39,8 @@ class CTarnFWProtocol final : public ITarnFWObject {
   bool isNegated() const { return negated_; }
   bool isDefined() const { return defined_; }
 
-  /// True for exactly this IP protocol: defined, layer 3 and not negated.
-  bool isIPProtocol(unsigned short number) const {
-    return defined_ && layer3_ && !negated_ && number_ == number;
-  }
+  /// The number when exactly one IP protocol is matched: defined, layer 3 and not negated; else -1.
+  int getIPProtocol() const { return defined_ && layer3_ && !negated_ ? number_ : -1; }
 
  private:
   void appendWith(std::string& text, const char* protocolWord, const char* ethertypeWord) const;

@@ -4,17 +4,9 @@
 
 namespace TarnFirewall {
 
-namespace {
-
-unsigned char checkedDir(unsigned char dir) {
-  if (dir > FW_SPEC_DIR_DESTINATION) throw CInvalidProtocolSpecDirException(dir);
-  return dir;
+unsigned char CTarnFWProtocolSpec::refuseDir(unsigned char dir) {
+  throw CInvalidProtocolSpecDirException(dir);
 }
-
-}  // namespace
-
-CTarnFWProtocolSpec::CTarnFWProtocolSpec(unsigned char dir, bool negated)
-    : dir_(checkedDir(dir)), negated_(negated) {}
 
 std::string CTarnFWProtocolSpec::toString() const {
   std::string text;
@@ -22,7 +14,9 @@ std::string CTarnFWProtocolSpec::toString() const {
   return text;
 }
 
-void CTarnFWProtocolSpec::setDir(unsigned char dir) { dir_ = checkedDir(dir); }
+void CTarnFWProtocolSpec::setDir(unsigned char dir) {
+  dir_ = dir <= FW_SPEC_DIR_DESTINATION ? dir : refuseDir(dir);
+}
 
 FWSpecHeader_ CTarnFWProtocolSpec::header() const {
   const unsigned int kind = getSpecType();

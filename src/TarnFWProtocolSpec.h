@@ -84,7 +84,8 @@ class CTarnFWProtocolSpec : public ITarnFWObject {
   static constexpr int kFirstType = 115;
 
   /// Throws CInvalidProtocolSpecDirException for a dir above 2.
-  CTarnFWProtocolSpec(unsigned char dir, bool negated);
+  CTarnFWProtocolSpec(unsigned char dir, bool negated)
+      : dir_(dir <= FW_SPEC_DIR_DESTINATION ? dir : refuseDir(dir)), negated_(negated) {}
 
   int getType() const override { return kFirstType + static_cast<int>(getSpecType()); }
   std::string toString() const final;
@@ -117,6 +118,8 @@ class CTarnFWProtocolSpec : public ITarnFWObject {
   }
 
  private:
+  [[noreturn]] static unsigned char refuseDir(unsigned char dir);
+
   friend class CTarnFWProtocolSpecList;
 
   std::unique_ptr<CTarnFWProtocolSpec> next_;  // in the list that holds this spec

@@ -92,7 +92,7 @@ unsigned int CTarnFWProtocolSpecList::getSpecCount(FWProtocolSpecType_t kind) co
   return count;
 }
 
-std::uint32_t CTarnFWProtocolSpecList::getKinds() const {
+std::uint32_t CTarnFWProtocolSpecList::kindsOfMembers() const {
   std::uint32_t kinds = 0;
   forEach([&](const CTarnFWProtocolSpec& spec) { kinds |= 1u << spec.getSpecType(); });
   return kinds;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <utility>
 
 #include "TarnFWProtocolSpec.h"
 
@@ -17,6 +18,13 @@ class CTarnFWProtocolSpecList final : public CTarnFWProtocolSpec {
 
   /// An empty list, port mode off. Throws CInvalidProtocolSpecDirException for a dir above 2.
   explicit CTarnFWProtocolSpecList(unsigned char dir) : CTarnFWProtocolSpec(dir, false) {}
+
+  /// What is moved from is empty, and all kinds can be added to it again.
+  CTarnFWProtocolSpecList(CTarnFWProtocolSpecList&& other) noexcept
+      : CTarnFWProtocolSpec(other.getDir(), other.isNegated()),
+        portMode_(other.portMode_),
+        first_(std::move(other.first_)),
+        kinds_(std::exchange(other.kinds_, 0)) {}
 
   int getType() const override { return kType; }
   unsigned int getMsgSize() const override {
@@ -42,10 +50,26 @@ class CTarnFWProtocolSpecList final : public CTarnFWProtocolSpec {
   /// Members of this kind, or all members for FW_SPEC_NONE.
   unsigned int getSpecCount(FWProtocolSpecType_t kind) const;
 
+  /// Makes this spec the only member; null makes the list empty. All other kinds can be added.
+  void setSpec(std::unique_ptr<CTarnFWProtocolSpec> spec) {
+    kinds_ = 0;
+    if (spec) claimKind(*spec);
+    first_ = std::move(spec);
+  }
+
+  /// Null for an empty list.
+  CTarnFWProtocolSpec* first() const { return first_.get(); }
+
+  /// Back to an empty list to which all kinds can be added.
+  void clear() {
+    first_.reset();
+    kinds_ = 0;
+  }
+
   bool empty() const { return !first_; }
 
   /// The kinds of the members, a bit each: `1 << kind`.
-  std::uint32_t getKinds() const;
+  std::uint32_t getKinds() const { return first_ ? kindsOfMembers() : 0; }
 
   /// Takes the first member out; null when there is none.
   std::unique_ptr<CTarnFWProtocolSpec> takeFirst();
@@ -55,6 +79,7 @@ class CTarnFWProtocolSpecList final : public CTarnFWProtocolSpec {
   void mergeSpecList(CTarnFWProtocolSpecList& other);
 
  private:
+  std::uint32_t kindsOfMembers() const;
   void claimKind(const CTarnFWProtocolSpec& spec);
   std::unique_ptr<CTarnFWProtocolSpec>& end();
   template <typename Action>

@@ -24,16 +24,29 @@ constexpr SpecKinds kTCPKinds = specKind(FW_SPEC_TCP_FLAGS) | specKind(FW_SPEC_T
 /// Length of most rules' texts, so that the string grows once.
 constexpr std::size_t kUsualText = 200;
 
-void checkSpecs(const CTarnFWProtocol& protocol, const CTarnFWProtocolSpecList* connection,
-                const CTarnFWProtocolSpecList* sourcePorts,
-                const CTarnFWProtocolSpecList* destinationPorts) {
-  const SpecKinds kinds = specKinds(connection);
+void checkSpecs(const CTarnFWProtocol& protocol, const CTarnFWProtocolSpecList& connection,
+                const CTarnFWProtocolSpecList& sourcePorts,
+                const CTarnFWProtocolSpecList& destinationPorts) {
+  const SpecKinds kinds = connection.getKinds();
   const bool directionPorts =
-      ((specKinds(sourcePorts) | specKinds(destinationPorts)) & kPortKinds) != 0;
+      ((sourcePorts.getKinds() | destinationPorts.getKinds()) & kPortKinds) != 0;
   checkRuleSpecs(protocol, kinds, directionPorts, kTCPKinds);
   if ((kinds & kPortKinds) != 0 && directionPorts)
     throw CUnsupportedException(
         "cannot accept both connection-level and direction-level specification for port");
+}
+
+/// All that a rule is refused for. The result is `protocol`.
+const CTarnFWProtocol& checkAll(const CTarnFWProtocol& protocol, const CTarnFWRuleAction* action,
+                                FWRuleDirection_t direction, const CTarnFWAddress* source,
+                                const CTarnFWAddress* destination,
+                                const CTarnFWProtocolSpecList& connection,
+                                const CTarnFWProtocolSpecList& sourcePorts,
+                                const CTarnFWProtocolSpecList& destinationPorts) {
+  checkRuleParts(protocol, action != nullptr ? action->getAction() : FW_ACTION_ACCEPT, direction,
+                 source, destination);
+  checkSpecs(protocol, connection, sourcePorts, destinationPorts);
+  return protocol;
 }
 
 const char* directionText(FWRuleDirection_t direction) {
@@ -48,11 +61,11 @@ const char* directionText(FWRuleDirection_t direction) {
 }
 
 /// Appends a blank and the list's text, or nothing when there is no text. The result is the text.
-std::string_view appendSpecs(std::string& text, const CTarnFWProtocolSpecList* list) {
-  if (list == nullptr || list->empty()) return {};
+std::string_view appendSpecs(std::string& text, const CTarnFWProtocolSpecList& list) {
+  if (list.empty()) return {};
   text += ' ';
   const std::size_t start = text.size();
-  list->appendTo(text);
+  list.appendTo(text);
   if (text.size() == start) text.pop_back();
   return std::string_view(text).substr(std::min(start, text.size()));
 }
@@ -67,7 +80,7 @@ void appendAddress(std::string& text, const CTarnFWAddress* address) {
 
 /// The lines of one end of the traffic in the labelled form; `label` is "Source" or "Destination".
 void appendEnd(std::string& text, const char* label, const CTarnFWAddress* address,
-               const CTarnFWProtocolSpecList* ports) {
+               const CTarnFWProtocolSpecList& ports) {
   text += label;
   text += " : ";
   appendAddress(text, address);
@@ -82,16 +95,19 @@ void appendEnd(std::string& text, const char* label, const CTarnFWAddress* addre
     text += label;
     text += "_Excluded : Yes\n";
   }
-  if (ports != nullptr && !ports->empty()) {
+  if (!ports.empty()) {
     text += label;
     text += "_Port : ";
-    ports->appendTo(text);
+    ports.appendTo(text);
     text += '\n';
   }
 }
 
-bool isOfFamily(const CTarnFWAddress* address, bool (CTarnFWAddress::*family)() const) {
-  return address != nullptr && (address->*family)();
+/// Whether either address is there and of the family.
+template <bool (CTarnFWAddress::*isOfFamily)() const>
+bool eitherIs(const CTarnFWAddress* source, const CTarnFWAddress* destination) {
+  return (source != nullptr && (source->*isOfFamily)()) ||
+         (destination != nullptr && (destination->*isOfFamily)());
 }
 
 /// An address of type "any" is left out of the record, and with it its negation: this is meant.
@@ -105,8 +121,8 @@ bool writeAddress(CTarnFWAddress* address, FWAddress_& record, unsigned int bit,
 
 /// Into a cleared block.
 template <typename Block>
-void writeSpecs(CTarnFWProtocolSpecList* list, Block& block) {
-  if (list != nullptr && !list->empty()) list->toMessage(&block, sizeof block, nullptr);
+void writeSpecs(CTarnFWProtocolSpecList& list, Block& block) {
+  if (!list.empty()) list.toMessage(&block, sizeof block, nullptr);
 }
 
 void writeProfile(const CTarnFWContainerID* id, FWRuleProfile_& record) {
@@ -117,39 +133,38 @@ void writeProfile(const CTarnFWContainerID* id, FWRuleProfile_& record) {
 }  // namespace
 
 CTarnFWRule::CTarnFWRule(unsigned int id, int position, FWRuleDirection_t direction,
-                         std::unique_ptr<CTarnFWProtocol>&& protocol,
-                         std::unique_ptr<CTarnFWProtocolSpecList>&& connection,
+                         const CTarnFWProtocol& protocol, CTarnFWProtocolSpecList&& connection,
                          std::unique_ptr<CTarnFWAddress>&& source,
-                         std::unique_ptr<CTarnFWProtocolSpecList>&& sourcePorts,
+                         CTarnFWProtocolSpecList&& sourcePorts,
                          std::unique_ptr<CTarnFWAddress>&& destination,
-                         std::unique_ptr<CTarnFWProtocolSpecList>&& destinationPorts,
+                         CTarnFWProtocolSpecList&& destinationPorts,
                          std::unique_ptr<CTarnFWRuleAction>&& action,
                          std::unique_ptr<CTarnFWContainerID>&& extendedSource,
                          std::unique_ptr<CTarnFWContainerID>&& attributeProfile)
-    : id_(id), position_(position), direction_(direction) {
-  checkRuleParts(requireProtocol(protocol.get()), action ? action->getAction() : FW_ACTION_ACCEPT,
-                 direction, source.get(), destination.get());
-  if (sourcePorts) sourcePorts->setPortMode(true);
-  if (destinationPorts) destinationPorts->setPortMode(true);
-  checkSpecs(*protocol, connection.get(), sourcePorts.get(), destinationPorts.get());
-
-  if (attributeProfile || extendedSource) {
-    profileMode_ =
-        (attributeProfile ? kProfileAttribute : 0) | (extendedSource ? kProfileExtendedSource : 0);
+    : id_(id),
+      position_(position),
+      direction_(direction),
+      // Before anything is moved: what is refused stays the caller's.
+      protocol_(checkAll(protocol, action.get(), direction, source.get(), destination.get(),
+                         connection, sourcePorts, destinationPorts)),
+      action_(std::move(action)),
+      source_(std::move(source)),
+      destination_(std::move(destination)),
+      sourcePorts_(std::move(sourcePorts)),
+      destinationPorts_(std::move(destinationPorts)),
+      connection_(std::move(connection)),
+      attributeProfile_(std::move(attributeProfile)),
+      extendedSource_(std::move(extendedSource)) {
+  sourcePorts_.setPortMode(true);
+  destinationPorts_.setPortMode(true);
+  if (attributeProfile_ || extendedSource_) {
+    profileMode_ = (attributeProfile_ ? kProfileAttribute : 0) |
+                   (extendedSource_ ? kProfileExtendedSource : 0);
   }
-  protocol_ = std::move(protocol);
-  action_ = std::move(action);
-  source_ = std::move(source);
-  destination_ = std::move(destination);
-  sourcePorts_ = std::move(sourcePorts);
-  destinationPorts_ = std::move(destinationPorts);
-  connection_ = std::move(connection);
-  attributeProfile_ = std::move(attributeProfile);
-  extendedSource_ = std::move(extendedSource);
 }
 
 void CTarnFWRule::validateProtocolSpec() const {
-  checkSpecs(*protocol_, connection_.get(), sourcePorts_.get(), destinationPorts_.get());
+  checkSpecs(protocol_, connection_, sourcePorts_, destinationPorts_);
 }
 
 void CTarnFWRule::setDirection(FWRuleDirection_t direction) {
@@ -163,12 +178,11 @@ void CTarnFWRule::setAF(FWRuleAF_t af) {
   if (af > FW_AF_INET6)
     throw CUnsupportedException(FW_STATUS_INVALID_ADDRESS_FAMILY,
                                 formatText("unsupported address family %d", static_cast<int>(af)));
-  const auto any = [this](bool (CTarnFWAddress::*family)() const) {
-    return isOfFamily(source_.get(), family) || isOfFamily(destination_.get(), family);
-  };
-  if ((af == FW_AF_INET6 && any(&CTarnFWAddress::isIPv4Address)) ||
-      (af == FW_AF_INET && any(&CTarnFWAddress::isIPv6Address)) ||
-      (af != FW_AF_NONE && any(&CTarnFWAddress::isMACAddress))) {
+  const CTarnFWAddress* const source = source_.get();
+  const CTarnFWAddress* const destination = destination_.get();
+  if ((af == FW_AF_INET6 && eitherIs<&CTarnFWAddress::isIPv4Address>(source, destination)) ||
+      (af == FW_AF_INET && eitherIs<&CTarnFWAddress::isIPv6Address>(source, destination)) ||
+      (af != FW_AF_NONE && eitherIs<&CTarnFWAddress::isMACAddress>(source, destination))) {
     throw CUnsupportedException(FW_STATUS_INVALID_ADDRESS_FAMILY, "af conflicts with rule address");
   }
   keepWritten();
@@ -184,8 +198,8 @@ void CTarnFWRule::setTag(const char* tag) {
 }
 
 void CTarnFWRule::setTCPStrict(bool on) {
-  const bool tcp = protocol_->isIPProtocol(IPPROTO_TCP);
-  const bool strict = connection_ && connection_->getSpecCount(FW_SPEC_STRICT) != 0;
+  const bool tcp = protocol_.getIPProtocol() == IPPROTO_TCP;
+  const bool strict = connection_.getSpecCount(FW_SPEC_STRICT) != 0;
   const bool changes = tcp && on != strict;
   if (changes) keepWritten();
   if (kept_) {
@@ -197,12 +211,11 @@ void CTarnFWRule::setTCPStrict(bool on) {
     }
   }
   if (!changes) return;
-  if (!on) {
-    connection_->deleteSpec(FW_SPEC_STRICT);
-    return;
+  if (on) {
+    connection_.addSpec(std::make_unique<CTarnFWProtocolSpecStrict>());
+  } else {
+    connection_.deleteSpec(FW_SPEC_STRICT);
   }
-  if (!connection_) connection_ = std::make_unique<CTarnFWProtocolSpecList>(FW_SPEC_DIR_BOTH);
-  connection_->addSpec(std::make_unique<CTarnFWProtocolSpecStrict>());
 }
 
 void CTarnFWRule::appendTo(std::string& text) const {
@@ -217,14 +230,14 @@ void CTarnFWRule::appendTo(std::string& text) const {
   if (af_ == FW_AF_INET) text += " inet";
   if (af_ == FW_AF_INET6) text += " inet6";
   text += ' ';
-  protocol_->appendTo(text);
-  appendSpecs(text, connection_.get());
+  protocol_.appendTo(text);
+  appendSpecs(text, connection_);
   text += " from ";
   appendAddress(text, source_.get());
-  appendSpecs(text, sourcePorts_.get());
+  appendSpecs(text, sourcePorts_);
   text += " to ";
   appendAddress(text, destination_.get());
-  const bool toPort69 = appendSpecs(text, destinationPorts_.get()) == "port 69";
+  const bool toPort69 = appendSpecs(text, destinationPorts_) == "port 69";
   if ((profileMode_ & kProfileCopy) != 0) text += " with attribute ANY ";
   if (hasExtSrcProfile() && extendedSource_) {
     text += " with extended src ";
@@ -241,7 +254,7 @@ void CTarnFWRule::appendTo(std::string& text) const {
   } else {
     text += "accept";
   }
-  if (protocol_->getNumber() == IPPROTO_UDP && toPort69) text += " as tftp";
+  if (protocol_.getNumber() == IPPROTO_UDP && toPort69) text += " as tftp";
   if (tag_[0] != '\0') {
     text += " tag '";
     text += tag_;
@@ -269,12 +282,12 @@ std::string CTarnFWRule::toString2() const {
   text += '\n';
   if (af_ == FW_AF_INET) text += "Af : inet\n";
   if (af_ == FW_AF_INET6) text += "Af : inet6\n";
-  text += protocol_->toString2();
+  text += protocol_.toString2();
   text += "\nConn_Spec :";
-  appendSpecs(text, connection_.get());
+  appendSpecs(text, connection_);
   text += '\n';
-  appendEnd(text, "Source", source_.get(), sourcePorts_.get());
-  appendEnd(text, "Destination", destination_.get(), destinationPorts_.get());
+  appendEnd(text, "Source", source_.get(), sourcePorts_);
+  appendEnd(text, "Destination", destination_.get(), destinationPorts_);
   text += "Action : ";
   text += action_ ? action_->toString(0) : CTarnFWRuleActionAccept().toString();
   text += '\n';
@@ -282,8 +295,7 @@ std::string CTarnFWRule::toString2() const {
   return text;
 }
 
-bool CTarnFWRule::encode(FWRule_& record) const {
-  record = {};
+bool CTarnFWRule::encode(FWRule_& record) {
   record.id = id_;
   record.position = position_;
   std::memcpy(record.tag, tag_, sizeof record.tag);
@@ -291,13 +303,13 @@ bool CTarnFWRule::encode(FWRule_& record) const {
   unsigned int flags = (direction_ & kRuleDirectionMask) << kRuleDirectionShift;
   const bool layer3 = isLayer3();
   if (layer3) flags |= kRuleLayer3;
-  if (protocol_->isDefined()) {
+  if (protocol_.isDefined()) {
     flags |= kRuleHasProtocol;
-    record.protocol = ruleProtocolNumber(protocol_->getNumber(), layer3);
-    if (protocol_->isNegated()) flags |= kRuleProtocolNegated;
+    record.protocol = ruleProtocolNumber(protocol_.getNumber(), layer3);
+    if (protocol_.isNegated()) flags |= kRuleProtocolNegated;
   }
 
-  writeSpecs(connection_.get(), record.session);
+  writeSpecs(connection_, record.session);
   const bool acted =
       action_ ? action_->toMessage(&record.action, sizeof record.action, nullptr)
               : CTarnFWRuleActionAccept().toMessage(&record.action, sizeof record.action, nullptr);
@@ -309,19 +321,17 @@ bool CTarnFWRule::encode(FWRule_& record) const {
   unsigned int af = af_;
   if (af == FW_AF_NONE) {
     if (!written_) TARNFW_TRACE(FW_COMPONENT_RULE, 0, "    fixing af\n");
-    const auto derive = [&](FWRuleAF_t family, bool (CTarnFWAddress::*isOne)() const) {
-      if (!isOfFamily(source_.get(), isOne) && !isOfFamily(destination_.get(), isOne)) return;
-      af = family;
-      record.origin = kRuleAFDerived;
-    };
-    derive(FW_AF_INET, &CTarnFWAddress::isIPv4Address);
-    derive(FW_AF_INET6, &CTarnFWAddress::isIPv6Address);
+    if (eitherIs<&CTarnFWAddress::isIPv4Address>(source_.get(), destination_.get()))
+      af = FW_AF_INET;
+    if (eitherIs<&CTarnFWAddress::isIPv6Address>(source_.get(), destination_.get()))
+      af = FW_AF_INET6;
+    if (af != FW_AF_NONE) record.origin = kRuleAFDerived;
   }
   record.flags = static_cast<std::uint8_t>(flags | (af & 1) << kRuleAFLowShift);
   record.moreFlags = static_cast<std::uint8_t>((af >> 1) & kRuleAFHigh);
 
-  writeSpecs(sourcePorts_.get(), record.sourcePorts);
-  writeSpecs(destinationPorts_.get(), record.destinationPorts);
+  writeSpecs(sourcePorts_, record.sourcePorts);
+  writeSpecs(destinationPorts_, record.destinationPorts);
 
   unsigned int mode = 0;
   if (extendedSource_) {
@@ -360,7 +370,7 @@ bool CTarnFWRule::toMessage(void* buffer, unsigned int size, unsigned int* writt
   if (kept_) {
     storeRecord(buffer, *kept_);
   } else {
-    FWRule_ record;
+    FWRule_ record{};
     if (!encode(record)) return false;
     storeRecord(buffer, record);
   }

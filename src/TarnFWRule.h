@@ -25,16 +25,14 @@ class CTarnFWRule : public ITarnFWObject {
  public:
   static constexpr int kType = 21;
 
-  /// Takes all objects over when the rule is accepted; the caller's pointers keep them when an
-  /// exception is thrown. `protocol` must not be null; a null address means any, a null action
-  /// accept. Throws CUnsupportedException for parts that don't go together.
+  /// Takes all objects over when the rule is accepted; they stay the caller's when an exception is
+  /// thrown. A null address means any, a null action accept; a list may be empty. Throws
+  /// CUnsupportedException for parts that don't go together.
   CTarnFWRule(unsigned int id, int position, FWRuleDirection_t direction,
-              std::unique_ptr<CTarnFWProtocol>&& protocol,
-              std::unique_ptr<CTarnFWProtocolSpecList>&& connection,
-              std::unique_ptr<CTarnFWAddress>&& source,
-              std::unique_ptr<CTarnFWProtocolSpecList>&& sourcePorts,
+              const CTarnFWProtocol& protocol, CTarnFWProtocolSpecList&& connection,
+              std::unique_ptr<CTarnFWAddress>&& source, CTarnFWProtocolSpecList&& sourcePorts,
               std::unique_ptr<CTarnFWAddress>&& destination,
-              std::unique_ptr<CTarnFWProtocolSpecList>&& destinationPorts,
+              CTarnFWProtocolSpecList&& destinationPorts,
               std::unique_ptr<CTarnFWRuleAction>&& action,
               std::unique_ptr<CTarnFWContainerID>&& extendedSource,
               std::unique_ptr<CTarnFWContainerID>&& attributeProfile);
@@ -67,7 +65,7 @@ class CTarnFWRule : public ITarnFWObject {
   /// CDuplicateProtocolSpecException, see CTarnFWProtocolSpecList::deleteSpec.
   void setTCPStrict(bool on);
 
-  bool isLayer3() const { return protocol_->isLayer3(); }
+  bool isLayer3() const { return protocol_.isLayer3(); }
   bool hasAttributeProfile() const { return (profileMode_ & kProfileAttribute) != 0; }
   bool hasExtSrcProfile() const { return (profileMode_ & kProfileExtendedSource) != 0; }
   const CTarnFWContainerID* getAttributeProfile() const { return attributeProfile_.get(); }
@@ -81,7 +79,7 @@ class CTarnFWRule : public ITarnFWObject {
   std::uint32_t profileMode_ = kProfileNone;
 
  private:
-  bool encode(FWRule_& record) const;
+  bool encode(FWRule_& record);
   bool isDefaultRule(const FWRule_& record) const;
   void keepWritten();
 
@@ -89,13 +87,13 @@ class CTarnFWRule : public ITarnFWObject {
   std::int32_t position_;
   FWRuleAF_t af_ = FW_AF_NONE;
   FWRuleDirection_t direction_;
-  std::unique_ptr<CTarnFWProtocol> protocol_;
+  CTarnFWProtocol protocol_;
   std::unique_ptr<CTarnFWRuleAction> action_;
   std::unique_ptr<CTarnFWAddress> source_;
   std::unique_ptr<CTarnFWAddress> destination_;
-  std::unique_ptr<CTarnFWProtocolSpecList> sourcePorts_;
-  std::unique_ptr<CTarnFWProtocolSpecList> destinationPorts_;
-  std::unique_ptr<CTarnFWProtocolSpecList> connection_;
+  CTarnFWProtocolSpecList sourcePorts_;
+  CTarnFWProtocolSpecList destinationPorts_;
+  CTarnFWProtocolSpecList connection_;
   std::unique_ptr<CTarnFWContainerID> attributeProfile_;
   std::unique_ptr<CTarnFWContainerID> extendedSource_;
   std::unique_ptr<FWRule_> kept_;  // what was written, once the rule differs from it

@@ -93,20 +93,16 @@ std::string CTarnFWRuleAction::toString(int) const {
   return text;
 }
 
-bool CTarnFWRuleAction::writeData(fw_rule_action_&) { return true; }
+void CTarnFWRuleAction::writeData(fw_rule_action_&) {}
 
 void CTarnFWRuleAction::setActionFlag(fw_rule_action_* record) const {
-  unsigned int flags = record->flags;
-  const auto assign = [&flags](unsigned int bit, bool set) {
-    flags = set ? flags | bit : flags & ~bit;
-  };
-  assign(kActionLog, log_);
-  assign(kActionCopy, copy_);
-  assign(kActionNoFlow, noFlow_);
-  assign(kActionRtt, rtt_);
-  assign(kActionLBRule, lbRule_);
+  constexpr unsigned int kAssigned =
+      kActionLog | kActionCopy | kActionNoFlow | kActionRtt | kActionLBRule;
+  unsigned int flags = record->flags & ~kAssigned;
+  flags |= log_ * kActionLog | copy_ * kActionCopy | noFlow_ * kActionNoFlow | rtt_ * kActionRtt |
+           lbRule_ * kActionLBRule;
   if (dynamic_) {
-    assign(kActionDynamic, true);
+    flags |= kActionDynamic;
     const unsigned int kept = record->dynamicApp & 0xf000u;
     record->dynamicApp =
         static_cast<std::uint16_t>(kept | (dynamicFlags_ & 0xfu) | ((dynamicApp_ & 0xffu) << 4));
@@ -115,12 +111,11 @@ void CTarnFWRuleAction::setActionFlag(fw_rule_action_* record) const {
 }
 
 bool CTarnFWRuleAction::toMessage(void* buffer, unsigned int size, unsigned int* written) {
-  if (size < sizeof(fw_rule_action_)) return false;
-  fw_rule_action_ record{};
+  if (size < sizeof(fw_rule_action_) || !dataFits()) return false;
+  auto& record = clearRecord<fw_rule_action_>(buffer);
   record.action = static_cast<std::uint8_t>(getAction());
-  if (!writeData(record)) return false;
+  writeData(record);
   setActionFlag(&record);
-  storeRecord(buffer, record);
   if (written != nullptr) *written = sizeof record;
   return true;
 }

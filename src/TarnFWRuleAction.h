@@ -142,8 +142,11 @@ class CTarnFWRuleAction : public ITarnFWObject {
   /// Text between the word and the flags, with its leading blank.
   virtual void appendData(std::string& text) const;
 
-  /// The action's own data in a cleared record. False when it can't be written.
-  virtual bool writeData(fw_rule_action_& record);
+  /// Whether the action's own data fits into a record. Where it does not, nothing is written.
+  virtual bool dataFits() const { return true; }
+
+  /// The action's own data in a cleared record.
+  virtual void writeData(fw_rule_action_& record);
 
  private:
   void appendFlags(std::string& text) const;

@@ -69,13 +69,13 @@ void CTarnFWRuleActionDNAT::appendData(std::string& text) const {
   }
 }
 
-bool CTarnFWRuleActionDNAT::writeData(fw_rule_action_& record) {
+void CTarnFWRuleActionDNAT::writeData(fw_rule_action_& record) {
   const unsigned int pool = (pool_ & kActionPoolMask) << kActionPoolShift;
   record.present = static_cast<std::uint8_t>(ports_.present | pool);
   record.poolValue = poolValue_;
   record.port = ports_.first;
   record.lastPort = ports_.last;
-  return CTarnFWRuleActionNAT::writeData(record);
+  CTarnFWRuleActionNAT::writeData(record);
 }
 
 }  // namespace TarnFirewall

@@ -53,7 +53,7 @@ class CTarnFWRuleActionDNAT final : public CTarnFWRuleActionNAT {
                         unsigned short poolValue);
 
   void appendData(std::string& text) const override;
-  bool writeData(fw_rule_action_& record) override;
+  void writeData(fw_rule_action_& record) override;
 
   Ports ports_;
   FWRulePoolOpt_t pool_;

@@ -17,9 +17,6 @@ void CTarnFWRuleActionJumpto::appendData(std::string& text) const {
   text.append(id_.text, fieldLength(id_.text, sizeof id_.text));
 }
 
-bool CTarnFWRuleActionJumpto::writeData(fw_rule_action_& record) {
-  storeRecord(record.data, id_);
-  return true;
-}
+void CTarnFWRuleActionJumpto::writeData(fw_rule_action_& record) { storeRecord(record.data, id_); }
 
 }  // namespace TarnFirewall

@@ -16,7 +16,7 @@ class CTarnFWRuleActionJumpto final : public CTarnFWRuleAction {
 
  private:
   void appendData(std::string& text) const override;
-  bool writeData(fw_rule_action_& record) override;
+  void writeData(fw_rule_action_& record) override;
 
   FWRuleSetID_t id_{};
 };

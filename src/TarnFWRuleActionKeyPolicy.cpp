@@ -10,10 +10,9 @@ void CTarnFWRuleActionKeyPolicy::appendKeyPolicy(std::string& text) const {
   text += keyPolicy_;
 }
 
-bool CTarnFWRuleActionKeyPolicy::writeData(fw_rule_action_& record) {
+void CTarnFWRuleActionKeyPolicy::writeData(fw_rule_action_& record) {
   const std::size_t size = std::min(keyPolicy_.size(), sizeof record.keyPolicy - 1);
   std::copy_n(keyPolicy_.data(), size, record.keyPolicy);
-  return true;
 }
 
 }  // namespace TarnFirewall

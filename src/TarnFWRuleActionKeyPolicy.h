@@ -17,7 +17,7 @@ class CTarnFWRuleActionKeyPolicy : public CTarnFWRuleAction {
 
  private:
   /// An id of more than 36 characters is cut without a word: this is meant.
-  bool writeData(fw_rule_action_& record) override;
+  void writeData(fw_rule_action_& record) override;
 
   std::string keyPolicy_;
 };

@@ -40,7 +40,7 @@ void CTarnFWRuleActionLB::appendData(std::string& text) const {
   }
 }
 
-bool CTarnFWRuleActionLB::writeData(fw_rule_action_& record) {
+void CTarnFWRuleActionLB::writeData(fw_rule_action_& record) {
   record.lbType = static_cast<std::uint8_t>(type_);
   record.lbIdleTimeout = idleTimeout_;
   record.lbCloseTimeout = closeTimeout_;
@@ -48,7 +48,6 @@ bool CTarnFWRuleActionLB::writeData(fw_rule_action_& record) {
     record.present = kActionHasLBOptions;
     options_.copy(record.lbOptions, options_.size());
   }
-  return true;
 }
 
 }  // namespace TarnFirewall

@@ -19,7 +19,7 @@ class CTarnFWRuleActionLB final : public CTarnFWRuleAction {
 
  private:
   void appendData(std::string& text) const override;
-  bool writeData(fw_rule_action_& record) override;
+  void writeData(fw_rule_action_& record) override;
 
   std::uint16_t type_;
   std::uint16_t idleTimeout_;

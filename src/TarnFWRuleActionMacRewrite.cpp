@@ -19,9 +19,8 @@ void CTarnFWRuleActionMacRewrite::appendData(std::string& text) const {
   }
 }
 
-bool CTarnFWRuleActionMacRewrite::writeData(fw_rule_action_& record) {
+void CTarnFWRuleActionMacRewrite::writeData(fw_rule_action_& record) {
   std::memcpy(record.data, mac_, sizeof mac_);
-  return true;
 }
 
 }  // namespace TarnFirewall

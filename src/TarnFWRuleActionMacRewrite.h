@@ -14,7 +14,7 @@ class CTarnFWRuleActionMacRewrite final : public CTarnFWRuleAction {
 
  private:
   void appendData(std::string& text) const override;
-  bool writeData(fw_rule_action_& record) override;
+  void writeData(fw_rule_action_& record) override;
 
   std::uint8_t mac_[6];
 };

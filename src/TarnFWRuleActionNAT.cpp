@@ -22,9 +22,13 @@ void CTarnFWRuleActionNAT::appendData(std::string& text) const {
   address_->appendTo(text);
 }
 
-bool CTarnFWRuleActionNAT::writeData(fw_rule_action_& record) {
+bool CTarnFWRuleActionNAT::dataFits() const {
+  return address_->getMsgSize() <= sizeof fw_rule_action_::data;
+}
+
+void CTarnFWRuleActionNAT::writeData(fw_rule_action_& record) {
   unsigned int written = 0;
-  return address_->toMessage(record.data, sizeof record.data, &written);
+  address_->toMessage(record.data, sizeof record.data, &written);
 }
 
 }  // namespace TarnFirewall

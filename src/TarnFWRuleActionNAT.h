@@ -20,7 +20,8 @@ class CTarnFWRuleActionNAT : public CTarnFWRuleAction {
   explicit CTarnFWRuleActionNAT(const FWAddress_* record);
 
   void appendData(std::string& text) const override;
-  bool writeData(fw_rule_action_& record) override;
+  bool dataFits() const override;
+  void writeData(fw_rule_action_& record) override;
 
  private:
   std::unique_ptr<CTarnFWAddress> address_;

@@ -42,30 +42,18 @@ constexpr std::size_t kTagLength = 31;
 /// Kinds that only TCP has, as far as the builder looks: strict and sloppy are left to the rule.
 constexpr SpecKinds kTCPKinds = specKind(FW_SPEC_TCP_FLAGS) | specKind(FW_SPEC_TCP_OPTIONS);
 
-using Port = std::unique_ptr<CTarnFWProtocolSpec>;
-
-CTarnFWProtocolSpecL4PortSet& requireSet(Port& port, FWProtocolSpecDir dir) {
-  if (!port) port = std::make_unique<CTarnFWProtocolSpecL4PortSet>(dir, false);
-  if (port->getSpecType() != FW_SPEC_L4_PORT_SET)
+/// The port set of an end, made where there is nothing.
+CTarnFWProtocolSpecL4PortSet& requireSet(CTarnFWProtocolSpecList& port) {
+  if (port.empty())
+    port.setSpec(std::make_unique<CTarnFWProtocolSpecL4PortSet>(port.getDir(), false));
+  if (port.first()->getSpecType() != FW_SPEC_L4_PORT_SET)
     throw CUnsupportedException("cannot add a port to what is no port set");
-  return static_cast<CTarnFWProtocolSpecL4PortSet&>(*port);
+  return static_cast<CTarnFWProtocolSpecL4PortSet&>(*port.first());
 }
 
-void negatePort(Port& port) {
-  if (!port) throw CUnsupportedException("no port is defined");
-  port->setNegated(true);
-}
-
-std::unique_ptr<CTarnFWProtocolSpecList> toList(Port& port, FWProtocolSpecDir dir) {
-  if (!port) return nullptr;
-  auto list = std::make_unique<CTarnFWProtocolSpecList>(dir);
-  list->addSpec(std::move(port));
-  return list;
-}
-
-/// The way back, when the rule did not take the list.
-void fromList(std::unique_ptr<CTarnFWProtocolSpecList>& list, Port& port) {
-  if (list) port = list->takeFirst();
+void negatePort(const CTarnFWProtocolSpecList& port) {
+  if (port.empty()) throw CUnsupportedException("no port is defined");
+  port.first()->setNegated(true);
 }
 
 /// Container ids of a record are taken as they stand.
@@ -91,12 +79,16 @@ void CTarnFWRuleBuilder::setTag(const std::string& tag) {
 
 void CTarnFWRuleBuilder::setTag(const char* tag) { setTag(std::string(tag != nullptr ? tag : "")); }
 
-void CTarnFWRuleBuilder::setType(bool layer3) {
-  protocol_ = std::make_unique<CTarnFWProtocol>(layer3);
-}
+void CTarnFWRuleBuilder::setType(bool layer3) { setProtocol(CTarnFWProtocol(layer3)); }
 
 void CTarnFWRuleBuilder::setProtocol(unsigned short number, bool negated) {
-  requireProtocol(protocol_.get()).setProtocol(number, negated);
+  requireProtocol();
+  protocol_.setProtocol(number, negated);
+}
+
+const CTarnFWProtocol& CTarnFWRuleBuilder::requireProtocol() const {
+  if (!hasProtocol_) throw CUnsupportedException("no protocol is defined");
+  return protocol_;
 }
 
 CTarnFWRuleAction& CTarnFWRuleBuilder::requireAction() const {
@@ -189,46 +181,43 @@ void CTarnFWRuleBuilder::negate(std::unique_ptr<CTarnFWAddress>& address) {
 }
 
 void CTarnFWRuleBuilder::setSourcePort(unsigned short low, unsigned short high, bool negated) {
-  sourcePort_ =
-      std::make_unique<CTarnFWProtocolSpecL4PortRange>(FW_SPEC_DIR_SOURCE, low, high, negated);
+  setSourcePort(
+      std::make_unique<CTarnFWProtocolSpecL4PortRange>(FW_SPEC_DIR_SOURCE, low, high, negated));
 }
 
 void CTarnFWRuleBuilder::setSourcePort(unsigned short port, bool negated) {
-  sourcePort_ = std::make_unique<CTarnFWProtocolSpecL4Port>(FW_SPEC_DIR_SOURCE, port, negated);
+  setSourcePort(std::make_unique<CTarnFWProtocolSpecL4Port>(FW_SPEC_DIR_SOURCE, port, negated));
 }
 
 void CTarnFWRuleBuilder::setDestPort(unsigned short low, unsigned short high, bool negated) {
-  destPort_ =
-      std::make_unique<CTarnFWProtocolSpecL4PortRange>(FW_SPEC_DIR_DESTINATION, low, high, negated);
+  setDestPort(std::make_unique<CTarnFWProtocolSpecL4PortRange>(FW_SPEC_DIR_DESTINATION, low, high,
+                                                               negated));
 }
 
 void CTarnFWRuleBuilder::setDestPort(unsigned short port, bool negated) {
-  destPort_ = std::make_unique<CTarnFWProtocolSpecL4Port>(FW_SPEC_DIR_DESTINATION, port, negated);
+  setDestPort(std::make_unique<CTarnFWProtocolSpecL4Port>(FW_SPEC_DIR_DESTINATION, port, negated));
 }
 
 void CTarnFWRuleBuilder::addSourcePort(unsigned short low, unsigned short high) {
-  requireSet(sourcePort_, FW_SPEC_DIR_SOURCE).addPortRange(low, high);
+  requireSet(sourcePort_).addPortRange(low, high);
 }
 
 void CTarnFWRuleBuilder::addSourcePort(unsigned short port) {
-  requireSet(sourcePort_, FW_SPEC_DIR_SOURCE).addPort(port);
+  requireSet(sourcePort_).addPort(port);
 }
 
 void CTarnFWRuleBuilder::addDestPort(unsigned short low, unsigned short high) {
-  requireSet(destPort_, FW_SPEC_DIR_DESTINATION).addPortRange(low, high);
+  requireSet(destPort_).addPortRange(low, high);
 }
 
-void CTarnFWRuleBuilder::addDestPort(unsigned short port) {
-  requireSet(destPort_, FW_SPEC_DIR_DESTINATION).addPort(port);
-}
+void CTarnFWRuleBuilder::addDestPort(unsigned short port) { requireSet(destPort_).addPort(port); }
 
 void CTarnFWRuleBuilder::negateSourcePort() { negatePort(sourcePort_); }
 
 void CTarnFWRuleBuilder::negateDestPort() { negatePort(destPort_); }
 
 void CTarnFWRuleBuilder::addProtocolSpec(std::unique_ptr<CTarnFWProtocolSpec> spec) {
-  if (!connection_) connection_ = std::make_unique<CTarnFWProtocolSpecList>(FW_SPEC_DIR_BOTH);
-  connection_->addSpec(std::move(spec));
+  connection_.addSpec(std::move(spec));
 }
 
 void CTarnFWRuleBuilder::setStateless() {
@@ -257,40 +246,32 @@ void CTarnFWRuleBuilder::addTCPFlags(unsigned char flags, bool negated) {
 }
 
 void CTarnFWRuleBuilder::validateRule() const {
-  const CTarnFWProtocol& protocol = requireProtocol(protocol_.get());
+  const CTarnFWProtocol& protocol = requireProtocol();
   const FWRuleAction_t action = requireAction().getAction();
   checkRuleParts(protocol, action, direction_, source_.get(), destination_.get());
   validateProtocolSpec();
 }
 
 void CTarnFWRuleBuilder::validateProtocolSpec() const {
-  checkRuleSpecs(requireProtocol(protocol_.get()), specKinds(connection_.get()),
-                 sourcePort_ || destPort_, kTCPKinds);
-}
-
-std::unique_ptr<CTarnFWRule> CTarnFWRuleBuilder::makeRule() {
-  auto sourcePorts = toList(sourcePort_, FW_SPEC_DIR_SOURCE);
-  auto destPorts = toList(destPort_, FW_SPEC_DIR_DESTINATION);
-  try {
-    return std::make_unique<CTarnFWRule>(
-        id_, position_, direction_, std::move(protocol_), std::move(connection_),
-        std::move(source_), std::move(sourcePorts), std::move(destination_), std::move(destPorts),
-        std::move(action_), std::move(extendedSource_), std::move(attributeProfile_));
-  } catch (...) {
-    fromList(sourcePorts, sourcePort_);
-    fromList(destPorts, destPort_);
-    throw;
-  }
+  checkRuleSpecs(requireProtocol(), connection_.getKinds(),
+                 !sourcePort_.empty() || !destPort_.empty(), kTCPKinds);
 }
 
 std::unique_ptr<CTarnFWRule> CTarnFWRuleBuilder::buildRule() {
   try {
-    validateRule();
-    std::unique_ptr<CTarnFWRule> rule = makeRule();
-    rule->setAF(af_);
+    // The rest of validateRule is left to the rule, which makes the same checks in the same order,
+    // with the same words and more of them, before it takes anything.
+    const CTarnFWProtocol& protocol = requireProtocol();
+    requireAction();
+    auto rule = std::make_unique<CTarnFWRule>(
+        id_, position_, direction_, protocol, std::move(connection_), std::move(source_),
+        std::move(sourcePort_), std::move(destination_), std::move(destPort_), std::move(action_),
+        std::move(extendedSource_), std::move(attributeProfile_));
+    hasProtocol_ = false;
+    if (af_ != FW_AF_NONE) rule->setAF(af_);
     if (!tag_.empty()) rule->setTag(tag_.c_str());
     if (internal_) rule->setInternal();
-    init();
+    initHead();
     return rule;
   } catch (const CTarnFWException& e) {
     TARNFW_ERROR("buildRule error %d: %s\n", e.retcode(), e.what());
@@ -298,19 +279,23 @@ std::unique_ptr<CTarnFWRule> CTarnFWRuleBuilder::buildRule() {
   }
 }
 
-void CTarnFWRuleBuilder::init() {
+void CTarnFWRuleBuilder::initHead() {
   id_ = 0;
   internal_ = false;
   position_ = 0;
   direction_ = FW_DIRECTION_INOUT;
   af_ = FW_AF_NONE;
-  protocol_.reset();
+}
+
+void CTarnFWRuleBuilder::init() {
+  initHead();
+  hasProtocol_ = false;
   action_.reset();
   source_.reset();
   destination_.reset();
-  sourcePort_.reset();
-  destPort_.reset();
-  connection_.reset();
+  sourcePort_.clear();
+  destPort_.clear();
+  connection_.clear();
   extendedSource_.reset();
   attributeProfile_.reset();
 }
@@ -336,9 +321,9 @@ void CTarnFWRuleBuilder::init(const FWRule_* record) {
     const auto* bytes = reinterpret_cast<const std::uint8_t*>(record);
     return CTarnFWProtocolSpecFactory::newFromMsgBuf(bytes + offset, size);
   };
-  if (Port port = specAt(offsetof(FWRule_, sourcePorts), sizeof record->sourcePorts))
+  if (auto port = specAt(offsetof(FWRule_, sourcePorts), sizeof record->sourcePorts))
     setSourcePort(std::move(port));
-  if (Port port = specAt(offsetof(FWRule_, destinationPorts), sizeof record->destinationPorts))
+  if (auto port = specAt(offsetof(FWRule_, destinationPorts), sizeof record->destinationPorts))
     setDestPort(std::move(port));
   const unsigned int session = record->session.flags;
   if ((session & kSessionStateless) != 0) setStateless();

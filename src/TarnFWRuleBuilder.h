@@ -37,9 +37,12 @@ class CTarnFWRuleBuilder {
   /// CUnsupportedException otherwise.
   void setType(bool layer3);
   void setProtocol(unsigned short number, bool negated);
-  void setProtocol(std::unique_ptr<CTarnFWProtocol> protocol) { protocol_ = std::move(protocol); }
+  void setProtocol(const CTarnFWProtocol& protocol) {
+    protocol_ = protocol;
+    hasProtocol_ = true;
+  }
   /// False while there is no protocol.
-  bool isLayer3() const { return protocol_ && protocol_->isLayer3(); }
+  bool isLayer3() const { return hasProtocol_ && protocol_.isLayer3(); }
 
   void setAction(std::unique_ptr<CTarnFWRuleAction> action) { action_ = std::move(action); }
   /// Makes the actions without data and, with the key policy, encrypt and pbr. Any other action is
@@ -95,10 +98,14 @@ class CTarnFWRuleBuilder {
   void negateRuleAddress(bool isSource) { negate(end(isSource)); }
 
   /// Ports of an end: a spec, a range or a single port.
-  void setSourcePort(std::unique_ptr<CTarnFWProtocolSpec> port) { sourcePort_ = std::move(port); }
+  void setSourcePort(std::unique_ptr<CTarnFWProtocolSpec> port) {
+    sourcePort_.setSpec(std::move(port));
+  }
   void setSourcePort(unsigned short low, unsigned short high, bool negated);
   void setSourcePort(unsigned short port, bool negated);
-  void setDestPort(std::unique_ptr<CTarnFWProtocolSpec> port) { destPort_ = std::move(port); }
+  void setDestPort(std::unique_ptr<CTarnFWProtocolSpec> port) {
+    destPort_.setSpec(std::move(port));
+  }
   void setDestPort(unsigned short low, unsigned short high, bool negated);
   void setDestPort(unsigned short port, bool negated);
   /// Add to a set of ports, made where there is none. Throw CUnsupportedException when the end has
@@ -153,21 +160,23 @@ class CTarnFWRuleBuilder {
   std::unique_ptr<CTarnFWAddress>& end(bool isSource) { return isSource ? source_ : destination_; }
   static void negate(std::unique_ptr<CTarnFWAddress>& address);
 
+  const CTarnFWProtocol& requireProtocol() const;
   CTarnFWRuleAction& requireAction() const;
-  std::unique_ptr<CTarnFWRule> makeRule();
+  void initHead();
 
   std::uint32_t id_ = 0;
   bool internal_ = false;
   std::int32_t position_ = 0;
   FWRuleDirection_t direction_ = FW_DIRECTION_INOUT;
-  std::unique_ptr<CTarnFWProtocol> protocol_;
+  bool hasProtocol_ = false;
+  CTarnFWProtocol protocol_{true};  // means nothing while there is none
   std::unique_ptr<CTarnFWRuleAction> action_;
   std::unique_ptr<CTarnFWAddress> source_;
   std::unique_ptr<CTarnFWAddress> destination_;
   FWRuleAF_t af_ = FW_AF_NONE;
-  std::unique_ptr<CTarnFWProtocolSpec> sourcePort_;
-  std::unique_ptr<CTarnFWProtocolSpec> destPort_;
-  std::unique_ptr<CTarnFWProtocolSpecList> connection_;  // null while it would be empty
+  CTarnFWProtocolSpecList sourcePort_{FW_SPEC_DIR_SOURCE};     // one spec at most
+  CTarnFWProtocolSpecList destPort_{FW_SPEC_DIR_DESTINATION};  // one spec at most
+  CTarnFWProtocolSpecList connection_{FW_SPEC_DIR_BOTH};
   std::unique_ptr<CTarnFWContainerID> extendedSource_;
   std::unique_ptr<CTarnFWContainerID> attributeProfile_;
   std::string tag_;

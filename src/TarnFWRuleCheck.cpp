@@ -20,11 +20,6 @@ bool isIP(const CTarnFWAddress* address) { return address != nullptr && address-
 
 }  // namespace
 
-CTarnFWProtocol& requireProtocol(CTarnFWProtocol* protocol) {
-  if (protocol == nullptr) throw CUnsupportedException("no protocol is defined");
-  return *protocol;
-}
-
 void checkRuleParts(const CTarnFWProtocol& protocol, FWRuleAction_t action,
                     FWRuleDirection_t direction, const CTarnFWAddress* source,
                     const CTarnFWAddress* destination) {
@@ -43,21 +38,17 @@ void checkRuleParts(const CTarnFWProtocol& protocol, FWRuleAction_t action,
     if (isIP(destination)) refuseAddress("layer2 rule dst address is IP");
   }
   if (isIP(source) && isIP(destination) &&
-      ((source->isIPv4Address() && destination->isIPv6Address()) ||
-       (source->isIPv6Address() && destination->isIPv4Address()))) {
+      source->isIPv4Address() != destination->isIPv4Address()) {
     refuseAddress("rule src and dst are different version of IP addresses");
   }
 }
 
-SpecKinds specKinds(const CTarnFWProtocolSpecList* list) {
-  return list != nullptr ? list->getKinds() : 0;
-}
-
 void checkRuleSpecs(const CTarnFWProtocol& protocol, SpecKinds connection, bool directionPorts,
                     SpecKinds tcpOnly) {
-  const bool tcp = protocol.isIPProtocol(IPPROTO_TCP);
-  const bool udp = protocol.isIPProtocol(IPPROTO_UDP);
-  const bool icmp = protocol.isIPProtocol(IPPROTO_ICMP) || protocol.isIPProtocol(IPPROTO_ICMPV6);
+  const int number = protocol.getIPProtocol();
+  const bool tcp = number == IPPROTO_TCP;
+  const bool udp = number == IPPROTO_UDP;
+  const bool icmp = number == IPPROTO_ICMP || number == IPPROTO_ICMPV6;
   if ((connection & specKind(FW_SPEC_ICMP_TYPE)) != 0 && !icmp)
     throw CUnsupportedException("cannot accept icmp type while icmp protocol is not specified");
   const bool ports = (connection & kPortKinds) != 0 || directionPorts;

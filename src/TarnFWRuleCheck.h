@@ -9,10 +9,6 @@ namespace TarnFirewall {
 
 class CTarnFWAddress;
 class CTarnFWProtocol;
-class CTarnFWProtocolSpecList;
-
-/// The protocol, which every rule has. Throws CUnsupportedException for null.
-CTarnFWProtocol& requireProtocol(CTarnFWProtocol* protocol);
 
 /// What a rule's protocol, action and addresses must have to do with each other, in the one order
 /// in which the builder and the rule both look. Addresses may be null.
@@ -26,9 +22,6 @@ void checkRuleParts(const CTarnFWProtocol& protocol, FWRuleAction_t action,
 using SpecKinds = std::uint32_t;
 
 constexpr SpecKinds specKind(unsigned int kind) { return SpecKinds{1} << kind; }
-
-/// Kinds of the members of a list; none for null.
-SpecKinds specKinds(const CTarnFWProtocolSpecList* list);
 
 inline constexpr SpecKinds kPortKinds = specKind(1) | specKind(2) | specKind(3);
 

@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <new>
 #include <span>
 #include <type_traits>
 
@@ -102,6 +103,14 @@ template <typename Record>
 void storeRecord(void* to, const Record& record) {
   static_assert(std::is_trivially_copyable_v<Record> && alignof(Record) == 1);
   std::memcpy(to, &record, sizeof record);
+}
+
+/// A cleared record that lives in the buffer itself, for a writer that fills it in place. The
+/// caller has checked that `Record` fits behind `at`.
+template <typename Record>
+Record& clearRecord(void* at) {
+  static_assert(std::is_trivially_copyable_v<Record> && alignof(Record) == 1);
+  return *::new (at) Record{};
 }
 
 /// True when `count` items of `size` bytes fit into `room` bytes. Checked by division, so that no

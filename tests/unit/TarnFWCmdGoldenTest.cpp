@@ -77,16 +77,17 @@ std::string difference(const Bytes& is, const Bytes& golden) {
 }
 
 CommandPtr createRuleSet() {
-  auto port = std::make_unique<CTarnFWProtocolSpecList>(static_cast<unsigned char>(2));
-  port->addSpec(std::make_unique<CTarnFWProtocolSpecL4Port>(
+  CTarnFWProtocolSpecList port(FW_SPEC_DIR_DESTINATION);
+  port.addSpec(std::make_unique<CTarnFWProtocolSpecL4Port>(
       static_cast<unsigned char>(2), static_cast<unsigned short>(443), false));
   auto drop = std::make_unique<CTarnFWRuleActionDrop>();
   drop->enableLogPacket();
   auto rule = std::make_unique<CTarnFWRule>(
-      0x01020304, 5, FW_DIRECTION_IN,
-      std::make_unique<CTarnFWProtocol>(true, static_cast<unsigned short>(6), false), nullptr,
-      std::make_unique<CTarnFWAddressIPv4>("10.1.2.3", true), nullptr, nullptr, std::move(port),
-      std::move(drop), nullptr, nullptr);
+      0x01020304, 5, FW_DIRECTION_IN, CTarnFWProtocol(true, static_cast<unsigned short>(6), false),
+      CTarnFWProtocolSpecList(FW_SPEC_DIR_BOTH),
+      std::make_unique<CTarnFWAddressIPv4>("10.1.2.3", true),
+      CTarnFWProtocolSpecList(FW_SPEC_DIR_SOURCE), nullptr, std::move(port), std::move(drop),
+      nullptr, nullptr);
   rule->setTag("seen");
   auto list = std::make_unique<CTarnFWRuleList>(false);
   list->addRule(std::move(rule));

@@ -7,6 +7,7 @@
 #include <array>
 
 #include "CommandTest.h"
+#include "PlainRule.h"
 #include "TarnFWCmdClearRootRuleSet.h"
 #include "TarnFWCmdClearRuleSet.h"
 #include "TarnFWCmdClearRuleSetJump.h"
@@ -297,9 +298,7 @@ TEST_F(TarnFWCmdRuleSet, ANameOfACreationMayHaveSixtyThreeCharacters) {
 TEST_F(TarnFWCmdRuleSet, ACreationSendsItsRulesBehindTheHead) {
   auto list = std::make_unique<CTarnFWRuleList>(false);
   for (unsigned int number = 1; number <= 2; ++number) {
-    list->addRule(std::make_unique<CTarnFWRule>(
-        number, static_cast<int>(number), FW_DIRECTION_IN, std::make_unique<CTarnFWProtocol>(true),
-        nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr));
+    list->addRule(plainRule(number, static_cast<int>(number), FW_DIRECTION_IN));
   }
   const std::string rules = list->toString();
   CTarnFWCmdCreateRuleSet command(nullptr, "web", std::move(list));
@@ -403,18 +402,14 @@ TEST_F(TarnFWCmdRuleSet, AnEmptyRootSendsItsHead) {
 namespace {
 
 Bytes ruleRecord(unsigned int number) {
-  CTarnFWRule rule(number, 1, FW_DIRECTION_OUT, std::make_unique<CTarnFWProtocol>(true), nullptr,
-                   nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
   Bytes bytes(892);
   unsigned int written = 0;
-  EXPECT_TRUE(rule.toMessage(bytes.data(), 892, &written));
+  EXPECT_TRUE(plainRule(number, 1, FW_DIRECTION_OUT)->toMessage(bytes.data(), 892, &written));
   return bytes;
 }
 
 std::string ruleText(unsigned int number) {
-  return CTarnFWRule(number, 1, FW_DIRECTION_OUT, std::make_unique<CTarnFWProtocol>(true), nullptr,
-                     nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr)
-      .toString();
+  return plainRule(number, 1, FW_DIRECTION_OUT)->toString();
 }
 
 }  // namespace

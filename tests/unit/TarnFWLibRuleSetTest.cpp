@@ -7,6 +7,7 @@
 #include "Expect.h"
 #include "FakeKernel.h"
 #include "LogCapture.h"
+#include "PlainRule.h"
 #include "TarnFWRule.h"
 #include "TarnFWRuleRecord.h"
 #include "tarnfw.h"
@@ -22,11 +23,9 @@ FWRuleSetID_t id(const std::string& name) {
 }
 
 FWRule_ ruleRecord(unsigned int number) {
-  CTarnFWRule rule(number, 1, FW_DIRECTION_OUT, std::make_unique<CTarnFWProtocol>(true), nullptr,
-                   nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
   FWRule_ record{};
   unsigned int written = 0;
-  EXPECT_TRUE(rule.toMessage(&record, sizeof record, &written));
+  EXPECT_TRUE(plainRule(number, 1, FW_DIRECTION_OUT)->toMessage(&record, sizeof record, &written));
   return record;
 }
 

@@ -102,11 +102,11 @@ TEST(TarnFWProtocol, SetProtocolDefinesIt) {
 }
 
 TEST(TarnFWProtocol, IsAnIPProtocolOnlyWhenDefinedOnLayer3AndPlain) {
-  EXPECT_TRUE(CTarnFWProtocol(true, 6, false).isIPProtocol(6));
-  EXPECT_FALSE(CTarnFWProtocol(true, 6, false).isIPProtocol(17));
-  EXPECT_FALSE(CTarnFWProtocol(true, 6, true).isIPProtocol(6));
-  EXPECT_FALSE(CTarnFWProtocol(false, 6, false).isIPProtocol(6));
-  EXPECT_FALSE(CTarnFWProtocol(false, 6, true, false).isIPProtocol(6));
+  EXPECT_EQ(CTarnFWProtocol(true, 6, false).getIPProtocol(), 6);
+  EXPECT_EQ(CTarnFWProtocol(true, 0, false).getIPProtocol(), 0);
+  EXPECT_EQ(CTarnFWProtocol(true, 6, true).getIPProtocol(), -1);
+  EXPECT_EQ(CTarnFWProtocol(false, 6, false).getIPProtocol(), -1);
+  EXPECT_EQ(CTarnFWProtocol(false, 6, true, false).getIPProtocol(), -1);
 }
 
 TEST(TarnFWProtocol, HasNoWireForm) {

@@ -98,8 +98,7 @@ TEST(TarnFWRuleBuilder, IsLayer3AsItsProtocol) {
   EXPECT_FALSE(builder.isLayer3());
   builder.setType(true);
   EXPECT_TRUE(builder.isLayer3());
-  builder.setProtocol(
-      std::make_unique<CTarnFWProtocol>(false, static_cast<unsigned short>(0x806), false));
+  builder.setProtocol(CTarnFWProtocol(false, static_cast<unsigned short>(0x806), false));
   EXPECT_FALSE(builder.isLayer3());
 }
 

@@ -40,12 +40,12 @@ struct Parts {
   unsigned int id = 7;
   int position = -1;
   FWRuleDirection_t direction = FW_DIRECTION_INOUT;
-  std::unique_ptr<CTarnFWProtocol> protocol = std::make_unique<CTarnFWProtocol>(true);
-  std::unique_ptr<CTarnFWProtocolSpecList> connection;
+  CTarnFWProtocol protocol{true};
+  CTarnFWProtocolSpecList connection{0};
   std::unique_ptr<CTarnFWAddress> source;
-  std::unique_ptr<CTarnFWProtocolSpecList> sourcePorts;
+  CTarnFWProtocolSpecList sourcePorts{1};
   std::unique_ptr<CTarnFWAddress> destination;
-  std::unique_ptr<CTarnFWProtocolSpecList> destinationPorts;
+  CTarnFWProtocolSpecList destinationPorts{2};
   std::unique_ptr<CTarnFWRuleAction> action = std::make_unique<CTarnFWRuleActionAccept>();
   std::unique_ptr<CTarnFWContainerID> extendedSource;
   std::unique_ptr<CTarnFWContainerID> attributeProfile;
@@ -54,24 +54,24 @@ struct Parts {
   explicit Parts(unsigned short ipProtocol) { layer3(ipProtocol); }
 
   Parts& layer3(unsigned short number, bool negated = false) {
-    protocol = std::make_unique<CTarnFWProtocol>(true, number, negated);
+    protocol = CTarnFWProtocol(true, number, negated);
     return *this;
   }
   Parts& layer2(unsigned short number, bool negated = false) {
-    protocol = std::make_unique<CTarnFWProtocol>(false, number, negated);
+    protocol = CTarnFWProtocol(false, number, negated);
     return *this;
   }
   template <typename Spec, typename... Arguments>
   Parts& with(Arguments... arguments) {
-    return add<Spec>(connection, 0, arguments...);
+    return add<Spec>(connection, arguments...);
   }
   template <typename Spec, typename... Arguments>
   Parts& from(Arguments... arguments) {
-    return add<Spec>(sourcePorts, 1, arguments...);
+    return add<Spec>(sourcePorts, arguments...);
   }
   template <typename Spec, typename... Arguments>
   Parts& to(Arguments... arguments) {
-    return add<Spec>(destinationPorts, 2, arguments...);
+    return add<Spec>(destinationPorts, arguments...);
   }
   template <typename Address, typename... Arguments>
   Parts& src(Arguments... arguments) {
@@ -90,18 +90,15 @@ struct Parts {
   }
   template <typename Rule = CTarnFWRule>
   Rule make() {
-    return Rule(id, position, direction, std::move(protocol), std::move(connection),
-                std::move(source), std::move(sourcePorts), std::move(destination),
-                std::move(destinationPorts), std::move(action), std::move(extendedSource),
-                std::move(attributeProfile));
+    return Rule(id, position, direction, protocol, std::move(connection), std::move(source),
+                std::move(sourcePorts), std::move(destination), std::move(destinationPorts),
+                std::move(action), std::move(extendedSource), std::move(attributeProfile));
   }
 
  private:
   template <typename Spec, typename... Arguments>
-  Parts& add(std::unique_ptr<CTarnFWProtocolSpecList>& list, unsigned char dir,
-             Arguments... arguments) {
-    if (!list) list = std::make_unique<CTarnFWProtocolSpecList>(dir);
-    list->addSpec(std::make_unique<Spec>(arguments...));
+  Parts& add(CTarnFWProtocolSpecList& list, Arguments... arguments) {
+    list.addSpec(std::make_unique<Spec>(arguments...));
     return *this;
   }
 };
@@ -164,7 +161,7 @@ TEST(TarnFWRule, OnlyAPlainLayer3AcceptIsADefaultRule) {
   CTarnFWRule destination = Parts().dst<SetID>("s", false).make();
   EXPECT_EQ(messageOf(destination)[884], 1);
   Parts ethernet;
-  ethernet.protocol = std::make_unique<CTarnFWProtocol>(false);
+  ethernet.protocol = CTarnFWProtocol(false);
   CTarnFWRule layer2 = ethernet.make();
   EXPECT_EQ(messageOf(layer2), plainRecord().at(790, {0x00}).at(884, {1}));
   Parts profiled;
@@ -587,24 +584,18 @@ TEST(TarnFWRule, BothAddressesAreOfOneFamily) {
             "rule 7 inout protocol any from ip 2001:db8::/32 to ip 2001:db8::1 accept;");
 }
 
-TEST(TarnFWRule, ARuleHasAProtocol) {
-  Parts parts;
-  parts.protocol = nullptr;
-  EXPECT_THROW_WITH(parts.make(), CUnsupportedException, 7, "no protocol is defined");
-}
-
 TEST(TarnFWRule, ARefusedRuleLeavesItsPartsToTheCaller) {
   Parts parts(17);
   parts.src<IPv4>("10.0.0.1", false).to<Port>(2, 80, false).with<Strict>();
   parts.extendedSource = std::make_unique<CTarnFWContainerID>(std::string("ext"));
   EXPECT_THROW_WITH(parts.make(), CUnsupportedException, 7, kFlagsText);
-  ASSERT_TRUE(parts.protocol && parts.source && parts.destinationPorts && parts.connection &&
+  ASSERT_TRUE(parts.source && !parts.destinationPorts.empty() && !parts.connection.empty() &&
               parts.action && parts.extendedSource);
-  parts.connection = nullptr;
+  parts.connection.clear();
   EXPECT_EQ(parts.make().toString(),
             "rule 7 inout protocol udp from ip 10.0.0.1 to any port 80 with extended src ext "
             "accept;");
-  EXPECT_FALSE(parts.protocol || parts.source || parts.destinationPorts || parts.action);
+  EXPECT_FALSE(parts.source || !parts.destinationPorts.empty() || parts.action);
 }
 
 TEST(TarnFWRule, ICMPTypesAreForICMPAndICMPv6) {
@@ -731,9 +722,7 @@ TEST(TarnFWRule, TextOfEachDirection) {
 
 TEST(TarnFWRule, TextLeavesOutSpecsWithoutText) {
   Parts parts(17);
-  parts.connection = std::make_unique<CTarnFWProtocolSpecList>(0);
   parts.from<PortSet>(1, true);
-  parts.destinationPorts = std::make_unique<CTarnFWProtocolSpecList>(2);
   EXPECT_EQ(parts.make().toString(), "rule 7 inout protocol udp from any to any accept;");
 }
 
