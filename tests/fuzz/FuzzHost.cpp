@@ -26,7 +26,7 @@ FuzzHost* g_host = nullptr;
 /// A small host. A message takes what the largest request needs; an array has as many items as the
 /// kernel says, and more than these bytes it does not get.
 constexpr std::size_t kMessageMemory = 16 << 20;
-constexpr std::size_t kArrayMemory = 512 << 10;
+constexpr std::size_t kArrayMemory = 64 << 10;
 
 /// Behind so many calls all that follow fail, so that a count that the kernel made up ends.
 constexpr unsigned int kMaxCalls = 4096;
