@@ -131,13 +131,15 @@ CTarnFWL7Attribute::CTarnFWL7Attribute(const _FWAttrValue* value, unsigned int s
 void CTarnFWL7Attribute::readValue(const std::uint8_t* record, unsigned int size) {
   const std::uint8_t* const value = record + kHead;
   switch (type_) {
+    case FW_ATTR_VALUE_INT:
+      value_.number = loadRecord<hosti64>(value);
+      return;
     case FW_ATTR_VALUE_UINT:
       value_.unsignedNumber = loadRecord<host64>(value);
       return;
-    case FW_ATTR_VALUE_INT:
     case FW_ATTR_VALUE_EINT:
       value_.number = loadRecord<hosti64>(value);
-      if (type_ == FW_ATTR_VALUE_EINT && !eint2str(key_, value_.number, &text_)) {
+      if (!eint2str(key_, value_.number, &text_)) {
         throw CInvalidAttrValue("invalid encoded int value " + std::to_string(value_.number) +
                                 " for key " + keyName(key_));
       }
@@ -326,9 +328,9 @@ bool CTarnFWL7Attribute::operator<(const CTarnFWContainerElement& other) const {
 std::string CTarnFWL7Attribute::toStringValue() const {
   switch (type_) {
     case FW_ATTR_VALUE_INT:
+      return std::to_string(value_.number);
     case FW_ATTR_VALUE_UINT:
-      return type_ == FW_ATTR_VALUE_INT ? std::to_string(value_.number)
-                                        : std::to_string(value_.unsignedNumber);
+      return std::to_string(value_.unsignedNumber);
     case FW_ATTR_VALUE_EINT:
     case FW_ATTR_VALUE_UUID:
     case FW_ATTR_VALUE_SID:
