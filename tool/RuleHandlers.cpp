@@ -16,6 +16,11 @@ namespace {
 
 constexpr std::size_t kMaxRuleSetName = 63;
 
+/// A rule's line: blanks, then its text, with room for the NUL. Rules of a longer text end the
+/// list.
+constexpr std::size_t kIndent = 2;
+constexpr unsigned int kRuleText = 512;
+
 /// Kinds of rules, as the kernel numbers them.
 enum RuleKind : unsigned int { kFilterRules = 0, kSnatRules = 1, kDnatRules = 2 };
 
@@ -34,10 +39,10 @@ bool isPurged(const RuleSource& source, const FWRuleSetID_t& ruleSet, FWStatus_t
   return true;
 }
 
-/// One rule by its index. Its number in what is shown is its place and not what the kernel says.
+/// One rule by its index; the record is set when one was returned. Its number in what is shown is
+/// its place and not what the kernel says.
 FWStatus_t fetchRule(const RuleSource& source, const FWRuleSetID_t& ruleSet, unsigned int kind,
                      unsigned int index, FWRule_* rule, unsigned int* returned) {
-  *rule = FWRule_{};
   *returned = 0;
   const FWStatus_t status = FW_GetRuleOfRuleSet(source.handle, source.port, nullptr, kind, 1, index,
                                                 &ruleSet, nullptr, rule, returned);
@@ -59,6 +64,7 @@ int GetSingleRuleSetByType(const RuleSource& source, unsigned int kind,
     return error("ERROR: failed to get %d rule count for ruleset %s: %s\n", static_cast<int>(kind),
                  ruleSet.text, FW_StatusToString(status));
   }
+  char line[kIndent + kRuleText] = {' ', ' '};
   for (unsigned int i = 0; i < count; ++i) {
     FWRule_ rule;
     unsigned int returned;
@@ -68,11 +74,9 @@ int GetSingleRuleSetByType(const RuleSource& source, unsigned int kind,
       return error("ERROR: failed to get %d rule in ruleset %s: %s\n", static_cast<int>(kind),
                    ruleSet.text, FW_StatusToString(status));
     }
-    char text[512];
-    status = FW_GetRuleString(&rule, 1, text, sizeof text, source.pretty);
+    status = FW_GetRuleString(&rule, 1, line + kIndent, kRuleText, source.pretty);
     if (status != FW_STATUS_OK) return conversionFailed(status);
-    std::fputs("  ", stdout);
-    std::puts(text);
+    std::puts(line);
   }
   return 0;
 }
