@@ -118,7 +118,7 @@ Statistics.
       out+block :                7                15
       match     :              101
       nomatch   :               53
-      uptime    :                ? (glob)
+      uptime    : +\d+ (re)
       anchor_ref: 0
   
   addrset none {
@@ -128,22 +128,22 @@ Statistics.
                                       bytes[in][pass]  bytes[in][drop] bytes[out][pass] bytes[out][drop] uptime
   addrset web {
                        ip 10.0.0.1 :                5                3                9                7        1        2
-                                                   13               11               17               15 ? (glob)
+                                                   13               11               17               15 \d+ (re)
                     ip 10.0.1.0/24 :               10                6               18               14        2        4
-                                                   26               22               34               30 ? (glob)
+                                                   26               22               34               30 \d+ (re)
                     ip 2001:db8::1 :               15                9               27               21        3        6
-                                                   39               33               51               45 ? (glob)
+                                                   39               33               51               45 \d+ (re)
   }
   $ quiet tarnioctl getaddrsets -f $filter -s entry -a web
                               addr :    pkt[in][pass]    pkt[in][drop]   pkt[out][pass]   pkt[out][drop] tcp curr  tcp hwm
                                       bytes[in][pass]  bytes[in][drop] bytes[out][pass] bytes[out][drop] uptime
   addrset web {
                        ip 10.0.0.1 :                0                0                0                0        0        0
-                                                    0                0                0                0 ? (glob)
+                                                    0                0                0                0 \d+ (re)
                     ip 10.0.1.0/24 :                0                0                0                0        0        0
-                                                    0                0                0                0 ? (glob)
+                                                    0                0                0                0 \d+ (re)
                     ip 2001:db8::1 :                0                0                0                0        0        0
-                                                    0                0                0                0 ? (glob)
+                                                    0                0                0                0 \d+ (re)
   }
 
 Sets that the filters of an agent share.
@@ -206,7 +206,7 @@ Sets that the filters of an agent share.
       out+block :               14                30
       match     :              202
       nomatch   :              106
-      uptime    :                ? (glob)
+      uptime    : +\d+ (re)
       anchor_ref: 0
   
   addrset common {
@@ -228,7 +228,7 @@ Sets that the filters of an agent share.
       out+block :               14                30
       match     :              202
       nomatch   :              106
-      uptime    :                ? (glob)
+      uptime    : +\d+ (re)
       anchor_ref: 0
   
   addrset macs {
