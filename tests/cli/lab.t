@@ -273,9 +273,13 @@ The log
     -n N            only the last N
     --help          this text
   $ run tarnlab log
+
+Each line begins with the time and with the process, by the name that the system has for it: that of
+valgrind when valgrind runs the program.
+
   $ tarnlab run tarnioctl getfilters -n
   Total number of kernel filters: 8
-  $ tarnlab log | sed -E 's/^[0-9-]+ [0-9:.]+ tarnioctl\[[0-9]+\]/WHEN WHO/'
+  $ tarnlab log | sed -E "s/^[0-9-]+ [0-9:.]+ (tarnioctl|memcheck-amd64-)\[[0-9]+\]/WHEN WHO/"
   WHEN WHO firewall 20: number of filters of every agent = ok {count 8}
   $ run tarnlab log -s -n 1
   firewall 20: number of filters of every agent = ok {count 8}
