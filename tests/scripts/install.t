@@ -285,7 +285,7 @@ Continuous integration needs the packages of the fuzz targets when the tests hav
   ==> running the tests
   ctest [--preset] [dev] [-j] [2]
   ==> configuring preset asan
-  ==> building preset asan
+  ==> building preset asan (tarnfw_unit_tests)
   ==> running the unit tests under the address and undefined behaviour sanitizers
   ctest [--preset] [asan] [-j] [2] [-L] [unit]
   ==> configuring preset fuzz
