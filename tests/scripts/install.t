@@ -276,7 +276,7 @@ The quickstart builds what its lab needs and runs the main job, from any folder.
   $ attempt tree/quickstart | tail -1
   err| ERROR: init
 
-Continuous integration needs the packages of the fuzz targets when the tests have run.
+Continuous integration needs clang for the sanitizers and fuzzers when the tests have run.
 
   $ machine
   $ attempt tree/.ci/run
@@ -284,18 +284,16 @@ Continuous integration needs the packages of the fuzz targets when the tests hav
   ==> building preset dev
   ==> running the tests
   ctest [--preset] [dev] [-j] [2]
-  ==> configuring preset asan
-  ==> building preset asan (tarnfw_unit_tests)
-  ==> running the unit tests under the address and undefined behaviour sanitizers
-  ctest [--preset] [asan] [-j] [2] [-L] [unit]
   ==> configuring preset fuzz
-  ==> building preset fuzz (tarnfw_fuzzers)
+  ==> building preset fuzz (tarnfw_unit_tests tarnfw_fuzzers)
+  ==> running the unit tests under the address and undefined behaviour sanitizers
+  ctest [--preset] [fuzz] [-j] [2] [-L] [unit]
   ==> searching with each fuzz target for a few seconds
   ctest [--preset] [fuzz] [-j] [2] [-L] [fuzz]
   $ echo clang-14 > missing
   $ rm bin/apt-get
   $ attempt tree/.ci/run | tail -2
-  ctest [--preset] [asan] [-j] [2] [-L] [unit]
+  ctest [--preset] [dev] [-j] [2]
   err| error: apt-get is not on this machine; install these by hand and run again: clang-14
   $ stub ctest <<< 'echo "1 test failed"; exit 8'
   $ attempt tree/.ci/run
