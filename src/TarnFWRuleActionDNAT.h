@@ -4,16 +4,6 @@
 
 namespace TarnFirewall {
 
-/// How an address is chosen from a pool of translation addresses. A record may hold any value of 4
-/// bits.
-enum FWRulePoolOpt_t : std::uint32_t {
-  FW_POOL_NONE = 0,
-  FW_POOL_BITMASK = 1,
-  FW_POOL_RANDOM = 2,
-  FW_POOL_SOURCE_HASH = 3,
-  FW_POOL_ROUND_ROBIN = 4,
-  FW_POOL_TCP_CONN_BALANCE = 5,
-};
 inline constexpr unsigned int kPoolOptions = 6;
 
 /// Words of the pool options, by their number.

@@ -5,14 +5,28 @@
 ///
 /// Nearly every function begins with a library handle, the selector of a filter (or null) and a
 /// context that is passed on to the IO channel (null means the handle's own). The result is a
-/// status, 0 for success. The caller owns all result memory unless a function says otherwise.
+/// status, 0 for success; a null handle gives 2. A function that fails changes none of its results,
+/// unless it says otherwise. The caller owns all result memory, and what a function is given stays
+/// the caller's. The kernel's own statuses come back as they are: `FW_StatusToString` tells them.
 ///
-/// This header, TarnFWTypes.h and TarnFWWire.h are what is installed. What stands between the two
-/// visibility lines is what the shared library exports.
+/// The header is C++20, for its records of fixed byte order. The functions have C linkage, so that
+/// a program in another language can declare those that it calls. The types that they take are
+/// brought into the global namespace; constants and helpers stand in `TarnFirewall`.
+///
+/// Two threads may use one handle, as far as its channel allows it. Where a function is not for
+/// that, it says so.
+///
+/// This header, TarnFWRecords.h, TarnFWRuleRecord.h, TarnFWTypes.h and TarnFWWire.h are what is
+/// installed. What stands between the two visibility lines is what the shared library exports.
+
+#ifndef __cplusplus
+#error "tarnfw.h is C++20; a C program declares the functions that it calls itself"
+#endif
 
 #include <stdio.h>
 
 #include "TarnFWRecords.h"
+#include "TarnFWRuleRecord.h"
 #include "TarnFWTypes.h"
 
 using TarnFirewall::dvs_port_;
@@ -21,11 +35,12 @@ using TarnFirewall::FWAddressStat_;
 using TarnFirewall::FWAddressValid_;
 using TarnFirewall::FWAddrSetCfg_;
 using TarnFirewall::FWAddrSetID_t;
+using TarnFirewall::FWAddrSetOperation_t;
 using TarnFirewall::FWAddrSetStat_;
 using TarnFirewall::FWAddrSetType_t;
+using TarnFirewall::fwconfigfile_;
 using TarnFirewall::FWContainerType;
 using TarnFirewall::FWDlbRule_;
-using TarnFirewall::fwconfigfile_;
 using TarnFirewall::FWIoctlFrame;
 using TarnFirewall::FWIOType_t;
 using TarnFirewall::FWLibGenericIO_;
@@ -96,8 +111,9 @@ FWStatus_t FW_LoadConfigFile2(FILE* file, const char* fileName, fwlibhandle_** c
 /// The same from a file; 12 when it can't be opened.
 FWStatus_t FW_LoadConfigFile(const char* path, fwlibhandle_** channel, fwconfigfile_** handle);
 
-/// Sends the commands in their order, up to the first that fails; `port` replaces their selectors
-/// unless it is null. May be repeated. 3 for a null handle.
+/// Sends the commands in their order, up to the first that fails, whose status it gives; `port`
+/// replaces their selectors unless it is null. May be repeated. 3 for a null handle, of either
+/// kind.
 FWStatus_t FW_EvaluateConfigFile(fwlibhandle_* handle, fwconfigfile_* config, dvs_port_* port,
                                  void* context);
 
@@ -148,18 +164,23 @@ FWStatus_t FW_GetLibVerboseLevel(unsigned int component, unsigned int* level);
 /// Sets the verbosity of one component, or of all with 255. An unknown one changes nothing.
 void FW_SetLibVerboseLevel(unsigned int component, unsigned int level);
 
-/// Registers the printer for what commands show; a null function turns their output off.
+/// Registers the printer for what commands show, beside what they give the caller. Nothing is shown
+/// without one, or when the function is null. A command holds a lock while it prints: the printer
+/// calls no function of the library.
 void FW_SetLibPrettyPrinting(FWPrettyPrinting_t function, void* context);
 
 // --- Rule sets
 //
 // A kind of rules is 0 for filter rules, 1 for snat, 2 for dnat. Names that come back are closed
-// with a NUL. 3 for a null result or name.
+// with a NUL. 3 for a null result or name. Indexes begin with 0.
+//
+// Whatever reads a list gets up to `max` entries into memory for `max` of them, and says through
+// `returned` how many came.
 
 FWStatus_t FW_GetRuleSetCount(fwlibhandle_* handle, const dvs_port_* port, void* context,
                               unsigned int* count);
 
-/// Names of up to `max` rule sets from an index on; `names` holds `max`.
+/// Names of rule sets from an index on.
 FWStatus_t FW_GetRuleSetList(fwlibhandle_* handle, const dvs_port_* port, void* context,
                              unsigned int max, unsigned int from, FWRuleSetID_t* names,
                              unsigned int* returned);
@@ -193,7 +214,8 @@ FWStatus_t FW_GetRuleSetInfo(fwlibhandle_* handle, const dvs_port_* port, void* 
                              std::uint64_t* realizationTime, std::uint64_t* generation);
 
 /// Creates a rule set of `count` rules, or replaces its rules. The jump target, which may be null,
-/// is not sent: `FW_SetRuleSetJump` sets it. 45 for a record that makes no rule.
+/// is not sent: `FW_SetRuleSetJump` sets it. 45 for a record that makes no rule, or the status of
+/// what is wrong in one; nothing is sent then.
 FWStatus_t FW_CreateRuleSet(fwlibhandle_* handle, const dvs_port_* port, void* context,
                             const FWRuleSetID_t* id, const FWRuleSetID_t* jump,
                             const FWRule_* rules, unsigned int count);
@@ -203,15 +225,13 @@ FWStatus_t FW_CreateRuleSet(fwlibhandle_* handle, const dvs_port_* port, void* c
 FWStatus_t FW_SetRootRuleSet(fwlibhandle_* handle, const dvs_port_* port, void* context,
                              const FWRuleSetID_t* layer3, const FWRuleSetID_t* layer2);
 
-/// Up to `max` rules: those of the `max` rule ids at `ids`, or from an index on when that is null.
-/// `rules` holds `max`.
+/// Rules: those of the `max` rule ids at `ids`, or from an index on when that is null.
 FWStatus_t FW_GetRuleOfRuleSet(fwlibhandle_* handle, const dvs_port_* port, void* context,
                                unsigned int kind, unsigned int max, unsigned int from,
                                const FWRuleSetID_t* id, const unsigned int* ids, FWRule_* rules,
                                unsigned int* returned);
 
-/// Statistics of up to `max` rules: of the `max` rule ids at `ids`, or from an index on when that
-/// is null. `stats` holds `max`.
+/// Statistics of rules: of the `max` rule ids at `ids`, or from an index on when that is null.
 FWStatus_t FW_GetStatOfRuleSet(fwlibhandle_* handle, const dvs_port_* port, void* context,
                                unsigned int kind, unsigned int max, unsigned int from,
                                const FWRuleSetID_t* id, const unsigned int* ids, FWRuleStat_* stats,
@@ -225,10 +245,11 @@ FWStatus_t FW_GetDlbOfRuleSet(fwlibhandle_* handle, const dvs_port_* port, void*
 
 // --- Address sets and containers
 //
-// Type 0 stands for every type of set. Names that come back are closed with a NUL. Results hold
-// `max` entries. 3 for a null result or name.
+// Type 0 stands for every type of set. Names that come back are closed with a NUL. 3 for a null
+// result or name. Lists are read as those of rule sets.
 
-/// Creates a set of `count` addresses, or replaces its members.
+/// Creates a set of `count` addresses, or replaces its members. The type is not sent, since
+/// each record tells its own. 33 for a record that makes no address; nothing is sent then.
 FWStatus_t FW_CreateAddrSet(fwlibhandle_* handle, const dvs_port_* port, void* context,
                             const FWAddrSetID_t* id, FWAddrSetType_t type,
                             const FWAddress_* addresses, unsigned int count);
@@ -250,10 +271,11 @@ FWStatus_t FW_GetAddrSetStatList(fwlibhandle_* handle, const dvs_port_* port, vo
                                  FWAddrSetType_t type, unsigned int max, unsigned int from,
                                  FWAddrSetStat_* stats, unsigned int* returned);
 
-/// Type 1 is an address set, 2 a container.
+/// Type 1 is an address set, 2 a container. `size` is that of the members on the wire, in bytes.
 FWStatus_t FW_GetAddrSetTypeAndSize(fwlibhandle_* handle, const dvs_port_* port, void* context,
                                     const FWAddrSetID_t* id, unsigned int* type,
                                     unsigned int* count, unsigned int* size);
+/// As `FW_GetRuleSetInfo`.
 FWStatus_t FW_GetAddrSetInfo(fwlibhandle_* handle, const dvs_port_* port, void* context,
                              const FWAddrSetID_t* id, unsigned int* count,
                              std::uint64_t* realizationTime, std::uint64_t* generation);
@@ -271,8 +293,9 @@ FWStatus_t FW_GetAddressStatOfAddrSet(fwlibhandle_* handle, const dvs_port_* por
                                       unsigned int clear, FWAddressStat_* stats,
                                       unsigned int* returned);
 
-/// Texts of a container's elements, at most `count`, each from `malloc` and freed by the caller.
-/// `bufferSize` is the serialized size of the container. 6 when the reply cannot be decoded.
+/// Texts of a container's elements, each from `malloc` and freed by the caller. `elements` holds
+/// `count`; this and `bufferSize` are the count and the size that `FW_GetAddrSetTypeAndSize` gives.
+/// 6 when the reply cannot be decoded or has more elements; there is nothing to free then.
 FWStatus_t FW_GetElementsOfContainer(fwlibhandle_* handle, const dvs_port_* port, void* context,
                                      const char* name, FWContainerType type, unsigned int count,
                                      unsigned int bufferSize, char** elements,
@@ -284,15 +307,18 @@ FWStatus_t FW_ConfigSharedAddrSet(fwlibhandle_* handle, const dvs_port_* port, v
 FWStatus_t FW_GetSharedAddrSet(fwlibhandle_* handle, const dvs_port_* port, void* context,
                                unsigned int* enabled);
 
-/// Changes or shows an address set's configuration; the two values come back in the record.
+/// Changes or shows an address set's configuration. The two values come back in the record: for the
+/// validity of an address what it was and what it is, otherwise whether the filter and the set keep
+/// statistics (0 unset, 1 enabled, else disabled).
 FWStatus_t FW_SetAddrSetCfg(fwlibhandle_* handle, const dvs_port_* port, void* context,
                             FWAddrSetCfg_* configuration);
 
 // --- Records as text
 
-/// Texts of `count` records one behind the other, closed with a NUL. 3 for a null or zero argument,
-/// 9 when `size` is too small, 45 for a record that makes no rule. `pretty` asks for the labelled
-/// form.
+/// Texts of `count` records one behind the other with nothing between them, closed with a NUL. 3
+/// for a null argument or a `count` or `size` of 0, 9 when `size` is too small, 45 for a record
+/// that makes no rule, 33 for one that makes no address, or the status of what is wrong in it. The
+/// texts before that one stand in `text` then. `pretty` asks for the labelled form.
 FWStatus_t FW_GetRuleString(const FWRule_* rules, unsigned int count, char* text, unsigned int size,
                             unsigned int pretty);
 FWStatus_t FW_GetAddressString(const FWAddress_* addresses, unsigned int count, char* text,
