@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "Expect.h"
+#include "FullRule.h"
 #include "MemoryShim.h"
 #include "TarnFWAddressAttr.h"
 #include "TarnFWAddressIPv4.h"
@@ -29,25 +30,12 @@ std::unique_ptr<CTarnFWContainerElement> app(long value) {
   return std::make_unique<CTarnFWL7Attribute>(FW_ATTR_KEY_APP_ID, value);
 }
 
-/// Record of a rule with all its parts.
+/// Record of a rule with all its parts and texts that no string holds in itself.
 FWRule_ fullRecord() {
-  const Bytes bytes = Bytes(892)
-                          .at(0, {4, 3, 2, 1, 5, 0, 0, 0})
-                          .at(12, {5, 0, 1, 0, 10, 1, 2, 0, 24})
-                          .at(156, {1, 0, 0, 0, 10, 9, 8, 7})
-                          .at(300, {0x11, 0, 0x04, 0x00, 0xff, 0xff})
-                          .at(338, {0x1a, 0, 3, 0, 0, 80, 0, 90, 0x01, 0xbb})
-                          .at(372, {1, 0})
+  const Bytes bytes = fullRuleRecord()
                           .text(380, std::string(37, 'e'))
                           .text(422, std::string(37, 'p'))
-                          .at(460, {1, 0, 0, 0, 10, 0, 0, 1})
-                          .at(604, {0x1f, 0x90, 0x1f, 0x9a})
-                          .at(742, {0x13, 0, 60, 0})
-                          .at(748, {0x13, 0, 8, 0x15, 0})
-                          .at(790, {0xd7, 0, 0, 0, 6, 0})
-                          .at(796, {0x01, 0x18, 0, 0, 0x20, 0, 0x02, 0})
-                          .text(852, std::string(31, 't'))
-                          .at(884, {12});
+                          .text(852, std::string(31, 't'));
   return loadRecord<FWRule_>(bytes.data());
 }
 
