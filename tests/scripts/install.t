@@ -240,6 +240,16 @@ What fails names its log.
   $ attempt tree/quickstart | tail -1
   err| error: the build of preset release failed; the whole log is build/release.log
 
+The quickstart takes no arguments, and does nothing when it is given some.
+
+  $ machine
+  $ attempt tree/quickstart --help
+  err| error: quickstart takes no arguments
+  [1]
+  $ cat missing tree/build/calls
+  cat: tree/build/calls: No such file or directory
+  [1]
+
 The quickstart builds what its lab needs and runs the main job, from any folder.
 
   $ machine
