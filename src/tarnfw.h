@@ -88,16 +88,17 @@ FWStatus_t FW_Initialize(unsigned int version, void* reserved, FWIOType_t type, 
 /// exits. Null on an internal failure. Without the device the process ends here with status 255.
 fwlibhandle_* FW_GetDefaultLibHandle();
 
-/// Ends a handle. The default handle is left as it is and stays usable. 3 for a null handle.
+/// Ends a handle. The default handle is left as it is and stays usable. It is made first when there
+/// is none, so that without the device the process ends here, as there. 3 for a null handle.
 FWStatus_t FW_Exit(fwlibhandle_* handle);
 
 // --- Configuration text
 
 /// Loads configuration text: parses it, makes the channel that it names, if any, and gives a handle
 /// to its commands. Nothing is sent. `*channel` is replaced when the text names a channel; the
-/// former one stays open and the caller's. 3 for a null argument, 8 without memory, 16 or the
-/// status of what is wrong for a text that does not parse. A text may fail with status 0: test the
-/// handle too, which is then as it was before.
+/// new one is the caller's, and so is the former one, which stays open. 3 for a null argument, 8
+/// without memory, 16 or the status of what is wrong for a text that does not parse. A text may
+/// fail with status 0: test the handle too, which is then as it was before.
 ///
 /// One load at a time in a process. A `config default agent` statement holds for all later loads,
 /// even when this one fails.
