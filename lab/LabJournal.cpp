@@ -9,14 +9,17 @@
 #include <algorithm>
 #include <cerrno>
 #include <ctime>
+#include <iterator>
+#include <optional>
 
 namespace TarnLab {
 
 namespace {
 
-// Head of an entry; note, selector, sent and answered bytes follow it.
-constexpr std::uint32_t magic = 0x474f4c54;
-constexpr std::size_t headSize = 96;
+// Head of an entry; note, selector, sent and answered bytes follow it, and a tail by which an entry
+// that was cut off is told from a whole one: the head's check once more, inverted.
+constexpr std::uint32_t magic = 0x324f4c54;
+constexpr std::size_t headSize = 96, tailSize = 4;
 constexpr std::size_t atMagic = 0, atCheck = 4, atTime = 8, atProcess = 16, atThread = 20,
                       atProgram = 24, programSize = 16, atDevice = 40, atRequest = 44, atError = 48,
                       atNote = 52, atSelector = 56, atSent = 60, atAnswered = 64, atSize = 72;
@@ -36,24 +39,50 @@ ByteVector take(ConstBytes& rest, std::size_t size) {
   return {piece.begin(), piece.end()};
 }
 
+/// The bytes between head and tail of the entry at `at`, or nothing when no whole entry is there.
+std::optional<ByteVector> readBody(int file, ConstBytes head, std::uint64_t at) {
+  if (get32(head, atMagic) != magic || get32(head, atCheck) != check(head)) return std::nullopt;
+  const std::uint64_t size = std::uint64_t{get32(head, atNote)} + get32(head, atSelector) +
+                             get32(head, atSent) + get32(head, atAnswered);
+  if (size > 4 * JournalEntry::keptLimit) return std::nullopt;
+  ByteVector body(static_cast<std::size_t>(size) + tailSize);
+  if (!readAt(file, body, at + headSize)) return std::nullopt;
+  if (get32(body, static_cast<std::size_t>(size)) != ~get32(head, atCheck)) return std::nullopt;
+  body.resize(static_cast<std::size_t>(size));
+  return body;
+}
+
+/// Where the next entry may begin, from `at` on; the end of the file when nowhere.
+std::uint64_t findHead(int file, std::uint64_t at, std::uint64_t end) {
+  std::byte wanted[4];
+  put32(wanted, 0, magic);
+  ByteVector piece(std::size_t{1} << 16);
+  while (end - at > headSize) {
+    const Bytes now = part(Bytes(piece), 0, std::min<std::uint64_t>(piece.size(), end - at));
+    if (!readAt(file, now, at)) break;
+    const auto found = std::search(now.begin(), now.end(), std::begin(wanted), std::end(wanted));
+    if (found != now.end()) return at + static_cast<std::uint64_t>(found - now.begin());
+    at += now.size() - (sizeof wanted - 1);  // an entry may begin at the end of this piece
+  }
+  return end;
+}
+
 /// Reads the entries of one file; false when the reader wants no more.
 bool readFile(const Store& store, const char* name,
               const std::function<bool(const JournalEntry&)>& reader) {
   const Descriptor file = store.open(name);
   if (!file.valid()) return true;
+  struct stat status;
+  if (::fstat(file.get(), &status) != 0) throw StoreError("cannot read " + store.path(name), errno);
+  const auto end = static_cast<std::uint64_t>(status.st_size);
   std::uint64_t at = 0;
   ByteVector head(headSize);
-  ByteVector body;
-  while (readAt(file.get(), head, at)) {
-    const std::uint64_t size = std::uint64_t{get32(head, atNote)} + get32(head, atSelector) +
-                               get32(head, atSent) + get32(head, atAnswered);
-    if (get32(head, atMagic) != magic || get32(head, atCheck) != check(head) ||
-        size > 4 * JournalEntry::keptLimit) {
-      ++at;  // the end of an entry cut off: look for the next one
+  while (at < end && readAt(file.get(), head, at)) {
+    const std::optional<ByteVector> body = readBody(file.get(), head, at);
+    if (!body) {
+      at = findHead(file.get(), at + 1, end);
       continue;
     }
-    body.resize(static_cast<std::size_t>(size));
-    if (!readAt(file.get(), body, at + headSize)) return true;
     JournalEntry entry;
     entry.time = get64(head, atTime);
     entry.process = get32(head, atProcess);
@@ -63,14 +92,14 @@ bool readFile(const Store& store, const char* name,
     entry.request = get32(head, atRequest);
     entry.error = static_cast<int>(get32(head, atError));
     entry.size = get64(head, atSize);
-    ConstBytes rest = body;
+    ConstBytes rest = *body;
     const ByteVector note = take(rest, get32(head, atNote));
     entry.note.assign(reinterpret_cast<const char*>(note.data()), note.size());
     entry.selector = take(rest, get32(head, atSelector));
     entry.sent = take(rest, get32(head, atSent));
     entry.answered = take(rest, get32(head, atAnswered));
     if (!reader(entry)) return false;
-    at += headSize + size;
+    at += headSize + body->size() + tailSize;
   }
   return true;
 }
@@ -97,8 +126,12 @@ ByteVector JournalEntry::kept(ConstBytes bytes) {
 
 void Journal::append(const JournalEntry& entry) const {
   const std::string path = store_.path("log");
-  const Descriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644));
-  if (!file.valid()) throw StoreError("cannot write " + path, errno);
+  const Descriptor file(
+      ::open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | O_NONBLOCK, 0644));
+  struct stat status;
+  if (!file.valid() || ::fstat(file.get(), &status) != 0) {
+    throw StoreError("cannot write " + path, errno);
+  }
   ByteVector head(headSize);
   const auto length = [](const auto& bytes) { return static_cast<std::uint32_t>(bytes.size()); };
   put32(head, atMagic, magic);
@@ -115,15 +148,24 @@ void Journal::append(const JournalEntry& entry) const {
   put32(head, atAnswered, length(entry.answered));
   put64(head, atSize, entry.size);
   put32(head, atCheck, check(head));
+  ByteVector tail(tailSize);
+  put32(tail, 0, ~get32(head, atCheck));
   const auto piece = [](const auto& bytes) {
     return iovec{const_cast<void*>(static_cast<const void*>(bytes.data())), bytes.size()};
   };
-  const iovec pieces[] = {piece(head), piece(entry.note), piece(entry.selector), piece(entry.sent),
-                          piece(entry.answered)};
-  if (::writev(file.get(), pieces, 5) < 0) throw StoreError("cannot write " + path, errno);
-
-  struct stat status;
-  if (::fstat(file.get(), &status) == 0 && static_cast<std::uint64_t>(status.st_size) > fileLimit) {
+  const iovec pieces[] = {piece(head),       piece(entry.note),     piece(entry.selector),
+                          piece(entry.sent), piece(entry.answered), piece(tail)};
+  std::size_t size = 0;
+  for (const iovec& each : pieces) size += each.iov_len;
+  const ssize_t written = ::writev(file.get(), pieces, static_cast<int>(std::size(pieces)));
+  if (written != static_cast<ssize_t>(size)) {
+    const int error = written < 0 ? errno : ENOSPC;
+    if (::ftruncate(file.get(), status.st_size) != 0) {
+      // What is left is skipped in reading.
+    }
+    throw StoreError("cannot write " + path, error);
+  }
+  if (static_cast<std::uint64_t>(status.st_size) + size > fileLimit) {
     ::rename(path.c_str(), store_.path("log.old").c_str());
   }
 }

@@ -39,7 +39,8 @@ class Journal {
  public:
   explicit Journal(const Store& store) : store_(store) {}
 
-  /// Adds an entry. Hold the lock. An entry that a killed program left half is skipped in reading.
+  /// Adds an entry whole or, on StoreError, not at all. Hold the lock. One that a killed program
+  /// left half is skipped in reading.
   void append(const JournalEntry& entry) const;
 
   /// Hands over every entry, oldest first, until the reader returns false.
