@@ -99,6 +99,7 @@ std::string fault(ConstBytes chain) {
 
 std::vector<std::string> texts(ConstBytes chain) {
   std::vector<std::string> found;
+  if (!fault(chain).empty()) return found;
   walk(chain, [&found](ConstBytes value) {
     found.push_back(valueText(value));
     return std::string();

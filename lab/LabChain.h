@@ -15,7 +15,8 @@ inline constexpr std::size_t elementHeadSize = 8;
 /// What a kernel would find wrong with the chain; empty when nothing.
 std::string fault(ConstBytes chain);
 
-/// The elements of a chain without fault: key and value, as "APP_ID : 12" without names of values.
+/// The elements of a chain: key and value, as "APP_ID : 12" without names of values. None of a
+/// chain with a fault.
 std::vector<std::string> texts(ConstBytes chain);
 
 }  // namespace TarnLab::Chain

@@ -11,9 +11,25 @@ namespace TarnLab {
 namespace {
 
 // The file "faults": 20 bytes for each fault.
-constexpr std::size_t recordSize = 20;
+constexpr std::size_t recordSize = 20, fileLimit = recordSize << 20;
 constexpr std::size_t atKind = 0, atDevice = 1, atHasOnly = 2, atValue = 4, atRemaining = 8,
                       atOnly = 12;
+
+/// Whether "tarnlab fault" could have ordered it.
+bool isPossible(const Fault& fault) {
+  switch (fault.kind) {
+    case Fault::Kind::status:
+      return true;
+    case Fault::Kind::error:
+      return fault.value >= 1 && fault.value <= Fault::errnoLimit &&
+             fault.device <= Device::serviceInsertion;
+    case Fault::Kind::delay:
+      return fault.value <= Fault::delayLimit;
+    case Fault::Kind::absent:
+      return fault.device != Device::none && fault.device <= Device::serviceInsertion;
+  }
+  return false;
+}
 
 }  // namespace
 
@@ -43,7 +59,7 @@ std::string Fault::toString() const {
 
 Faults Faults::load(const Store& store) {
   Faults faults;
-  const auto content = store.read("faults");
+  const auto content = store.read("faults", fileLimit);
   if (!content) return faults;
   if (content->size() % recordSize != 0) {
     throw StoreError("damaged file " + store.path("faults"), EINVAL);
@@ -55,6 +71,7 @@ Faults Faults::load(const Store& store) {
     fault.value = get32(rest, atValue);
     fault.remaining = get32(rest, atRemaining);
     if (get8(rest, atHasOnly) != 0) fault.only = get32(rest, atOnly);
+    if (!isPossible(fault)) throw StoreError("damaged file " + store.path("faults"), EINVAL);
     faults.faults_.push_back(fault);
   }
   return faults;

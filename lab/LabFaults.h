@@ -13,6 +13,7 @@ namespace TarnLab {
 
 struct Fault {
   enum class Kind : std::uint8_t { status, error, delay, absent };
+  static constexpr std::uint32_t errnoLimit = 4095, delayLimit = 3600000;
   Kind kind = Kind::status;
   std::uint32_t value = 0;            // status, errno or milliseconds
   std::uint32_t remaining = 0;        // how often it still strikes; 0 until it is cleared

@@ -21,7 +21,7 @@ constexpr std::string_view sharedPrefix = "shared-addrset-filter-";
 }  // namespace
 
 Host Host::load(const Store& store) {
-  const auto content = store.read("host");
+  const auto content = store.read("host", headSize + std::uint64_t{machineLimit} * slotSize);
   if (!content) throw StoreError("no lab at " + store.folder(), ENOENT);
   const ConstBytes bytes = *content;
   if (bytes.size() < headSize || getText(bytes, 0, magic.size()) != magic ||

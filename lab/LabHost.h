@@ -42,6 +42,8 @@ class Host {
   /// The usual small host.
   static Host sample();
 
+  static constexpr unsigned machineLimit = 100000;
+
   /// A host of so many virtual machines with one filter each, for trying sizes.
   static Host generated(unsigned machines);
 

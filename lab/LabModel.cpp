@@ -65,14 +65,18 @@ int answerFirewall(const Store& store, Faults& faults, JournalEntry& entry, unsi
   }
 }
 
-/// Holds a request up, before it takes the lock, so that other programs go on.
+/// Holds a request up, before it takes the lock, so that other programs go on. A damaged file of
+/// faults is told of when the request is answered.
 void delay(const Store& store) {
   std::uint32_t milliseconds = 0;
-  {
+  try {
+    if (Faults::load(store).all().empty()) return;
     const StoreLock lock(store);
     Faults faults = Faults::load(store);
     milliseconds = faults.takeDelay();
     if (faults.changed()) faults.save(store);
+  } catch (const StoreError&) {
+    return;
   }
   if (milliseconds == 0) return;
   const timespec pause{milliseconds / 1000, static_cast<long>(milliseconds % 1000) * 1000000};
@@ -94,15 +98,16 @@ int Model::openDevice(Device device) const {
 
 int Model::request(Device device, unsigned long number, std::uint64_t argument) const {
   try {
-    if (!Faults::load(store_).all().empty()) delay(store_);
+    delay(store_);
 
     const StoreLock lock(store_);
-    Faults faults = Faults::load(store_);
+    Faults faults;
     JournalEntry entry;
     entry.stamp();
     entry.device = device;
     entry.request = static_cast<std::uint32_t>(number);
     try {
+      faults = Faults::load(store_);
       if (const auto error = faults.takeError(device, entry.request)) {
         entry.error = static_cast<int>(*error);
         entry.note = "ordered fault";

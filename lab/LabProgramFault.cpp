@@ -14,11 +14,10 @@ namespace {
 
 constexpr std::uint32_t statusLimit = 0xffffffff;
 constexpr std::uint32_t countLimit = 0xffffffff;
-constexpr std::uint32_t delayLimit = 3600000;
 
 /// The number of an errno by its name or as a number.
 std::optional<std::uint32_t> parseErrno(std::string_view text) {
-  if (const auto number = parseNumber(text, 4095); number && *number > 0) {
+  if (const auto number = parseNumber(text, Fault::errnoLimit); number && *number > 0) {
     return static_cast<std::uint32_t>(*number);
   }
   for (int error = 1; error < 134; ++error) {
@@ -128,7 +127,8 @@ int runFault(const Store& store, Arguments arguments) {
   if (fault.kind == Fault::Kind::error) {
     value = parseErrno(arguments[0]);
   } else {
-    value = parseNumber(arguments[0], fault.kind == Fault::Kind::status ? statusLimit : delayLimit);
+    value = parseNumber(arguments[0],
+                        fault.kind == Fault::Kind::status ? statusLimit : Fault::delayLimit);
   }
   if (!value) return misused("fault", "bad " + what + " " + printable(arguments[0]));
   fault.value = static_cast<std::uint32_t>(*value);

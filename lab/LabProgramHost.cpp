@@ -19,7 +19,7 @@ int runInit(const Store& store, Arguments arguments) {
     if (arguments.size() < 2) return misused("init", option + " needs a number");
     const bool ofMachines = option == "--machines";
     auto& value = ofMachines ? machines : memory;
-    value = parseNumber(arguments[1], ofMachines ? 100000 : std::uint64_t{1} << 40);
+    value = parseNumber(arguments[1], ofMachines ? Host::machineLimit : std::uint64_t{1} << 40);
     if (!value || *value == 0) {
       return misused("init", option + ": bad number " + printable(arguments[1]));
     }

@@ -7,6 +7,10 @@
 #include <ctime>
 #include <utility>
 
+#include "LabAddressRecord.h"
+#include "LabChain.h"
+#include "LabRuleRecord.h"
+
 namespace TarnLab {
 
 namespace {
@@ -19,6 +23,16 @@ constexpr std::size_t atWhat = 8, atCounts = 12, atType = 24, atAddressType = 28
 /// How many bytes stand behind the entries.
 std::uint64_t markBytes(const SetHead& head) {
   return head.what == SetHead::addrSet && head.type == 1 ? head.counts[0] : 0;
+}
+
+/// Whether the entries are as many as the head says. Those of a container tell themselves.
+bool countsAgree(const SetHead& head) {
+  std::uint64_t count = 0;
+  for (const std::uint32_t each : head.counts) count += each;
+  if (head.what == SetHead::ruleSet) return head.entryBytes == count * RuleRecord::size;
+  if (head.what != SetHead::addrSet) return false;
+  if (head.type == 1) return head.entryBytes == count * AddressRecord::size;
+  return head.entryBytes >= Chain::headSize;
 }
 
 }  // namespace
@@ -78,7 +92,7 @@ std::optional<SetFile> SetFile::open(const Store& store, const std::string& file
   SetFile set(SetHead::decode(bytes), bytes.data(), size);
   const std::uint64_t behind = size - SetHead::size;
   if (getText(bytes, 0, magic.size()) != magic || set.head_.entryBytes > behind ||
-      markBytes(set.head_) != behind - set.head_.entryBytes) {
+      markBytes(set.head_) != behind - set.head_.entryBytes || !countsAgree(set.head_)) {
     throw StoreError("damaged file " + store.path(file), EINVAL);
   }
   return set;

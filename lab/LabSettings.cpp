@@ -12,7 +12,7 @@ constexpr std::size_t size = 64, atShared = 0, atStatistics = 1;
 
 Settings Settings::load(const Store& store, const std::string& folder) {
   Settings settings;
-  const auto content = store.read(folder + "/settings");
+  const auto content = store.read(folder + "/settings", size);
   if (!content) return settings;
   if (content->size() != size) {
     throw StoreError("damaged file " + store.path(folder + "/settings"), EINVAL);

@@ -17,11 +17,12 @@ namespace TarnLab {
 
 namespace {
 
-/// Opens, again after an interruption; never left open across exec.
+/// Opens, again after an interruption; never left open across exec. A pipe that somebody put in
+/// place of a file is no reason to wait.
 int openFile(const std::string& path, int flags, mode_t mode = 0) {
   int fd;
   do {
-    fd = ::open(path.c_str(), flags | O_CLOEXEC, mode);
+    fd = ::open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK, mode);
   } while (fd < 0 && errno == EINTR);
   return fd;
 }
@@ -94,14 +95,21 @@ Descriptor Store::open(std::string_view relative) const {
   if (!file.valid() && errno != ENOENT && errno != ENOTDIR) {
     throw StoreError("cannot read " + name, errno);
   }
+  struct stat status;
+  if (file.valid() && (::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode))) {
+    throw StoreError("damaged file " + name, EINVAL);
+  }
   return file;
 }
 
-std::optional<ByteVector> Store::read(std::string_view relative) const {
+std::optional<ByteVector> Store::read(std::string_view relative, std::uint64_t limit) const {
   const Descriptor file = open(relative);
   if (!file.valid()) return std::nullopt;
   struct stat status;
   if (::fstat(file.get(), &status) != 0) throw StoreError("cannot read " + path(relative), errno);
+  if (static_cast<std::uint64_t>(status.st_size) > limit) {
+    throw StoreError("damaged file " + path(relative), EINVAL);
+  }
   ByteVector content(static_cast<std::size_t>(status.st_size));
   if (!readAt(file.get(), content, 0)) throw StoreError("cannot read " + path(relative), EIO);
   return content;
@@ -139,7 +147,10 @@ void Store::removeTree(std::string_view relative) const {
 std::vector<std::string> Store::list(std::string_view relative) const {
   std::vector<std::string> names;
   const std::unique_ptr<DIR, int (*)(DIR*)> folder(::opendir(path(relative).c_str()), ::closedir);
-  if (!folder) return names;
+  if (!folder) {
+    if (errno == ENOENT || errno == ENOTDIR) return names;
+    throw StoreError("cannot read " + path(relative), errno);
+  }
   while (const dirent* entry = ::readdir(folder.get())) {
     const std::string_view name = entry->d_name;
     if (name != "." && name != "..") names.emplace_back(name);

@@ -60,10 +60,12 @@ class Store {
   /// Makes the folder itself, where it is missing.
   void create() const;
 
-  /// The whole file, or nothing when there is none. Throws StoreError on any other failure.
-  std::optional<ByteVector> read(std::string_view relative) const;
+  /// The whole file, or nothing when there is none. Throws StoreError on any other failure, and for
+  /// a file larger than `limit`, which is none that the lab has written.
+  std::optional<ByteVector> read(std::string_view relative, std::uint64_t limit) const;
 
-  /// Opens a file for reading; an invalid descriptor when there is none.
+  /// Opens a file for reading; an invalid descriptor when there is none. Throws StoreError for what
+  /// is no plain file.
   Descriptor open(std::string_view relative) const;
 
   /// Puts the parts, one behind the other, in place of the file. The folder of the file is made
@@ -77,7 +79,8 @@ class Store {
   /// lock.
   void removeTree(std::string_view relative) const;
 
-  /// Names in a folder, sorted by byte; empty when there is no such folder.
+  /// Names in a folder, sorted by byte; empty when there is no such folder. Throws StoreError when
+  /// there is one that cannot be read.
   std::vector<std::string> list(std::string_view relative) const;
 
  private:

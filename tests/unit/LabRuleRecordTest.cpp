@@ -217,6 +217,8 @@ TEST(LabChain, WritesEveryKindOfElement) {
             (std::vector<std::string>{
                 "PROCESS_HASH : 77", "FQDN : example.com(00010203-0405-0607-0000-000000000000)",
                 "HTTP_PATH : 00000000-0000-0000-0000-000000000000", "WIN_SID : S-1-5-21-500"}));
+  EXPECT_TRUE(Chain::texts(Record().bytes(chain).set(20, 200)).empty()) << "a key that is none";
+  EXPECT_TRUE(Chain::texts(Record().u32(2).u32(4)).empty()) << "no whole head";
   const ByteVector whole = chain;
   for (std::size_t size = 0; size < whole.size(); ++size) {
     EXPECT_NE(Chain::fault(ConstBytes(whole).first(size)), "") << size;
