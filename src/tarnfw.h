@@ -100,8 +100,8 @@ FWStatus_t FW_Exit(fwlibhandle_* handle);
 /// without memory, 16 or the status of what is wrong for a text that does not parse. A text may
 /// fail with status 0: test the handle too, which is then as it was before.
 ///
-/// A stream whose reading fails, such as that of a folder, and memory that the scanner cannot get end
-/// the process with status 2.
+/// A stream whose reading fails, such as that of a folder, and memory that the scanner cannot get
+/// end the process with status 2.
 ///
 /// One load at a time in a process. A `config default agent` statement holds for all later loads,
 /// even when this one fails.
