@@ -65,7 +65,7 @@ void Socket::Connect(const char* address, const char* port, bool block) {
         (block || errno != EINPROGRESS)) {
       throw SocketError("connect", errno, descriptor_);
     }
-  } catch (const SocketError&) {
+  } catch (...) {  // also when there is no memory for the error
     ::close(descriptor_);
     descriptor_ = -1;
     throw;

@@ -51,8 +51,10 @@ void CTarnFWSimpleMsgBuf::initMsgHeader(tarn_msg_hdr_* header) {
   header->minor = kMinorVersion;
   header->category = kCategoryFirewall;
   header->bodyLength = 0;
-  const Locks::Guard lock(mutex_);
+  // No guard: an unlock that fails is thrown too.
+  mutex_.lock();
   header->sequence = sequence_++;
+  mutex_.unlock();
 }
 
 bool CTarnFWSimpleMsgBuf::getBuffer(void** body, unsigned int size) {

@@ -258,16 +258,24 @@ TEST(TarnFWSimpleMsgBuf, TheLargestSizeThatDoesNotOverflowGoesToTheAllocator) {
   EXPECT_TRUE(log.has(LOG_WARNING, "failed to get message buffer of size 4294967275\n\n"));
 }
 
-TEST(Mutex, ALockThatFailsThrowsTheSystemsError) {
+TEST(Mutex, EveryCallThatFailsThrowsTheSystemsError) {
+  const auto expectThrown = [](const char* what, auto call) {
+    try {
+      call();
+      ADD_FAILURE() << what << ": nothing was thrown";
+    } catch (const Locks::LockException& e) {
+      EXPECT_EQ(e.error(), EINVAL) << what;
+      EXPECT_STREQ(e.what(), "LockException: Invalid argument") << what;
+    }
+  };
+  DeviceShim::failNextMutex();
+  expectThrown("init", [] { const Locks::Mutex unmade; });
   Locks::Mutex mutex;
   DeviceShim::failNextLock();
-  try {
-    mutex.lock();
-    ADD_FAILURE() << "nothing was thrown";
-  } catch (const Locks::LockException& e) {
-    EXPECT_EQ(e.error(), EINVAL);
-    EXPECT_STREQ(e.what(), "LockException: Invalid argument");
-  }
+  expectThrown("lock", [&] { mutex.lock(); });
+  mutex.lock();
+  DeviceShim::failNextUnlock();
+  expectThrown("unlock", [&] { mutex.unlock(); });
 }
 
 TEST(TarnFWSimpleMsgBuf, ALockThatFailsThrowsAndLosesNoMemory) {
@@ -279,6 +287,14 @@ TEST(TarnFWSimpleMsgBuf, ALockThatFailsThrowsAndLosesNoMemory) {
   ASSERT_EQ(library->getCommandBuffer(&body, 12), 0u);
   EXPECT_EQ(static_cast<std::uint8_t*>(body)[-12], 0) << "no sequence number was lost";
   library->releaseCommandBuffer(body);
+}
+
+TEST(TarnFWSimpleMsgBuf, AnUnlockThatFailsThrowsAndLosesNoMemory) {
+  const auto library = CTarnFWLibHandle::GetInstance();
+  void* body = nullptr;
+  DeviceShim::failNextUnlock();
+  EXPECT_THROW(library->getCommandBuffer(&body, 12), Locks::LockException);
+  EXPECT_EQ(body, nullptr);
 }
 
 // --- What a call does not allocate

@@ -15,6 +15,7 @@
 #include <cstring>
 #include <map>
 #include <new>
+#include <utility>
 
 #include "tarnfw.h"
 
@@ -39,6 +40,10 @@ State* g_state = nullptr;
 bool g_failCalloc = false;
 bool g_failNew = false;
 bool g_failLock = false;
+bool g_failMutex = false;
+bool g_failUnlock = false;
+int g_writeError = 0;
+int g_closeError = 0;
 
 State& state() {
   if (g_state == nullptr) g_state = new State;
@@ -112,7 +117,17 @@ int close(int descriptor) {
       g_state->open.erase(open);
     }
   }
-  return real(descriptor);
+  const int result = real(descriptor);
+  if (g_closeError == 0) return result;
+  errno = std::exchange(g_closeError, 0);
+  return -1;
+}
+
+ssize_t write(int descriptor, const void* bytes, size_t size) {
+  static auto* const real = next<ssize_t(int, const void*, size_t)>("write");
+  if (g_writeError == 0) return real(descriptor, bytes, size);
+  errno = std::exchange(g_writeError, 0);
+  return -1;
 }
 
 // The linker sends the library's calls of these functions here.
@@ -130,6 +145,20 @@ int __wrap_pthread_mutex_lock(pthread_mutex_t* mutex) {
   if (!g_failLock) return __real_pthread_mutex_lock(mutex);
   g_failLock = false;
   return EINVAL;
+}
+
+int __real_pthread_mutex_unlock(pthread_mutex_t* mutex);
+int __wrap_pthread_mutex_unlock(pthread_mutex_t* mutex);
+int __wrap_pthread_mutex_unlock(pthread_mutex_t* mutex) {
+  const int result = __real_pthread_mutex_unlock(mutex);
+  return std::exchange(g_failUnlock, false) ? EINVAL : result;
+}
+
+int __real_pthread_mutex_init(pthread_mutex_t* mutex, const pthread_mutexattr_t* attributes);
+int __wrap_pthread_mutex_init(pthread_mutex_t* mutex, const pthread_mutexattr_t* attributes);
+int __wrap_pthread_mutex_init(pthread_mutex_t* mutex, const pthread_mutexattr_t* attributes) {
+  if (std::exchange(g_failMutex, false)) return EINVAL;
+  return __real_pthread_mutex_init(mutex, attributes);
 }
 
 void* __real__ZnwmRKSt9nothrow_t(std::size_t size, const std::nothrow_t& tag);
@@ -164,6 +193,10 @@ const std::vector<Call>& calls() { return state().calls; }
 
 void failNextCalloc() { g_failCalloc = true; }
 void failNextLock() { g_failLock = true; }
+void failNextMutex() { g_failMutex = true; }
+void failNextUnlock() { g_failUnlock = true; }
+void failNextWrite(int error) { g_writeError = error; }
+void failNextClose(int error) { g_closeError = error; }
 void failNextNothrowNew() { g_failNew = true; }
 
 }  // namespace DeviceShim

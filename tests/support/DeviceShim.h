@@ -36,8 +36,16 @@ const std::vector<Call>& calls();
 /// The next `calloc` of the library gives null.
 void failNextCalloc();
 
-/// The next lock of a mutex by the library fails with `EINVAL`.
+/// The next lock of a mutex by the library fails with `EINVAL`; so does the next making of one, and
+/// the next unlock, although the mutex is free behind it.
 void failNextLock();
+void failNextMutex();
+void failNextUnlock();
+
+/// The next `write` or `close` of the program fails with `error`. The descriptor is closed all the
+/// same, as the system does.
+void failNextWrite(int error);
+void failNextClose(int error);
 
 /// The next `new (std::nothrow)` of the program gives null, be it of one object or of many.
 void failNextNothrowNew();
