@@ -30,6 +30,6 @@ CTarnFWIoctl* CTarnFWIoctl::GetInstance() {
 
 extern "C" int FW_Ioctl(int request, void* argument) {
   using namespace TarnFirewall;
-  return callDevice(__func__, false,
+  return callDevice(TARNFW_DEVICE_PLACE, false,
                     [&] { return CTarnFWIoctl::GetInstance()->sendIoctl(request, argument); });
 }

@@ -46,7 +46,7 @@ int CTarnSiIoctl::sendIoctl(int request, void* argument) {
 }  // namespace TarnSi
 
 extern "C" int SI_Ioctl(int request, void* argument) {
-  return TarnFirewall::callDevice(__func__, true, [&] {
+  return TarnFirewall::callDevice(TARNFW_DEVICE_PLACE, true, [&] {
     return TarnSi::CTarnSiIoctl::GetInstance()->sendIoctl(request, argument);
   });
 }

@@ -26,12 +26,13 @@ using namespace TarnFirewall;
 extern "C" {
 
 int WGT_Ioctl(int request, void* argument) {
-  return callDevice(__func__, false,
+  return callDevice(TARNFW_DEVICE_PLACE, false,
                     [&] { return CTarnWGTIoctl::GetInstance()->sendIoctl(request, argument); });
 }
 
 int WGT_GetFd() {
-  return callDevice(__func__, false, [] { return CTarnWGTIoctl::GetInstance()->descriptor(); });
+  return callDevice(TARNFW_DEVICE_PLACE, false,
+                    [] { return CTarnWGTIoctl::GetInstance()->descriptor(); });
 }
 
 }  // extern "C"

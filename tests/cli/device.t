@@ -6,14 +6,14 @@ The list is then empty, since only the kernel's own status counts; the log tells
 
   $ run tarnioctl getfilters
   err| ERROR: there is no filter for agent 
-  log| tarnioctl <84> tarnfw: TarnFWDevice:callDevice():N error 12: cannot open device /dev/brq-tarn: 2\n
+  log| tarnioctl <84> tarnfw: TarnFWIoctl:FW_Ioctl():N error 12: cannot open device /dev/brq-tarn: 2\n
   [1]
   $ run tarnioctl getfilters -n
   Total number of kernel filters: 0
-  log| tarnioctl <84> tarnfw: TarnFWDevice:callDevice():N error 12: cannot open device /dev/brq-tarn: 2\n
+  log| tarnioctl <84> tarnfw: TarnFWIoctl:FW_Ioctl():N error 12: cannot open device /dev/brq-tarn: 2\n
   $ TARN_CONTROL_DEVICE_PATH_OLD=1 run tarnioctl getfilters -a kelpco-sfw
   err| ERROR: there is no filter for agent kelpco-sfw
-  log| tarnioctl <84> tarnfw: TarnFWDevice:callDevice():N error 12: cannot open device /dev/tarn: 2\n
+  log| tarnioctl <84> tarnfw: TarnFWIoctl:FW_Ioctl():N error 12: cannot open device /dev/tarn: 2\n
   [1]
 
 What needs no device works.

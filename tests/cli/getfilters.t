@@ -247,4 +247,4 @@ No device at all.
   $ tarnlab fault absent
   $ lab tarnioctl getfilters -n
   Total number of kernel filters: 0
-  log| tarnioctl <84> tarnfw: TarnFWDevice:callDevice():N error 12: cannot open device /dev/brq-tarn: 2\n
+  log| tarnioctl <84> tarnfw: TarnFWIoctl:FW_Ioctl():N error 12: cannot open device /dev/brq-tarn: 2\n

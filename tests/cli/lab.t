@@ -114,7 +114,7 @@ Without a lab
   $ preload=$(dirname "$(command -v tarnlab)")/libtarnlab_preload.so
   $ run env TARNLAB_HOME=nowhere LD_PRELOAD=$preload:$SYSLOG_SHIM tarnioctl getfilters
   err| ERROR: there is no filter for agent 
-  log| tarnioctl <84> tarnfw: TarnFWDevice:callDevice():N error 12: cannot open device /dev/brq-tarn: 2\n
+  log| tarnioctl <84> tarnfw: TarnFWIoctl:FW_Ioctl():N error 12: cannot open device /dev/brq-tarn: 2\n
   [1]
 
 Making one
@@ -396,7 +396,7 @@ Faults
   the device firewall is absent
   $ run tarnlab run tarnioctl getfilters -n
   Total number of kernel filters: 0
-  log| tarnioctl <84> tarnfw: TarnFWDevice:callDevice():N error 12: cannot open device /dev/brq-tarn: 2\n
+  log| tarnioctl <84> tarnfw: TarnFWIoctl:FW_Ioctl():N error 12: cannot open device /dev/brq-tarn: 2\n
   $ run tarnlab fault clear
   $ run tarnlab fault
   no faults

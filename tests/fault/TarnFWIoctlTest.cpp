@@ -137,8 +137,21 @@ TEST(TarnFWIoctl, WithoutTheDeviceADirectRequestGivesMinusOneAndAWarning) {
     LogCapture log;
     EXPECT_EQ(FW_Ioctl(20, nullptr), -1);
     EXPECT_EQ(errno, ENOENT);
-    EXPECT_EQ(log.normalized(), Lines{"4|tarnfw: TarnFWDevice:callDevice():N error 12: cannot open "
+    EXPECT_EQ(log.normalized(), Lines{"4|tarnfw: TarnFWIoctl:FW_Ioctl():N error 12: cannot open "
                                       "device /dev/brq-tarn: 2\n"});
+  });
+}
+
+TEST(TarnFWIoctl, TheWarningsLeaveErrnoAsTheFailureLeftIt) {
+  EXPECT_FRESH([] {
+    DeviceShim::putFailing(kDevice, EACCES);
+    FW_RegisterLogger([](int, const char*, va_list) { errno = EDOM; }, 6);
+    EXPECT_EQ(FW_Ioctl(20, nullptr), -1);
+    EXPECT_EQ(errno, EACCES);
+    errno = EPERM;
+    DeviceShim::failNextLock();
+    EXPECT_EQ(FW_Ioctl(20, nullptr), -1);
+    EXPECT_EQ(errno, EPERM);
   });
 }
 
@@ -161,7 +174,8 @@ TEST(TarnFWIoctl, ALockThatFailsGivesMinusOneAndNamesTheFunction) {
     LogCapture log;
     DeviceShim::failNextLock();
     EXPECT_EQ(FW_Ioctl(1, nullptr), -1);
-    EXPECT_TRUE(log.has(LOG_WARNING, "FW_Ioctl: encountered internal error\n"));
+    EXPECT_EQ(log.normalized(),
+              Lines{"4|tarnfw: TarnFWIoctl:FW_Ioctl():N FW_Ioctl: encountered internal error\n"});
     EXPECT_TRUE(DeviceShim::opens().empty());
   });
 }

@@ -83,7 +83,7 @@ TEST(TarnSiIoctl, WithoutTheDeviceTheWarningBeginsWithTheFunction) {
     LogCapture log;
     EXPECT_EQ(SI_Ioctl(12, nullptr), -1);
     EXPECT_EQ(errno, ENOENT);
-    EXPECT_EQ(log.normalized(), Lines{"4|tarnfw: TarnFWDevice:callDevice():N SI_Ioctl: error 12: "
+    EXPECT_EQ(log.normalized(), Lines{"4|tarnfw: TarnSiIoctl:SI_Ioctl():N SI_Ioctl: error 12: "
                                       "cannot open device /dev/brq-tarn-ploy: 2\n"});
   });
 }
@@ -109,7 +109,8 @@ TEST(TarnSiIoctl, ALockThatFailsGivesMinusOneAndNamesTheFunction) {
     LogCapture log;
     DeviceShim::failNextLock();
     EXPECT_EQ(SI_Ioctl(1, nullptr), -1);
-    EXPECT_TRUE(log.has(LOG_WARNING, "SI_Ioctl: encountered internal error\n"));
+    EXPECT_EQ(log.normalized(),
+              Lines{"4|tarnfw: TarnSiIoctl:SI_Ioctl():N SI_Ioctl: encountered internal error\n"});
     EXPECT_TRUE(DeviceShim::opens().empty());
   });
 }

@@ -54,10 +54,9 @@ TEST(TarnWGTIoctl, WithoutTheDeviceRequestAndDescriptorAreMinusOne) {
     EXPECT_EQ(WGT_Ioctl(1, nullptr), -1);
     EXPECT_EQ(errno, EACCES);
     EXPECT_EQ(WGT_GetFd(), -1);
-    const std::string line =
-        "4|tarnfw: TarnFWDevice:callDevice():N error 12: cannot open device /dev/weirgatetbl: "
-        "13\n";
-    EXPECT_EQ(log.normalized(), (Lines{line, line}));
+    const std::string text = "error 12: cannot open device /dev/weirgatetbl: 13\n";
+    EXPECT_EQ(log.normalized(), (Lines{"4|tarnfw: TarnWGTIoctl:WGT_Ioctl():N " + text,
+                                       "4|tarnfw: TarnWGTIoctl:WGT_GetFd():N " + text}));
   });
 }
 
@@ -81,7 +80,9 @@ TEST(TarnWGTIoctl, ALockThatFailsGivesMinusOneAndNamesTheFunction) {
     LogCapture log;
     DeviceShim::failNextLock();
     EXPECT_EQ(WGT_Ioctl(1, nullptr), -1);
-    EXPECT_TRUE(log.has(LOG_WARNING, "WGT_Ioctl: encountered internal error\n"));
+    EXPECT_EQ(
+        log.normalized(),
+        Lines{"4|tarnfw: TarnWGTIoctl:WGT_Ioctl():N WGT_Ioctl: encountered internal error\n"});
     EXPECT_TRUE(DeviceShim::opens().empty());
   });
 }
