@@ -3,7 +3,9 @@
 #include <arpa/inet.h>
 #include <dlfcn.h>
 #include <netdb.h>
+#include <sys/socket.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -17,6 +19,9 @@ unsigned int g_goodCopies = kAll;
 bool g_failAddressTexts = false;
 int g_protocol = -1;
 std::string g_protocolName;
+std::size_t g_transferLimit = std::numeric_limits<std::size_t>::max();
+unsigned int g_sends = 0;
+unsigned int g_receives = 0;
 
 template <typename Function>
 Function* next(const char* name) {
@@ -53,6 +58,18 @@ int getprotobynumber_r(int number, protoent* entry, char* buffer, std::size_t si
   return 0;
 }
 
+ssize_t send(int descriptor, const void* bytes, std::size_t size, int flags) {
+  static auto* const real = next<ssize_t(int, const void*, std::size_t, int)>("send");
+  ++g_sends;
+  return real(descriptor, bytes, std::min(size, g_transferLimit), flags);
+}
+
+ssize_t recv(int descriptor, void* bytes, std::size_t size, int flags) {
+  static auto* const real = next<ssize_t(int, void*, std::size_t, int)>("recv");
+  ++g_receives;
+  return real(descriptor, bytes, std::min(size, g_transferLimit), flags);
+}
+
 }  // extern "C"
 
 namespace LibcShim {
@@ -68,5 +85,14 @@ HostProtocol::HostProtocol(int number, const std::string& name) {
   g_protocolName = name;
 }
 HostProtocol::~HostProtocol() { g_protocol = -1; }
+
+ShortTransfers::ShortTransfers(std::size_t limit) {
+  g_transferLimit = limit;
+  g_sends = 0;
+  g_receives = 0;
+}
+ShortTransfers::~ShortTransfers() { g_transferLimit = std::numeric_limits<std::size_t>::max(); }
+unsigned int ShortTransfers::sends() const { return g_sends; }
+unsigned int ShortTransfers::receives() const { return g_receives; }
 
 }  // namespace LibcShim

@@ -33,4 +33,16 @@ class HostProtocol {
   HostProtocol& operator=(const HostProtocol&) = delete;
 };
 
+/// `send` and `recv` move no more than `limit` bytes by one call, and are counted.
+class ShortTransfers {
+ public:
+  explicit ShortTransfers(std::size_t limit);
+  ~ShortTransfers();
+  ShortTransfers(const ShortTransfers&) = delete;
+  ShortTransfers& operator=(const ShortTransfers&) = delete;
+
+  unsigned int sends() const;
+  unsigned int receives() const;
+};
+
 }  // namespace LibcShim

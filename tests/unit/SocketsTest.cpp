@@ -1,5 +1,6 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <netdb.h>
 #include <netinet/tcp.h>
 #include <poll.h>
 
@@ -7,8 +8,11 @@
 #include <csignal>
 #include <cstring>
 #include <stdexcept>
+#include <tuple>
+#include <vector>
 
 #include "Expect.h"
+#include "LibcShim.h"
 #include "Loopback.h"
 #include "Sockets.h"
 
@@ -63,17 +67,21 @@ TEST(Sockets, NullArgumentsAreRefusedByName) {
   }
 }
 
-TEST(Sockets, AnAddressThatDoesNotResolveGivesTheResolversCode) {
+TEST(Sockets, WhatDoesNotResolveGivesTheResolversCodeAsASystemError) {
   Socket socket;
-  try {
-    socket.Connect("300.300.300.300.", "none such");
-    ADD_FAILURE();
-  } catch (const SocketError& e) {
-    EXPECT_STREQ(e.call(), "getaddrinfo");
-    EXPECT_LT(e.error(), 0);
-    EXPECT_EQ(e.descriptor(), -1);
+  // Only IPv4 addresses are looked for.
+  for (const auto& [address, port, code] :
+       {std::tuple{"127.0.0.1", "none such", EAI_SERVICE}, {"::1", "80", EAI_ADDRFAMILY}}) {
+    expectError([&] { socket.Connect(address, port); }, "getaddrinfo", code, -1);
+    EXPECT_EQ(socket.GetDescriptor(), -1);
   }
-  EXPECT_EQ(socket.GetDescriptor(), -1);
+}
+
+TEST(Sockets, AnAddressThatDoesNotResolveKeepsTheConnectionThatIsThere) {
+  const StreamPair pair;
+  Socket socket(pair.ours);
+  expectError([&] { socket.Connect("::1", "80"); }, "getaddrinfo", EAI_ADDRFAMILY, pair.ours);
+  EXPECT_EQ(socket.GetDescriptor(), pair.ours);
 }
 
 TEST(Sockets, ConnectsAtOnceAndMovesBytesBothWays) {
@@ -180,6 +188,29 @@ TEST(Sockets, BlockingModeIsSetBack) {
   socket.SetNonBlocking();
   socket.SetBlocking();
   EXPECT_EQ(::fcntl(socket.GetDescriptor(), F_GETFL) & O_NONBLOCK, 0);
+}
+
+TEST(Sockets, AnExchangeGoesOnAfterEveryShortTransfer) {
+  StreamPair pair;
+  Socket socket(pair.ours);
+  std::vector<unsigned char> bytes(100);
+  for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<unsigned char>(i);
+  std::vector<unsigned char> got(bytes.size());
+  {
+    const LibcShim::ShortTransfers seven(7);
+    EXPECT_EQ(socket.SendAll(bytes.data(), bytes.size()), bytes.size());
+    EXPECT_EQ(seven.sends(), 15u);
+  }
+  EXPECT_EQ(pair.arrived(), bytes);
+  ASSERT_EQ(::send(pair.peer, bytes.data(), bytes.size(), 0), 100);
+  {
+    const LibcShim::ShortTransfers seven(7);
+    EXPECT_EQ(socket.RecvAll(got.data(), 99), 99u);
+    EXPECT_EQ(seven.receives(), 15u);
+  }
+  EXPECT_EQ(got[99], 0) << "nothing is taken beyond what was asked for";
+  got[99] = 99;
+  EXPECT_EQ(got, bytes);
 }
 
 TEST(Sockets, ASizeOfZeroReturnsAtOnce) {

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "Expect.h"
+#include "LibcShim.h"
 #include "Loopback.h"
 #include "TarnFWIOChannelFactory.h"
 #include "TarnFWIOChannelSocket.h"
@@ -167,6 +168,62 @@ TEST_F(TarnFWIOChannelSocket, AMessageWithTwoCommandsIsNotSupportedAndNotSent) {
   bytes.at(16, {0});
   EXPECT_EQ(send(bytes), 7u);
   EXPECT_TRUE(pair.arrived().empty());
+}
+
+TEST_F(TarnFWIOChannelSocket, LengthsAreJudgedBeforeTheCommandCountAndItBeforeTheCommandsLength) {
+  Bytes bytes = message(9, 84, 2);
+  bytes.at(20, {83});
+  EXPECT_EQ(send(bytes), 7u);
+  EXPECT_EQ(send(bytes, 115), 74u);
+  EXPECT_EQ(send(bytes, 19), 73u);
+  bytes.text(0, "TARM");
+  EXPECT_EQ(send(bytes, 19), 72u);
+  EXPECT_TRUE(pair.arrived().empty());
+}
+
+TEST_F(TarnFWIOChannelSocket, ThePeerDoesNotLearnWhichFilterIsMeant) {
+  dvs_port_ port{};
+  std::memset(&port, 'p', sizeof port);
+  const dvs_port_ kept = port;
+  int context = 5;
+  Bytes plain = message(9, 84);
+  answer(Bytes(116));
+  EXPECT_EQ(send(plain), 0u);
+  const std::vector<std::uint8_t> sent = pair.arrived();
+  Bytes bytes = message(9, 84);
+  answer(Bytes(116));
+  EXPECT_EQ(channel.sendIOCTL(&port, bytes.data(), 116, &context), 0u);
+  EXPECT_EQ(pair.arrived(), sent);
+  EXPECT_EQ(std::memcmp(&port, &kept, sizeof port), 0);
+  EXPECT_EQ(context, 5);
+}
+
+TEST_F(TarnFWIOChannelSocket, AnExchangeInPiecesIsTheSameExchange) {
+  Bytes bytes = message(9, 84);
+  const Bytes before = bytes;
+  Bytes reply(116);
+  for (std::size_t i = 0; i < reply.size(); ++i) reply[i] = static_cast<std::uint8_t>(i);
+  answer(reply);
+  {
+    const LibcShim::ShortTransfers five(5);
+    EXPECT_EQ(send(bytes), 0u);
+  }
+  Bytes expected(before.begin(), before.begin() + 116);
+  expected.at(4, {96, 0, 0, 0}).at(20, {64, 0, 0, 0});
+  EXPECT_EQ(pair.arrived(), expected);
+  EXPECT_EQ(Bytes(bytes.begin(), bytes.begin() + 116), reply);
+}
+
+TEST_F(TarnFWIOChannelSocket, WhatThePeerSaysBeyondTheMessageIsLeftForTheNextOne) {
+  Bytes first = message(9, 84);
+  Bytes second = message(9, 84);
+  Bytes replies(232, 0x11);
+  std::fill(replies.begin() + 116, replies.end(), std::uint8_t{0x22});
+  answer(replies);
+  EXPECT_EQ(send(first), 0u);
+  EXPECT_EQ(send(second), 0u);
+  EXPECT_EQ(Bytes(first.begin(), first.begin() + 116), Bytes(116, 0x11));
+  EXPECT_EQ(Bytes(second.begin(), second.begin() + 116), Bytes(116, 0x22));
 }
 
 TEST_F(TarnFWIOChannelSocket, AFailingSendIsASocketError) {

@@ -51,6 +51,18 @@ TEST(TarnFWSimpleMsgBuf, FirstHeaderIsAnEmptyRequestWithSequenceZero) {
   EXPECT_EQ(buffer.headerBytes(), emptyHeader());
 }
 
+TEST(TarnFWSimpleMsgBuf, AHeaderIsClearedBeforeItIsFilled) {
+  CTarnFWSimpleMsgBuf owner;
+  tarn_msg_hdr_ header;
+  for (int sequence = 0; sequence < 2; ++sequence) {
+    std::memset(static_cast<void*>(&header), 0xa5, sizeof header);
+    owner.initMsgHeader(&header);
+    Bytes bytes(20);
+    std::memcpy(bytes.data(), &header, 20);
+    EXPECT_EQ(bytes, emptyHeader().at(8, {sequence}));
+  }
+}
+
 TEST(TarnFWSimpleMsgBuf, EveryBufferTakesTheNextSequenceNumberOfItsOwner) {
   CTarnFWSimpleMsgBuf owner;
   const Buffer first(owner, 1);
