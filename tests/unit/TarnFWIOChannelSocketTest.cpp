@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <thread>
 #include <vector>
@@ -74,13 +75,14 @@ TEST_F(TarnFWIOChannelSocket, TheCatalogueReachesFromOneToNinetyOne) {
   }
 }
 
-TEST_F(TarnFWIOChannelSocket, TheSlackGoesOutWhenTheRequestFillsTheBody) {
+TEST_F(TarnFWIOChannelSocket, TheSlackGoesOutAsItComesWhenTheRequestFillsTheBody) {
   Bytes bytes = message(7, 64);
+  std::fill(bytes.begin() + 96, bytes.end(), std::uint8_t{0xc7});
   answer(Bytes(96));
   EXPECT_EQ(send(bytes), 0u);
   const std::vector<std::uint8_t> sent = pair.arrived();
   ASSERT_EQ(sent.size(), 116u);
-  EXPECT_EQ(std::vector<std::uint8_t>(sent.begin() + 96, sent.end()), Bytes(20));
+  EXPECT_EQ(std::vector<std::uint8_t>(sent.begin() + 96, sent.end()), Bytes(20, 0xc7));
 }
 
 TEST_F(TarnFWIOChannelSocket, ARequestBeyondTheMessageIsPaddedWithZeros) {
@@ -158,6 +160,8 @@ TEST_F(TarnFWIOChannelSocket, AMessageTooShortForItsCommandIsRefused) {
     Bytes bytes(static_cast<std::size_t>(20 + body));
     bytes.text(0, "TARN").at(4, {body}).at(12, {1, 1, 0, 1, 1, 0});
     EXPECT_EQ(send(bytes, bytes.size()), 74u) << body;
+    bytes.at(16, {0});
+    EXPECT_EQ(send(bytes, bytes.size()), 7u) << "no command, " << body << " bytes";
   }
   EXPECT_TRUE(pair.arrived().empty());
 }
