@@ -19,17 +19,6 @@ constexpr char kBuild[] = TARNFW_BUILD;
 /// place in the order of the start-up.
 void init_ssl_attribute_maps() {}
 
-FWStatus_t initialize(FWIOType_t type, unsigned int count, const char** items,
-                      fwlibhandle_** handle) {
-  *handle = nullptr;
-  std::unique_ptr<CTarnFWLibHandle> library = CTarnFWLibHandle::GetInstance();
-  library->setIOChannel(create_io_channel(type, count, items));
-  *handle = toLibHandle(library.release());
-  init_ssl_attribute_maps();
-  TARNFW_TRACE(FW_COMPONENT_API, 0, "Tarn Firewall library is initialized.\n");
-  return FW_STATUS_OK;
-}
-
 }  // namespace
 
 }  // namespace TarnFirewall
@@ -42,7 +31,16 @@ FWStatus_t FW_Initialize(unsigned int, void* reserved, FWIOType_t type, unsigned
                          const char** items, fwlibhandle_** handle) {
   TARNFW_TRACE(FW_COMPONENT_API, 0, "%s. build # %s.\n", kVersion, kBuild);
   if (handle == nullptr || reserved == nullptr) return FW_STATUS_INVALID_ARGUMENT;
-  return callBody(__func__, [&] { return initialize(type, count, items, handle); });
+  return callBody(__func__, [&, function = __func__]() -> FWStatus_t {
+    *handle = nullptr;
+    std::unique_ptr<CTarnFWLibHandle> library = CTarnFWLibHandle::GetInstance();
+    library->setIOChannel(create_io_channel(type, count, items));
+    *handle = toLibHandle(library.release());
+    init_ssl_attribute_maps();
+    TARNFW_TRACE_IN(function, LOG_DEBUG, FW_COMPONENT_API, 0,
+                    "Tarn Firewall library is initialized.\n");
+    return FW_STATUS_OK;
+  });
 }
 
 fwlibhandle_* FW_GetDefaultLibHandle() {
@@ -58,16 +56,17 @@ fwlibhandle_* FW_GetDefaultLibHandle() {
 }
 
 FWStatus_t FW_Exit(fwlibhandle_* handle) {
-  return callFrame(__func__, [&]() -> FWStatus_t {
+  return callFrame(__func__, [&, function = __func__]() -> FWStatus_t {
     if (handle == nullptr) return FW_STATUS_INVALID_ARGUMENT;
     CTarnFWLibHandle* library = fromLibHandle(handle);
     if (library == CTarnFWLibHandle::GetIoctlInstance()) {
-      TARNFW_TRACE(FW_COMPONENT_API, 0,
-                   "Not delete the lib handle since it's the global default one.\n");
+      TARNFW_TRACE_IN(function, LOG_DEBUG, FW_COMPONENT_API, 0,
+                      "Not delete the lib handle since it's the global default one.\n");
     } else {
       delete library;
     }
-    TARNFW_TRACE(FW_COMPONENT_API, 0, "Tarn Firewall library %s has exited.\n", kVersion);
+    TARNFW_TRACE_IN(function, LOG_DEBUG, FW_COMPONENT_API, 0,
+                    "Tarn Firewall library %s has exited.\n", kVersion);
     return FW_STATUS_OK;
   });
 }

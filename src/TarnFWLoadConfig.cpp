@@ -143,17 +143,18 @@ FWStatus_t FW_LoadConfigFile2(std::FILE* file, const char* fileName, fwlibhandle
 }
 
 FWStatus_t FW_LoadConfigFile(const char* path, fwlibhandle_** channel, fwconfigfile_** handle) {
-  return callFrame(__func__, [&]() -> FWStatus_t {
+  return callFrame(__func__, [&, function = __func__]() -> FWStatus_t {
     if (path == nullptr || channel == nullptr || handle == nullptr) {
       return FW_STATUS_INVALID_ARGUMENT;
     }
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path, "re"),
                                                                &std::fclose);
     if (file == nullptr) {
-      TARNFW_TRACE(FW_COMPONENT_API, 0, "failed to open file %s - %d\n", path, errno);
+      TARNFW_TRACE_IN(function, LOG_DEBUG, FW_COMPONENT_API, 0, "failed to open file %s - %d\n",
+                      path, errno);
       return FW_STATUS_CANNOT_LOAD_FILE;
     }
-    TARNFW_TRACE(FW_COMPONENT_API, 0, "opened config file %s\n", path);
+    TARNFW_TRACE_IN(function, LOG_DEBUG, FW_COMPONENT_API, 0, "opened config file %s\n", path);
     return FW_LoadConfigFile2(file.get(), path, channel, handle);
   });
 }
@@ -167,9 +168,9 @@ FWStatus_t FW_EvaluateConfigFile(fwlibhandle_* handle, fwconfigfile_* config, dv
 }
 
 FWStatus_t FW_FreeConfigFile(fwconfigfile_* config) {
-  return callFrame(__func__, [&]() -> FWStatus_t {
+  return callFrame(__func__, [&, function = __func__]() -> FWStatus_t {
     if (config == nullptr) return FW_STATUS_INVALID_ARGUMENT;
-    TARNFW_TRACE(FW_COMPONENT_API, 0, "deleting config file handle.\n");
+    TARNFW_TRACE_IN(function, LOG_DEBUG, FW_COMPONENT_API, 0, "deleting config file handle.\n");
     delete fromConfigFile(config);
     return FW_STATUS_OK;
   });

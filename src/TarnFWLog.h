@@ -127,15 +127,18 @@ constexpr const char* sourceName() {
 #define TARNFW_INFO(format, ...) TARNFW_LOG(LOG_INFO, format __VA_OPT__(, ) __VA_ARGS__)
 
 /// Logs a debug line when the component's level is above `above`: 0 for ordinary steps, 1 for
-/// detail, 2 for dumps. Arguments are not evaluated otherwise.
-#define TARNFW_TRACE_AT(priority, component, above, format, ...)                    \
-  do {                                                                              \
-    if (::TarnFirewall::g_tarnfw_verbose[component].level > (above)) {              \
-      ::TarnFirewall::Logger((priority), "tarnfw:%s %s:%s():%d " format,            \
-                             ::TarnFirewall::g_tarnfw_verbose[component].name,      \
-                             ::TarnFirewall::sourceName<__FILE_NAME__>(), __func__, \
-                             __LINE__ __VA_OPT__(, ) __VA_ARGS__);                  \
-    }                                                                               \
+/// detail, 2 for dumps. Arguments are not evaluated otherwise. `function` stands in the line:
+/// inside a lambda `__func__` says nothing, so the function around it is passed.
+#define TARNFW_TRACE_IN(function, priority, component, above, format, ...)            \
+  do {                                                                                \
+    if (::TarnFirewall::g_tarnfw_verbose[component].level > (above)) {                \
+      ::TarnFirewall::Logger((priority), "tarnfw:%s %s:%s():%d " format,              \
+                             ::TarnFirewall::g_tarnfw_verbose[component].name,        \
+                             ::TarnFirewall::sourceName<__FILE_NAME__>(), (function), \
+                             __LINE__ __VA_OPT__(, ) __VA_ARGS__);                    \
+    }                                                                                 \
   } while (false)
+#define TARNFW_TRACE_AT(priority, component, above, format, ...) \
+  TARNFW_TRACE_IN(__func__, priority, component, above, format __VA_OPT__(, ) __VA_ARGS__)
 #define TARNFW_TRACE(component, above, format, ...) \
   TARNFW_TRACE_AT(LOG_DEBUG, component, above, format __VA_OPT__(, ) __VA_ARGS__)

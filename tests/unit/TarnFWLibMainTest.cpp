@@ -59,16 +59,22 @@ TEST_F(TarnFWLibMain, InitializeMakesAHandleOnTheChannelOfTheItems) {
 }
 
 TEST_F(TarnFWLibMain, TheVersionIsNotLookedAtAndReservedIsNotWritten) {
+  EXPECT_EQ(FW_INTERFACE_VERSION, 65536u);
   EXPECT_EQ(initializeOnMemory(0), 0u);
   EXPECT_EQ(initializeOnMemory(0xffffffffu), 0u);
   EXPECT_EQ(reserved_, 0x5a5a);
 }
 
 TEST_F(TarnFWLibMain, NullHandleOrReservedIsAnInvalidArgument) {
+  LogCapture log;
+  g_tarnfw_verbose[FW_COMPONENT_API].level = 1;
   fwlibhandle_* kept = handle_;
   EXPECT_EQ(FW_Initialize(FW_INTERFACE_VERSION, nullptr, FW_IO_MEMORY, 0, nullptr, &handle_), 3u);
   EXPECT_EQ(handle_, kept);
   EXPECT_EQ(FW_Initialize(FW_INTERFACE_VERSION, &reserved_, FW_IO_MEMORY, 0, nullptr, nullptr), 3u);
+  const std::string entry =
+      "7|tarnfw:api TarnFWLibMain:FW_Initialize():N TARNFW 0.3. build # " TARNFW_BUILD ".\n";
+  EXPECT_EQ(log.normalized(), (Lines{entry, entry}));
 }
 
 TEST_F(TarnFWLibMain, AnUnknownTypeGivesTenAndANullHandle) {
@@ -102,7 +108,7 @@ TEST_F(TarnFWLibMain, InitializeTracesTheVersionAndItsEnd) {
   EXPECT_EQ(
       log.normalized(),
       (Lines{"7|tarnfw:api TarnFWLibMain:FW_Initialize():N TARNFW 0.3. build # " TARNFW_BUILD ".\n",
-             "7|tarnfw:api TarnFWLibMain:initialize():N Tarn Firewall library is "
+             "7|tarnfw:api TarnFWLibMain:FW_Initialize():N Tarn Firewall library is "
              "initialized.\n",
              "7|tarnfw:api TarnFWLibMain:FW_Initialize():N FW_Initialize: ok\n"}));
 }

@@ -249,6 +249,8 @@ TEST(TarnFWLoadConfig, TracesItsSteps) {
                            "FW_LoadConfigString: ok\n", "deleting config file handle.\n"}) {
     EXPECT_TRUE(log.has(7, line)) << line;
   }
+  EXPECT_EQ(log.normalized().end()[-2],
+            "7|tarnfw:api TarnFWLoadConfig:FW_FreeConfigFile():N deleting config file handle.\n");
   log.clear();
   const TextFile file(text);
   {
