@@ -1,7 +1,8 @@
 #include "TarnFWLibCall.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <cstring>
-#include <string>
 
 #include "TarnFWException.h"
 #include "TarnFWLog.h"
@@ -11,12 +12,18 @@ namespace TarnFirewall {
 
 namespace {
 
-/// A source's name without its folder and its ending, as log lines carry it.
-std::string bareName(const char* file) {
-  const char* slash = std::strrchr(file, '/');
-  const char* name = slash != nullptr ? slash + 1 : file;
-  return std::string(name, std::strcspn(name, "."));
-}
+/// A source's name without its folder and its ending, as log lines carry it. It stands in place: a
+/// line must come out, and nothing may be thrown, when there is no memory left.
+struct BareName {
+  explicit BareName(const char* file) {
+    const char* slash = std::strrchr(file, '/');
+    const char* name = slash != nullptr ? slash + 1 : file;
+    const std::size_t length = std::min(std::strcspn(name, "."), sizeof text - 1);
+    std::memcpy(text, name, length);
+    text[length] = '\0';
+  }
+  char text[64];
+};
 
 bool traced() { return g_tarnfw_verbose[FW_COMPONENT_API].level > 0; }
 
@@ -25,26 +32,26 @@ bool traced() { return g_tarnfw_verbose[FW_COMPONENT_API].level > 0; }
 void traceEntry(const FWCallPlace& place) {
   if (!traced()) return;
   Logger(LOG_DEBUG, "tarnfw:%s %s:%s():%d %s.\n", g_tarnfw_verbose[FW_COMPONENT_API].name,
-         bareName(place.file).c_str(), place.function, place.line, place.function);
+         BareName(place.file).text, place.function, place.line, place.function);
 }
 
 void traceExit(const FWCallPlace& place, FWStatus_t status) {
   if (!traced()) return;
   Logger(LOG_DEBUG, "tarnfw:%s %s:%s():%d %s: %s\n", g_tarnfw_verbose[FW_COMPONENT_API].name,
-         bareName(place.file).c_str(), place.function, place.line, place.function,
+         BareName(place.file).text, place.function, place.line, place.function,
          FW_StatusToString(status));
 }
 
 FWStatus_t statusOfException(const FWCallPlace& place) {
-  const std::string file = bareName(place.file);
+  const BareName file(place.file);
   try {
     throw;
   } catch (const CTarnFWException& e) {
-    Logger(LOG_WARNING, "tarnfw: %s:%s():%d error %d: %s\n", file.c_str(), place.function,
-           place.line, e.retcode(), e.what());
+    Logger(LOG_WARNING, "tarnfw: %s:%s():%d error %d: %s\n", file.text, place.function, place.line,
+           e.retcode(), e.what());
     return static_cast<FWStatus_t>(e.retcode());
   } catch (...) {
-    Logger(LOG_WARNING, "tarnfw: %s:%s():%d %s: encountered internal error\n", file.c_str(),
+    Logger(LOG_WARNING, "tarnfw: %s:%s():%d %s: encountered internal error\n", file.text,
            place.function, place.line, place.function);
     return FW_STATUS_UNKNOWN_ERROR;
   }

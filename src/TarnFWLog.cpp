@@ -2,8 +2,11 @@
 
 #include <strings.h>
 
+#include <cstddef>
+#include <cstdio>
 #include <cstring>
-#include <string>
+#include <memory>
+#include <new>
 
 #include "tarnfw.h"
 
@@ -34,12 +37,14 @@ constinit void* g_tarnfw_pretty_printing_context = nullptr;
 Locks::Mutex g_tarnfw_pretty_printing_mutex;
 
 void vLogger(int priority, const char* format, va_list arguments) {
-  if (gTarnFWLogger.function == nullptr) {
+  const FWLogger_ logger = gTarnFWLogger;
+  if (logger.function == nullptr) {
     vsyslog(priority, format, arguments);
     return;
   }
-  const int relative = priority - LOG_INFO + static_cast<int>(gTarnFWLogger.base);
-  gTarnFWLogger.function(relative, format, arguments);
+  // Unsigned, so that no base overflows.
+  const unsigned int relative = static_cast<unsigned int>(priority) - LOG_INFO + logger.base;
+  logger.function(static_cast<int>(relative), format, arguments);
 }
 
 void Logger(int priority, const char* format, ...) {
@@ -87,23 +92,31 @@ FWStatus_t FW_Log(int level, unsigned int component, const char* format, ...) {
     return FW_STATUS_INVALID_ARGUMENT;
   }
   // The component's name stands inside the new format, so a percent sign in it is doubled.
-  std::string composed = "[";
-  composed.reserve(std::strlen(format) + 32);
-  composed += word;
-  composed += '(';
+  char name[2 * sizeof g_tarnfw_verbose[0].name];
+  char* end = name;
   for (const char* c = g_tarnfw_verbose[component].name; *c != '\0'; ++c) {
-    composed += *c;
-    if (*c == '%') composed += '%';
+    *end++ = *c;
+    if (*c == '%') *end++ = '%';
   }
-  composed += ")] ";
-  composed += format;
-  composed += '\n';
+  *end = '\0';
+  // The new format stands on the stack, so that a line still comes out without memory. A long one
+  // would overflow it.
+  char local[1024];
+  std::unique_ptr<char[]> large;
+  char* composed = local;
+  const std::size_t size = std::strlen(format) + sizeof name + sizeof "[DEBUG()] \n";
+  if (size > sizeof local) {
+    large.reset(new (std::nothrow) char[size]);
+    if (large == nullptr) return FW_STATUS_OUT_OF_MEMORY;
+    composed = large.get();
+  }
+  std::snprintf(composed, size, "[%s(%s)] %s\n", word, name, format);
   va_list arguments;
   va_start(arguments, format);
   // The caller's format was checked where FW_Log was called; only a literal frame was added to it.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-nonliteral"
-  vLogger(level, composed.c_str(), arguments);
+  vLogger(level, composed, arguments);
 #pragma GCC diagnostic pop
   va_end(arguments);
   return FW_STATUS_OK;
@@ -136,7 +149,7 @@ FWStatus_t FW_RegisterComponent(const char* name, unsigned int* component) {
     *component = g_tarnfw_max_component;
     ++g_tarnfw_max_component;
     return FW_STATUS_OK;
-  } catch (const Locks::LockException&) {
+  } catch (...) {
     TARNFW_WARNING("%s: encountered internal error\n", __func__);
     return FW_STATUS_UNKNOWN_ERROR;
   }
@@ -145,11 +158,11 @@ FWStatus_t FW_RegisterComponent(const char* name, unsigned int* component) {
 FWStatus_t FW_UnregisterComponent(unsigned int) { return FW_STATUS_NOT_SUPPORTED; }
 
 FWStatus_t FW_GetLibVerboseLevel(unsigned int component, unsigned int* level) {
-  if (level == nullptr) return FW_STATUS_INVALID_ARGUMENT;
   if (component >= g_tarnfw_max_component) {
     TARNFW_WARNING("attempting to get verbose level of unknown component %u\n", component);
     return FW_STATUS_COMPONENT_NOT_FOUND;
   }
+  if (level == nullptr) return FW_STATUS_INVALID_ARGUMENT;
   *level = static_cast<unsigned int>(g_tarnfw_verbose[component].level);
   TARNFW_TRACE(FW_COMPONENT_API, 0, "got component %u (%s) log level %d\n", component,
                g_tarnfw_verbose[component].name, g_tarnfw_verbose[component].level);
@@ -178,7 +191,7 @@ void FW_SetLibPrettyPrinting(FWPrettyPrinting_t function, void* context) {
     const Locks::Guard lock(g_tarnfw_pretty_printing_mutex);
     g_tarnfw_pretty_printing = function;
     g_tarnfw_pretty_printing_context = context;
-  } catch (const Locks::LockException&) {
+  } catch (...) {
     TARNFW_WARNING("%s: encountered internal error\n", __func__);
   }
 }

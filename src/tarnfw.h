@@ -144,7 +144,8 @@ void FW_RegisterLogger(FWLoggerFunction_t function, unsigned int base);
 void FW_UnregisterLogger();
 
 /// Logs a caller's line under a component. `level` is 3, 4, 6 or 7. Verbosity is not looked at.
-/// 3 for a null format, another level or an unknown component.
+/// 3 for a null format, another level or an unknown component; 8 when a format of more than 900
+/// characters finds no memory.
 FWStatus_t FW_Log(int level, unsigned int component, const char* format, ...)
     __attribute__((format(printf, 3, 4)));
 

@@ -1,5 +1,11 @@
 #include <gtest/gtest.h>
 
+#include <cstdarg>
+#include <cstdio>
+#include <cstring>
+#include <regex>
+
+#include "DeviceShim.h"
 #include "Expect.h"
 #include "FullRule.h"
 #include "MemoryShim.h"
@@ -8,10 +14,13 @@
 #include "TarnFWAddressList.h"
 #include "TarnFWAttrProfile.h"
 #include "TarnFWContainer.h"
+#include "TarnFWLibHandle.h"
+#include "TarnFWLog.h"
 #include "TarnFWProtocol.h"
 #include "TarnFWRuleAction.h"
 #include "TarnFWRuleActionSNAT.h"
 #include "TarnFWRuleFactory.h"
+#include "tarnfw.h"
 
 using namespace TarnFirewall;
 
@@ -39,7 +48,95 @@ FWRule_ fullRecord() {
   return loadRecord<FWRule_>(bytes.data());
 }
 
+/// The lines that were logged last, kept without memory.
+char g_logged[1024];
+
+__attribute__((format(printf, 2, 0))) void keepLine(int, const char* format, va_list arguments) {
+  const std::size_t used = std::strlen(g_logged);
+  std::vsnprintf(g_logged + used, sizeof g_logged - used, format, arguments);
+}
+
+/// Registers the logger above, and sets back what a test did to the log.
+struct LinesWithoutMemory {
+  LinesWithoutMemory() {
+    g_logged[0] = '\0';
+    FW_RegisterLogger(keepLine, 6);
+  }
+  ~LinesWithoutMemory() {
+    FW_UnregisterLogger();
+    g_tarnfw_verbose[FW_COMPONENT_API].level = 0;
+  }
+};
+
+/// What was logged, with the line numbers as N.
+std::string loggedLines() {
+  return std::regex_replace(std::string(g_logged), std::regex("\\(\\):[0-9]+ "), "():N ");
+}
+
 }  // namespace
+
+TEST(OutOfMemory, AFlatFunctionLogsAndEndsWithAStatusWhenNoMemoryIsLeft) {
+  const FWRuleSetID_t id{"web"};
+  const FWRule_ rule = fullRecord();
+  const auto library = CTarnFWLibHandle::GetInstance();
+  const LinesWithoutMemory lines;
+  g_tarnfw_verbose[FW_COMPONENT_API].level = 1;
+  FWStatus_t status = 0;
+  {
+    const MemoryShim::NoMemory none;
+    status = FW_CreateRuleSet(toLibHandle(library.get()), nullptr, nullptr, &id, nullptr, &rule, 1);
+  }
+  EXPECT_EQ(status, 5u);
+  EXPECT_EQ(loggedLines(),
+            "tarnfw:api TarnFWLibRuleSet:FW_CreateRuleSet():N FW_CreateRuleSet.\n"
+            "tarnfw: TarnFWLibRuleSet:FW_CreateRuleSet():N FW_CreateRuleSet: encountered internal "
+            "error\n"
+            "tarnfw:api TarnFWLibRuleSet:FW_CreateRuleSet():N FW_CreateRuleSet: unknown error\n");
+}
+
+TEST(OutOfMemory, ALineOfACallerComesOutWithoutMemory) {
+  const LinesWithoutMemory lines;
+  FWStatus_t status = 99;
+  {
+    const MemoryShim::NoMemory none;
+    status = FW_Log(6, 0, "the disk %s is full", "/dev/sda");
+  }
+  EXPECT_EQ(status, 0u);
+  EXPECT_STREQ(g_logged, "[INFO(misc)] the disk /dev/sda is full\n");
+}
+
+TEST(OutOfMemory, AVeryLongFormatOfACallerIsRefusedWithoutMemory) {
+  FWStatus_t (*const unchecked)(int, unsigned int, const char*, ...) = FW_Log;
+  const std::string format(100000, 'x');
+  const LinesWithoutMemory lines;
+  FWStatus_t status = 99;
+  {
+    const MemoryShim::NoMemory none;
+    status = unchecked(6, 0, format.c_str());
+  }
+  EXPECT_EQ(status, 8u);
+  EXPECT_STREQ(g_logged, "");
+}
+
+TEST(OutOfMemory, ALockThatFailsPassesNoExceptionEvenWithoutMemory) {
+  const LinesWithoutMemory lines;
+  unsigned int component = 77;
+  FWStatus_t status = 99;
+  {
+    const MemoryShim::NoMemory none;
+    DeviceShim::failNextLock();
+    status = FW_RegisterComponent("mine", &component);
+    DeviceShim::failNextLock();
+    FW_SetLibPrettyPrinting(nullptr, nullptr);
+  }
+  EXPECT_EQ(status, 5u);
+  EXPECT_EQ(component, 77u);
+  EXPECT_EQ(loggedLines(),
+            "tarnfw: TarnFWLog:FW_RegisterComponent():N FW_RegisterComponent: encountered internal "
+            "error\n"
+            "tarnfw: TarnFWLog:FW_SetLibPrettyPrinting():N FW_SetLibPrettyPrinting: encountered "
+            "internal error\n");
+}
 
 TEST(OutOfMemory, TheTextsOfAnAttributeAddressLeaveItAsItWas) {
   const CTarnFWAttr<FW_ATTR_ID_VALUE_INT> number(FWAttrIDType{}, "33", true);

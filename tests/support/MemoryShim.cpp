@@ -9,8 +9,10 @@ constexpr unsigned int kNone = std::numeric_limits<unsigned int>::max();
 
 /// Allocations up to the one that fails.
 thread_local unsigned int t_left = kNone;
+thread_local bool t_noMemory = false;
 
 void* allocate(std::size_t size) noexcept {
+  if (t_noMemory) return nullptr;
   if (t_left != kNone && t_left-- == 0) return nullptr;  // one failure: kNone is what is left
   return std::malloc(size == 0 ? 1 : size);
 }
@@ -39,5 +41,8 @@ namespace MemoryShim {
 
 FailingAllocation::FailingAllocation(unsigned int number) { t_left = number; }
 FailingAllocation::~FailingAllocation() { t_left = kNone; }
+
+NoMemory::NoMemory() { t_noMemory = true; }
+NoMemory::~NoMemory() { t_noMemory = false; }
 
 }  // namespace MemoryShim

@@ -3,7 +3,7 @@
 #include <new>
 
 /// Replaces `new` and `delete` in the program it is linked into, so that a test can let one
-/// allocation fail.
+/// allocation fail, or all.
 namespace MemoryShim {
 
 /// While it lives, the allocation of this number by this thread throws `std::bad_alloc`; the first
@@ -14,6 +14,15 @@ class FailingAllocation {
   ~FailingAllocation();
   FailingAllocation(const FailingAllocation&) = delete;
   FailingAllocation& operator=(const FailingAllocation&) = delete;
+};
+
+/// While it lives, every allocation by this thread throws `std::bad_alloc`.
+class NoMemory {
+ public:
+  NoMemory();
+  ~NoMemory();
+  NoMemory(const NoMemory&) = delete;
+  NoMemory& operator=(const NoMemory&) = delete;
 };
 
 /// Calls `body` with its first allocation failing, then with its second, and so on, until none
