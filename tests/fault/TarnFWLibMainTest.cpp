@@ -9,6 +9,7 @@
 #include "FakeKernel.h"
 #include "Locks.h"
 #include "LogCapture.h"
+#include "TarnFWLibConfig.h"
 #include "TarnFWLibHandle.h"
 #include "TarnFWLog.h"
 #include "tarnfw.h"
@@ -102,9 +103,12 @@ TEST(TarnFWLibMain, ExitOfTheDefaultHandleKeepsItUsable) {
     LogCapture log;
     g_tarnfw_verbose[FW_COMPONENT_API].level = 1;
     EXPECT_EQ(FW_Exit(handle), 0u);
-    EXPECT_TRUE(
-        log.has(LOG_DEBUG, "Not delete the lib handle since it's the global default one.\n"));
-    EXPECT_TRUE(log.has(LOG_DEBUG, "Tarn Firewall library TARNFW 0.3 has exited.\n"));
+    const std::string place = "7|tarnfw:api TarnFWLibMain:FW_Exit():N ";
+    EXPECT_EQ(
+        log.normalized(),
+        (Lines{place + "FW_Exit.\n",
+               place + "Not delete the lib handle since it's the global default one.\n",
+               place + "Tarn Firewall library TARNFW 0.3 has exited.\n", place + "FW_Exit: ok\n"}));
     EXPECT_EQ(FW_GetDefaultLibHandle(), handle);
     EXPECT_EQ(send(handle), 0u);
     EXPECT_TRUE(DeviceShim::closes().empty());
@@ -197,7 +201,7 @@ TEST(TarnFWLibMain, InitializeWithoutMemoryForTheHandleGivesEight) {
   EXPECT_FRESH([] {
     DeviceShim::put(kDevice);
     int reserved = 0;
-    fwlibhandle_* handle = nullptr;
+    fwlibhandle_* handle = reinterpret_cast<fwlibhandle_*>(&reserved);
     LogCapture log;
     DeviceShim::failNextNothrowNew();
     EXPECT_EQ(FW_Initialize(FW_INTERFACE_VERSION, &reserved, FW_IO_IOCTL, 0, nullptr, &handle), 8u);
@@ -276,6 +280,22 @@ TEST(Mutex, EveryCallThatFailsThrowsTheSystemsError) {
   mutex.lock();
   DeviceShim::failNextUnlock();
   expectThrown("unlock", [&] { mutex.unlock(); });
+}
+
+TEST(Mutex, AnUnlockThatFailsAtTheEndOfAScopeThrowsNothing) {
+  Locks::Mutex mutex;
+  {
+    const Locks::Guard guard(mutex);
+    DeviceShim::failNextUnlock();
+  }
+  mutex.lock();
+  mutex.unlock();
+}
+
+TEST(TarnFWLibConfig, ALockThatFailsGivesNoConfiguration) {
+  DeviceShim::failNextLock();
+  EXPECT_THROW(CTarnFWLibConfig::GetInstance(), Locks::LockException);
+  EXPECT_NE(CTarnFWLibConfig::GetInstance(), nullptr);
 }
 
 TEST(TarnFWSimpleMsgBuf, ALockThatFailsThrowsAndLosesNoMemory) {

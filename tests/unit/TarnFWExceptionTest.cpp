@@ -116,6 +116,72 @@ TEST(Exception, EveryClassHasItsCodeAndText) {
                     69, "invalid container name: n(r)");
 }
 
+TEST(Exception, SignedNumbersKeepTheirSignAndUnsignedOnesHaveNone) {
+  EXPECT_THROW_WITH(throw CInvalidAddressException("t", 4294967295u), CInvalidAddressException, 33,
+                    "t: -1");
+  EXPECT_THROW_WITH(throw CInvalidAddrSetTypeException(-1), CInvalidAddrSetTypeException, 34,
+                    "invalid addrset type: -1");
+  EXPECT_THROW_WITH(throw CIntegerOverflowException("t", -1), CIntegerOverflowException, 17,
+                    "t: -1");
+  EXPECT_THROW_WITH(throw COutOfMemoryException(-1), COutOfMemoryException, 8,
+                    "out of memory while trying to alloc -1 bytes memory");
+  EXPECT_THROW_WITH(throw CBufferTooSmallException(-1), CBufferTooSmallException, 9,
+                    "input buffer of -1 bytes is too small");
+  EXPECT_THROW_WITH(throw CCannotInitializeIOException(-1), CCannotInitializeIOException, 10,
+                    "cannot initialize IO channel: -1");
+  EXPECT_THROW_WITH(throw CUnknownProtocolSpecTypeException(-1), CUnknownProtocolSpecTypeException,
+                    43, "unknown protocol spec type: -1");
+  EXPECT_THROW_WITH(throw CUnknownMsgBufTypeException(-1), CUnknownMsgBufTypeException, 3,
+                    "unknown message buffer type: -1");
+  EXPECT_THROW_WITH(throw CUnknownIOTypeException(-1), CUnknownIOTypeException, 15,
+                    "unknown IO channel type: -1");
+  EXPECT_THROW_WITH(throw CUnknownSocketTypeException(-1), CUnknownSocketTypeException, 11,
+                    "unknown socket type: -1");
+  EXPECT_THROW_WITH(throw CTooManyL4PortException(-1), CTooManyL4PortException, 39,
+                    "too many TCP/UDP port: -1");
+  EXPECT_THROW_WITH(throw CInvalidRuleDirectionException(-1), CInvalidRuleDirectionException, 42,
+                    "invalid rule action id: -1");
+  EXPECT_THROW_WITH(throw CInvalidProtocolSpecDirException(-1), CInvalidProtocolSpecDirException,
+                    43, "invalid protocol spec dir (0-2): -1");
+  EXPECT_THROW_WITH(throw CTCPOptionsTooLongException(-1), CTCPOptionsTooLongException, 41,
+                    "TCP options is too long: -1");
+  EXPECT_THROW_WITH(throw CUnknownIpfixTemplateTypeException(-1),
+                    CUnknownIpfixTemplateTypeException, 7, "Unknown template: -1");
+  EXPECT_THROW_WITH(throw CInvalidTimeoutException(4294967295u), CInvalidTimeoutException, 58,
+                    "unrecognized timeout id 4294967295");
+  EXPECT_THROW_WITH(throw CInvalidRuleActionException(4294967295u), CInvalidRuleActionException, 37,
+                    "invalid rule action: 4294967295");
+  EXPECT_THROW_WITH(throw CInsufficientMsgBufException(4294967295u, 4294967294u),
+                    CInsufficientMsgBufException, 9,
+                    "expect 4294967295 byte in message buffer, but only get 4294967294 bytes");
+  EXPECT_THROW_WITH(throw CInvalidL4PortException(4294967295u), CInvalidL4PortException, 38,
+                    "invalid TCP/UDP port: 4294967295");
+  EXPECT_THROW_WITH(throw CInvalidL4PortRangeException(4294967295u, 4294967294u),
+                    CInvalidL4PortRangeException, 38,
+                    "invalid TCP/UDP port range: 4294967295 - 4294967294");
+  EXPECT_THROW_WITH(throw CInvalidTCPFlagsException(0xABCDEFu), CInvalidTCPFlagsException, 40,
+                    "invalid TCP flags: 0xabcdef");
+}
+
+TEST(Exception, FormattedTextsAreCutAtTheirBufferAndJoinedOnesAreNot) {
+  const std::string longText(300, 'x');
+  const auto cut = [&](const std::string& start) { return (start + longText).substr(0, 255); };
+  EXPECT_THROW_WITH(throw CIDTooLongException(longText), CIDTooLongException, 32,
+                    cut("id is too long: "));
+  EXPECT_THROW_WITH(throw CInvalidL4PortRangeException(longText), CInvalidL4PortRangeException, 38,
+                    cut("invalid TCP/UDP port range: "));
+  EXPECT_THROW_WITH(throw CTooManyL4PortException(longText), CTooManyL4PortException, 39,
+                    cut("too many TCP/UDP port: "));
+  EXPECT_THROW_WITH(throw CCannotOpenDevException(longText, 2), CCannotOpenDevException, 12,
+                    cut("cannot open device "));
+  EXPECT_THROW_WITH(throw CInvalidL4PortException(longText), CInvalidL4PortException, 38,
+                    "invalid TCP/UDP port: " + longText);
+  EXPECT_THROW_WITH(throw CUnsupportedException(longText, 7), CUnsupportedException, 7,
+                    longText + "7");
+  EXPECT_THROW_WITH(throw CIntegerOverflowException(longText, 7), CIntegerOverflowException, 17,
+                    longText + ": 7");
+}
+
 TEST(Exception, IoctlOutOfMemoryIsTheKernelsAndKeepsTheText) {
   EXPECT_THROW_WITH(throw CIoctlException("ioctl failed", ENOMEM), CIoctlException, 65,
                     "ioctl failed");

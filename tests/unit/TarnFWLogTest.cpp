@@ -1,6 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <chrono>
 #include <cstdio>
+#include <thread>
 #include <vector>
 
 #include "LogCapture.h"
@@ -56,6 +59,17 @@ TEST_F(TarnFWLog, BaseZeroCountsFromInfo) {
   EXPECT_EQ(g_priorities, (std::vector<int>{1, 0, -2}));
 }
 
+TEST_F(TarnFWLog, ABaseIsAddedWhateverItsSize) {
+  g_priorities.clear();
+  FW_RegisterLogger(collect, 2147483647u);
+  Logger(6, "x");
+  Logger(7, "x");
+  FW_RegisterLogger(collect, 4294967295u);
+  Logger(6, "x");
+  FW_UnregisterLogger();
+  EXPECT_EQ(g_priorities, (std::vector<int>{2147483647, -2147483647 - 1, -1}));
+}
+
 TEST_F(TarnFWLog, UnregisteringClearsFunctionAndBase) {
   FW_RegisterLogger(collect, 9);
   EXPECT_EQ(gTarnFWLogger.base, 9u);
@@ -81,6 +95,19 @@ TEST_F(TarnFWLog, ComposesTheLineWithTheComponentsName) {
   EXPECT_EQ(log.lines()[3].priority, 3);
 }
 
+TEST_F(TarnFWLog, AFormatOfAnyLengthComesOutWhole) {
+  unsigned int component = 0;
+  ASSERT_EQ(FW_RegisterComponent("%%%%%%%%%%%%%%%", &component), 0u);
+  FWStatus_t (*const unchecked)(int, unsigned int, const char*, ...) = FW_Log;
+  for (const std::size_t length : {0, 1, 900, 960, 970, 980, 990, 1000, 1010, 1020, 1030, 3000}) {
+    LogCapture log;
+    const std::string format(length, 'f');
+    EXPECT_EQ(unchecked(7, component, format.c_str()), 0u);
+    ASSERT_EQ(log.lines().size(), 1u);
+    EXPECT_EQ(log.lines()[0].text, "[DEBUG(%%%%%%%%%%%%%%%)] " + format + "\n");
+  }
+}
+
 TEST_F(TarnFWLog, LogsWhateverTheVerbosityLevelIs) {
   LogCapture log;
   g_tarnfw_verbose[7].level = 0;
@@ -102,9 +129,15 @@ TEST_F(TarnFWLog, RefusesALevelThatIsNotOneOfTheFour) {
 TEST_F(TarnFWLog, RefusesAComponentThatIsNotInUse) {
   LogCapture log;
   EXPECT_EQ(FW_Log(6, 19, "x"), 3u);
+  EXPECT_EQ(FW_Log(6, 255, "x"), 3u);
+  EXPECT_EQ(FW_Log(6, 4294967295u, "x"), 3u);
+  EXPECT_EQ(FW_Log(5, 99, "x"), 3u);
   EXPECT_EQ(
       log.normalized(),
-      (std::vector<std::string>{"3|tarnfw: TarnFWLog:FW_Log():N invalid log component 19\n"}));
+      (std::vector<std::string>{"3|tarnfw: TarnFWLog:FW_Log():N invalid log component 19\n",
+                                "3|tarnfw: TarnFWLog:FW_Log():N invalid log component 255\n",
+                                "3|tarnfw: TarnFWLog:FW_Log():N invalid log component 4294967295\n",
+                                "3|tarnfw: TarnFWLog:FW_Log():N invalid log level 5\n"}));
 }
 
 TEST_F(TarnFWLog, ANullFormatIsRefusedSilently) {
@@ -134,6 +167,10 @@ TEST_F(TarnFWLog, ComponentsHaveTheirNamesAndNumbers) {
     EXPECT_EQ(FW_StringToComponent(names[row]), row);
     EXPECT_EQ(g_tarnfw_verbose[row].predefined, 1u);
   }
+  for (unsigned int row = 19; row < 64; ++row) {
+    EXPECT_EQ(g_tarnfw_verbose[row].predefined, 0u);
+    EXPECT_STREQ(g_tarnfw_verbose[row].name, "");
+  }
   EXPECT_STREQ(FW_ComponentToString(255), "all");
   EXPECT_STREQ(FW_ComponentToString(19), "unknown");
   EXPECT_STREQ(FW_ComponentToString(4294967295u), "unknown");
@@ -152,6 +189,11 @@ TEST_F(TarnFWLog, FindsAComponentIgnoringCase) {
   EXPECT_EQ(FW_StringToComponent("nothing"), 64u);
   EXPECT_EQ(FW_StringToComponent(""), 64u);
   EXPECT_EQ(FW_StringToComponent(nullptr), 64u);
+  EXPECT_EQ(FW_StringToComponent("Mine"), 64u);
+  unsigned int component = 0;
+  ASSERT_EQ(FW_RegisterComponent("mine", &component), 0u);
+  ASSERT_EQ(FW_RegisterComponent("MINE", &component), 0u);
+  EXPECT_EQ(FW_StringToComponent("Mine"), 19u);
 }
 
 TEST_F(TarnFWLog, RegistersANameOfFifteenCharactersAndRefusesSixteen) {
@@ -173,6 +215,8 @@ TEST_F(TarnFWLog, TheFortySixthRegistrationFindsNoRow) {
   }
   EXPECT_EQ(component, 63u);
   EXPECT_EQ(FW_RegisterComponent("late", &component), 56u);
+  EXPECT_EQ(FW_RegisterComponent("1234567890123456", &component), 3u);
+  EXPECT_EQ(FW_RegisterComponent("late", nullptr), 3u);
   EXPECT_EQ(component, 63u);
   EXPECT_EQ(FW_GetComponentCount(), 64u);
 }
@@ -207,11 +251,21 @@ TEST_F(TarnFWLog, AnUnknownComponentChangesNothing) {
   LogCapture log;
   unsigned int level = 77;
   EXPECT_EQ(FW_GetLibVerboseLevel(19, &level), 55u);
+  EXPECT_EQ(FW_GetLibVerboseLevel(255, &level), 55u);
   EXPECT_EQ(level, 77u);
+  EXPECT_EQ(FW_GetLibVerboseLevel(19, nullptr), 55u);
+  EXPECT_EQ(FW_GetLibVerboseLevel(18, nullptr), 3u);
+  FW_SetLibVerboseLevel(19, 3);
   FW_SetLibVerboseLevel(64, 3);
   EXPECT_EQ(log.normalized(),
             (std::vector<std::string>{
                 "4|tarnfw: TarnFWLog:FW_GetLibVerboseLevel():N attempting to get verbose level of "
+                "unknown component 19\n",
+                "4|tarnfw: TarnFWLog:FW_GetLibVerboseLevel():N attempting to get verbose level of "
+                "unknown component 255\n",
+                "4|tarnfw: TarnFWLog:FW_GetLibVerboseLevel():N attempting to get verbose level of "
+                "unknown component 19\n",
+                "4|tarnfw: TarnFWLog:FW_SetLibVerboseLevel():N attempting to set verbose level of "
                 "unknown component 19\n",
                 "4|tarnfw: TarnFWLog:FW_SetLibVerboseLevel():N attempting to set verbose level of "
                 "unknown component 64\n"}));
@@ -235,6 +289,22 @@ TEST_F(TarnFWLog, LevelChangesAreLoggedWhenTheApiLevelIsUp) {
           "2\n"}));
 }
 
+TEST_F(TarnFWLog, ALevelForAllIsLoggedForEachRowInUse) {
+  LogCapture log;
+  unsigned int component = 0;
+  ASSERT_EQ(FW_RegisterComponent("later", &component), 0u);
+  FW_SetLibVerboseLevel(1, 1);
+  log.clear();
+  FW_SetLibVerboseLevel(255, 3);
+  std::vector<std::string> expected;
+  for (unsigned int row = 0; row < 20; ++row) {
+    expected.push_back("7|tarnfw:api TarnFWLog:FW_SetLibVerboseLevel():N set component " +
+                       std::string(FW_ComponentToString(row)) + " log level to 3\n");
+  }
+  EXPECT_EQ(log.normalized(), expected);
+  EXPECT_EQ(g_tarnfw_verbose[20].level, 0);
+}
+
 TEST_F(TarnFWLog, ATraceBelowItsLevelEvaluatesNoArgument) {
   LogCapture log;
   int calls = 0;
@@ -248,6 +318,25 @@ TEST_F(TarnFWLog, ATraceBelowItsLevelEvaluatesNoArgument) {
   EXPECT_EQ(calls, 1);
   EXPECT_EQ(log.normalized(),
             (std::vector<std::string>{"7|tarnfw:io TarnFWLogTest:TestBody():N value 1\n"}));
+}
+
+TEST_F(TarnFWLog, ThePrinterStaysUntilTheOutputOfACommandEnds) {
+  std::string out;
+  FW_SetLibPrettyPrinting(print, &out);
+  std::atomic<bool> replaced = false;
+  std::thread other;
+  {
+    const PrettyPrinting printing;
+    other = std::thread([&replaced] {
+      FW_SetLibPrettyPrinting(nullptr, nullptr);
+      replaced = true;
+    });
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    EXPECT_FALSE(replaced);
+    EXPECT_EQ(g_tarnfw_pretty_printing, print);
+  }
+  other.join();
+  EXPECT_EQ(g_tarnfw_pretty_printing, nullptr);
 }
 
 TEST_F(TarnFWLog, ThePrinterGetsItsContextAndANullFunctionTurnsItOff) {
