@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <thread>
 
@@ -84,6 +85,7 @@ TEST(TarnFWLibMain, WithoutTheDeviceTheProcessEndsWithStatus255) {
   const FreshResult result = runFresh([] {
     DeviceShim::putFailing(kDevice, ENOENT);
     logToStandardError();
+    std::atexit([] { std::fprintf(stderr, "what runs at the end has run\n"); });
     FW_GetDefaultLibHandle();
     std::fprintf(stderr, "not reached\n");
   });
@@ -93,7 +95,8 @@ TEST(TarnFWLibMain, WithoutTheDeviceTheProcessEndsWithStatus255) {
             "4|tarnfw: TarnFWLibMain:FW_Initialize():N error 12: cannot open device "
             "/dev/brq-tarn: 2\n"
             "3|tarnfw: TarnFWLibHandle:GetIoctlInstance():N Failed to initialize tarn library: "
-            "cannot load file\n\n");
+            "cannot load file\n\n"
+            "what runs at the end has run\n");
 }
 
 TEST(TarnFWLibMain, ExitOfTheDefaultHandleKeepsItUsable) {

@@ -42,6 +42,16 @@ TEST_F(TarnFWLibCall, TracesEntryAndExitUnderTheFunctionsName) {
                                      kTrace + "FW_Probe.\n", kTrace + "FW_Probe: bad state\n"}));
 }
 
+TEST_F(TarnFWLibCall, CutsASourcesNameThatIsVeryLong) {
+  LogCapture log;
+  const std::string path = "/src/" + std::string(100, 'f') + ".cpp";
+  EXPECT_EQ(callFrame(
+                "FW_Other", []() -> FWStatus_t { throw 5; }, path.c_str(), 12),
+            5u);
+  EXPECT_EQ(log.normalized(), Lines{"4|tarnfw: " + std::string(63, 'f') +
+                                    ":FW_Other():N FW_Other: encountered internal error\n"});
+}
+
 TEST_F(TarnFWLibCall, IsSilentAtLevelZero) {
   LogCapture log;
   EXPECT_EQ(FW_Probe(handle_, 5), 5u);

@@ -245,6 +245,8 @@ TEST_F(TarnFWLog, LevelOfAllReachesRowsAddedAtRunTime) {
   EXPECT_EQ(level, 2u);
   EXPECT_EQ(FW_GetLibVerboseLevel(0, &level), 0u);
   EXPECT_EQ(level, 2u);
+  FW_SetLibVerboseLevel(255, 0);
+  for (const FWVerbose_& row : g_tarnfw_verbose) EXPECT_EQ(row.level, 0);
 }
 
 TEST_F(TarnFWLog, AnUnknownComponentChangesNothing) {
@@ -350,5 +352,6 @@ TEST_F(TarnFWLog, ThePrinterGetsItsContextAndANullFunctionTurnsItOff) {
   FW_SetLibPrettyPrinting(nullptr, nullptr);
   const PrettyPrinting off;
   EXPECT_FALSE(static_cast<bool>(off));
+  EXPECT_EQ(off.context, nullptr);
   EXPECT_EQ(out, "3 rules\n");
 }
