@@ -31,7 +31,8 @@ FWStatus_t FW_Initialize(unsigned int, void* reserved, FWIOType_t type, unsigned
                          const char** items, fwlibhandle_** handle) {
   TARNFW_TRACE(FW_COMPONENT_API, 0, "%s. build # %s.\n", kVersion, kBuild);
   if (handle == nullptr || reserved == nullptr) return FW_STATUS_INVALID_ARGUMENT;
-  return callBody(__func__, [&, function = __func__]() -> FWStatus_t {
+  const char* const function = __func__;
+  return callBody(function, [&]() -> FWStatus_t {
     *handle = nullptr;
     std::unique_ptr<CTarnFWLibHandle> library = CTarnFWLibHandle::GetInstance();
     library->setIOChannel(create_io_channel(type, count, items));
@@ -56,7 +57,8 @@ fwlibhandle_* FW_GetDefaultLibHandle() {
 }
 
 FWStatus_t FW_Exit(fwlibhandle_* handle) {
-  return callFrame(__func__, [&, function = __func__]() -> FWStatus_t {
+  const char* const function = __func__;
+  return callFrame(function, [&]() -> FWStatus_t {
     if (handle == nullptr) return FW_STATUS_INVALID_ARGUMENT;
     CTarnFWLibHandle* library = fromLibHandle(handle);
     if (library == CTarnFWLibHandle::GetIoctlInstance()) {

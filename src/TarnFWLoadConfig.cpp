@@ -143,7 +143,8 @@ FWStatus_t FW_LoadConfigFile2(std::FILE* file, const char* fileName, fwlibhandle
 }
 
 FWStatus_t FW_LoadConfigFile(const char* path, fwlibhandle_** channel, fwconfigfile_** handle) {
-  return callFrame(__func__, [&, function = __func__]() -> FWStatus_t {
+  const char* const function = __func__;
+  return callFrame(function, [&]() -> FWStatus_t {
     if (path == nullptr || channel == nullptr || handle == nullptr) {
       return FW_STATUS_INVALID_ARGUMENT;
     }
@@ -168,7 +169,8 @@ FWStatus_t FW_EvaluateConfigFile(fwlibhandle_* handle, fwconfigfile_* config, dv
 }
 
 FWStatus_t FW_FreeConfigFile(fwconfigfile_* config) {
-  return callFrame(__func__, [&, function = __func__]() -> FWStatus_t {
+  const char* const function = __func__;
+  return callFrame(function, [&]() -> FWStatus_t {
     if (config == nullptr) return FW_STATUS_INVALID_ARGUMENT;
     TARNFW_TRACE_IN(function, LOG_DEBUG, FW_COMPONENT_API, 0, "deleting config file handle.\n");
     delete fromConfigFile(config);
