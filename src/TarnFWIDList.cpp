@@ -1,6 +1,6 @@
 #include "TarnFWIDList.h"
 
-#include <algorithm>
+#include <cstddef>
 #include <cstring>
 
 #include "TarnFWException.h"
@@ -10,8 +10,7 @@ namespace TarnFirewall {
 
 bool CTarnFWIDList::addID(std::uint32_t id) {
   // Ids come in ascending order as a rule, so that the place is the end.
-  const auto place = std::lower_bound(ids_.begin(), ids_.end(), id);
-  if (place == ids_.end() || *place != id) ids_.insert(place, id);
+  ids_.insert(ids_.end(), id);
   return true;
 }
 
@@ -38,7 +37,11 @@ std::string CTarnFWIDList::toString() const {
 bool CTarnFWIDList::toMessage(void* buffer, unsigned int room, unsigned int* written) {
   const unsigned int size = getMsgSize();
   if (size > room) return false;
-  if (size != 0) std::memcpy(buffer, ids_.data(), size);
+  auto* to = static_cast<std::byte*>(buffer);
+  for (const std::uint32_t id : ids_) {
+    std::memcpy(to, &id, sizeof id);
+    to += sizeof id;
+  }
   *written = size;
   return true;
 }

@@ -3,7 +3,7 @@
 /// A set of rule ids, ascending and without duplicates.
 
 #include <cstdint>
-#include <vector>
+#include <set>
 
 #include "TarnFWObject.h"
 
@@ -32,7 +32,7 @@ class CTarnFWIDList final : public ITarnFWObject {
   static unsigned int sizeOf(std::uint64_t count);
 
  private:
-  std::vector<std::uint32_t> ids_;
+  std::set<std::uint32_t> ids_;
 };
 
 /// By message size. Lists of one size have no order: throws `CUnsupportedException`.

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <ctime>
+
 #include "Expect.h"
 #include "TarnFWIDList.h"
 
@@ -65,4 +67,17 @@ TEST(TarnFWIDList, ListsCompareBySizeAndEqualSizesHaveNoOrder) {
   EXPECT_FALSE(large < small);
   small.addID(3);
   EXPECT_THROW_WITH((void)(small < large), CUnsupportedException, 7, "compare two connection list");
+}
+
+TEST(TarnFWIDList, IdsThatComeDescendingCostLittleMoreThanAscendingOnes) {
+  constexpr std::uint32_t kIds = 100000;
+  CTarnFWIDList ascending;
+  CTarnFWIDList descending;
+  const std::clock_t start = std::clock();
+  for (std::uint32_t id = 1; id <= kIds; ++id) ascending.addID(id);
+  const std::clock_t middle = std::clock();
+  for (std::uint32_t id = kIds; id >= 1; --id) descending.addID(id);
+  const std::clock_t end = std::clock();
+  EXPECT_EQ(descending.toString(), ascending.toString());
+  EXPECT_LT(end - middle, 10 * (middle - start) + CLOCKS_PER_SEC / 10);
 }
