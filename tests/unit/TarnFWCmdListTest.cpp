@@ -1,10 +1,13 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <cstring>
+#include <ctime>
 
 #include "Expect.h"
 #include "FakeKernel.h"
 #include "LogCapture.h"
+#include "StatusChannel.h"
 #include "TarnFWCmdList.h"
 #include "TarnFWLog.h"
 #include "TestCmd.h"
@@ -140,8 +143,13 @@ TEST_F(TarnFWCmdList, ABatchHoldsAsManyCommandsAsFit) {
   EXPECT_EQ(commandCount(kernel.messages()[0]), 252);
   EXPECT_EQ(kernel.messages()[0].bytes.size(), 20u + 252 * 1012);
   EXPECT_EQ(commandCount(kernel.messages()[1]), 48);
-  EXPECT_TRUE(
-      log.has(6, "execute pending cmd list of 252 commands and 255024 bytes in 0 seconds\n"));
+  ASSERT_EQ(log.lines().size(), 2u);
+  EXPECT_EQ(log.lines()[0].priority, 6);
+  for (const auto& [line, told] :
+       {std::pair{0u, "execute pending cmd list of 252 commands and 255024 bytes in "},
+        std::pair{1u, "execute pending cmd list of 48 commands and 48576 bytes in "}}) {
+    EXPECT_NE(log.lines()[line].text.find(told), std::string::npos) << log.lines()[line].text;
+  }
   EXPECT_EQ(kernel.messages()[0].bytes[8], 0);
   EXPECT_EQ(kernel.messages()[1].bytes[8], 0) << "the buffer was reset: its sequence stays";
 }
@@ -208,6 +216,72 @@ TEST_F(TarnFWCmdList, ABatchThatCannotBeSentEndsTheEvaluation) {
   kernel.fail(25);
   EXPECT_THROW(batch(), CIoctlException);
   EXPECT_EQ(kernel.messages().size(), 1u);
+}
+
+TEST_F(TarnFWCmdList, ABatchTellsTheSecondsThatItsSendingTook) {
+  add(1, 8);
+  std::time_t asked = 0;
+  kernel.answerWith([&](std::uint8_t*, unsigned int) -> FWStatus_t {
+    for (asked = std::time(nullptr); std::time(nullptr) == asked;) {
+    }
+    return 0;
+  });
+  const std::time_t before = std::time(nullptr);
+  EXPECT_EQ(batch(), 0u);
+  const std::time_t after = std::time(nullptr);
+  ASSERT_EQ(log.lines().size(), 1u);
+  const std::string& text = log.lines()[0].text;
+  const std::string told = "execute pending cmd list of 1 commands and 20 bytes in ";
+  const std::size_t place = text.find(told);
+  ASSERT_NE(place, std::string::npos) << text;
+  long seconds = 0;
+  char end = 0;
+  ASSERT_EQ(std::sscanf(text.c_str() + place + told.size(), "%ld seconds%c", &seconds, &end), 2);
+  EXPECT_EQ(end, '\n');
+  EXPECT_GE(seconds, 1);
+  EXPECT_LE(seconds, static_cast<long>(after - before));
+}
+
+TEST_F(TarnFWCmdList, AStatusOfTheChannelEndsABatchAfterItsLine) {
+  int sends = 0;
+  kernel.library().setIOChannel(std::make_unique<StatusChannel>(26, sends));
+  log.clear();
+  TestCmd& first = add(1, 250000);
+  add(2, 250000);
+  EXPECT_EQ(batch(), 26u);
+  EXPECT_EQ(sends, 1);
+  EXPECT_TRUE(first.replies.empty());
+  ASSERT_EQ(log.lines().size(), 1u);
+  EXPECT_NE(log.lines()[0].text.find("execute pending cmd list of 1 commands and 250012 bytes"),
+            std::string::npos)
+      << log.lines()[0].text;
+}
+
+TEST_F(TarnFWCmdList, AnExceptionFromReadingAReplyEndsTheBatch) {
+  TestCmd& first = add(1, 250000);
+  TestCmd& second = add(2, 250000);
+  first.onReply = [] { throw CUnsupportedException("no such reply"); };
+  EXPECT_THROW_WITH(batch(), CUnsupportedException, 7, "no such reply");
+  EXPECT_EQ(first.replies.size(), 1u);
+  EXPECT_TRUE(second.replies.empty());
+  EXPECT_EQ(kernel.messages().size(), 1u);
+}
+
+TEST_F(TarnFWCmdList, ABatchWhoseHeaderWasSpoiledIsNotFilledAgain) {
+  add(1, 250000);
+  add(2, 250000);
+  std::uint8_t* header = nullptr;
+  kernel.answerWith([&](std::uint8_t* message, unsigned int) -> FWStatus_t {
+    header = message;
+    message[0] = 'X';
+    return 0;
+  });
+  EXPECT_EQ(batch(), 3u);
+  EXPECT_EQ(kernel.messages().size(), 1u);
+  EXPECT_TRUE(log.has(4, "message buffer [0] has a bad signature\n"));
+  // A buffer that is not recognised is kept. It is given back here.
+  header[0] = 'T';
+  EXPECT_EQ(kernel.library().releaseCommandBuffer(header + 20), 0u);
 }
 
 TEST_F(TarnFWCmdList, ABatchWithoutAChannelIsRefused) {

@@ -391,6 +391,12 @@ TEST_F(TarnFWCmdRuleSet, ALayerTwoNameMadeFromTheFirstIsNotPrinted) {
             "set root ruleset x and x_L22");
 }
 
+TEST_F(TarnFWCmdRuleSet, ARootsTextHasNoSelector) {
+  const dvs_port_ port = filterPort("nic-1");
+  EXPECT_EQ(CTarnFWCmdSetRootRuleSet(&port, id("a"), id("b")).toString(),
+            "set root ruleset a and b");
+}
+
 TEST_F(TarnFWCmdRuleSet, AnEmptyRootSendsItsHead) {
   CTarnFWCmdSetRootRuleSet command(nullptr);
   EXPECT_EQ(command.toString(), "set root ruleset \"\" and \"\"");

@@ -6,6 +6,7 @@
 #include "Expect.h"
 #include "FakeKernel.h"
 #include "LogCapture.h"
+#include "StatusChannel.h"
 #include "TarnFWCmd.h"
 #include "TarnFWFixedCmd.h"
 #include "TarnFWLog.h"
@@ -170,6 +171,23 @@ TEST_F(TarnFWCmd, AFailingChannelIsNotTriedAgain) {
                                       "generic io: bad message",
                                       0),
             0u);
+}
+
+TEST_F(TarnFWCmd, AStatusOfTheChannelIsReturnedWithoutARetryEvenABusyOne) {
+  LogCapture log;
+  for (const FWStatus_t status : {26u, 19u}) {
+    int sends = 0;
+    kernel.library().setIOChannel(std::make_unique<StatusChannel>(status, sends));
+    TestCmd command;
+    EXPECT_EQ(execute(command), status);
+    EXPECT_EQ(size, 0u);
+    EXPECT_EQ(sends, 1);
+    EXPECT_TRUE(command.replies.empty());
+  }
+  EXPECT_TRUE(Sleeps::seen().empty());
+  for (const LogCapture::Line& line : log.lines()) {
+    EXPECT_EQ(line.text.find("failed to execute"), std::string::npos) << line.text;
+  }
 }
 
 TEST_F(TarnFWCmd, ABodyThatIsRefusedFailsTheFlushWithStatusEight) {

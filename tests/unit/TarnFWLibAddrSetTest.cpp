@@ -63,6 +63,69 @@ TEST_F(TarnFWLibAddrSet, RequestsWithoutResultsReachTheKernelWithSelectorAndCont
   }
 }
 
+TEST_F(TarnFWLibAddrSet, EveryArgumentStandsInItsPlaceOfTheRequest) {
+  const FWAddress_ address = ipv4(1);
+  Bytes creation(86 + 144);
+  creation.text(0, "web").at(46, {1, 0, 0, 0, 1, 0, 0, 0, 144, 0, 0, 0, 3});
+  creation.at(86, {1}).at(90, {10, 0, 0, 1});
+  FWAddrSetID_t names[2] = {};
+  FWAddrSetStat_ stats[2] = {};
+  FWAddress_ addresses[2] = {};
+  FWAddressValid_ valid[2] = {};
+  FWAddressStat_ addressStats[2] = {};
+  char* elements[3] = {};
+  unsigned int n = 0;
+  std::uint64_t large = 0;
+  FWAddrSetCfg_ configuration{};
+  configuration.name = web;
+  configuration.operation = 4;
+  const std::vector<std::pair<std::function<FWStatus_t()>, Bytes>> calls = {
+      {[&] { return FW_CreateAddrSet(handle, &port, nullptr, &web, FW_ADDRSET_IP, &address, 1); },
+       creation},
+      {[&] { return FW_DestroyAddrSet(handle, &port, nullptr, &web); }, Bytes(42).text(0, "web")},
+      {[&] { return FW_ClearAddrSet(handle, &port, nullptr, &web); }, Bytes(46).text(0, "web")},
+      {[&] { return FW_GetAddrSetCount(handle, &port, nullptr, FW_ADDRSET_MAC, &n); },
+       Bytes(8).at(0, {2})},
+      {[&] { return FW_GetAddrSetList(handle, &port, nullptr, FW_ADDRSET_MAC, 2, 7, names, &n); },
+       Bytes(16 + 2 * 38).at(0, {2, 0, 0, 0, 2, 0, 0, 0, 7})},
+      {[&] {
+         return FW_GetAddrSetStatList(handle, &port, nullptr, FW_ADDRSET_ATTRIBUTE, 2, 7, stats,
+                                      &n);
+       },
+       Bytes(16 + 2 * 130).at(0, {4, 0, 0, 0, 2, 0, 0, 0, 7})},
+      {[&] { return FW_GetAddrSetTypeAndSize(handle, &port, nullptr, &web, &n, &n, &n); },
+       Bytes(50).text(0, "web")},
+      {[&] { return FW_GetAddrSetInfo(handle, &port, nullptr, &web, &n, &large, &large); },
+       Bytes(58).text(0, "web")},
+      {[&] { return FW_GetAddressOfAddrSet(handle, &port, nullptr, &web, 2, 7, addresses, &n); },
+       Bytes(70 + 2 * 144).text(0, "web").at(38, {1, 0, 0, 0, 2, 0, 0, 0, 7})},
+      {[&] { return FW_GetAddrValidOfAddrSet(handle, &port, nullptr, &web, 2, 7, valid, &n); },
+       Bytes(54 + 2 * 145).text(0, "web").at(42, {2, 0, 0, 0, 7})},
+      {[&] {
+         return FW_GetAddressStatOfAddrSet(handle, &port, nullptr, &web, 2, 7, 9, addressStats, &n);
+       },
+       Bytes(58 + 2 * 80).text(0, "web").at(42, {2, 0, 0, 0, 7, 0, 0, 0, 9})},
+      {[&] {
+         return FW_GetElementsOfContainer(handle, &port, nullptr, "box", FW_CONTAINER_ATTR_PROFILE,
+                                          3, 20, elements, &n);
+       },
+       Bytes(70 + 20).text(0, "box").at(42, {3})},
+      {[&] { return FW_ConfigSharedAddrSet(handle, &port, nullptr, 2); }, Bytes(4).at(0, {1})},
+      {[&] { return FW_ConfigSharedAddrSet(handle, &port, nullptr, 0); }, Bytes(4)},
+      {[&] { return FW_SetAddrSetCfg(handle, &port, nullptr, &configuration); },
+       Bytes(194).at(0, {4}).text(4, "web")},
+  };
+  for (const auto& [call, body] : calls) {
+    // A container's reply begins with its type; in the others, nothing looks at these bytes.
+    const bool elementsWanted = body.size() == 90;
+    if (elementsWanted) kernel.answer(0, Bytes(90).at(70, {2}));
+    EXPECT_EQ(call(), 0u);
+    EXPECT_EQ(kernel.last().body(), body) << "command " << command();
+    ASSERT_TRUE(kernel.last().port.has_value()) << "command " << command();
+    EXPECT_STREQ(kernel.last().port->identifier, "nic-1");
+  }
+}
+
 TEST_F(TarnFWLibAddrSet, ANullHandleIsStatusTwoBeforeAnythingElse) {
   EXPECT_EQ(FW_CreateAddrSet(nullptr, &port, nullptr, nullptr, FW_ADDRSET_IP, nullptr, 0), 2u);
   EXPECT_EQ(FW_DestroyAddrSet(nullptr, &port, nullptr, nullptr), 2u);

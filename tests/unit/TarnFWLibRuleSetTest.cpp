@@ -68,6 +68,79 @@ TEST_F(TarnFWLibRuleSet, RequestsWithoutResultsReachTheKernelWithSelectorAndCont
   }
 }
 
+TEST_F(TarnFWLibRuleSet, EveryArgumentStandsInItsPlaceOfTheRequest) {
+  const FWRuleSetID_t db = id("db");
+  const unsigned int ids[] = {9, 5};
+  FWRuleSetID_t names[2] = {};
+  FWRule_ rules[2] = {};
+  FWRuleStat_ stats[2] = {};
+  FWDlbRule_ dlb[2] = {};
+  unsigned int n = 0;
+  std::uint64_t large = 0;
+  const auto byIndex = [](Bytes body, int kind) {
+    return body.text(0, "web").at(64, {2, 0, 0, 0, 7, 0, 0, 0, 1, 0, kind});
+  };
+  const auto byId = [](Bytes body, int kind, std::size_t area) {
+    return body.text(0, "web").at(64, {2}).at(74, {kind}).at(area, {5, 0, 0, 0, 9});
+  };
+  const std::vector<std::pair<std::function<FWStatus_t()>, Bytes>> calls = {
+      {[&] { return FW_GetRuleSetList(handle, &port, nullptr, 2, 7, names, &n); },
+       Bytes(140).at(0, {2, 0, 0, 0, 7})},
+      {[&] { return FW_DestroyRuleSet(handle, &port, nullptr, &web); }, Bytes(64).text(0, "web")},
+      {[&] { return FW_ClearRuleSet(handle, &port, nullptr, &web); }, Bytes(72).text(0, "web")},
+      {[&] { return FW_ClearRuleSetJump(handle, &port, nullptr, &web); }, Bytes(64).text(0, "web")},
+      {[&] { return FW_GetRuleSetJump(handle, &port, nullptr, &web, names); },
+       Bytes(128).text(0, "web")},
+      {[&] { return FW_SetRuleSetJump(handle, &port, nullptr, &web, &db); },
+       Bytes(128).text(0, "web").text(64, "db")},
+      {[&] { return FW_GetRuleCountOfRuleSet(handle, &port, nullptr, &web, 2, &n); },
+       Bytes(72).text(0, "web").at(64, {2})},
+      {[&] { return FW_GetRuleSetInfo(handle, &port, nullptr, &web, &n, &large, &large); },
+       Bytes(84).text(0, "web")},
+      {[&] { return FW_CreateRuleSet(handle, &port, nullptr, &web, &db, nullptr, 0); },
+       Bytes(168).text(64, "web").at(140, {3})},
+      {[&] {
+         return FW_GetRuleOfRuleSet(handle, &port, nullptr, 1, 2, 7, &web, nullptr, rules, &n);
+       },
+       byIndex(Bytes(96 + 2 * 896), 1)},
+      {[&] { return FW_GetRuleOfRuleSet(handle, &port, nullptr, 2, 2, 7, &web, ids, rules, &n); },
+       byId(Bytes(96 + 2 * 896), 2, 96)},
+      {[&] {
+         return FW_GetStatOfRuleSet(handle, &port, nullptr, 1, 2, 7, &web, nullptr, stats, &n);
+       },
+       byIndex(Bytes(80 + 2 * 68), 1)},
+      {[&] { return FW_GetStatOfRuleSet(handle, &port, nullptr, 2, 2, 7, &web, ids, stats, &n); },
+       byId(Bytes(80 + 2 * 68), 2, 80)},
+      {[&] { return FW_GetDlbOfRuleSet(handle, &port, nullptr, 1, 2, 7, &web, nullptr, dlb, &n); },
+       byIndex(Bytes(80 + 2 * 164), 1)},
+      {[&] { return FW_GetDlbOfRuleSet(handle, &port, nullptr, 2, 2, 7, &web, ids, dlb, &n); },
+       byId(Bytes(80 + 2 * 164), 2, 80)},
+  };
+  for (const auto& [call, body] : calls) {
+    EXPECT_EQ(call(), 0u);
+    EXPECT_EQ(kernel.last().body(), body) << "command " << command();
+  }
+}
+
+TEST_F(TarnFWLibRuleSet, ARootSendsTheLayerThreeNameFirst) {
+  const FWRuleSetID_t db = id("db");
+  EXPECT_EQ(FW_SetRootRuleSet(handle, &port, nullptr, &web, &db), 0u);
+  const Bytes body = kernel.last().body();
+  ASSERT_EQ(body.size(), 168u + 2 * 892);
+  EXPECT_STREQ(reinterpret_cast<const char*>(body.data()) + 168 + 460, "web");
+  EXPECT_STREQ(reinterpret_cast<const char*>(body.data()) + 168 + 892 + 460, "db");
+}
+
+TEST_F(TarnFWLibRuleSet, ARecordThatIsNoRuleIsRefusedBeforeSending) {
+  FWRule_ rules[2] = {ruleRecord(11), ruleRecord(12)};
+  rules[1].flags = kRuleLayer3 | (3u << kRuleDirectionShift);  // no such direction
+  EXPECT_EQ(FW_CreateRuleSet(handle, &port, nullptr, &web, nullptr, rules, 2), 42u);
+  rules[1].flags = kRuleLayer3 | kRuleHasSource;
+  rules[1].source.type = 0xeeee;  // no such address
+  EXPECT_EQ(FW_CreateRuleSet(handle, &port, nullptr, &web, nullptr, rules, 2), 33u);
+  EXPECT_TRUE(kernel.messages().empty());
+}
+
 TEST_F(TarnFWLibRuleSet, ANullHandleIsStatusTwoBeforeAnythingElse) {
   EXPECT_EQ(FW_ClearRootRuleSet(nullptr, &port, nullptr), 2u);
   EXPECT_EQ(FW_DestroyAllRuleSet(nullptr, &port, nullptr), 2u);

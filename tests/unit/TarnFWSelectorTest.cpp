@@ -60,6 +60,8 @@ TEST(TarnFWSelector, ANameMayFillItsField) {
   EXPECT_EQ(dvsportToString(port, nullptr), " filter " + name);
   port.type = 2;
   EXPECT_EQ(dvsportToString(port, nullptr), " dvsport \"" + name + ":0\"");
+  std::memset(port.index, 0xff, sizeof port.index);
+  EXPECT_EQ(dvsportToString(port, nullptr), " dvsport \"" + name + ":16777215\"");
 }
 
 TEST(TarnFWSelector, OtherTypesAreRefusedByNumber) {
