@@ -1,11 +1,28 @@
+#include <fcntl.h>
 #include <syslog.h>
+#include <unistd.h>
 
 #include "CommandTable.h"
+
+namespace {
+
+/// Takes the places of standard streams that the caller has closed. The control device would get
+/// the first of them otherwise, and the kernel what is printed. Reading and writing them still
+/// fails.
+void fillStandardStreams() {
+  for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream) {
+    if (fcntl(stream, F_GETFD) >= 0) continue;
+    if (open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY) < 0) return;
+  }
+}
+
+}  // namespace
 
 /// tarnioctl <cmd> <options>: the administration of the host's firewall filters. The exit status is
 /// the handler's.
 int main(int argc, char** argv) {
   // Opened on every run, also for help; the log is never closed.
   openlog(programName(argc > 0 ? argv[0] : "tarnioctl"), LOG_CONS, LOG_AUTHPRIV);
+  fillStandardStreams();
   return runCommand(argc, argv);
 }
