@@ -413,6 +413,15 @@ TEST_P(SetCommand, ASetWithoutASizeIsSkippedAndIsNoOther) {
                                statusText(29) + "\nERROR: failed to find type and size of a\n"}));
 }
 
+TEST_P(SetCommand, ASetWithoutASizeDoesNotEndTheCommand) {
+  kernel.own = {command.empty("a"), command.empty("b")};
+  kernel.fail(kSize, 29, 1);
+  EXPECT_EQ(run(),
+            (CommandResult{0, command.shown("b"),
+                           std::string("ERROR: failed to get size of addrset a: ") +
+                               statusText(29) + "\nERROR: failed to find type and size of a\n"}));
+}
+
 TEST_P(SetCommand, AFailedSetDoesNotEndTheCommand) {
   kernel.own = {command.empty("a"), command.empty("b")};
   kernel.fail(kSize, 29, 2);

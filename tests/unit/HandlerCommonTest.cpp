@@ -177,6 +177,7 @@ TEST(FilterTarget, ARepeatedOptionReplacesAllOfTheOneBefore) {
   FilterTarget target;
   target.take("nic-1002672-eth0-other-fw.2");
   target.take("vif");
+  EXPECT_EQ(bytesOf(target.port), Bytes(100).text(0, "vif").at(99, {8}));
   target.settleAgent();
   EXPECT_STREQ(target.name, "vif");
   EXPECT_EQ(bytesOf(target.port), Bytes(100).text(0, "vif").text(64, "kelpco-sfw").at(99, {8}));

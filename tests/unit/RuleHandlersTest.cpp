@@ -55,6 +55,24 @@ Bytes brokenRule() { return rule(1, 15).at(742, {0x40}); }
 Bytes snatRule(int id) { return rule(id, 7).at(790, {0x50}).at(460, {1}).at(464, {192, 0, 2, 20}); }
 Bytes dnatRule(int id) { return rule(id, 8).at(460, {1}).at(464, {10, 0, 0, 9}); }
 
+/// A load-balancing rule whose text has so many characters.
+Bytes longRule(std::size_t length) {
+  Bytes record = balancingRule(1).at(790, {0x13}).at(12, {4}).at(156, {4});
+  for (std::size_t i = 0; i < 16; ++i) {
+    for (const std::size_t address : {16u, 160u}) record.at(address + i, {0x11});
+    for (const std::size_t mask : {32u, 176u}) record.at(mask + i, {0x22});
+  }
+  record.text(852, "t");
+  std::size_t rest = length - 238;
+  if (rest > 127) {
+    // Both profiles and both timeouts.
+    record.at(884, {0x0c}).text(380, std::string(37, 'e')).text(422, std::string(37, 'a'));
+    record.at(610, {0xff, 0xff, 0xff, 0xff});
+    rest -= 56 + 61 + 20 + 21;
+  }
+  return record.text(614, std::string(rest, 'o'));
+}
+
 /// State of a load-balancing rule.
 struct Balancing {
   std::uint32_t flows = 0, now = 0, lastUse = 0, timeout = 0;
@@ -157,6 +175,12 @@ CommandResult getRulesMasked(std::vector<std::string> options = {}) {
   CommandResult result = getRules(std::move(options));
   result.out = maskTime(result.out, 1000);
   return result;
+}
+
+/// The first line about a rule.
+std::string ruleLine(const std::string& out) {
+  const std::size_t at = out.find("  rule ");
+  return at == std::string::npos ? "" : out.substr(at, out.find('\n', at) - at);
 }
 
 const char kOpen[] =
@@ -306,6 +330,15 @@ TEST(GetRules, ShowsTheNamedRuleSetWhateverItsCase) {
   EXPECT_EQ(getRules({"-r", "we"}), (CommandResult{0, "", ""}));
 }
 
+TEST(GetRules, NamesOfRuleSetsAreComparedUpToTheirEnd) {
+  RuleKernel kernel;
+  const std::string start(62, 'n');
+  kernel.sets = {{start + "a", {}}, {start + "b", {}}};
+  const CommandResult result = getRules({"-i", "-r", start + "B"});
+  EXPECT_EQ(result.out.find("ruleset " + start + "b {\n"), 0u);
+  EXPECT_EQ(kernel.timesAsked(kInfo), 1u);
+}
+
 // --- The list of rules
 
 TEST(GetRules, ListsDnatRulesThenFilterRulesThenSnatRules) {
@@ -391,6 +424,19 @@ TEST(GetRules, ARuleThatMakesNoTextEndsTheList) {
                                                  FW_StatusToString(37) + "\n"}));
 }
 
+TEST(GetRules, ARuleTextOf511CharactersIsShownAndOneOf512EndsTheList) {
+  RuleKernel kernel;
+  kernel.sets = {{"web", {{0, {longRule(511)}}}}};
+  const CommandResult shown = getRules();
+  EXPECT_EQ(shown.err, "");
+  EXPECT_EQ(ruleLine(shown.out).size(), 2u + 511u);
+
+  kernel.sets = {{"web", {{0, {longRule(512), acceptRule(2)}}}}};
+  EXPECT_EQ(getRulesMasked(), (CommandResult{0, std::string(kOpen) + "}\n\n",
+                                             std::string("ERROR:   rule conversion failed ") +
+                                                 FW_StatusToString(9) + "\n"}));
+}
+
 TEST(GetRules, ACountBeyondTheRulesEndsAtTheFirstThatIsNotThere) {
   RuleKernel kernel;
   kernel.sets = {{"web", {{0, {acceptRule(1)}}}}};
@@ -423,6 +469,33 @@ TEST(GetRules, ARuleSetThatIsPurgedWhileItIsReadIsNoError) {
   kernel.sets = {{"web", {{0, {acceptRule(1)}}}}};
   kernel.fail(kRules, 26);
   EXPECT_EQ(getRulesMasked(), (CommandResult{0, std::string(kOpen) + "}\n\n", ""}));
+}
+
+TEST(GetRules, ARuleThatIsPurgedWhileItIsReadEndsOnlyItsOwnKind) {
+  RuleKernel kernel;
+  kernel.sets = {{"web", {{2, {dnatRule(1)}}, {0, {acceptRule(2)}}}}};
+  const auto rules = kernel.answerTo(kRules);
+  kernel.on(kRules, [rules](Body& body) { return body.at[74] == 2 ? 26 : rules(body); });
+  EXPECT_EQ(getRulesMasked(),
+            (CommandResult{0,
+                           std::string(kOpen) +
+                               "  rule 2 at 1 inout protocol any from any to any accept;\n"
+                               "}\n\n",
+                           ""}));
+}
+
+TEST(GetRulesStatistics, WhatIsPurgedEndsOnlyItsOwnKind) {
+  RuleKernel kernel;
+  kernel.sets = {{"web", {{1, {snatRule(1)}}, {0, {acceptRule(2)}}}}};
+  const std::string filterRule =
+      "rule     2: 10 evals, 20 hits, 30 sessions, in 40 out 50 pkts, in 60 out 70 bytes\n";
+  const auto stats = kernel.answerTo(kStats);
+  kernel.on(kStats, [stats](Body& body) { return body.at[74] == 1 ? 26 : stats(body); });
+  EXPECT_EQ(getRules({"-s"}), (CommandResult{0, filterRule, ""}));
+
+  const auto count = kernel.answerTo(kRuleCount);
+  kernel.on(kRuleCount, [count](Body& body) { return body.at[64] == 1 ? 26 : count(body); });
+  EXPECT_EQ(getRules({"-s"}), (CommandResult{0, filterRule, ""}));
 }
 
 TEST(GetRules, VerbosityTellsWhichRuleSetIsBeingPurged) {
@@ -683,23 +756,20 @@ TEST(GetRulesBalancing, ARuleThatMakesNoTextLeavesTheBraceOpen) {
                                                  FW_StatusToString(37) + "\n"}));
 }
 
-TEST(GetRulesBalancing, ARuleTextOf256CharactersLeavesTheBraceOpen) {
+TEST(GetRulesBalancing, ARuleTextOf255CharactersIsShownAndOneOf256LeavesTheBraceOpen) {
   RuleKernel kernel;
-  Bytes longRule = balancingRule(1);
-  longRule.text(614, std::string(127, 'o')).text(852, std::string(31, 't'));
-  longRule.at(796 - 6, {0x17}).at(12, {4}).at(156, {4}).at(16, std::initializer_list<int>{0x20});
-  for (int i = 0; i < 16; ++i) {
-    longRule.at(static_cast<std::size_t>(16 + i), {0x11})
-        .at(static_cast<std::size_t>(32 + i), {0x22});
-    longRule.at(static_cast<std::size_t>(160 + i), {0x11})
-        .at(static_cast<std::size_t>(176 + i), {0x22});
-  }
-  longRule.at(790, {0x13});
-  kernel.sets = {{"web", {{2, {longRule}}}}};
+  kernel.sets = {{"web", {{2, {longRule(255)}}}}};
+  const CommandResult shown = getRules({"-d"});
+  EXPECT_EQ(shown.err, "");
+  EXPECT_EQ(ruleLine(shown.out).size(), 2u + 255u);
+
+  kernel.sets = {{"web", {{2, {longRule(256)}}}}};
   EXPECT_EQ(getRules({"-d"}), (CommandResult{0, "ruleset web {\n",
                                              std::string("ERROR:   rule conversion failed ") +
                                                  FW_StatusToString(9) + "\n"}));
-  EXPECT_EQ(getRules().err, "") << "the list of rules has more room";
+  const CommandResult list = getRules();
+  EXPECT_EQ(list.err, "") << "the list of rules has more room";
+  EXPECT_EQ(ruleLine(list.out).size(), 2u + 256u);
 }
 
 TEST(GetRulesBalancing, AFailedStateLeavesTheBraceOpenAndGoesOnWithTheNextRuleSet) {
