@@ -284,12 +284,11 @@ int showSets(const Words& words, const char* cmd, int argc, char** argv) {
   request.shared.settle();
   if (initFWLibrary(&request.handle) != 0) return 1;
 
-  // A filter that cannot say whether it shares its sets does not share them.
+  // A filter that cannot say whether it shares its sets does not share them. It is asked
+  // with -o too.
   unsigned int enabled = 0;
-  const bool shared =
-      !request.original &&
-      FW_GetSharedAddrSet(request.handle, request.port(), nullptr, &enabled) == FW_STATUS_OK &&
-      enabled != 0;
+  const FWStatus_t status = FW_GetSharedAddrSet(request.handle, request.port(), nullptr, &enabled);
+  const bool shared = !request.original && status == FW_STATUS_OK && enabled != 0;
   if (shared) {
     print(words.shared);
     print(words.global);
