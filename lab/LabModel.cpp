@@ -1,5 +1,8 @@
 #include "LabModel.h"
 
+#include <poll.h>
+
+#include <cerrno>
 #include <ctime>
 #include <new>
 
@@ -17,14 +20,14 @@ constexpr std::uint32_t statusNotSupported = 7;
 constexpr std::uint32_t firewallRequests[] = {4,  5,  8,  10, 11, 12, 15, 16, 20, 21, 22, 23, 24,
                                               25, 26, 27, 28, 29, 31, 32, 34, 35, 37, 40, 41, 42};
 
-bool isFirewallRequest(unsigned long number) {
+bool isFirewallRequest(std::uint32_t number) {
   for (const std::uint32_t known : firewallRequests) {
     if (known == number) return true;
   }
   return false;
 }
 
-int answerFirewall(const Store& store, Faults& faults, JournalEntry& entry, unsigned long number,
+int answerFirewall(const Store& store, Faults& faults, JournalEntry& entry, std::uint32_t number,
                    std::uint64_t argument) {
   if (!isFirewallRequest(number)) {
     entry.note = "no such request on this device";
@@ -40,7 +43,7 @@ int answerFirewall(const Store& store, Faults& faults, JournalEntry& entry, unsi
                   host,
                   faults,
                   entry,
-                  static_cast<std::uint32_t>(number),
+                  number,
                   argument,
                   get32(frame, Frame::bodyLength),
                   get64(frame, Frame::bodyAddress)};
@@ -65,9 +68,24 @@ int answerFirewall(const Store& store, Faults& faults, JournalEntry& entry, unsi
   }
 }
 
+std::int64_t millisecondsNow() {
+  timespec now{};
+  ::clock_gettime(CLOCK_MONOTONIC, &now);
+  return std::int64_t{now.tv_sec} * 1000 + now.tv_nsec / 1000000;
+}
+
+/// Sleeps for so long, also when signals come meanwhile.
+void sleepFor(std::uint32_t milliseconds, const sigset_t* mask) {
+  const std::int64_t end = millisecondsNow() + milliseconds;
+  for (std::int64_t left = milliseconds; left > 0; left = end - millisecondsNow()) {
+    const timespec pause{left / 1000, left % 1000 * 1000000};
+    if (::ppoll(nullptr, 0, &pause, mask) == 0 || errno != EINTR) return;
+  }
+}
+
 /// Holds a request up, before it takes the lock, so that other programs go on. A damaged file of
 /// faults is told of when the request is answered.
-void delay(const Store& store) {
+void delay(const Store& store, const sigset_t* mask) {
   std::uint32_t milliseconds = 0;
   try {
     if (Faults::load(store).all().empty()) return;
@@ -78,9 +96,7 @@ void delay(const Store& store) {
   } catch (const StoreError&) {
     return;
   }
-  if (milliseconds == 0) return;
-  const timespec pause{milliseconds / 1000, static_cast<long>(milliseconds % 1000) * 1000000};
-  ::nanosleep(&pause, nullptr);
+  sleepFor(milliseconds, mask);
 }
 
 }  // namespace
@@ -96,16 +112,17 @@ int Model::openDevice(Device device) const {
   }
 }
 
-int Model::request(Device device, unsigned long number, std::uint64_t argument) const {
+int Model::request(Device device, std::uint32_t number, std::uint64_t argument,
+                   const sigset_t* duringDelay) const {
   try {
-    delay(store_);
+    delay(store_, duringDelay);
 
     const StoreLock lock(store_);
     Faults faults;
     JournalEntry entry;
     entry.stamp();
     entry.device = device;
-    entry.request = static_cast<std::uint32_t>(number);
+    entry.request = number;
     try {
       faults = Faults::load(store_);
       if (const auto error = faults.takeError(device, entry.request)) {

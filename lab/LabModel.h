@@ -2,6 +2,8 @@
 #ifndef TARNLAB_MODEL_H
 #define TARNLAB_MODEL_H
 
+#include <signal.h>
+
 #include "LabDevice.h"
 #include "LabStore.h"
 
@@ -16,7 +18,10 @@ class Model {
 
   /// Answers one request; `argument` is an address of this process. Returns 0, or the errno with
   /// which the ioctl fails. What was asked and answered goes into the lab's log, also a refusal.
-  int request(Device device, unsigned long number, std::uint64_t argument) const;
+  /// While an ordered fault holds the request up, the thread's mask of signals is `duringDelay`, or
+  /// without one as it is.
+  int request(Device device, std::uint32_t number, std::uint64_t argument,
+              const sigset_t* duringDelay = nullptr) const;
 
  private:
   Store store_;

@@ -2,6 +2,7 @@
 // answers for the control devices. Everything else goes on to the C library as it came.
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <pthread.h>
 #include <stdarg.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
@@ -10,8 +11,10 @@
 #include <atomic>
 #include <cerrno>
 #include <cstdint>
+#include <new>
 
 #include "LabModel.h"
+#include "LabUndisturbed.h"
 
 // The C library's own declarations of these take attributes along that differ between them.
 #define TARNLAB_EXPORT extern "C" __attribute__((visibility("default")))
@@ -44,6 +47,7 @@ using OpenAtFunction = int(int, const char*, int, ...);
 
 constinit Next<OpenFunction> nextOpen("open"), nextOpen64("open64");
 constinit Next<OpenAtFunction> nextOpenAt("openat"), nextOpenAt64("openat64");
+constinit Next<int(const char*, mode_t)> nextCreat("creat"), nextCreat64("creat64");
 constinit Next<int(const char*, int)> nextOpen2("__open_2"), nextOpen642("__open64_2");
 constinit Next<int(int, const char*, int)> nextOpenAt2("__openat_2"), nextOpenAt642("__openat64_2");
 constinit Next<int(int, unsigned long, ...)> nextIoctl("ioctl");
@@ -67,9 +71,28 @@ void setDevice(int fd, Device device) {
   }
 }
 
+/// The process whose descriptors the table tells of.
+std::atomic<pid_t> owner{0};
+
+void own() { owner.store(::getpid(), std::memory_order_relaxed); }
+
+[[gnu::constructor]] void start() {
+  own();
+  ::pthread_atfork(nullptr, nullptr, own);
+}
+
+/// The descriptor is no device, or none any more. What a child of vfork closes is its own: it
+/// shares the table with its parent, but not the descriptors.
+void forgetDevice(int fd) {
+  if (deviceOf(fd) != Device::none && owner.load(std::memory_order_relaxed) == ::getpid()) {
+    setDevice(fd, Device::none);
+  }
+}
+
 Device deviceOfPath(const char* path) {
-  // An address in the first page is the caller's mistake and for the kernel to refuse.
-  if (reinterpret_cast<std::uintptr_t>(path) < 4096 || path[0] != '/' || path[1] != 'd' ||
+  // An address in the first page, or in the kernel's half, is the caller's mistake and for the
+  // kernel to refuse.
+  if (reinterpret_cast<std::intptr_t>(path) < 4096 || path[0] != '/' || path[1] != 'd' ||
       path[2] != 'e' || path[3] != 'v' || path[4] != '/') {
     return Device::none;
   }
@@ -85,9 +108,13 @@ bool isNull(int fd) {
 }
 
 int openDevice(Device device, int flags) {
-  if (const int error =
-          TarnLab::Model(TarnLab::Store(TarnLab::Store::defaultFolder())).openDevice(device);
-      error != 0) {
+  int error = ENOMEM;
+  try {
+    const TarnLab::Undisturbed undisturbed;
+    error = TarnLab::Model(TarnLab::Store(TarnLab::Store::defaultFolder())).openDevice(device);
+  } catch (const std::bad_alloc&) {
+  }
+  if (error != 0) {
     errno = error;
     return -1;
   }
@@ -102,16 +129,31 @@ int openDevice(Device device, int flags) {
   return fd;
 }
 
+/// A descriptor that came from the C library. A device may have had its number and been closed
+/// behind our back, as by fclose.
+int passed(int fd) {
+  forgetDevice(fd);
+  return fd;
+}
+
 int copied(int from, int to) {
-  if (to >= 0 && to != from) setDevice(to, deviceOf(from));
+  if (to < 0 || to == from) return to;
+  const Device device = deviceOf(from);
+  if (device == Device::none) return passed(to);
+  setDevice(to, device);
   return to;
 }
 
-int requestDevice(int fd, Device device, unsigned long number, void* argument) {
+int requestDevice(Device device, std::uint32_t number, void* argument) {
   const int before = errno;
-  const int error = TarnLab::Model(TarnLab::Store(TarnLab::Store::defaultFolder()))
-                        .request(device, number, reinterpret_cast<std::uintptr_t>(argument));
-  (void)fd;
+  int error = ENOMEM;
+  try {
+    const TarnLab::Undisturbed undisturbed;
+    error = TarnLab::Model(TarnLab::Store(TarnLab::Store::defaultFolder()))
+                .request(device, number, reinterpret_cast<std::uintptr_t>(argument),
+                         &undisturbed.before());
+  } catch (const std::bad_alloc&) {
+  }
   errno = error != 0 ? error : before;
   return error != 0 ? -1 : 0;
 }
@@ -138,7 +180,7 @@ int fcntlDevice(Next<int(int, int, ...)>& next, int fd, int command, void* argum
     va_end(arguments);                                            \
     const Device device = deviceOfPath(path);                     \
     if (device != Device::none) return openDevice(device, flags); \
-    return (next).get()(path, flags, mode);                       \
+    return passed((next).get()(path, flags, mode));               \
   }
 
 #define TARNLAB_OPENAT(name, next)                                        \
@@ -149,7 +191,7 @@ int fcntlDevice(Next<int(int, int, ...)>& next, int fd, int command, void* argum
     va_end(arguments);                                                    \
     const Device device = deviceOfPath(path);                             \
     if (device != Device::none) return openDevice(device, flags);         \
-    return (next).get()(folder, path, flags, mode);                       \
+    return passed((next).get()(folder, path, flags, mode));               \
   }
 
 // With checking turned on, the headers make inline functions and redirections of these names.
@@ -164,26 +206,39 @@ TARNLAB_OPEN(open64, nextOpen64)
 TARNLAB_OPENAT(openat, nextOpenAt)
 TARNLAB_OPENAT(openat64, nextOpenAt64)
 
+TARNLAB_EXPORT int creat(const char* path, mode_t mode) {
+  const Device device = deviceOfPath(path);
+  return device != Device::none ? openDevice(device, O_WRONLY)
+                                : passed(nextCreat.get()(path, mode));
+}
+
+TARNLAB_EXPORT int creat64(const char* path, mode_t mode) {
+  const Device device = deviceOfPath(path);
+  return device != Device::none ? openDevice(device, O_WRONLY)
+                                : passed(nextCreat64.get()(path, mode));
+}
+
 TARNLAB_EXPORT int __open_2(const char* path, int flags) {
   const Device device = deviceOfPath(path);
-  return device != Device::none ? openDevice(device, flags) : nextOpen2.get()(path, flags);
+  return device != Device::none ? openDevice(device, flags) : passed(nextOpen2.get()(path, flags));
 }
 
 TARNLAB_EXPORT int __open64_2(const char* path, int flags) {
   const Device device = deviceOfPath(path);
-  return device != Device::none ? openDevice(device, flags) : nextOpen642.get()(path, flags);
+  return device != Device::none ? openDevice(device, flags)
+                                : passed(nextOpen642.get()(path, flags));
 }
 
 TARNLAB_EXPORT int __openat_2(int folder, const char* path, int flags) {
   const Device device = deviceOfPath(path);
   return device != Device::none ? openDevice(device, flags)
-                                : nextOpenAt2.get()(folder, path, flags);
+                                : passed(nextOpenAt2.get()(folder, path, flags));
 }
 
 TARNLAB_EXPORT int __openat64_2(int folder, const char* path, int flags) {
   const Device device = deviceOfPath(path);
   return device != Device::none ? openDevice(device, flags)
-                                : nextOpenAt642.get()(folder, path, flags);
+                                : passed(nextOpenAt642.get()(folder, path, flags));
 }
 
 TARNLAB_EXPORT int ioctl(int fd, unsigned long number, ...) {
@@ -193,14 +248,15 @@ TARNLAB_EXPORT int ioctl(int fd, unsigned long number, ...) {
   va_end(arguments);
   const Device device = deviceOf(fd);
   if (__builtin_expect(device != Device::none, 0)) {
-    if (isNull(fd)) return requestDevice(fd, device, number, argument);
-    setDevice(fd, Device::none);
+    // The kernel takes no more than 32 bits of the number.
+    if (isNull(fd)) return requestDevice(device, static_cast<std::uint32_t>(number), argument);
+    forgetDevice(fd);
   }
   return nextIoctl.get()(fd, number, argument);
 }
 
 TARNLAB_EXPORT int close(int fd) {
-  if (deviceOf(fd) != Device::none) setDevice(fd, Device::none);
+  forgetDevice(fd);
   return nextClose.get()(fd);
 }
 

@@ -167,6 +167,8 @@ StoreLock::StoreLock(const Store& store)
   }
 }
 
+StoreLock::~StoreLock() { ::flock(file_.get(), LOCK_UN); }
+
 bool readAt(int fd, Bytes into, std::uint64_t offset) {
   while (!into.empty()) {
     const ssize_t got = ::pread(fd, into.data(), into.size(), static_cast<off_t>(offset));

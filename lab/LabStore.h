@@ -93,6 +93,11 @@ class StoreLock {
   /// Waits for the lock. Throws StoreError when the folder is missing.
   explicit StoreLock(const Store& store);
 
+  /// Gives the lock back, also when a child that was forked meanwhile has the file open still.
+  ~StoreLock();
+  StoreLock(const StoreLock&) = delete;
+  StoreLock& operator=(const StoreLock&) = delete;
+
  private:
   Descriptor file_;
 };

@@ -1,4 +1,6 @@
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/time.h>
 
 #include <chrono>
 
@@ -71,6 +73,21 @@ TEST_F(LabFaults, ADelayHoldsARequestUp) {
   EXPECT_EQ(direct(20, body), 0);
   EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(60));
   EXPECT_EQ(left(), 0u);
+}
+
+TEST_F(LabFaults, ASignalMakesADelayNoShorter) {
+  order(Fault::Kind::delay, 200, 1);
+  struct sigaction action {};
+  struct sigaction before {};
+  action.sa_handler = [](int) {};
+  ASSERT_EQ(::sigaction(SIGALRM, &action, &before), 0);
+  const itimerval soon{{0, 0}, {0, 50000}};
+  ASSERT_EQ(::setitimer(ITIMER_REAL, &soon, nullptr), 0);
+  const auto start = std::chrono::steady_clock::now();
+  ByteVector body(116);
+  EXPECT_EQ(direct(20, body), 0);
+  EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(200));
+  ASSERT_EQ(::sigaction(SIGALRM, &before, nullptr), 0);
 }
 
 TEST_F(LabFaults, EachHasItsLineOfText) {

@@ -2,11 +2,15 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <pthread.h>
+#include <signal.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
+#include <sys/time.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
 #include <cstdint>
 #include <cstdio>
@@ -51,7 +55,8 @@ TEST(LabPreload, EveryFormOfOpenReachesTheDevice) {
        {::open(device, O_RDWR), ::open64(device, O_RDWR), ::open("/dev/tarn", O_RDWR),
         ::openat(AT_FDCWD, device, O_RDWR), ::openat64(-1, device, O_RDWR),
         __open_2(device, O_RDWR), __open64_2(device, O_RDWR), __openat_2(AT_FDCWD, device, O_RDWR),
-        __openat64_2(AT_FDCWD, device, O_RDWR), ::open(device, O_RDWR | O_CREAT, 0600)}) {
+        __openat64_2(AT_FDCWD, device, O_RDWR), ::open(device, O_RDWR | O_CREAT, 0600),
+        ::creat(device, 0600), ::creat64(device, 0600)}) {
     EXPECT_EQ(filters(fd), 8);
     EXPECT_EQ(::close(fd), 0);
   }
@@ -101,6 +106,92 @@ TEST(LabPreload, ADescriptorClosedBehindItsBackIsNoDevice) {
   ::close(again);
 }
 
+TEST(LabPreload, NullThatTakesTheNumberOfADeviceIsNoDevice) {
+  const int fd = ::open(device, O_RDWR);
+  ASSERT_GE(fd, 0);
+  std::FILE* stream = ::fdopen(fd, "r+");
+  ASSERT_NE(stream, nullptr);
+  std::fclose(stream);
+  const int again = ::open("/dev/null", O_RDWR);
+  EXPECT_EQ(again, fd);
+  EXPECT_EQ(filters(again), -1);
+  EXPECT_EQ(errno, ENOTTY);
+  ::close(again);
+}
+
+TEST(LabPreload, WhatAChildOfVforkClosesItsParentStillHas) {
+  const int fd = ::open(device, O_RDWR);
+  const int plain = ::open("/dev/zero", O_RDONLY);
+  const pid_t child = ::vfork();
+  if (child == 0) {
+    ::close(fd);
+    ::dup2(plain, fd);
+    ::_exit(0);
+  }
+  ASSERT_EQ(::waitpid(child, nullptr, 0), child);
+  EXPECT_EQ(filters(fd), 8);
+  ::close(plain);
+  ::close(fd);
+}
+
+/// Asks without taking memory, as a handler of a signal may.
+int filtersNow(int fd) {
+  unsigned char body[116] = {};
+  Frame frame{20, 0, 116, reinterpret_cast<std::uintptr_t>(body)};
+  return ::ioctl(fd, 20, &frame) == 0 ? body[100] : -1;
+}
+
+int handlersDevice = -1;
+
+TEST(LabPreload, AHandlerThatAsksWhileARequestIsAnsweredDoesNotWaitForItself) {
+  handlersDevice = ::open(device, O_RDWR);
+  const pid_t child = ::fork();
+  if (child == 0) {
+    ::alarm(60);  // ends a child that is stuck
+    struct sigaction action {};
+    action.sa_handler = [](int) {
+      if (filtersNow(handlersDevice) != 8) ::_exit(1);
+    };
+    action.sa_flags = SA_RESTART;
+    ::sigaction(SIGPROF, &action, nullptr);
+    const itimerval often{{0, 1000}, {0, 1000}};
+    ::setitimer(ITIMER_PROF, &often, nullptr);
+    for (int turn = 0; turn < 1000; ++turn) {
+      if (filtersNow(handlersDevice) != 8) ::_exit(2);
+    }
+    ::_exit(0);
+  }
+  int status = 0;
+  ASSERT_EQ(::waitpid(child, &status, 0), child);
+  EXPECT_EQ(status, 0);
+  ::close(handlersDevice);
+}
+
+TEST(LabPreload, ARequestIsNotWhereAThreadIsCancelled) {
+  int fd = ::open(device, O_RDWR);
+  static std::atomic<int> answer;
+  answer = 0;
+  pthread_t thread;
+  const auto run = [](void* argument) -> void* {
+    ::pthread_cancel(::pthread_self());
+    answer = filtersNow(*static_cast<int*>(argument));
+    return nullptr;
+  };
+  ASSERT_EQ(::pthread_create(&thread, nullptr, run, &fd), 0);
+  ASSERT_EQ(::pthread_join(thread, nullptr), 0);
+  EXPECT_EQ(answer, 8);
+  ::close(fd);
+}
+
+TEST(LabPreload, TheNumberOfARequestHas32Bits) {
+  const int fd = ::open(device, O_RDWR);
+  unsigned char body[116] = {};
+  Frame frame{20, 0, 116, reinterpret_cast<std::uintptr_t>(body)};
+  EXPECT_EQ(::ioctl(fd, 20ul | 1ul << 32, &frame), 0);
+  EXPECT_EQ(body[100], 8);
+  ::close(fd);
+}
+
 TEST(LabPreload, EverythingElsePassesThrough) {
   char name[] = "/tmp/tarnlab-preload.XXXXXX";
   ::close(::mkstemp(name));
@@ -137,6 +228,9 @@ TEST(LabPreload, EverythingElsePassesThrough) {
 #ifndef __SANITIZE_THREAD__  // whose own open reads the path
   const char* volatile nowhere = reinterpret_cast<const char*>(16);
   EXPECT_EQ(::open(nowhere, O_RDONLY), -1);
+  EXPECT_EQ(errno, EFAULT);
+  const char* volatile beyond = reinterpret_cast<const char*>(~std::uintptr_t{0});
+  EXPECT_EQ(::open(beyond, O_RDONLY), -1);
   EXPECT_EQ(errno, EFAULT);
 #endif
 }

@@ -1,5 +1,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -148,6 +150,23 @@ TEST_F(LabStore, TheLockKeepsThreadsApart) {
   for (std::thread& thread : threads) thread.join();
   EXPECT_FALSE(met);
   EXPECT_EQ(count, 200);
+}
+
+TEST_F(LabStore, AChildThatIsForkedWhileTheLockIsHeldDoesNotKeepIt) {
+  pid_t child = -1;
+  {
+    const StoreLock lock(store);
+    child = ::fork();
+    if (child == 0) {
+      ::pause();
+      ::_exit(0);
+    }
+  }
+  const int file = ::open(store.path("lock").c_str(), O_RDWR | O_CLOEXEC);
+  EXPECT_EQ(::flock(file, LOCK_EX | LOCK_NB), 0);
+  ::close(file);
+  ::kill(child, SIGKILL);
+  EXPECT_EQ(::waitpid(child, nullptr, 0), child);
 }
 
 TEST_F(LabStore, AFolderThatIsMissingIsAnErrorAndNoDevice) {
