@@ -202,7 +202,7 @@ std::uint32_t noAddrSet(const CommandContext& context, std::string_view name) {
 std::span<const CommandKind> addrSetCommands() {
   static constexpr CommandKind commands[] = {
       {13, 86, CommandScope::sets, createAddrSet},
-      {14, 38, CommandScope::sets, destroy},
+      {14, 38, CommandScope::sets, destroy, {38, 4}},
       {15, 50, CommandScope::sets, AddrSets::getTypeAndSize},
       {16, 58, CommandScope::sets, AddrSets::getInfo},
       {17, 70, CommandScope::sets, AddrSets::getAddresses},
@@ -214,9 +214,9 @@ std::span<const CommandKind> addrSetCommands() {
       {44, 4, CommandScope::sets, configShared},
       {45, 4, CommandScope::sets, getShared},
       {46, 194, CommandScope::sets, AddrSets::configure},
-      {56, 70, CommandScope::sets, AddrSets::getElements},
-      {64, 38, CommandScope::sets, clear},
-      {65, 1, CommandScope::sets, destroyAll},
+      {56, 70, CommandScope::sets, AddrSets::getElements, {38, 4}},
+      {64, 38, CommandScope::sets, clear, {38, 8}},
+      {65, 1, CommandScope::sets, destroyAll, {0, 4}},
       {75, 86, CommandScope::sets, createContainer},
   };
   return commands;

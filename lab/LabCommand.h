@@ -71,6 +71,9 @@ struct CommandKind {
   std::size_t least;  // bytes that the request itself takes; the reply may need more
   CommandScope scope;
   std::uint32_t (*answer)(const CommandContext& context, CommandBody& body);
+  struct {
+    std::size_t at, size;
+  } zeros = {0, 0};  // reserved bytes of the request
 };
 
 /// The command of that number, or null when the model does not know it.

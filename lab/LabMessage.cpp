@@ -83,6 +83,10 @@ std::uint32_t answerCommand(const CommandContext& context, std::uint16_t number,
                           format("command %u with a body of %zu bytes, %zu needed", number,
                                  body.size(), kind->least));
   }
+  const ConstBytes behind = body.bytes().subspan(std::min(kind->zeros.at, body.size()));
+  if (!isZero(behind.first(std::min(kind->zeros.size, behind.size())))) {
+    return context.refuse(Status::badMessage, format("command %u with reserved bytes set", number));
+  }
   if (kind->scope != CommandScope::host && context.target.match == SelectorMatch::none) {
     return context.refuse(Status::noFilter, format("command %u without a filter", number));
   }

@@ -16,6 +16,10 @@ std::string fileOf(const CommandContext& context, std::string_view name);
 /// The rule sets that have a name, in the order of their names.
 std::vector<std::string> names(const CommandContext& context);
 
+/// Whether a name field is not terminated or not zero behind its end: fails with status 25 then.
+bool badName(const CommandContext& context, ConstBytes body, std::size_t offset,
+             std::uint32_t& status);
+
 /// Puts these rules in place of what the set held: kept by kind, and by position in each kind.
 /// Returns a status; with any but 0 the set is as it was.
 std::uint32_t replace(const CommandContext& context, std::string_view name, ConstBytes rules);

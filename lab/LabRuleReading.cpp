@@ -35,6 +35,7 @@ struct Choice {
 Choice choose(const CommandContext& context, const CommandBody& body, const Layout& layout) {
   Choice choice;
   const ConstBytes bytes = body.bytes();
+  if (badName(context, bytes, 0, choice.status)) return choice;
   const std::string_view name = getText(bytes, 0, nameSize);
   const std::uint64_t max = get32(bytes, atMax);
   const unsigned kind = get8(bytes, atKind) & 3u;

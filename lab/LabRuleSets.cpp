@@ -11,17 +11,9 @@ namespace TarnLab {
 namespace {
 
 using Context = const CommandContext&;
+using RuleSets::badName;
 
 constexpr std::size_t nameSize = RuleSets::nameSize;
-
-/// A name field: terminated, and zero behind its end. Fails with status 25.
-bool badName(Context context, ConstBytes body, std::size_t offset, std::uint32_t& status) {
-  const ConstBytes field = part(body, offset, nameSize);
-  const std::string_view name = getText(body, offset, nameSize);
-  if (name.size() < nameSize && isZero(field.subspan(name.size()))) return false;
-  status = context.refuse(Status::badMessage, "rule set name is not padded with zeros");
-  return true;
-}
 
 std::uint32_t noRuleSet(Context context, std::string_view name) {
   return context.refuse(Status::noRuleSet, "there is no rule set " + printable(name));
@@ -67,7 +59,8 @@ std::uint32_t create(Context context, CommandBody& body) {
   std::uint32_t status = 0;
   if (badName(context, bytes, atName, status)) return status;
   if (!isZero(part(bytes, 0, 64)) || get64(bytes, atSequence) != 0 ||
-      !isZero(part(bytes, atFlags + 1, 3)) || !isZero(part(bytes, 160, 8))) {
+      (get8(bytes, atFlags) & ~3u) != 0 || !isZero(part(bytes, atFlags + 1, 3)) ||
+      !isZero(part(bytes, 160, 8))) {
     return context.refuse(Status::badMessage, "rule set with reserved bytes set");
   }
   if ((get8(bytes, atFlags) & 3) != 3) {
@@ -236,6 +229,15 @@ std::vector<std::string> names(const CommandContext& context) {
   return found;
 }
 
+bool badName(const CommandContext& context, ConstBytes body, std::size_t offset,
+             std::uint32_t& status) {
+  const ConstBytes field = part(body, offset, nameSize);
+  const std::string_view name = getText(body, offset, nameSize);
+  if (name.size() < nameSize && isZero(field.subspan(name.size()))) return false;
+  status = context.refuse(Status::badMessage, "rule set name is not padded with zeros");
+  return true;
+}
+
 std::uint32_t replace(const CommandContext& context, std::string_view name, ConstBytes rules) {
   const std::size_t count = rules.size() / RuleRecord::size;
   std::vector<std::pair<std::int32_t, std::uint32_t>> order[3];  // position, place in the message
@@ -287,16 +289,16 @@ std::span<const CommandKind> ruleSetCommands() {
       {1, 4, CommandScope::filter, getSetCount},
       {2, 12, CommandScope::filter, getSetList},
       {3, 168, CommandScope::filter, create},
-      {4, 128, CommandScope::filter, getRoot},
-      {6, 64, CommandScope::filter, clear},
+      {4, 128, CommandScope::filter, getRoot, {128, 4}},
+      {6, 64, CommandScope::filter, clear, {64, 8}},
       {7, 64, CommandScope::filter, destroy},
       {8, 72, CommandScope::filter, getRuleCount},
       {9, 84, CommandScope::filter, getInfo},
-      {10, 96, CommandScope::filter, RuleSets::getRules},
-      {11, 80, CommandScope::filter, RuleSets::getStatistics},
-      {12, 80, CommandScope::filter, RuleSets::getBalancers},
-      {36, 1, CommandScope::filter, clearRoot},
-      {60, 1, CommandScope::filter, destroyAll},
+      {10, 96, CommandScope::filter, RuleSets::getRules, {75, 1}},
+      {11, 80, CommandScope::filter, RuleSets::getStatistics, {75, 1}},
+      {12, 80, CommandScope::filter, RuleSets::getBalancers, {75, 1}},
+      {36, 1, CommandScope::filter, clearRoot, {0, 4}},
+      {60, 1, CommandScope::filter, destroyAll, {0, 4}},
       {61, 128, CommandScope::filter, setJump},
       {62, 128, CommandScope::filter, getJump},
       {63, 64, CommandScope::filter, clearJump},

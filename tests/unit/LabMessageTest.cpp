@@ -153,6 +153,39 @@ TEST_F(LabMessage, WritesNoMoreThanTheReply) {
   EXPECT_EQ(get32(sent, 36), 0xbbbbbbbbu);
 }
 
+TEST_F(LabMessage, RefusesReservedBytesOfACommandThatAreSet) {
+  ASSERT_EQ(createRuleSet("web", {ruleRecord(1)}), 0u);
+  ASSERT_EQ(createAddrSet("set", {ipv4("10.0.0.1")}), 0u);
+  const ByteVector rules = Record().text("web", 64).u32(1).u32(0).u16(1).to(96 + 896);
+  const ByteVector creation = Record().zero(64).text("x", 64).u64(0).u32(0).u8(3).to(168);
+  struct Row {
+    unsigned number;
+    ByteVector body;
+    std::vector<std::size_t> reserved;
+  };
+  const Row rows[] = {{3, creation, {0, 63, 66, 127, 128, 135, 141, 143, 160, 167}},
+                      {4, ByteVector(132), {128, 131}},
+                      {6, Record().text("web", 72), {4, 63, 64, 71}},
+                      {10, rules, {4, 63, 75}},
+                      {11, rules, {4, 63, 75}},
+                      {12, rules, {4, 63, 75}},
+                      {64, Record().text("set", 46), {4, 37, 38, 45}},
+                      {14, Record().text("set", 42), {4, 37, 38, 41}},
+                      {36, ByteVector(4), {0, 3}},
+                      {60, ByteVector(4), {0, 3}},
+                      {65, ByteVector(4), {0, 3}}};
+  for (const Row& row : rows) {
+    for (const std::size_t at : row.reserved) {
+      EXPECT_EQ(command(row.number, Record().bytes(row.body).set(at, 0x80)), 25u)
+          << "command " << row.number << " byte " << at;
+      EXPECT_FALSE(note().empty());
+    }
+    EXPECT_EQ(command(row.number, row.body), 0u) << "command " << row.number;
+  }
+  EXPECT_EQ(command(3, Record().bytes(creation).set(140, 0x83)), 25u) << "unknown flags";
+  EXPECT_EQ(command(56, Record().text("none", 38).u8(1).to(82)), 25u);
+}
+
 TEST_F(LabMessage, ABodyTooShortForItsCommandIsABadMessage) {
   EXPECT_EQ(command(1, ByteVector(3)), 25u);
   EXPECT_EQ(note(), "command 1 with a body of 3 bytes, 4 needed");
