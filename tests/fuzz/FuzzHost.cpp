@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -15,13 +16,19 @@
 #include "Fuzz.h"
 #include "TarnFWFilter.h"
 #include "TarnFWIOChannelIOCTL.h"
+#include "TarnFWLog.h"
 #include "TarnFWMsgBuf.h"
+#include "TarnFWParserActionsAddress.h"
+#include "TarnFWParserActionsSelector.h"
+#include "TarnWGTIoctl.h"
+#include "tarnfw.h"
 
 using namespace TarnFirewall;
 
 namespace {
 
-FuzzHost* g_host = nullptr;
+/// Of the thread that runs the input: the searching program has one of its own, which sleeps.
+thread_local FuzzHost* g_host = nullptr;
 
 /// A small host. A message takes what the largest request needs; an array has as many items as the
 /// kernel says, and more than these bytes it does not get.
@@ -34,6 +41,7 @@ constexpr unsigned int kMaxCalls = 4096;
 constexpr unsigned long kSendMessage = 15;
 constexpr std::size_t kEnvelopeStatus = kMsgHeaderSize + 8;
 constexpr std::size_t kBody = kMsgHeaderSize + 12;
+constexpr std::size_t kFrameSize = 32;  // of the requests that no record is known for
 
 template <typename Record>
 Record* at(std::uint64_t address) {
@@ -100,15 +108,29 @@ std::uint64_t FuzzHost::number(std::size_t size) {
 /// Counts a call; false when it fails because there were too many.
 bool FuzzHost::answers() {
   if (++calls_ <= kMaxCalls) return true;
-  errno = EIO;
+  fail(EIO);
   return false;
+}
+
+int FuzzHost::fail(int error) {
+  error_ = error;
+  errno = error;
+  return -1;
+}
+
+/// Of a call that moves nothing: 0, or -1 with the errno that the next byte says.
+int FuzzHost::outcome() {
+  if (!answers()) return -1;
+  const int error = static_cast<int>(number(1));
+  return error == 0 ? 0 : fail(error);
 }
 
 // --- Kernel
 
-int FuzzHost::reply(std::span<std::uint8_t> body, std::uint32_t* status) {
+int FuzzHost::reply(std::span<std::uint8_t> body, std::optional<std::uint32_t>* status,
+                    std::span<std::uint8_t> request) {
   while (!bytes_.empty()) {
-    switch (number(1) % 4) {
+    switch (number(1) % (hostile_ ? 6 : 4)) {
       case 0:
         return 0;
       case 1: {
@@ -121,12 +143,26 @@ int FuzzHost::reply(std::span<std::uint8_t> body, std::uint32_t* status) {
       case 2:
         *status = static_cast<std::uint32_t>(number(1));
         return 0;
+      case 3:
+        return fail(static_cast<int>(number(1)));
+      case 4: {
+        const auto bytes = take(request.size());
+        std::copy(bytes.begin(), bytes.end(), request.begin());
+        break;
+      }
       default:
-        errno = static_cast<int>(number(1));
-        return -1;
+        return static_cast<int>(number(1));
     }
   }
   return 0;
+}
+
+int FuzzHost::answer(std::span<std::uint8_t> message) {
+  require(message.size() >= kBody);
+  std::optional<std::uint32_t> status;
+  const int result = reply(message, &status);
+  if (status) std::memcpy(&message[kEnvelopeStatus], &*status, sizeof *status);
+  return result;
 }
 
 int FuzzHost::message(void* block) {
@@ -135,9 +171,12 @@ int FuzzHost::message(void* block) {
   const auto sent = loadRecord<FWIoctlMessage_>(at<void>(frame.body));
   require(sent.messageSize >= kBody);
   auto* const bytes = at<std::uint8_t>(sent.message);
-  std::uint32_t status = 0;
-  const int result = reply({bytes + kBody, sent.messageSize - kBody}, &status);
-  std::memcpy(bytes + kEnvelopeStatus, &status, sizeof status);
+  const std::size_t begin = hostile_ ? 0 : kBody;
+  std::optional<std::uint32_t> status;
+  if (!hostile_) status = FW_STATUS_OK;
+  const int result = reply({bytes + begin, sent.messageSize - begin}, &status,
+                           {at<std::uint8_t>(frame.body), sizeof(FWIoctlMessage_)});
+  if (status) std::memcpy(bytes + kEnvelopeStatus, &*status, sizeof *status);
   return result;
 }
 
@@ -150,9 +189,9 @@ int FuzzHost::filterList(unsigned long request, void* block) {
     buffer = {at<std::uint8_t>(list.buffer), std::size_t{list.bufferLength}};
   list.count = static_cast<std::uint32_t>(number(4));
   list.bufferLength = static_cast<std::uint32_t>(number(4));
-  std::uint32_t status = 0;
+  std::optional<std::uint32_t> status;
   const int result = reply(buffer, &status);
-  frame.status = status;
+  frame.status = status.value_or(FW_STATUS_OK);
   storeRecord(at<void>(frame.body), list);
   storeRecord(block, frame);
   return result;
@@ -160,11 +199,33 @@ int FuzzHost::filterList(unsigned long request, void* block) {
 
 // --- The program's calls, while a host lives
 
-extern "C" int __real_open(const char* path, int flags, ...);
+extern "C" {
+int __real_open(const char* path, int flags, ...);
+int __real_close(int descriptor);
+}
 
 struct FuzzHostCalls {
   static int descriptor() {
     return g_host->answers() ? __real_open("/dev/null", O_RDWR | O_CLOEXEC) : -1;
+  }
+
+  static bool hostile() { return g_host->hostile_; }
+  static int outcome() { return g_host->outcome(); }
+
+  static int open(const char* path) {
+    if (path[0] == '\0') return g_host->fail(ENOENT);
+    if (!g_host->hostile_) return descriptor();
+    const int result = g_host->outcome();
+    if (result == 0 && std::strcmp(path, CTarnWGTIoctl::ioctl_devname) == 0)
+      return g_host->fail(ENOENT);
+    return result == 0 ? __real_open("/dev/null", O_RDWR | O_CLOEXEC) : result;
+  }
+
+  static void sleep(unsigned int seconds) { g_host->slept_ += seconds; }
+
+  static int close(int descriptor) {
+    __real_close(descriptor);
+    return g_host->outcome();
   }
 
   /// The streams of files and of standard input: the content is taken at the first read.
@@ -207,29 +268,30 @@ struct FuzzHostCalls {
       case FW_REQUEST_FILTER_LIST:
         return g_host->filterList(request, argument);
     }
-    errno = ENOTTY;
-    return -1;
-  }
-
-  static int connect() {
-    if (!g_host->answers()) return -1;
-    const int error = static_cast<int>(g_host->number(1));
-    errno = error;
-    return error == 0 ? 0 : -1;
+    if (!g_host->hostile_ || argument == nullptr) return g_host->fail(ENOTTY);
+    std::optional<std::uint32_t> status;
+    return g_host->reply({static_cast<std::uint8_t*>(argument), kFrameSize}, &status);
   }
 
   static ssize_t send(std::size_t size) {
     if (!g_host->answers()) return -1;
     g_host->received_ = 0;
     const std::size_t most = g_host->number(1);
-    errno = EAGAIN;
-    if (most == 255) return -1;
+    if (most == 255)
+      return g_host->fail(g_host->hostile_ ? static_cast<int>(g_host->number(1)) : EAGAIN);
     return static_cast<ssize_t>(most == 0 ? size : std::min(size, most));
   }
 
   static ssize_t recv(void* buffer, std::size_t size) {
     if (!g_host->answers()) return -1;
-    const auto bytes = g_host->take(std::min<std::size_t>(g_host->number(2), size));
+    const std::size_t told = g_host->number(2);
+    if (g_host->hostile_ && told == 0xffff)
+      return g_host->fail(static_cast<int>(g_host->number(1)));
+    const auto bytes = g_host->take(std::min(told, size));
+    if (g_host->hostile_) {
+      std::copy(bytes.begin(), bytes.end(), static_cast<std::uint8_t*>(buffer));
+      return static_cast<ssize_t>(bytes.size());
+    }
     // The buffer holds the header that was sent. One whose header is broken is never freed, which
     // is known and kept.
     const std::size_t kept =
@@ -250,9 +312,57 @@ int __wrap_open(const char* path, int flags, ...) {
   const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(arguments, mode_t) : 0;
   va_end(arguments);
   if (g_host == nullptr) return __real_open(path, flags, mode);
-  if (path[0] != '\0') return FuzzHostCalls::descriptor();
-  errno = ENOENT;
-  return -1;
+  return FuzzHostCalls::open(path);
+}
+
+/// Whether a call on this descriptor is the host's to answer, and not the searching program's own.
+static bool isHostile(int descriptor) {
+  return g_host != nullptr && FuzzHostCalls::hostile() && descriptor > STDERR_FILENO;
+}
+
+int __wrap_close(int descriptor);
+int __wrap_close(int descriptor) {
+  return isHostile(descriptor) ? FuzzHostCalls::close(descriptor) : __real_close(descriptor);
+}
+
+ssize_t __real_write(int descriptor, const void* bytes, std::size_t size);
+ssize_t __wrap_write(int descriptor, const void* bytes, std::size_t size);
+ssize_t __wrap_write(int descriptor, const void* bytes, std::size_t size) {
+  return isHostile(descriptor) ? FuzzHostCalls::send(size) : __real_write(descriptor, bytes, size);
+}
+
+int __real_fcntl(int descriptor, int command, ...);
+int __wrap_fcntl(int descriptor, int command, ...);
+int __wrap_fcntl(int descriptor, int command, ...) {
+  va_list arguments;
+  va_start(arguments, command);
+  const long argument = va_arg(arguments, long);
+  va_end(arguments);
+  return isHostile(descriptor) ? FuzzHostCalls::outcome()
+                               : __real_fcntl(descriptor, command, argument);
+}
+
+int __real_getsockopt(int descriptor, int level, int name, void* value, socklen_t* size) noexcept;
+int __wrap_getsockopt(int descriptor, int level, int name, void* value, socklen_t* size) noexcept;
+int __wrap_getsockopt(int descriptor, int level, int name, void* value, socklen_t* size) noexcept {
+  return isHostile(descriptor) ? FuzzHostCalls::outcome()
+                               : __real_getsockopt(descriptor, level, name, value, size);
+}
+
+int __real_setsockopt(int descriptor, int level, int name, const void* value,
+                      socklen_t size) noexcept;
+int __wrap_setsockopt(int descriptor, int level, int name, const void* value,
+                      socklen_t size) noexcept;
+int __wrap_setsockopt(int descriptor, int level, int name, const void* value,
+                      socklen_t size) noexcept {
+  return isHostile(descriptor) ? FuzzHostCalls::outcome()
+                               : __real_setsockopt(descriptor, level, name, value, size);
+}
+
+int __real_shutdown(int descriptor, int how) noexcept;
+int __wrap_shutdown(int descriptor, int how) noexcept;
+int __wrap_shutdown(int descriptor, int how) noexcept {
+  return isHostile(descriptor) ? FuzzHostCalls::outcome() : __real_shutdown(descriptor, how);
 }
 
 std::FILE* __real_fopen(const char* path, const char* mode);
@@ -287,7 +397,7 @@ int __real_connect(int descriptor, const sockaddr* address, socklen_t size);
 int __wrap_connect(int descriptor, const sockaddr* address, socklen_t size);
 int __wrap_connect(int descriptor, const sockaddr* address, socklen_t size) {
   if (g_host == nullptr) return __real_connect(descriptor, address, size);
-  return FuzzHostCalls::connect();
+  return FuzzHostCalls::outcome();
 }
 
 ssize_t __real_send(int descriptor, const void* bytes, std::size_t size, int flags);
@@ -316,7 +426,9 @@ void* __wrap_calloc(std::size_t count, std::size_t size) {
 unsigned int __real_sleep(unsigned int seconds);
 unsigned int __wrap_sleep(unsigned int seconds);
 unsigned int __wrap_sleep(unsigned int seconds) {
-  return g_host == nullptr ? __real_sleep(seconds) : 0;
+  if (g_host == nullptr) return __real_sleep(seconds);
+  FuzzHostCalls::sleep(seconds);
+  return 0;
 }
 
 __attribute__((format(printf, 2, 3))) void __wrap_syslog(int priority, const char* format, ...);
@@ -339,8 +451,12 @@ void __wrap_exit(int status) {
 
 // --- Its life
 
-FuzzHost::FuzzHost(std::span<const std::uint8_t> bytes)
-    : bytes_(bytes), realInput_(stdin), realOutput_(stdout), realError_(stderr) {
+FuzzHost::FuzzHost(std::span<const std::uint8_t> bytes, Kind kind)
+    : bytes_(bytes),
+      hostile_(kind == Kind::kHostile),
+      realInput_(stdin),
+      realOutput_(stdout),
+      realError_(stderr) {
   require(g_host == nullptr);
   g_out.clear();
   g_err.clear();
@@ -369,4 +485,31 @@ std::string FuzzHost::out() const {
 std::string FuzzHost::err() const {
   std::fflush(stderr);
   return g_err;
+}
+
+// --- The process
+
+namespace {
+
+__attribute__((format(printf, 2, 0))) void format(int, const char* text, va_list arguments) {
+  char line[1024];
+  std::vsnprintf(line, sizeof line, text, arguments);
+}
+
+}  // namespace
+
+void startAnew() {
+  FW_RegisterLogger(format, 6);
+  FW_SetLibVerboseLevel(FW_COMPONENT_ALL, 0);
+  FW_SetLibPrettyPrinting(nullptr, nullptr);
+  g_tarnfw_default_dvsport = {};
+  attribute_type = FW_ATTR_ID_NONE;
+  errno = 0;
+}
+
+int freeDescriptor() {
+  const int descriptor = dup(STDERR_FILENO);
+  require(descriptor >= 0);
+  close(descriptor);
+  return descriptor;
 }

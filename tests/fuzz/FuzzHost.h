@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <optional>
 #include <span>
 #include <string>
 
@@ -27,9 +28,25 @@
 ///     recv                    16 bits length and the bytes; none is the peer's end
 ///
 /// What a peer says in place of a message's header is not handed over: the header stays.
+///
+/// A hostile host hands everything over, has more ways to fail, and is asked for more:
+///
+///     open, connect, close    a byte: errno, 0 for success; a descriptor is closed all the same
+///     options and modes of sockets, shutdown                                          the same
+///     message to the kernel   parts, modulo 6; offsets count from the message's header, and a
+///                             status is written only by its part
+///                               4  112 bytes over the block of the request; another part follows
+///                               5  a byte: what the call itself gives; the reply is complete
+///     another request         such parts of its frame, which has 32 bytes
+///     send, write             255 fails with the errno of the byte behind it
+///     recv                    65535 bytes: fails with the errno of the byte behind it
+///
+/// The device of the filter tables is never there on a hostile host, so that no run finds it open.
 class FuzzHost {
  public:
-  explicit FuzzHost(std::span<const std::uint8_t> bytes);
+  enum class Kind { kOrdinary, kHostile };
+
+  explicit FuzzHost(std::span<const std::uint8_t> bytes, Kind kind = Kind::kOrdinary);
   ~FuzzHost();
   FuzzHost(const FuzzHost&) = delete;
   FuzzHost& operator=(const FuzzHost&) = delete;
@@ -45,17 +62,33 @@ class FuzzHost {
   /// Files that were opened and not closed yet, standard input aside.
   unsigned int openFiles() const { return openFiles_ - 1; }
 
+  /// Seconds that were slept so far. None of them passes.
+  unsigned int slept() const { return slept_; }
+
+  /// `errno` of the call that failed last.
+  int error() const { return error_; }
+
+  /// The reply to a message that came in another way than by an ioctl: writes it over the message
+  /// and tells what the call gives.
+  int answer(std::span<std::uint8_t> message);
+
  private:
   friend struct FuzzHostCalls;
 
   std::span<const std::uint8_t> take(std::size_t size);
   std::uint64_t number(std::size_t size);
   bool answers();
-  int reply(std::span<std::uint8_t> body, std::uint32_t* status);
+  int fail(int error);
+  int outcome();
+  int reply(std::span<std::uint8_t> body, std::optional<std::uint32_t>* status,
+            std::span<std::uint8_t> request = {});
   int message(void* block);
   int filterList(unsigned long request, void* frame);
 
   std::span<const std::uint8_t> bytes_;
+  bool hostile_;
+  int error_ = 0;
+  unsigned int slept_ = 0;
   unsigned int calls_ = 0;
   unsigned int openFiles_ = 0;
   std::size_t received_ = 0;  // since the last send
@@ -64,3 +97,10 @@ class FuzzHost {
   std::FILE* realOutput_;
   std::FILE* realError_;
 };
+
+/// What stays in a process from one run to the next, as a new process has it. Lines of the log are
+/// made and thrown away.
+void startAnew();
+
+/// The lowest descriptor that is free.
+int freeDescriptor();

@@ -1,18 +1,10 @@
 #include "HandlerFuzz.h"
 
-#include <unistd.h>
-
 #include <algorithm>
-#include <cerrno>
-#include <cstdarg>
-#include <cstdio>
 
 #include "CommandTable.h"
 #include "Fuzz.h"
 #include "FuzzHost.h"
-#include "TarnFWLog.h"
-#include "TarnFWParserActionsAddress.h"
-#include "TarnFWParserActionsSelector.h"
 #include "tarnfw.h"
 
 using namespace TarnFirewall;
@@ -22,34 +14,10 @@ namespace {
 constexpr std::size_t kMaxWords = 320;  // more than there may be configs on one command line
 constexpr std::uint8_t kEndOfWords = 1;
 
-/// Lines of the log are made and thrown away.
-__attribute__((format(printf, 2, 0))) void format(int, const char* text, va_list arguments) {
-  char line[1024];
-  std::vsnprintf(line, sizeof line, text, arguments);
-}
-
-/// What stays in a process from one command to the next, as a new process has it.
-void startAnew() {
-  FW_RegisterLogger(format, 6);
-  FW_SetLibVerboseLevel(FW_COMPONENT_ALL, 0);
-  FW_SetLibPrettyPrinting(nullptr, nullptr);
-  g_tarnfw_default_dvsport = {};
-  attribute_type = FW_ATTR_ID_NONE;
-  errno = 0;
-}
-
 /// The default handle and its device stay open to the end of the process.
 void openDefaultHandle() {
   const FuzzHost host({});
   require(FW_GetDefaultLibHandle() != nullptr);
-}
-
-/// The lowest descriptor that is free.
-int freeDescriptor() {
-  const int descriptor = dup(STDERR_FILENO);
-  require(descriptor >= 0);
-  close(descriptor);
-  return descriptor;
 }
 
 /// A word with nothing in the memory behind its NUL.
