@@ -745,6 +745,22 @@ TEST(GetAddrSets, AnAddressThatMakesNoTextIsSkipped) {
             (CommandResult{0, "addrset a {\nip 10.0.0.1,\nip 10.0.0.3,\n}\n", ""}));
 }
 
+TEST(GetAddrSets, AnAddressTextOf63CharactersIsShownAndALongerOneSkipped) {
+  SetKernel kernel;
+  Bytes fitting = Bytes(144).at(0, {4}).at(4, {0x11, 0x11});
+  fitting.at(12, {0x11, 0x11, 0x11, 0x11, 0x00, 0x01, 0x00, 0x11});
+  for (std::size_t i = 0; i < 16; ++i) fitting.at(20 + i, {0x22});
+  Bytes longer = fitting;
+  longer.at(18, {0x01});
+  kernel.own = {{"a", 1, {longer, fitting}}};
+  EXPECT_EQ(runCommand({"getaddrsets", "-f", kFilter}),
+            (CommandResult{0,
+                           "addrset a {\n"
+                           "ip 1111::1111:1111:1:11-2222:2222:2222:2222:2222:2222:2222:2222,\n"
+                           "}\n",
+                           ""}));
+}
+
 TEST(GetAddrSets, MoreAddressesThanWereAskedForAreCutOff) {
   SetKernel kernel;
   kernel.own = {{"a", 1, {ipv4(1)}}};
@@ -794,6 +810,51 @@ TEST(GetContainers, TheNameOfAnAddressSetIsNoContainer) {
   kernel.own = {{"web", 1, {ipv4(1)}}};
   EXPECT_EQ(runCommand({"getcontainers", "-f", kFilter, "-a", "web"}),
             (CommandResult{0, "no container found\n", ""}));
+}
+
+TEST_P(SetCommand, ShowingOneSetFailsBehindAnErrorLineOnly) {
+  const auto show = command.type == kAddrSetType ? GetSingleAddrSet : GetSingleContainer;
+  const unsigned int members = command.type == kAddrSetType ? kAddresses : kElements;
+  const dvs_port_ port = filterPort(kFilter);
+  // Status and whether there was an error line, without and with statistics.
+  const auto outcome = [&](bool entries) {
+    FWAddrSetID_t id{};
+    id.text[0] = 'a';
+    MemberStatistics statistics;
+    statistics.wanted = entries;
+    const CommandResult result =
+        captured([&] { return show(kernel.kernel().handle(), &port, id, "", statistics); });
+    return std::pair(result.status, !result.err.empty());
+  };
+  constexpr std::pair shown(0, false);
+  constexpr std::pair failed(1, true);
+
+  kernel.own = {command.empty("a")};
+  EXPECT_EQ(outcome(true), shown) << "no members";
+  kernel.own = {{"a", command.otherType()}};
+  EXPECT_EQ(outcome(true), shown) << "the other type";
+  kernel.own = {command.filled("a")};
+  EXPECT_EQ(outcome(false), shown);
+  EXPECT_EQ(outcome(true), shown);
+
+  kernel.on(kEntryStats, [](Body&) { return 0; });
+  EXPECT_EQ(outcome(true), shown) << "no statistics in the reply";
+  kernel.fail(kEntryStats, 7);
+  EXPECT_EQ(outcome(true), failed);
+  EXPECT_EQ(outcome(false), shown);
+
+  const auto answer = kernel.answerTo(members);
+  kernel.on(members, [](Body& body) {
+    if (body.size > 82) SetKernel::putChain(body, {});
+    body.put32(50, 0);
+    return 0;
+  });
+  EXPECT_EQ(outcome(true), shown) << "no members in the reply";
+  kernel.on(members, answer);
+  kernel.fail(members, 7);
+  EXPECT_EQ(outcome(false), failed);
+  kernel.fail(kSize, 29);
+  EXPECT_EQ(outcome(false), failed);
 }
 
 TEST(GetSingleAddrSet, TakesThePrefixOfItsCaller) {
