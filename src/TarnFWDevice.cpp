@@ -6,6 +6,9 @@
 
 #include <cstring>
 
+#include "TarnFWException.h"
+#include "TarnFWLog.h"
+
 namespace TarnFirewall {
 
 CTarnFWDevice::CTarnFWDevice(const char* name, int priority)

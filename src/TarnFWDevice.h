@@ -4,8 +4,7 @@
 
 #include <cerrno>
 
-#include "TarnFWException.h"
-#include "TarnFWLog.h"
+#include "TarnFWLibCall.h"
 
 namespace TarnFirewall {
 
@@ -33,41 +32,20 @@ class CTarnFWDevice {
   int descriptor_;
 };
 
-/// Where a direct request stands, for its log lines.
-struct DevicePlace {
-  const char* source;
-  const char* function;
-  int line;
-};
-
-/// Runs a direct request. An exception is logged under `place` and gives -1, and `errno` stays as
-/// it was when the exception was caught. `named` puts the function's name in front of the logged
-/// text.
+/// Runs a direct request. An exception is logged under the place of the call and gives -1, and
+/// `errno` stays as it was when the exception was caught. `named` puts the function's name in front
+/// of the logged text.
 template <typename Body>
-int callDevice(const DevicePlace& place, bool named, Body&& body) {
+int callDevice(const char* function, bool named, Body&& body, const char* file = __builtin_FILE(),
+               int line = __builtin_LINE()) {
   try {
     return body();
-  } catch (const CTarnFWException& e) {
-    const int error = errno;
-    if (named) {
-      Logger(LOG_WARNING, "tarnfw: %s:%s():%d %s: error %d: %s\n", place.source, place.function,
-             place.line, place.function, e.retcode(), e.what());
-    } else {
-      Logger(LOG_WARNING, "tarnfw: %s:%s():%d error %d: %s\n", place.source, place.function,
-             place.line, e.retcode(), e.what());
-    }
-    errno = error;
   } catch (...) {
     const int error = errno;
-    Logger(LOG_WARNING, "tarnfw: %s:%s():%d %s: encountered internal error\n", place.source,
-           place.function, place.line, place.function);
+    statusOfException({function, file, line}, named);
     errno = error;
   }
   return -1;
 }
 
 }  // namespace TarnFirewall
-
-/// The function that it stands in.
-#define TARNFW_DEVICE_PLACE \
-  ::TarnFirewall::DevicePlace { ::TarnFirewall::sourceName<__FILE_NAME__>(), __func__, __LINE__ }

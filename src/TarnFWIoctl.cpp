@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "Locks.h"
+#include "TarnFWLog.h"
 #include "tarnfw.h"
 
 namespace TarnFirewall {
@@ -30,6 +31,6 @@ CTarnFWIoctl* CTarnFWIoctl::GetInstance() {
 
 extern "C" int FW_Ioctl(int request, void* argument) {
   using namespace TarnFirewall;
-  return callDevice(TARNFW_DEVICE_PLACE, false,
+  return callDevice(__func__, false,
                     [&] { return CTarnFWIoctl::GetInstance()->sendIoctl(request, argument); });
 }

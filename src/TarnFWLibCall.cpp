@@ -42,13 +42,13 @@ void traceExit(const FWCallPlace& place, FWStatus_t status) {
          FW_StatusToString(status));
 }
 
-FWStatus_t statusOfException(const FWCallPlace& place) {
+FWStatus_t statusOfException(const FWCallPlace& place, bool named) {
   const BareName file(place.file);
   try {
     throw;
   } catch (const CTarnFWException& e) {
-    Logger(LOG_WARNING, "tarnfw: %s:%s():%d error %d: %s\n", file.text, place.function, place.line,
-           e.retcode(), e.what());
+    Logger(LOG_WARNING, "tarnfw: %s:%s():%d %s%serror %d: %s\n", file.text, place.function,
+           place.line, named ? place.function : "", named ? ": " : "", e.retcode(), e.what());
     return static_cast<FWStatus_t>(e.retcode());
   } catch (...) {
     Logger(LOG_WARNING, "tarnfw: %s:%s():%d %s: encountered internal error\n", file.text,

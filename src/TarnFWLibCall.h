@@ -31,8 +31,9 @@ struct FWCallPlace {
 void traceEntry(const FWCallPlace& place);
 void traceExit(const FWCallPlace& place, FWStatus_t status);
 
-/// Status of the exception that is being handled, after its warning line.
-FWStatus_t statusOfException(const FWCallPlace& place);
+/// Status of the exception that is being handled, after its warning line. `named` puts the
+/// function's name in front of the text, where the line of an internal error always has it.
+FWStatus_t statusOfException(const FWCallPlace& place, bool named = false);
 
 /// The frame from behind its entry line, for a function that logs an entry of its own.
 template <typename Body>

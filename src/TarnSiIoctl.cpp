@@ -4,6 +4,7 @@
 #include <string>
 
 #include "Locks.h"
+#include "TarnFWLog.h"
 #include "TarnFWWire.h"
 #include "tarnfw.h"
 
@@ -46,7 +47,7 @@ int CTarnSiIoctl::sendIoctl(int request, void* argument) {
 }  // namespace TarnSi
 
 extern "C" int SI_Ioctl(int request, void* argument) {
-  return TarnFirewall::callDevice(TARNFW_DEVICE_PLACE, true, [&] {
+  return TarnFirewall::callDevice(__func__, true, [&] {
     return TarnSi::CTarnSiIoctl::GetInstance()->sendIoctl(request, argument);
   });
 }

@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "Locks.h"
+#include "TarnFWLog.h"
 #include "tarnfw.h"
 
 namespace TarnFirewall {
@@ -26,13 +27,12 @@ using namespace TarnFirewall;
 extern "C" {
 
 int WGT_Ioctl(int request, void* argument) {
-  return callDevice(TARNFW_DEVICE_PLACE, false,
+  return callDevice(__func__, false,
                     [&] { return CTarnWGTIoctl::GetInstance()->sendIoctl(request, argument); });
 }
 
 int WGT_GetFd() {
-  return callDevice(TARNFW_DEVICE_PLACE, false,
-                    [] { return CTarnWGTIoctl::GetInstance()->descriptor(); });
+  return callDevice(__func__, false, [] { return CTarnWGTIoctl::GetInstance()->descriptor(); });
 }
 
 }  // extern "C"

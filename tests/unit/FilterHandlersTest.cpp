@@ -360,10 +360,12 @@ TEST(PrintFilter, AnIndexOfAllOnesIsMinusOne) {
 // --- GetFilterList
 
 TEST(GetFilterList, AsksForTheCountAndThenForTheRecords) {
+  const LogCapture log;
   Kernel kernel({webFilter(), webFilter().name("second")});
   std::uint32_t count = 99, size = 99;
   FilterBuffer buffer;
   EXPECT_EQ(GetFilterList(false, false, "some-agent", &count, &buffer, &size), 0);
+  EXPECT_TRUE(log.normalized().empty());
   EXPECT_EQ(count, 2u);
   EXPECT_EQ(size, 1732u);
   EXPECT_EQ(std::memcmp(buffer.get(), webFilter().data(), 866), 0);
