@@ -54,16 +54,20 @@ TEST(Sockets, WithoutMemoryForTheErrorARefusedConnectionLosesNoDescriptor) {
 
 TEST(Sockets, WithoutADescriptorTheFailingCallIsSocket) {
   const LoopbackListener listener;
+  // Objects are looked at before and behind the limit too: a sanitizer that meets a class for the
+  // first time needs descriptors to check it.
+  Socket socket;
+  EXPECT_EQ(socket.GetDescriptor(), -1);
   const int free = nextDescriptor();
   rlimit kept{};
   ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &kept), 0);
   const rlimit none{static_cast<rlim_t>(free), kept.rlim_max};
   ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
-  Socket socket;
   std::string said;
   try {
     socket.Connect("127.0.0.1", listener.port());
   } catch (const SocketError& e) {
+    setrlimit(RLIMIT_NOFILE, &kept);
     said = e.what();
   }
   ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &kept), 0);

@@ -8,7 +8,6 @@
 #include <csignal>
 #include <cstring>
 #include <stdexcept>
-#include <tuple>
 #include <vector>
 
 #include "Expect.h"
@@ -70,9 +69,14 @@ TEST(Sockets, NullArgumentsAreRefusedByName) {
 TEST(Sockets, WhatDoesNotResolveGivesTheResolversCodeAsASystemError) {
   Socket socket;
   // Only IPv4 addresses are looked for.
-  for (const auto& [address, port, code] :
-       {std::tuple{"127.0.0.1", "none such", EAI_SERVICE}, {"::1", "80", EAI_ADDRFAMILY}}) {
-    expectError([&] { socket.Connect(address, port); }, "getaddrinfo", code, -1);
+  struct Case {
+    const char* address;
+    const char* port;
+    int code;
+  };
+  for (const Case& c :
+       {Case{"127.0.0.1", "none such", EAI_SERVICE}, Case{"::1", "80", EAI_ADDRFAMILY}}) {
+    expectError([&] { socket.Connect(c.address, c.port); }, "getaddrinfo", c.code, -1);
     EXPECT_EQ(socket.GetDescriptor(), -1);
   }
 }

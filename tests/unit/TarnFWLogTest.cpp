@@ -99,7 +99,8 @@ TEST_F(TarnFWLog, AFormatOfAnyLengthComesOutWhole) {
   unsigned int component = 0;
   ASSERT_EQ(FW_RegisterComponent("%%%%%%%%%%%%%%%", &component), 0u);
   FWStatus_t (*const unchecked)(int, unsigned int, const char*, ...) = FW_Log;
-  for (const std::size_t length : {0, 1, 900, 960, 970, 980, 990, 1000, 1010, 1020, 1030, 3000}) {
+  for (const std::size_t length :
+       {0u, 1u, 900u, 960u, 970u, 980u, 990u, 1000u, 1010u, 1020u, 1030u, 3000u}) {
     LogCapture log;
     const std::string format(length, 'f');
     EXPECT_EQ(unchecked(7, component, format.c_str()), 0u);
