@@ -151,14 +151,17 @@ int __real_pthread_mutex_unlock(pthread_mutex_t* mutex);
 int __wrap_pthread_mutex_unlock(pthread_mutex_t* mutex);
 int __wrap_pthread_mutex_unlock(pthread_mutex_t* mutex) {
   const int result = __real_pthread_mutex_unlock(mutex);
-  return std::exchange(g_failUnlock, false) ? EINVAL : result;
+  if (!g_failUnlock) return result;
+  g_failUnlock = false;
+  return EINVAL;
 }
 
 int __real_pthread_mutex_init(pthread_mutex_t* mutex, const pthread_mutexattr_t* attributes);
 int __wrap_pthread_mutex_init(pthread_mutex_t* mutex, const pthread_mutexattr_t* attributes);
 int __wrap_pthread_mutex_init(pthread_mutex_t* mutex, const pthread_mutexattr_t* attributes) {
-  if (std::exchange(g_failMutex, false)) return EINVAL;
-  return __real_pthread_mutex_init(mutex, attributes);
+  if (!g_failMutex) return __real_pthread_mutex_init(mutex, attributes);
+  g_failMutex = false;
+  return EINVAL;
 }
 
 void* __real__ZnwmRKSt9nothrow_t(std::size_t size, const std::nothrow_t& tag);
