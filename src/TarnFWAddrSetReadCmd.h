@@ -10,28 +10,25 @@ namespace TarnFirewall {
 ///        +4  u32            max
 ///        +8  u32            from
 ///       +12  u32            entries returned, reply
-///       +16                 records of `Stride` bytes, reply
+///       +16                 records, reply
 /// A size that needs more than 32 bits throws `CIntegerOverflowException`.
-template <std::uint16_t Number, unsigned int Stride>
-class CTarnFWAddrSetReadCmd : public CTarnFWSizedCmd<Number> {
+template <std::uint16_t Number, typename Record>
+class CTarnFWAddrSetReadCmd : public CTarnFWPrinted<CTarnFWSizedCmd<Number>> {
  public:
   CTarnFWAddrSetReadCmd(const dvs_port_* port, FWAddrSetType_t type, std::uint32_t max,
                         std::uint32_t from)
-      : CTarnFWSizedCmd<Number>(port, countedSize(kRecords, Stride, max,
-                                                  "integer overflow for the number of addrsets")),
+      : CTarnFWAddrSetReadCmd::CTarnFWPrinted(
+            port, countedSize(kRecords, sizeof(Record), max,
+                              "integer overflow for the number of addrsets")),
         type_(type),
         max_(max),
         from_(from) {}
 
-  /// Entries in the reply, at most the ones that were asked for.
-  std::uint32_t returned(const CTarnFWCmdReply& reply) const {
-    return reply.fitting(reply.word(12), max_, kRecords, Stride);
+  CTarnFWReplyRecords<Record> records(const CTarnFWCmdReply& reply) const {
+    return reply.records<Record>(kRecords, reply.word(12), max_);
   }
 
  protected:
-  static std::size_t offsetOf(std::uint32_t index) {
-    return kRecords + std::size_t{Stride} * index;
-  }
   std::uint32_t from() const { return from_; }
 
  private:

@@ -12,27 +12,26 @@ inline constexpr const char* kTooManyAddresses = "integer overflow for the numbe
 ///       +38  u32       `Form`
 ///       +42  u32       max
 ///       +46  u32       from
-/// The reply's count and records stand where the command says. A size that needs more than 32 bits
-/// throws `CIntegerOverflowException`.
-template <std::uint16_t Number, unsigned int Form, unsigned int Head, unsigned int Stride>
+/// The reply has its count at `Count` and its records from `Head` on. A size that needs more than
+/// 32 bits throws `CIntegerOverflowException`.
+template <std::uint16_t Number, unsigned int Form, unsigned int Count, unsigned int Head,
+          typename Record>
 class CTarnFWAddressReadCmd : public CTarnFWNamed<CTarnFWSizedCmd<Number>, FWAddrSetID_t> {
   using Named = CTarnFWNamed<CTarnFWSizedCmd<Number>, FWAddrSetID_t>;
 
  public:
   CTarnFWAddressReadCmd(const dvs_port_* port, const FWAddrSetID_t& id, std::uint32_t max,
                         std::uint32_t from)
-      : Named(port, id, countedSize(Head, Stride, max, kTooManyAddresses)),
+      : Named(port, id, countedSize(Head, sizeof(Record), max, kTooManyAddresses)),
         max_(max),
         from_(from) {}
 
- protected:
-  static std::size_t offsetOf(std::uint32_t index) { return Head + std::size_t{Stride} * index; }
-  std::uint32_t from() const { return from_; }
-
-  /// Records in the reply, whose count stands at `offset`, at most the ones that were asked for.
-  std::uint32_t entries(const CTarnFWCmdReply& reply, std::size_t offset) const {
-    return reply.fitting(reply.word(offset), max_, Head, Stride);
+  CTarnFWReplyRecords<Record> records(const CTarnFWCmdReply& reply) const {
+    return reply.records<Record>(Head, reply.word(Count), max_);
   }
+
+ protected:
+  std::uint32_t from() const { return from_; }
 
   void fill(std::span<std::byte> body) const override {
     Named::fill(body);

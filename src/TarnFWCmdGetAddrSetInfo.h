@@ -10,10 +10,10 @@ namespace TarnFirewall {
 ///                                                                     +42  u64  realization time,
 ///                                                                               seconds since boot
 ///                                                                     +50  u64  generation number
-class CTarnFWCmdGetAddrSetInfo final : public CTarnFWAddrSetNameCmd<16, 58> {
+class CTarnFWCmdGetAddrSetInfo final : public CTarnFWPrinted<CTarnFWAddrSetNameCmd<16, 58>> {
  public:
   CTarnFWCmdGetAddrSetInfo(const dvs_port_* port, const FWAddrSetID_t& id)
-      : CTarnFWNamed(port, id) {}
+      : CTarnFWPrinted(port, id) {}
   std::string toString() const override { return statement("describe info of addrset"); }
 
   static std::uint32_t count(const CTarnFWCmdReply& reply) { return reply.word(38); }
@@ -21,7 +21,7 @@ class CTarnFWCmdGetAddrSetInfo final : public CTarnFWAddrSetNameCmd<16, 58> {
   static std::uint64_t generation(const CTarnFWCmdReply& reply) { return reply.longWord(50); }
 
  private:
-  void read(const CTarnFWCmdReply& reply) override;
+  void print(const CTarnFWCmdReply& reply, const PrettyPrinting& out) const override;
 };
 
 }  // namespace TarnFirewall

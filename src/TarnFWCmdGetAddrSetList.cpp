@@ -1,6 +1,5 @@
 #include "TarnFWCmdGetAddrSetList.h"
 
-#include "TarnFWLog.h"
 #include "TarnFWText.h"
 
 namespace TarnFirewall {
@@ -12,12 +11,14 @@ std::string CTarnFWCmdGetAddrSetList::toString() const {
 }
 
 void CTarnFWCmdGetAddrSetList::read(const CTarnFWCmdReply& reply) {
-  const std::uint32_t names = returned(reply);
+  const std::uint32_t names = records(reply).checkedSize();
   TARNFW_TRACE(FW_COMPONENT_CMD, 0, "retrieved %d addrsets\n", static_cast<int>(names));
-  const PrettyPrinting out;
-  if (!out) return;
-  for (std::uint32_t i = 0; i < names; ++i) {
-    out.print(out.context, "%s\n", fieldText(nameAt(reply, i).text).c_str());
+}
+
+void CTarnFWCmdGetAddrSetList::print(const CTarnFWCmdReply& reply,
+                                     const PrettyPrinting& out) const {
+  for (const FWAddrSetID_t& name : records(reply)) {
+    out.print(out.context, "%s\n", fieldText(name.text).c_str());
   }
 }
 

@@ -9,10 +9,10 @@ namespace TarnFirewall {
 /// Command 15  request  +0  38 bytes  name of the set           reply  +38  u32  elements
 ///                                                                     +42  u32  type
 ///                                                                     +46  u32  serialized size
-class CTarnFWCmdGetAddrSetTypeAndSize final : public CTarnFWAddrSetNameCmd<15, 50> {
+class CTarnFWCmdGetAddrSetTypeAndSize final : public CTarnFWPrinted<CTarnFWAddrSetNameCmd<15, 50>> {
  public:
   CTarnFWCmdGetAddrSetTypeAndSize(const dvs_port_* port, const FWAddrSetID_t& id)
-      : CTarnFWNamed(port, id) {}
+      : CTarnFWPrinted(port, id) {}
   std::string toString() const override { return statement("describe size of addrset"); }
 
   static std::uint32_t count(const CTarnFWCmdReply& reply) { return reply.word(38); }
@@ -20,7 +20,7 @@ class CTarnFWCmdGetAddrSetTypeAndSize final : public CTarnFWAddrSetNameCmd<15, 5
   static std::uint32_t serializedSize(const CTarnFWCmdReply& reply) { return reply.word(46); }
 
  private:
-  void read(const CTarnFWCmdReply& reply) override;
+  void print(const CTarnFWCmdReply& reply, const PrettyPrinting& out) const override;
 };
 
 }  // namespace TarnFirewall

@@ -1,19 +1,21 @@
 #include "TarnFWCmdGetAddrValidOfAddrSet.h"
 
 #include "TarnFWAddress.h"
-#include "TarnFWLog.h"
 #include "tarnfw.h"
 
 namespace TarnFirewall {
 
 void CTarnFWCmdGetAddrValidOfAddrSet::read(const CTarnFWCmdReply& reply) {
-  const std::uint32_t records = returned(reply);
+  const std::uint32_t addresses = records(reply).checkedSize();
   TARNFW_TRACE(FW_COMPONENT_CMD, 0, "retrieved %d addresses of addrset %s\n",
-               static_cast<int>(records), name().c_str());
-  const PrettyPrinting out;
-  if (!out) return;
-  for (std::uint32_t i = 0; i < records; ++i) {
-    const FWAddressValid_ record = recordAt(reply, i);
+               static_cast<int>(addresses), name().c_str());
+}
+
+void CTarnFWCmdGetAddrValidOfAddrSet::print(const CTarnFWCmdReply& reply,
+                                            const PrettyPrinting& out) const {
+  const CTarnFWReplyRecords<FWAddressValid_> addresses = records(reply);
+  for (std::uint32_t i = 0; i < addresses.size(); ++i) {
+    const FWAddressValid_ record = addresses[i];
     const auto address = loadRecord<FWAddress_>(record.address);
     char text[512];
     if (const FWStatus_t status = FW_GetAddressString(&address, 1, text, sizeof text)) {

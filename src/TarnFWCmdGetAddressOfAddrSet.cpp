@@ -1,7 +1,6 @@
 #include "TarnFWCmdGetAddressOfAddrSet.h"
 
-#include "TarnFWBootTime.h"
-#include "TarnFWLog.h"
+#include "TarnFWCmdPrint.h"
 #include "TarnFWText.h"
 #include "tarnfw.h"
 
@@ -14,18 +13,17 @@ std::string CTarnFWCmdGetAddressOfAddrSet::toString() const {
 }
 
 void CTarnFWCmdGetAddressOfAddrSet::read(const CTarnFWCmdReply& reply) {
-  const std::uint32_t addresses = returned(reply);
+  const std::uint32_t addresses = records(reply).checkedSize();
   TARNFW_TRACE(FW_COMPONENT_CMD, 0, "retrieved %d addresses of addrset %s\n",
                static_cast<int>(addresses), name().c_str());
-  const PrettyPrinting out;
-  if (!out) return;
-  out.print(out.context, "# generation number: %llu\n",
-            static_cast<unsigned long long>(reply.longWord(62)));
-  const FWLocalTime_ t = bootsec2local(reply.longWord(54));
-  out.print(out.context, "# realization time : %04d-%02d-%02dT%02d:%02d:%02d\n", t.year, t.month,
-            t.day, t.hour, t.minute, t.second);
-  for (std::uint32_t i = 0; i < addresses; ++i) {
-    const FWAddress_ address = addressAt(reply, i);
+}
+
+void CTarnFWCmdGetAddressOfAddrSet::print(const CTarnFWCmdReply& reply,
+                                          const PrettyPrinting& out) const {
+  printRealization(reply, 54, "# ", out);
+  const CTarnFWReplyRecords<FWAddress_> addresses = records(reply);
+  for (std::uint32_t i = 0; i < addresses.size(); ++i) {
+    const FWAddress_ address = addresses[i];
     char text[512];
     if (const FWStatus_t status = FW_GetAddressString(&address, 1, text, sizeof text)) {
       TARNFW_TRACE(FW_COMPONENT_CMD, 0, "failed to convert address #%d: %d\n", static_cast<int>(i),

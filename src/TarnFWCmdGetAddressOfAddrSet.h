@@ -13,18 +13,14 @@ namespace TarnFirewall {
 ///                                                                     +62  u64  generation number
 ///                                                                     +70  144 bytes each
 class CTarnFWCmdGetAddressOfAddrSet final
-    : public CTarnFWAddressReadCmd<17, 1, 70, sizeof(FWAddress_)> {
+    : public CTarnFWPrinted<CTarnFWAddressReadCmd<17, 1, 50, 70, FWAddress_>> {
  public:
-  using CTarnFWAddressReadCmd::CTarnFWAddressReadCmd;
+  using CTarnFWPrinted::CTarnFWPrinted;
   std::string toString() const override;
-
-  std::uint32_t returned(const CTarnFWCmdReply& reply) const { return entries(reply, 50); }
-  static FWAddress_ addressAt(const CTarnFWCmdReply& reply, std::uint32_t index) {
-    return reply.record<FWAddress_>(offsetOf(index));
-  }
 
  private:
   void read(const CTarnFWCmdReply& reply) override;
+  void print(const CTarnFWCmdReply& reply, const PrettyPrinting& out) const override;
 };
 
 }  // namespace TarnFirewall

@@ -1,7 +1,5 @@
 #include "TarnFWCmdGetAddressStatOfAddrSet.h"
 
-#include "TarnFWLog.h"
-
 namespace TarnFirewall {
 
 void CTarnFWCmdGetAddressStatOfAddrSet::fill(std::span<std::byte> body) const {
@@ -10,8 +8,9 @@ void CTarnFWCmdGetAddressStatOfAddrSet::fill(std::span<std::byte> body) const {
 }
 
 void CTarnFWCmdGetAddressStatOfAddrSet::read(const CTarnFWCmdReply& reply) {
-  TARNFW_TRACE(FW_COMPONENT_CMD, 0, "retrieved %d stats of addrset %s\n",
-               static_cast<int>(returned(reply)), name().c_str());
+  const std::uint32_t stats = records(reply).checkedSize();
+  TARNFW_TRACE(FW_COMPONENT_CMD, 0, "retrieved %d stats of addrset %s\n", static_cast<int>(stats),
+               name().c_str());
 }
 
 }  // namespace TarnFirewall

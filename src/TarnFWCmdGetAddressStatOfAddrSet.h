@@ -11,17 +11,12 @@ namespace TarnFirewall {
 /// Command 19  request  as `CTarnFWAddressReadCmd`, form 0      reply  +54  u32  records returned
 ///                      +50  u32  clear what was read                  +58  80 bytes each
 class CTarnFWCmdGetAddressStatOfAddrSet final
-    : public CTarnFWAddressReadCmd<19, 0, 58, sizeof(FWAddressStat_)> {
+    : public CTarnFWAddressReadCmd<19, 0, 54, 58, FWAddressStat_> {
  public:
   CTarnFWCmdGetAddressStatOfAddrSet(const dvs_port_* port, const FWAddrSetID_t& id,
                                     std::uint32_t max, std::uint32_t from, std::uint32_t clear)
       : CTarnFWAddressReadCmd(port, id, max, from), clear_(clear) {}
   std::string toString() const override { return statement("describe address stat of addrset"); }
-
-  std::uint32_t returned(const CTarnFWCmdReply& reply) const { return entries(reply, 54); }
-  static FWAddressStat_ statAt(const CTarnFWCmdReply& reply, std::uint32_t index) {
-    return reply.record<FWAddressStat_>(offsetOf(index));
-  }
 
  private:
   void fill(std::span<std::byte> body) const override;

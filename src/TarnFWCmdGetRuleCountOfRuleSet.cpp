@@ -1,7 +1,5 @@
 #include "TarnFWCmdGetRuleCountOfRuleSet.h"
 
-#include "TarnFWLog.h"
-
 namespace TarnFirewall {
 
 unsigned int checkRuleKind(unsigned int kind) {
@@ -23,7 +21,7 @@ const char* ruleKindWord(unsigned int kind) {
 CTarnFWCmdGetRuleCountOfRuleSet::CTarnFWCmdGetRuleCountOfRuleSet(const dvs_port_* port,
                                                                  const FWRuleSetID_t& id,
                                                                  unsigned int kind)
-    : CTarnFWNamed(port, id), kind_(checkRuleKind(kind)) {}
+    : CTarnFWPrinted(port, id), kind_(checkRuleKind(kind)) {}
 
 std::string CTarnFWCmdGetRuleCountOfRuleSet::toString() const {
   return statement(
@@ -35,10 +33,9 @@ void CTarnFWCmdGetRuleCountOfRuleSet::fill(std::span<std::byte> body) const {
   storeAt(body, 64, static_cast<std::uint8_t>(kind_));
 }
 
-void CTarnFWCmdGetRuleCountOfRuleSet::read(const CTarnFWCmdReply& reply) {
-  if (const PrettyPrinting out; out) {
-    out.print(out.context, "rule count : %d\n", static_cast<int>(count(reply)));
-  }
+void CTarnFWCmdGetRuleCountOfRuleSet::print(const CTarnFWCmdReply& reply,
+                                            const PrettyPrinting& out) const {
+  out.print(out.context, "rule count : %d\n", static_cast<int>(count(reply)));
 }
 
 }  // namespace TarnFirewall

@@ -15,7 +15,7 @@ const char* ruleKindWord(unsigned int kind);
 ///
 /// Command 8   request  +0  64 bytes  name of the rule set      reply  +68  u32  count
 ///                     +64  low two bits  kind
-class CTarnFWCmdGetRuleCountOfRuleSet final : public CTarnFWRuleSetNameCmd<8, 72> {
+class CTarnFWCmdGetRuleCountOfRuleSet final : public CTarnFWPrinted<CTarnFWRuleSetNameCmd<8, 72>> {
  public:
   CTarnFWCmdGetRuleCountOfRuleSet(const dvs_port_* port, const FWRuleSetID_t& id,
                                   unsigned int kind);
@@ -25,7 +25,7 @@ class CTarnFWCmdGetRuleCountOfRuleSet final : public CTarnFWRuleSetNameCmd<8, 72
 
  private:
   void fill(std::span<std::byte> body) const override;
-  void read(const CTarnFWCmdReply& reply) override;
+  void print(const CTarnFWCmdReply& reply, const PrettyPrinting& out) const override;
 
   unsigned int kind_;
 };

@@ -1,19 +1,13 @@
 #include "TarnFWCmdGetRuleSetInfo.h"
 
-#include "TarnFWBootTime.h"
-#include "TarnFWLog.h"
+#include "TarnFWCmdPrint.h"
 
 namespace TarnFirewall {
 
-void CTarnFWCmdGetRuleSetInfo::read(const CTarnFWCmdReply& reply) {
-  const PrettyPrinting out;
-  if (!out) return;
+void CTarnFWCmdGetRuleSetInfo::print(const CTarnFWCmdReply& reply,
+                                     const PrettyPrinting& out) const {
   out.print(out.context, "rule count       : %u\n", count(reply));
-  out.print(out.context, "generation number: %llu\n",
-            static_cast<unsigned long long>(generation(reply)));
-  const FWLocalTime_ t = bootsec2local(realizationTime(reply));
-  out.print(out.context, "realization time : %04d-%02d-%02dT%02d:%02d:%02d\n", t.year, t.month,
-            t.day, t.hour, t.minute, t.second);
+  printRealization(reply, 68, "", out);
 }
 
 }  // namespace TarnFirewall

@@ -10,10 +10,10 @@ namespace TarnFirewall {
 ///                                                                    +68  u64  realization time,
 ///                                                                              seconds since boot
 ///                                                                    +76  u64  generation number
-class CTarnFWCmdGetRuleSetInfo final : public CTarnFWRuleSetNameCmd<9, 84> {
+class CTarnFWCmdGetRuleSetInfo final : public CTarnFWPrinted<CTarnFWRuleSetNameCmd<9, 84>> {
  public:
   CTarnFWCmdGetRuleSetInfo(const dvs_port_* port, const FWRuleSetID_t& id)
-      : CTarnFWNamed(port, id) {}
+      : CTarnFWPrinted(port, id) {}
   std::string toString() const override { return statement("describe info of ruleset"); }
 
   static std::uint32_t count(const CTarnFWCmdReply& reply) { return reply.word(64); }
@@ -21,7 +21,7 @@ class CTarnFWCmdGetRuleSetInfo final : public CTarnFWRuleSetNameCmd<9, 84> {
   static std::uint64_t generation(const CTarnFWCmdReply& reply) { return reply.longWord(76); }
 
  private:
-  void read(const CTarnFWCmdReply& reply) override;
+  void print(const CTarnFWCmdReply& reply, const PrettyPrinting& out) const override;
 };
 
 }  // namespace TarnFirewall

@@ -8,19 +8,20 @@ namespace TarnFirewall {
 ///
 /// Command 2   request  +0  u32  max                            reply   +8  u32  names returned
 ///                      +4  u32  from                                  +12  64 bytes each
-class CTarnFWCmdGetRuleSetList final : public CTarnFWSizedCmd<2> {
+class CTarnFWCmdGetRuleSetList final : public CTarnFWPrinted<CTarnFWSizedCmd<2>> {
  public:
   /// Throws `CIntegerOverflowException` for more names than a message holds.
   CTarnFWCmdGetRuleSetList(const dvs_port_* port, std::uint32_t max, std::uint32_t from);
   std::string toString() const override;
 
-  /// Names in the reply, at most the ones that were asked for, and one of them.
-  std::uint32_t returned(const CTarnFWCmdReply& reply) const;
-  static FWRuleSetID_t nameAt(const CTarnFWCmdReply& reply, std::uint32_t index);
+  CTarnFWReplyRecords<FWRuleSetID_t> records(const CTarnFWCmdReply& reply) const {
+    return reply.records<FWRuleSetID_t>(12, reply.word(8), max_);
+  }
 
  private:
   void fill(std::span<std::byte> body) const override;
   void read(const CTarnFWCmdReply& reply) override;
+  void print(const CTarnFWCmdReply& reply, const PrettyPrinting& out) const override;
 
   std::uint32_t max_;
   std::uint32_t from_;

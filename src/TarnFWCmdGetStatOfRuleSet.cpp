@@ -1,37 +1,23 @@
 #include "TarnFWCmdGetStatOfRuleSet.h"
 
-#include "TarnFWLog.h"
+#include "TarnFWCmdPrint.h"
 
 namespace TarnFirewall {
 
-namespace {
-
-unsigned long long number(const host64& value) { return static_cast<std::uint64_t>(value); }
-
-}  // namespace
-
-std::uint32_t CTarnFWCmdGetStatOfRuleSet::returned(const CTarnFWCmdReply& reply) const {
-  return entries(reply, records(reply), sizeof(FWRuleStat_));
-}
-
-FWRuleStat_ CTarnFWCmdGetStatOfRuleSet::statAt(const CTarnFWCmdReply& reply, std::uint32_t index) {
-  return reply.record<FWRuleStat_>(records(reply) + sizeof(FWRuleStat_) * index);
-}
-
 void CTarnFWCmdGetStatOfRuleSet::read(const CTarnFWCmdReply& reply) {
-  const std::uint32_t stats = returned(reply);
+  const std::uint32_t stats = records(reply).checkedSize();
   TARNFW_TRACE(FW_COMPONENT_CMD, 0, "retrieved %d stats of ruleset %s\n", static_cast<int>(stats),
                name().c_str());
-  const PrettyPrinting out;
-  if (!out) return;
-  for (std::uint32_t i = 0; i < stats; ++i) {
-    const FWRuleStat_ stat = statAt(reply, i);
+}
+
+void CTarnFWCmdGetStatOfRuleSet::print(const CTarnFWCmdReply& reply,
+                                       const PrettyPrinting& out) const {
+  for (const FWRuleStat_& stat : records(reply)) {
     out.print(out.context,
               "rule %5u: %llu evals, %llu hits, %llu sessions, in %llu out %llu pkts, in %llu out "
               "%llu bytes\n",
-              std::uint32_t{stat.id}, number(stat.evaluations), number(stat.hits),
-              number(stat.sessions), number(stat.packetsIn), number(stat.packetsOut),
-              number(stat.bytesIn), number(stat.bytesOut));
+              std::uint32_t{stat.id}, wide(stat.evaluations), wide(stat.hits), wide(stat.sessions),
+              wide(stat.packetsIn), wide(stat.packetsOut), wide(stat.bytesIn), wide(stat.bytesOut));
   }
 }
 

@@ -2,18 +2,26 @@
 
 /// A kernel's reply as a command's reading code sees it: a view that cannot be read past.
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <span>
 #include <string>
+#include <type_traits>
 
 #include "TarnFWException.h"
 #include "TarnFWWire.h"
 
 namespace TarnFirewall {
 
-/// Bytes of one reply. What lies behind the end throws `CInsufficientMsgBufException`; a count that
-/// the kernel gives is cut to what the reply can hold, with a line in the log.
+/// Logs that only `size` of the `count` records that a reply counts are read, if that is so.
+void logCutRecords(std::uint32_t count, std::uint32_t size);
+
+template <typename Record>
+class CTarnFWReplyRecords;
+
+/// Bytes of one reply. What lies after their end throws `CInsufficientMsgBufException`.
 class CTarnFWCmdReply {
  public:
   CTarnFWCmdReply(const void* data, std::size_t size)
@@ -39,15 +47,6 @@ class CTarnFWCmdReply {
     return loadRecord<Record>(part(offset, sizeof(Record)).data());
   }
 
-  /// Copies `count` records from `offset` on. The caller's memory has room for them.
-  template <typename Record>
-  void copyRecords(std::size_t offset, std::size_t count, Record* to) const {
-    static_assert(std::is_trivially_copyable_v<Record> && alignof(Record) == 1);
-    if (count == 0) return;
-    const std::span<const std::byte> records = part(offset, sizeof(Record) * count);
-    std::memcpy(static_cast<void*>(to), records.data(), records.size());
-  }
-
   std::uint8_t byte(std::size_t offset) const { return record<std::uint8_t>(offset); }
   std::uint32_t word(std::size_t offset) const { return record<host32>(offset); }
   std::uint64_t longWord(std::size_t offset) const { return record<host64>(offset); }
@@ -58,15 +57,72 @@ class CTarnFWCmdReply {
     return std::string(field, fieldLength(field, length));
   }
 
-  /// How many of `count` items of `stride` bytes from `offset` may be read: at most `asked`, and at
-  /// most what is there.
-  std::uint32_t fitting(std::uint32_t count, std::uint32_t asked, std::size_t offset,
-                        std::size_t stride) const;
+  /// The records that begin at `offset`. The kernel counted `count` of them; at most `asked` of
+  /// them are read, and no more than are there.
+  template <typename Record>
+  CTarnFWReplyRecords<Record> records(std::size_t offset, std::uint32_t count,
+                                      std::uint32_t asked) const;
 
  private:
   [[noreturn]] void refuse(std::size_t offset, std::size_t length) const;
 
   std::span<const std::byte> bytes_;
 };
+
+/// Records of one kind in a reply, one after the other. As short-lived as the reply.
+template <typename Record>
+class CTarnFWReplyRecords {
+ public:
+  /// `bytes` hold `size` records.
+  CTarnFWReplyRecords(std::span<const std::byte> bytes, std::uint32_t count, std::uint32_t size)
+      : bytes_(bytes), count_(count), size_(size) {}
+
+  /// How many may be read.
+  std::uint32_t size() const { return size_; }
+
+  /// `size()`, with a line in the log when the kernel counted more.
+  std::uint32_t checkedSize() const {
+    logCutRecords(count_, size_);
+    return size_;
+  }
+
+  Record operator[](std::size_t index) const {
+    return loadRecord<Record>(bytes_.subspan(sizeof(Record) * index, sizeof(Record)).data());
+  }
+
+  struct Iterator {
+    const CTarnFWReplyRecords* records;
+    std::size_t index;
+    Record operator*() const { return (*records)[index]; }
+    Iterator& operator++() {
+      ++index;
+      return *this;
+    }
+    bool operator==(const Iterator&) const = default;
+  };
+  Iterator begin() const { return {this, 0}; }
+  Iterator end() const { return {this, size_}; }
+
+  /// Copies all to the caller's memory, which has room for as many as were asked for; their number.
+  std::uint32_t copyTo(Record* to) const {
+    if (size_ != 0) std::memcpy(static_cast<void*>(to), bytes_.data(), sizeof(Record) * size_);
+    return size_;
+  }
+
+ private:
+  std::span<const std::byte> bytes_;
+  std::uint32_t count_;
+  std::uint32_t size_;
+};
+
+template <typename Record>
+CTarnFWReplyRecords<Record> CTarnFWCmdReply::records(std::size_t offset, std::uint32_t count,
+                                                     std::uint32_t asked) const {
+  static_assert(std::is_trivially_copyable_v<Record> && alignof(Record) == 1);
+  const std::size_t room = offset < bytes_.size() ? bytes_.size() - offset : 0;
+  const std::size_t size = std::min<std::size_t>({count, asked, room / sizeof(Record)});
+  return {size == 0 ? std::span<const std::byte>() : bytes_.subspan(offset, size * sizeof(Record)),
+          count, static_cast<std::uint32_t>(size)};
+}
 
 }  // namespace TarnFirewall

@@ -1,7 +1,5 @@
 #include "TarnFWCmdSetAddrSetCfg.h"
 
-#include "TarnFWLog.h"
-
 namespace TarnFirewall {
 
 namespace {
@@ -38,9 +36,7 @@ void CTarnFWCmdSetAddrSetCfg::fill(std::span<std::byte> body) const {
   storeAt(body, 190, configuration_.second);
 }
 
-void CTarnFWCmdSetAddrSetCfg::read(const CTarnFWCmdReply& reply) {
-  const PrettyPrinting out;
-  if (!out) return;
+void CTarnFWCmdSetAddrSetCfg::print(const CTarnFWCmdReply& reply, const PrettyPrinting& out) const {
   const std::uint32_t operation = reply.word(0);
   const std::uint32_t firstValue = first(reply);
   const std::uint32_t secondValue = second(reply);

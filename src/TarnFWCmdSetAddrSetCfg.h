@@ -14,10 +14,10 @@ namespace TarnFirewall {
 ///                      +46  140 bytes  address in the first 16, zero
 ///                     +186  u32        first value
 ///                     +190  u32        second value
-class CTarnFWCmdSetAddrSetCfg final : public CTarnFWFixedCmd<46, 194> {
+class CTarnFWCmdSetAddrSetCfg final : public CTarnFWPrinted<CTarnFWFixedCmd<46, 194>> {
  public:
   CTarnFWCmdSetAddrSetCfg(const dvs_port_* port, const FWAddrSetCfg_& configuration)
-      : CTarnFWFixedCmd(port), configuration_(configuration) {}
+      : CTarnFWPrinted(port), configuration_(configuration) {}
   std::string toString() const override;
 
   static std::uint32_t first(const CTarnFWCmdReply& reply) { return reply.word(186); }
@@ -25,7 +25,7 @@ class CTarnFWCmdSetAddrSetCfg final : public CTarnFWFixedCmd<46, 194> {
 
  private:
   void fill(std::span<std::byte> body) const override;
-  void read(const CTarnFWCmdReply& reply) override;
+  void print(const CTarnFWCmdReply& reply, const PrettyPrinting& out) const override;
 
   FWAddrSetCfg_ configuration_;
 };

@@ -16,12 +16,16 @@ bool CTarnFWBodyCmd::writeCmdBody(void* body, unsigned int room, unsigned int* w
 }
 
 void CTarnFWBodyCmd::checkCmdReply(const void* reply, unsigned int size) {
-  read(CTarnFWCmdReply(reply, std::min(size, size_)));
+  const CTarnFWCmdReply view(reply, std::min(size, size_));
+  read(view);
+  show(view);
 }
 
 void CTarnFWBodyCmd::fill(std::span<std::byte>) const {}
 
 void CTarnFWBodyCmd::read(const CTarnFWCmdReply&) {}
+
+void CTarnFWBodyCmd::show(const CTarnFWCmdReply&) const {}
 
 unsigned int countedSize(unsigned int head, std::uint64_t each, unsigned int count,
                          const char* text) {

@@ -1,7 +1,8 @@
 #pragma once
 
 /// What commands have in common: the number, the size, the zeroing of the body, the size checks,
-/// and the bounded view of the reply. A concrete command fills its body and reads its reply.
+/// the bounded view of the reply, and when to print it. A concrete command fills its body and says
+/// what it keeps and prints of its reply.
 
 #include <cstddef>
 #include <cstdint>
@@ -11,6 +12,7 @@
 
 #include "TarnFWCmd.h"
 #include "TarnFWCmdCatalogue.h"
+#include "TarnFWLog.h"
 #include "TarnFWSelector.h"
 
 namespace TarnFirewall {
@@ -35,8 +37,11 @@ class CTarnFWBodyCmd : public CTarnFWCmd {
   /// Writes the request into a zeroed body of `getMsgSize()` bytes. Nothing by default.
   virtual void fill(std::span<std::byte> body) const;
 
-  /// Prints or keeps what the reply says. Nothing by default.
+  /// Keeps or logs what the reply says. Nothing by default.
   virtual void read(const CTarnFWCmdReply& reply);
+
+  /// Shows the reply to the user, after `read`. Nothing by default: see `CTarnFWPrinted`.
+  virtual void show(const CTarnFWCmdReply& reply) const;
 
   unsigned int size_;
   std::uint16_t number_;
@@ -66,6 +71,32 @@ class CTarnFWSizedCmd : public CTarnFWBodyCmd {
 
  protected:
   CTarnFWSizedCmd(const dvs_port_* port, unsigned int size) : CTarnFWBodyCmd(port, Number, size) {}
+};
+
+/// Adds to a command that its reply is printed:
+///
+///     class CTarnFWCmdGetRuleSetCount final : public CTarnFWPrinted<CTarnFWFixedCmd<1, 4>> {
+///      public:
+///       explicit CTarnFWCmdGetRuleSetCount(const dvs_port_* port) : CTarnFWPrinted(port) {}
+///       ...
+///      private:
+///       void print(const CTarnFWCmdReply& reply, const PrettyPrinting& out) const override;
+///     };
+///
+/// The printer's lock is held for the whole of `print`, so that the replies of two threads do not
+/// mix. A command that prints nothing never waits for it.
+template <typename Base>
+class CTarnFWPrinted : public Base {
+ protected:
+  using Base::Base;
+
+ private:
+  /// Prints what the reply says. Called only when there is a printer.
+  virtual void print(const CTarnFWCmdReply& reply, const PrettyPrinting& out) const = 0;
+
+  void show(const CTarnFWCmdReply& reply) const final {
+    if (const PrettyPrinting out; out) print(reply, out);
+  }
 };
 
 /// Stores a record in a body. A record that does not fit throws `CInsufficientMsgBufException`.

@@ -23,14 +23,6 @@ using namespace TarnFirewall;
 
 namespace {
 
-/// Copies the records of a reply to the caller, whose memory holds as many as were asked for.
-template <typename Record, typename Command, typename At>
-void copyOut(const Command& command, const CTarnFWCmdReply& reply, At at, Record* out,
-             unsigned int* returned) {
-  *returned = command.returned(reply);
-  for (std::uint32_t i = 0; i < *returned; ++i) storeRecord(out + i, at(reply, i));
-}
-
 /// A name from the kernel, closed with a NUL for the caller.
 FWAddrSetID_t closed(FWAddrSetID_t id) {
   id.text[sizeof id.text - 1] = '\0';
@@ -94,10 +86,8 @@ FWStatus_t FW_GetAddrSetList(fwlibhandle_* handle, const dvs_port_* port, void* 
     if (names == nullptr || returned == nullptr) return FW_STATUS_INVALID_ARGUMENT;
     CTarnFWCmdGetAddrSetList command(port, type, max, from);
     return run(library, command, context, [&](const CTarnFWCmdReply& reply) {
-      const auto at = [](const CTarnFWCmdReply& r, std::uint32_t i) {
-        return closed(CTarnFWCmdGetAddrSetList::nameAt(r, i));
-      };
-      copyOut(command, reply, at, names, returned);
+      *returned = command.records(reply).copyTo(names);
+      for (unsigned int i = 0; i < *returned; ++i) names[i] = closed(names[i]);
     });
   });
 }
@@ -109,12 +99,8 @@ FWStatus_t FW_GetAddrSetStatList(fwlibhandle_* handle, const dvs_port_* port, vo
     if (stats == nullptr || returned == nullptr) return FW_STATUS_INVALID_ARGUMENT;
     CTarnFWCmdGetAddrSetStatList command(port, type, max, from);
     return run(library, command, context, [&](const CTarnFWCmdReply& reply) {
-      const auto at = [](const CTarnFWCmdReply& r, std::uint32_t i) {
-        FWAddrSetStat_ stat = CTarnFWCmdGetAddrSetStatList::statAt(r, i);
-        stat.name = closed(stat.name);
-        return stat;
-      };
-      copyOut(command, reply, at, stats, returned);
+      *returned = command.records(reply).copyTo(stats);
+      for (unsigned int i = 0; i < *returned; ++i) stats[i].name = closed(stats[i].name);
     });
   });
 }
@@ -160,7 +146,7 @@ FWStatus_t FW_GetAddressOfAddrSet(fwlibhandle_* handle, const dvs_port_* port, v
     }
     CTarnFWCmdGetAddressOfAddrSet command(port, *id, max, from);
     return run(library, command, context, [&](const CTarnFWCmdReply& reply) {
-      copyOut(command, reply, CTarnFWCmdGetAddressOfAddrSet::addressAt, addresses, returned);
+      *returned = command.records(reply).copyTo(addresses);
     });
   });
 }
@@ -174,7 +160,7 @@ FWStatus_t FW_GetAddrValidOfAddrSet(fwlibhandle_* handle, const dvs_port_* port,
     }
     CTarnFWCmdGetAddrValidOfAddrSet command(port, *id, max, from);
     return run(library, command, context, [&](const CTarnFWCmdReply& reply) {
-      copyOut(command, reply, CTarnFWCmdGetAddrValidOfAddrSet::recordAt, records, returned);
+      *returned = command.records(reply).copyTo(records);
     });
   });
 }
@@ -189,7 +175,7 @@ FWStatus_t FW_GetAddressStatOfAddrSet(fwlibhandle_* handle, const dvs_port_* por
     }
     CTarnFWCmdGetAddressStatOfAddrSet command(port, *id, max, from, clear);
     return run(library, command, context, [&](const CTarnFWCmdReply& reply) {
-      copyOut(command, reply, CTarnFWCmdGetAddressStatOfAddrSet::statAt, stats, returned);
+      *returned = command.records(reply).copyTo(stats);
     });
   });
 }

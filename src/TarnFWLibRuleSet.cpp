@@ -59,11 +59,8 @@ FWStatus_t FW_GetRuleSetList(fwlibhandle_* handle, const dvs_port_* port, void* 
     if (names == nullptr || returned == nullptr) return FW_STATUS_INVALID_ARGUMENT;
     CTarnFWCmdGetRuleSetList command(port, max, from);
     return run(library, command, context, [&](const CTarnFWCmdReply& reply) {
-      *returned = command.returned(reply);
-      for (unsigned int i = 0; i < *returned; ++i) {
-        names[i] = command.nameAt(reply, i);
-        names[i].text[sizeof names[i].text - 1] = '\0';
-      }
+      *returned = command.records(reply).copyTo(names);
+      for (unsigned int i = 0; i < *returned; ++i) names[i].text[sizeof names[i].text - 1] = '\0';
     });
   });
 }
@@ -200,8 +197,9 @@ FWStatus_t FW_GetRuleOfRuleSet(fwlibhandle_* handle, const dvs_port_* port, void
   return callLibrary(__func__, handle, [&](CTarnFWLibHandle& library) -> FWStatus_t {
     if (id == nullptr || rules == nullptr || returned == nullptr) return FW_STATUS_INVALID_ARGUMENT;
     auto command = readCommand<CTarnFWCmdGetRuleOfRuleSet>(port, *id, kind, max, from, ids);
-    return run(library, command, context,
-               [&](const CTarnFWCmdReply& reply) { *returned = command.copyRules(reply, rules); });
+    return run(library, command, context, [&](const CTarnFWCmdReply& reply) {
+      *returned = command.records(reply).copyTo(rules);
+    });
   });
 }
 
@@ -213,8 +211,7 @@ FWStatus_t FW_GetStatOfRuleSet(fwlibhandle_* handle, const dvs_port_* port, void
     if (id == nullptr || stats == nullptr || returned == nullptr) return FW_STATUS_INVALID_ARGUMENT;
     auto command = readCommand<CTarnFWCmdGetStatOfRuleSet>(port, *id, kind, max, from, ids);
     return run(library, command, context, [&](const CTarnFWCmdReply& reply) {
-      *returned = command.returned(reply);
-      for (unsigned int i = 0; i < *returned; ++i) stats[i] = command.statAt(reply, i);
+      *returned = command.records(reply).copyTo(stats);
     });
   });
 }
@@ -227,8 +224,7 @@ FWStatus_t FW_GetDlbOfRuleSet(fwlibhandle_* handle, const dvs_port_* port, void*
     if (id == nullptr || rules == nullptr || returned == nullptr) return FW_STATUS_INVALID_ARGUMENT;
     auto command = readCommand<CTarnFWCmdGetDlbOfRuleSet>(port, *id, kind, max, from, ids);
     return run(library, command, context, [&](const CTarnFWCmdReply& reply) {
-      *returned = command.returned(reply);
-      for (unsigned int i = 0; i < *returned; ++i) rules[i] = command.ruleAt(reply, i);
+      *returned = command.records(reply).copyTo(rules);
     });
   });
 }

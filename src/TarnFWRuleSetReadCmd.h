@@ -41,13 +41,14 @@ class CTarnFWRuleSelection {
 ///       +68  u32       index of the first rule, without an id list
 ///       +72  u16       bit 0: by index, without an id list
 ///       +74  low two bits  kind
-///       +76  u32       entries returned, reply
-///     +Head  u32 each  ids of the list, nothing by index; behind room for as many as were asked
-///                      for the reply's records begin
-/// A size of `Head + Each * number` that needs more than 32 bits throws
+///       +76  u32       records returned, reply
+///     +Head  u32 each  ids of the list, nothing by index; the reply's records begin after as many
+///                      ids as the kernel says at +64
+/// A size that needs more than 32 bits throws
 /// `CIntegerOverflowException`.
-template <std::uint16_t Number, unsigned int Head, unsigned int Each>
-class CTarnFWRuleSetReadCmd : public CTarnFWNamed<CTarnFWSizedCmd<Number>, FWRuleSetID_t> {
+template <std::uint16_t Number, unsigned int Head, typename Record>
+class CTarnFWRuleSetReadCmd
+    : public CTarnFWPrinted<CTarnFWNamed<CTarnFWSizedCmd<Number>, FWRuleSetID_t>> {
   using Named = CTarnFWNamed<CTarnFWSizedCmd<Number>, FWRuleSetID_t>;
 
  public:
@@ -61,31 +62,28 @@ class CTarnFWRuleSetReadCmd : public CTarnFWNamed<CTarnFWSizedCmd<Number>, FWRul
                         const unsigned int* ids, unsigned int kind)
       : CTarnFWRuleSetReadCmd(port, id, CTarnFWRuleSelection(count, ids, kind)) {}
 
+  CTarnFWReplyRecords<Record> records(const CTarnFWCmdReply& reply) const {
+    const std::size_t first = Head + sizeof(host32) * std::size_t{reply.word(64)};
+    return reply.records<Record>(first, reply.word(76), selection_.number());
+  }
+
  protected:
   std::string readStatement(const char* what) const {
     return selection_.statement(what, this->name(), this->dvsportToString("of"));
   }
 
-  /// Rules that were asked for.
-  unsigned int asked() const { return selection_.number(); }
-
-  /// Where the reply's records begin: the kernel tells how many ids stand before them.
-  static std::size_t records(const CTarnFWCmdReply& reply) {
-    return Head + std::size_t{4} * reply.word(64);
-  }
-
-  /// Entries from `offset` on that may be read.
-  std::uint32_t entries(const CTarnFWCmdReply& reply, std::size_t offset,
-                        std::size_t stride) const {
-    return reply.fitting(reply.word(76), asked(), offset, stride);
+  /// The ids in front of the records, as many as the kernel counts records.
+  CTarnFWReplyRecords<host32> ids(const CTarnFWCmdReply& reply) const {
+    return reply.records<host32>(Head, reply.word(76), selection_.number());
   }
 
  private:
   CTarnFWRuleSetReadCmd(const dvs_port_* port, const FWRuleSetID_t& id,
                         CTarnFWRuleSelection&& selection)
-      : Named(port, id,
-              countedSize(Head, Each, selection.number(),
-                          "integer overflow for the number of rule id")),
+      : CTarnFWRuleSetReadCmd::CTarnFWPrinted(
+            port, id,
+            countedSize(Head, sizeof(host32) + sizeof(Record), selection.number(),
+                        "integer overflow for the number of rule id")),
         selection_(std::move(selection)) {}
 
   void fill(std::span<std::byte> body) const final {

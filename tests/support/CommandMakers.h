@@ -1,44 +1,11 @@
 #pragma once
 
-/// All commands that are built, and short ways to make one.
+/// Short ways to make a command.
 
 #include <memory>
 #include <string>
 
-#include "TarnFWCmdClearAddrSet.h"
-#include "TarnFWCmdClearRootRuleSet.h"
-#include "TarnFWCmdClearRuleSet.h"
-#include "TarnFWCmdClearRuleSetJump.h"
-#include "TarnFWCmdConfigSharedAddrSet.h"
-#include "TarnFWCmdCreateAddrSet.h"
-#include "TarnFWCmdCreateContainer.h"
-#include "TarnFWCmdCreateRuleSet.h"
-#include "TarnFWCmdDestroyAddrSet.h"
-#include "TarnFWCmdDestroyAllAddrSet.h"
-#include "TarnFWCmdDestroyAllRuleSet.h"
-#include "TarnFWCmdDestroyRuleSet.h"
-#include "TarnFWCmdGetAddrSetCount.h"
-#include "TarnFWCmdGetAddrSetInfo.h"
-#include "TarnFWCmdGetAddrSetList.h"
-#include "TarnFWCmdGetAddrSetStatList.h"
-#include "TarnFWCmdGetAddrSetTypeAndSize.h"
-#include "TarnFWCmdGetAddrValidOfAddrSet.h"
-#include "TarnFWCmdGetAddressOfAddrSet.h"
-#include "TarnFWCmdGetAddressStatOfAddrSet.h"
-#include "TarnFWCmdGetDlbOfRuleSet.h"
-#include "TarnFWCmdGetElementsOfContainer.h"
-#include "TarnFWCmdGetRootRuleSet.h"
-#include "TarnFWCmdGetRuleCountOfRuleSet.h"
-#include "TarnFWCmdGetRuleOfRuleSet.h"
-#include "TarnFWCmdGetRuleSetCount.h"
-#include "TarnFWCmdGetRuleSetInfo.h"
-#include "TarnFWCmdGetRuleSetJump.h"
-#include "TarnFWCmdGetRuleSetList.h"
-#include "TarnFWCmdGetSharedAddrSet.h"
-#include "TarnFWCmdGetStatOfRuleSet.h"
-#include "TarnFWCmdSetAddrSetCfg.h"
-#include "TarnFWCmdSetRootRuleSet.h"
-#include "TarnFWCmdSetRuleSetJump.h"
+#include "TarnFWCmd.h"
 #include "TarnFWTypes.h"
 
 using CommandPtr = std::unique_ptr<TarnFirewall::CTarnFWCmd>;

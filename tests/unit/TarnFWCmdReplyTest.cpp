@@ -33,16 +33,34 @@ TEST(TarnFWCmdReply, AnAbsentReplyIsEmpty) { EXPECT_EQ(CTarnFWCmdReply(nullptr, 
 
 TEST(TarnFWCmdReply, ACountIsCutToWhatWasAskedForAndWhatIsThere) {
   LogCapture log;
-  const Bytes bytes(40);
+  const Bytes bytes = Bytes(40).at(8, {1}).at(16, {2}).at(24, {3}).at(32, {4});
   const CTarnFWCmdReply reply(bytes.data(), bytes.size());
-  EXPECT_EQ(reply.fitting(0, 10, 8, 8), 0u);
-  EXPECT_EQ(reply.fitting(4, 10, 8, 8), 4u);
+  EXPECT_EQ(reply.records<host64>(8, 0, 10).checkedSize(), 0u);
+  EXPECT_EQ(reply.records<host64>(8, 4, 10).checkedSize(), 4u);
   EXPECT_TRUE(log.lines().empty());
-  EXPECT_EQ(reply.fitting(5, 10, 8, 8), 4u);
-  EXPECT_EQ(reply.fitting(0xffffffff, 0xffffffff, 8, 8), 4u);
-  EXPECT_EQ(reply.fitting(3, 2, 8, 8), 2u);
-  EXPECT_EQ(reply.fitting(1, 1, 40, 8), 0u);
-  EXPECT_EQ(reply.fitting(1, 1, 999, 8), 0u);
+  EXPECT_EQ(reply.records<host64>(8, 5, 10).size(), 4u);
+  EXPECT_TRUE(log.lines().empty()) << "the line is for the command alone, not for each that reads";
+  EXPECT_EQ(reply.records<host64>(8, 5, 10).checkedSize(), 4u);
+  EXPECT_EQ(reply.records<host64>(8, 0xffffffff, 0xffffffff).checkedSize(), 4u);
+  EXPECT_EQ(reply.records<host64>(8, 3, 2).checkedSize(), 2u);
+  EXPECT_EQ(reply.records<host64>(40, 1, 1).checkedSize(), 0u);
+  EXPECT_EQ(reply.records<host64>(999, 1, 1).checkedSize(), 0u);
   EXPECT_TRUE(log.has(4, "reply tells 5 entries, only 4 can be read\n"));
   EXPECT_EQ(log.lines().size(), 5u);
+}
+
+TEST(TarnFWCmdReply, RecordsAreWalkedAndCopiedUpToTheirEnd) {
+  const Bytes bytes = Bytes(39).at(8, {1}).at(16, {2}).at(24, {3}).at(32, {4});
+  const CTarnFWCmdReply reply(bytes.data(), bytes.size());
+  const CTarnFWReplyRecords<host64> records = reply.records<host64>(8, 4, 4);
+  std::vector<std::uint64_t> values;
+  for (const host64& value : records) values.push_back(value);
+  EXPECT_EQ(values, (std::vector<std::uint64_t>{1, 2, 3}));
+  EXPECT_EQ(std::uint64_t{records[2]}, 3u);
+  host64 copies[4] = {};
+  copies[3] = 77;
+  EXPECT_EQ(records.copyTo(copies), 3u);
+  EXPECT_EQ(std::uint64_t{copies[2]}, 3u);
+  EXPECT_EQ(std::uint64_t{copies[3]}, 77u);
+  EXPECT_EQ(reply.records<host64>(8, 4, 0).copyTo(nullptr), 0u);
 }

@@ -467,7 +467,7 @@ TEST_F(TarnFWCmdRuleSet, UntrueNumbersOfRulesAreCut) {
       Bytes reply(command.getMsgSize());
       put32(put32(reply, 64, ids), 76, entries);
       EXPECT_NO_THROW(command.checkCmdReply(reply.data(), static_cast<unsigned int>(reply.size())));
-      EXPECT_EQ(command.returned(CTarnFWCmdReply(reply.data(), reply.size())),
+      EXPECT_EQ(command.records(CTarnFWCmdReply(reply.data(), reply.size())).size(),
                 ids <= 1 && entries >= 1 ? 1u : 0u);
     }
   }
