@@ -1,89 +1,136 @@
-// Command 46: statistics of address sets on and off, and the mark of one address.
+// What the address sets of a filter are set to: sharing, statistics, and the mark of one address.
 #include "LabAddrSetCommands.h"
-#include "LabAddressRecord.h"
-#include "LabSettings.h"
-#include "LabText.h"
+#include "LabFamily.h"
 
-namespace TarnLab::AddrSets {
+namespace TarnLab {
 
 namespace {
 
-constexpr std::size_t atOperation = 0, atName = 4, atAddress = 46, addressSize = 16, atFirst = 186,
-                      atSecond = 190;
+using AddrSets::sets;
+using Context = const CommandContext&;
+
+constexpr FlagSetting shared{"addrsets.shared", "address sets are shared"};
+constexpr FlagSetting statistics{"addrsets.statistics", "statistics of address sets are kept"};
+
+constexpr Bits enable{0, 0xff, "enable"};
+constexpr U32 enabled{0, "enabled"};
+
+std::uint32_t configShared(Context context, Body& body) {
+  if (context.target.match != SelectorMatch::filter) {
+    return context.refuse(Status::notSupported, "sharing is set for a filter");
+  }
+  return changeSettings(context, [&](Settings& settings) {
+    settings.set(shared, (enable.get(body) & 1) != 0);
+    return Status::ok;
+  });
+}
+
+std::uint32_t getShared(Context context, Body& body) {
+  enabled.put(body, settingsOf(context).get(shared) ? 1 : 0);
+  return Status::ok;
+}
+
+// The configuration of statistics and marks, 194 bytes.
+constexpr U32 operation{0, "operation"}, component{42, "component"};
+constexpr Name name{4, AddrSets::nameSize, "name", "address set"};
+constexpr Blob address{46, 16, "address"};
+constexpr U32 first{186, "first"}, second{190, "second"}, before{186, "old"}, after{190, "new"};
+
 // Operation 3 takes the choice for a set away again.
 constexpr std::uint32_t enableStatistics = 1, disableStatistics = 2, showStatistics = 4,
                         setValid = 5, clearValid = 6;
-constexpr std::uint32_t unset = 0, enabled = 1, disabled = 2;
+constexpr std::uint32_t isUnset = 0, isEnabled = 1, isDisabled = 2;
 
 /// The place of an address in the set, or its count when the set does not hold it.
-std::size_t placeOf(const SetFile& set, ConstBytes address) {
+std::size_t placeOfAddress(const SetFile& set, ConstBytes wanted) {
   const std::size_t count = set.head().counts[0];
-  const bool shortAddress = isZero(address.subspan(4));
+  const bool shortAddress = isZero(wanted.subspan(4));
   for (std::size_t i = 0; i < count; ++i) {
     const ConstBytes entry = part(set.entries(), i * AddressRecord::size, AddressRecord::size);
     const unsigned type = get16(entry, AddressRecord::type);
     const std::size_t size = type == AddressRecord::ipv4 ? 4 : type == AddressRecord::ipv6 ? 16 : 0;
     if (size == 0 || (size == 4 && !shortAddress)) continue;
-    if (std::memcmp(&entry[AddressRecord::value], address.data(), size) == 0) return i;
+    if (std::memcmp(&entry[AddressRecord::value], wanted.data(), size) == 0) return i;
   }
   return count;
 }
 
-std::uint32_t mark(const CommandContext& context, CommandBody& body, const std::string& file,
-                   const SetFile& set, bool valid) {
-  const std::size_t place = placeOf(set, part(body.bytes(), atAddress, addressSize));
+std::uint32_t mark(Context context, Body& body, const SetFile& set) {
+  const std::size_t place = placeOfAddress(set, address.get(body));
   if (place == set.head().counts[0]) {
     return context.refuse(Status::noAddress, "the address set does not hold the address");
   }
   ByteVector marks(set.marks().begin(), set.marks().end());
-  body.put32(atFirst, get8(marks, place));
-  put8(marks, place, valid ? 1 : 0);
-  body.put32(atSecond, get8(marks, place));
-  SetFile::save(context.store, file, set.head(), set.entries(), marks);
+  before.put(body, get8(marks, place));
+  put8(marks, place, operation.get(body) == setValid ? 1 : 0);
+  after.put(body, get8(marks, place));
+  sets.save(context, name.get(body), set.head(), set.entries(), marks);
   return Status::ok;
 }
+
+/// Switches the statistics of one set, or of the filter when none is named.
+std::uint32_t switchStatistics(Context context, Body& body, const SetFile* set) {
+  std::uint32_t choice = isUnset;
+  if (operation.get(body) == enableStatistics) choice = isEnabled;
+  if (operation.get(body) == disableStatistics) choice = isDisabled;
+  if (set != nullptr) {
+    SetHead head = set->head();
+    before.put(body, head.statistics);
+    head.statistics = choice;
+    sets.save(context, name.get(body), head, set->entries(), set->marks());
+    after.put(body, choice);
+    return Status::ok;
+  }
+  return changeSettings(context, [&](Settings& settings) {
+    before.put(body, settings.get(statistics) ? 1 : 0);
+    settings.set(statistics, choice == isEnabled);
+    after.put(body, settings.get(statistics) ? 1 : 0);
+    return Status::ok;
+  });
+}
+
+std::uint32_t configureSet(Context context, Body& body, const SetFile* set) {
+  if (operation.get(body) > showStatistics) return mark(context, body, *set);
+  if (operation.get(body) != showStatistics) return switchStatistics(context, body, set);
+  before.put(body, settingsOf(context).get(statistics) ? 1 : 0);
+  after.put(body, set != nullptr ? set->head().statistics : 0);
+  return Status::ok;
+}
+
+std::uint32_t configure(Context context, Body& body) {
+  const std::uint32_t wanted = operation.get(body);
+  if (wanted < enableStatistics || wanted > clearValid) {
+    return context.refuse(Status::invalidArgument, format("operation %u", wanted));
+  }
+  const std::string_view called = name.get(body);
+  if (called.empty() && wanted <= showStatistics) return configureSet(context, body, nullptr);
+  return withSet(context, sets, called,
+                 [&](const SetFile& set) { return configureSet(context, body, &set); });
+}
+
+constexpr CommandKind commands[] = {
+    {.number = 44,
+     .scope = CommandScope::sets,
+     .least = 4,
+     .answer = configShared,
+     .request = {enable}},
+    {.number = 45,
+     .scope = CommandScope::sets,
+     .least = 4,
+     .answer = getShared,
+     .reply = {enabled}},
+    {.number = 46,
+     .scope = CommandScope::sets,
+     .least = 194,
+     .answer = configure,
+     .request = {operation, name, component, address, first, second},
+     .reply = {before, after}},
+};
+
+constexpr Setting settings[] = {shared, statistics};
 
 }  // namespace
 
-std::uint32_t configure(const CommandContext& context, CommandBody& body) {
-  const ConstBytes bytes = body.bytes();
-  if (const std::uint32_t status = checkName(context, bytes, atName); status != 0) return status;
-  const std::uint32_t operation = get32(bytes, atOperation);
-  const std::string_view name = getText(bytes, atName, nameSize);
-  if (operation < enableStatistics || operation > clearValid) {
-    return context.refuse(Status::invalidArgument, format("operation %u", operation));
-  }
-  Settings settings = Settings::load(context.store, context.target.folder);
-  const std::string file = fileOf(context, name);
-  std::optional<SetFile> set;
-  if (!name.empty() || operation > showStatistics) {
-    set = SetFile::open(context.store, file);
-    if (!set) return noAddrSet(context, name);
-  }
-  if (operation > showStatistics) {
-    return mark(context, body, file, *set, operation == setValid);
-  }
+constinit const Family addrSetConfigFamily{.commands = commands, .settings = settings};
 
-  const std::uint32_t before = set ? set->head().statistics : settings.addrSetStatistics;
-  if (operation == showStatistics) {
-    body.put32(atFirst, settings.addrSetStatistics ? 1 : 0);
-    body.put32(atSecond, set ? set->head().statistics : 0);
-    return Status::ok;
-  }
-  std::uint32_t after = unset;
-  if (operation == enableStatistics) after = enabled;
-  if (operation == disableStatistics) after = disabled;
-  if (set) {
-    SetHead head = set->head();
-    head.statistics = after;
-    SetFile::save(context.store, file, head, set->entries(), set->marks());
-  } else {
-    settings.addrSetStatistics = after == enabled;
-    settings.save(context.store, context.target.folder);
-  }
-  body.put32(atFirst, before);
-  body.put32(atSecond, set ? after : settings.addrSetStatistics);
-  return Status::ok;
-}
-
-}  // namespace TarnLab::AddrSets
+}  // namespace TarnLab

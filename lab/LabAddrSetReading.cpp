@@ -1,208 +1,320 @@
 // The commands that read address sets and containers.
 #include "LabAddrSetCommands.h"
-#include "LabAddressRecord.h"
-#include "LabText.h"
+#include "LabFamily.h"
 
-namespace TarnLab::AddrSets {
+namespace TarnLab {
 
 namespace {
 
-/// The set that the request names, or a status.
-struct Named {
-  std::uint32_t status = Status::ok;
-  std::optional<SetFile> set;
-};
+using AddrSets::name;
+using AddrSets::nameSize;
+using AddrSets::sets;
+using Context = const CommandContext&;
 
-Named openNamed(const CommandContext& context, const CommandBody& body) {
-  Named named;
-  named.status = checkName(context, body.bytes(), 0);
-  if (named.status != Status::ok) return named;
-  const std::string_view name = getText(body.bytes(), 0, nameSize);
-  named.set = SetFile::open(context.store, fileOf(context, name));
-  if (!named.set) named.status = noAddrSet(context, name);
-  return named;
+/// Answers with the set that the request names.
+template <typename Use>
+std::uint32_t withNamed(Context context, Body& body, Use use) {
+  return withSet(context, sets, name.get(body), use);
 }
 
-/// Where a request for a part of a list has its numbers.
-struct Page {
-  std::size_t atMax;
-  std::size_t atFrom;
-  std::size_t atReturned;
-  std::size_t atRecords;
-  std::size_t recordSize;
-};
+constexpr U32 sizeOfSet{46, "bytes"}, typeOfSet{42, "type"}, countOfSet{38, "entries"};
 
-/// Hands every place of the page to the writer, with room for its record, and tells the number.
-template <typename Writer>
-std::uint32_t fillPage(const CommandContext& context, CommandBody& body, const Page& page,
-                       std::uint64_t count, Writer write) {
-  const std::uint64_t max = get32(body.bytes(), page.atMax);
-  const std::uint64_t from = get32(body.bytes(), page.atFrom);
-  if (max > (body.size() - page.atRecords) / page.recordSize) {
-    return context.refuse(Status::badMessage, "list without the room that it asks for");
-  }
-  std::uint32_t returned = 0;
-  for (; returned < max && from + returned < count; ++returned) {
-    write(static_cast<std::size_t>(from) + returned,
-          body.reply(page.atRecords + returned * page.recordSize, page.recordSize));
-  }
-  body.put32(page.atReturned, returned);
-  return Status::ok;
+std::uint32_t getTypeAndSize(Context context, Body& body) {
+  return withNamed(context, body, [&](const SetFile& set) {
+    countOfSet.put(body, set.head().counts[0]);
+    typeOfSet.put(body, set.head().type);
+    sizeOfSet.put(body, static_cast<std::uint32_t>(set.head().entryBytes));
+    return Status::ok;
+  });
 }
+
+namespace Info {
+constexpr U64 realized{42, "realized"}, generation{50, "generation"};
+}
+
+std::uint32_t getInfo(Context context, Body& body) {
+  return withNamed(context, body, [&](const SetFile& set) {
+    countOfSet.put(body, set.head().counts[0]);
+    Info::realized.put(body, set.head().realized);
+    Info::generation.put(body, set.head().generation);
+    return Status::ok;
+  });
+}
+
+// A request for a part of a set's entries.
+constexpr U32 asked{38, "type"}, max{42, "max"}, from{46, "from"};
 
 /// A page of the entries of one address set.
 template <typename Writer>
-std::uint32_t fillEntries(const CommandContext& context, CommandBody& body, const Page& page,
-                          const SetFile& set, Writer write) {
+std::uint32_t fillEntries(Context context, Body& body, const List& list, const SetFile& set,
+                          Writer write) {
   const std::uint32_t count = set.head().counts[0];
-  const std::uint32_t from = get32(body.bytes(), page.atFrom);
   if (set.head().type != 1) {
     return context.refuse(Status::invalidAddrSetType, "a container has no addresses");
   }
-  if (from > count) {
-    return context.refuse(Status::noAddress, format("address %u of %u", from, count));
+  if (from.get(body) > count) {
+    return context.refuse(Status::noAddress, format("address %u of %u", from.get(body), count));
   }
-  return fillPage(context, body, page, count, write);
+  return fillList(context, body, list, count, write);
 }
 
 ConstBytes addressOf(const SetFile& set, std::size_t place) {
   return part(set.entries(), place * AddressRecord::size, AddressRecord::size);
 }
 
+namespace Addresses {
+constexpr U32 returned{50, "returned"};
+constexpr U64 realized{54, "realized"}, generation{62, "generation"};
+constexpr List list{
+    .record = &AddrSets::addresses, .count = returned, .at = 70, .max = max, .from = from};
+}  // namespace Addresses
+
+std::uint32_t getAddresses(Context context, Body& body) {
+  return withNamed(context, body, [&](const SetFile& set) {
+    Addresses::realized.put(body, set.head().realized);
+    Addresses::generation.put(body, set.head().generation);
+    return fillEntries(context, body, Addresses::list, set, [&](std::size_t place, Bytes record) {
+      copyRecord(record, addressOf(set, place));
+    });
+  });
+}
+
+namespace Marks {
+constexpr U8 mark{AddressRecord::size, "mark"};
+
+std::string text(ConstBytes record) {
+  return AddressRecord::text(record.first(AddressRecord::size)) +
+         format(" mark %u", mark.get(record));
+}
+
+constexpr RecordKind record{AddressRecord::size + 1, text};
+constexpr U32 returned{50, "returned"};
+constexpr List list{.record = &record, .count = returned, .at = 54, .max = max, .from = from};
+}  // namespace Marks
+
+std::uint32_t getMarks(Context context, Body& body) {
+  return withNamed(context, body, [&](const SetFile& set) {
+    return fillEntries(context, body, Marks::list, set, [&](std::size_t place, Bytes record) {
+      copyRecord(record, addressOf(set, place));
+      Marks::mark.put(record, get8(set.marks(), place));
+    });
+  });
+}
+
+/// Eight counters: packets, then bytes, in the order of the record. The program's displays read
+/// them under different names, so they have none here.
+std::string countersText(ConstBytes record, std::size_t offset) {
+  std::string text = "packets";
+  for (std::size_t i = 0; i < 8; ++i) {
+    if (i == 4) text += ", bytes";
+    text += format(" %llu", static_cast<unsigned long long>(get64(record, offset + 8 * i)));
+  }
+  return text;
+}
+
+/// Counters as they would be after some traffic: the same whenever they are read, and no two of
+/// one record alike.
+void putCounters(Bytes record, std::size_t offset, std::uint64_t load) {
+  for (std::size_t i = 0; i < 8; ++i) put64(record, offset + 8 * i, load * (2 * i + 3));
+}
+
+std::uint64_t uptimeOf(const SetFile& set) {
+  return bootSeconds() - std::min(bootSeconds(), set.head().realized);
+}
+
+namespace EntryStatistics {
+constexpr U32 connections{64, "connections"}, highWater{68, "at most"};
+constexpr U64 uptime{72, "uptime"};
+constexpr FieldList others{connections, highWater, uptime};
+
+std::string text(ConstBytes record) {
+  return countersText(record, 0) + ", " + fieldsText(others, record);
+}
+
+constexpr RecordKind record{80, text};
+constexpr U32 clear{50, "clear"}, returned{54, "returned"};
+constexpr List list{.record = &record, .count = returned, .at = 58, .max = max, .from = from};
+}  // namespace EntryStatistics
+
+std::uint32_t getEntryStatistics(Context context, Body& body) {
+  return withNamed(context, body, [&](const SetFile& set) {
+    const SetHead& head = set.head();
+    const std::uint64_t uptime = uptimeOf(set);
+    const bool clear = EntryStatistics::clear.get(body) != 0;
+    const std::uint32_t status = fillEntries(
+        context, body, EntryStatistics::list, set, [&](std::size_t place, Bytes record) {
+          const std::uint64_t load = head.cleared != 0 ? 0 : place % 1000 + 1;
+          putCounters(record, 0, load);
+          EntryStatistics::connections.put(record, static_cast<std::uint32_t>(load % 7));
+          EntryStatistics::highWater.put(record, static_cast<std::uint32_t>(load % 7 + load));
+          EntryStatistics::uptime.put(record, uptime);
+        });
+    if (status == Status::ok && clear && head.cleared == 0) {
+      SetHead cleared = head;
+      cleared.cleared = 1;
+      sets.save(context, name.get(body), cleared, set.entries(), set.marks());
+    }
+    return status;
+  });
+}
+
+constexpr Bits typeWanted{0, 15, "type"};
+
 /// The sets whose kind the request asks for; 0 asks for every kind.
-std::vector<std::string> namesOfType(const CommandContext& context, const CommandBody& body) {
-  const unsigned type = get8(body.bytes(), 0) & 15u;
-  std::vector<std::string> found = names(context);
+std::vector<std::string> namesOfType(Context context, const Body& body) {
+  const unsigned type = typeWanted.get(body);
+  std::vector<std::string> found = sets.names(context);
   if (type == 0) return found;
-  std::erase_if(found, [&](const std::string& name) {
-    const auto set = SetFile::open(context.store, fileOf(context, name));
+  std::erase_if(found, [&](const std::string& called) {
+    const auto set = sets.open(context, called);
     return !set || set->head().addressType != type;
   });
   return found;
 }
 
-/// Counters as they would be after some traffic: the same whenever they are read, and no two of
-/// one record alike.
-void putCounters(Bytes record, std::size_t offset, std::size_t count, std::uint64_t load) {
-  for (std::size_t i = 0; i < count; ++i) put64(record, offset + 8 * i, load * (2 * i + 3));
-}
+constexpr U32 setCount{4, "count"};
 
-}  // namespace
-
-std::uint32_t getTypeAndSize(const CommandContext& context, CommandBody& body) {
-  const Named named = openNamed(context, body);
-  if (named.status != Status::ok) return named.status;
-  body.put32(38, named.set->head().counts[0]);
-  body.put32(42, named.set->head().type);
-  body.put32(46, static_cast<std::uint32_t>(named.set->head().entryBytes));
+std::uint32_t getCount(Context context, Body& body) {
+  setCount.put(body, static_cast<std::uint32_t>(namesOfType(context, body).size()));
   return Status::ok;
 }
 
-std::uint32_t getInfo(const CommandContext& context, CommandBody& body) {
-  const Named named = openNamed(context, body);
-  if (named.status != Status::ok) return named.status;
-  body.put32(38, named.set->head().counts[0]);
-  body.put64(42, named.set->head().realized);
-  body.put64(50, named.set->head().generation);
-  return Status::ok;
-}
+std::string nameText(ConstBytes record) { return std::string(getText(record, 0, nameSize)); }
 
-std::uint32_t getAddresses(const CommandContext& context, CommandBody& body) {
-  const Named named = openNamed(context, body);
-  if (named.status != Status::ok) return named.status;
-  body.put64(54, named.set->head().realized);
-  body.put64(62, named.set->head().generation);
-  return fillEntries(context, body, {42, 46, 50, 70, AddressRecord::size}, *named.set,
-                     [&](std::size_t place, Bytes record) {
-                       std::memcpy(record.data(), addressOf(*named.set, place).data(),
-                                   record.size());
-                     });
-}
+constexpr U32 listMax{4, "max"}, listFrom{8, "from"}, listReturned{12, "returned"};
+constexpr Text listFirst{16, nameSize, "first"};
+constexpr RecordKind setName{nameSize, nameText};
+constexpr List nameList{
+    .record = &setName, .count = listReturned, .at = 16, .max = listMax, .from = listFrom};
 
-std::uint32_t getMarks(const CommandContext& context, CommandBody& body) {
-  const Named named = openNamed(context, body);
-  if (named.status != Status::ok) return named.status;
-  return fillEntries(context, body, {42, 46, 50, 54, AddressRecord::size + 1}, *named.set,
-                     [&](std::size_t place, Bytes record) {
-                       std::memcpy(record.data(), addressOf(*named.set, place).data(),
-                                   AddressRecord::size);
-                       put8(record, AddressRecord::size, get8(named.set->marks(), place));
-                     });
-}
-
-std::uint32_t getEntryStatistics(const CommandContext& context, CommandBody& body) {
-  constexpr std::size_t atClear = 50, recordSize = 80;
-  constexpr std::size_t atConnections = 64, atHighWater = 68, atUptime = 72;
-  const Named named = openNamed(context, body);
-  if (named.status != Status::ok) return named.status;
-  const SetHead& head = named.set->head();
-  const std::uint64_t uptime = bootSeconds() - std::min(bootSeconds(), head.realized);
-  const bool clear = get32(body.bytes(), atClear) != 0;
-  const std::uint32_t status =
-      fillEntries(context, body, {42, 46, 54, 58, recordSize}, *named.set,
-                  [&](std::size_t place, Bytes record) {
-                    const std::uint64_t load = head.cleared != 0 ? 0 : place % 1000 + 1;
-                    putCounters(record, 0, 8, load);
-                    put32(record, atConnections, static_cast<std::uint32_t>(load % 7));
-                    put32(record, atHighWater, static_cast<std::uint32_t>(load % 7 + load));
-                    put64(record, atUptime, uptime);
-                  });
-  if (status == Status::ok && clear && head.cleared == 0) {
-    SetHead cleared = head;
-    cleared.cleared = 1;
-    const std::string file = fileOf(context, getText(body.bytes(), 0, nameSize));
-    SetFile::save(context.store, file, cleared, named.set->entries(), named.set->marks());
-  }
-  return status;
-}
-
-std::uint32_t getCount(const CommandContext& context, CommandBody& body) {
-  body.put32(4, static_cast<std::uint32_t>(namesOfType(context, body).size()));
-  return Status::ok;
-}
-
-std::uint32_t getList(const CommandContext& context, CommandBody& body) {
+std::uint32_t getList(Context context, Body& body) {
   const std::vector<std::string> found = namesOfType(context, body);
-  return fillPage(
-      context, body, {4, 8, 12, 16, nameSize}, found.size(),
-      [&](std::size_t place, Bytes record) { putText(record, 0, nameSize, found[place]); });
+  return fillList(context, body, nameList, found.size(), [&](std::size_t place, Bytes record) {
+    putText(record, 0, nameSize, found[place]);
+  });
 }
 
-std::uint32_t getStatisticsList(const CommandContext& context, CommandBody& body) {
-  constexpr std::size_t recordSize = 130, atMatch = 102, atNoMatch = 110, atUptime = 118;
+namespace SetStatistics {
+constexpr U64 match{102, "match"}, noMatch{110, "no match"}, uptime{118, "uptime"};
+constexpr U32 references{126, "references"};
+constexpr FieldList others{match, noMatch, uptime, references};
+
+std::string text(ConstBytes record) {
+  return nameText(record) + ": " + countersText(record, nameSize) + ", " +
+         fieldsText(others, record);
+}
+
+constexpr RecordKind record{130, text};
+constexpr List list{
+    .record = &record, .count = listReturned, .at = 16, .max = listMax, .from = listFrom};
+}  // namespace SetStatistics
+
+std::uint32_t getStatisticsList(Context context, Body& body) {
   const std::vector<std::string> found = namesOfType(context, body);
-  return fillPage(context, body, {4, 8, 12, 16, recordSize}, found.size(),
+  return fillList(context, body, SetStatistics::list, found.size(),
                   [&](std::size_t place, Bytes record) {
                     std::memset(record.data(), 0, record.size());
                     putText(record, 0, nameSize, found[place]);
-                    const auto set = SetFile::open(context.store, fileOf(context, found[place]));
+                    const auto set = sets.open(context, found[place]);
                     if (!set) return;
                     const std::uint64_t load = set->head().counts[0] + 1;
-                    putCounters(record, nameSize, 8, load);
-                    put64(record, atMatch, load * 101);
-                    put64(record, atNoMatch, load * 53);
-                    put64(record, atUptime,
-                          bootSeconds() - std::min(bootSeconds(), set->head().realized));
+                    putCounters(record, nameSize, load);
+                    SetStatistics::match.put(record, load * 101);
+                    SetStatistics::noMatch.put(record, load * 53);
+                    SetStatistics::uptime.put(record, uptimeOf(*set));
                   });
 }
 
-std::uint32_t getElements(const CommandContext& context, CommandBody& body) {
-  constexpr std::size_t atReturned = 50, atRealized = 54, atGeneration = 62, atChain = 70;
-  const Named named = openNamed(context, body);
-  if (named.status != Status::ok) return named.status;
-  if (named.set->head().type == 1) {
-    return context.refuse(Status::invalidAddrSetType, "an address set has no elements");
-  }
-  const ConstBytes chain = named.set->entries();
-  if (body.size() - atChain < chain.size()) {
-    return context.refuse(Status::bufferTooSmall, format("room of %zu bytes for a chain of %zu",
-                                                         body.size() - atChain, chain.size()));
-  }
-  body.put32(atReturned, named.set->head().counts[0]);
-  body.put64(atRealized, named.set->head().realized);
-  body.put64(atGeneration, named.set->head().generation);
-  std::memcpy(body.reply(atChain, chain.size()).data(), chain.data(), chain.size());
-  return Status::ok;
+namespace Elements {
+constexpr U32 room{42, "count"}, returned{50, "returned"};
+constexpr U64 realized{54, "realized"}, generation{62, "generation"};
+constexpr List list{.record = &AddrSets::elements, .count = returned, .at = 70};
+}  // namespace Elements
+
+std::uint32_t getElements(Context context, Body& body) {
+  return withNamed(context, body, [&](const SetFile& set) {
+    if (set.head().type == 1) {
+      return context.refuse(Status::invalidAddrSetType, "an address set has no elements");
+    }
+    const ConstBytes chain = set.entries();
+    const std::size_t room = body.size() - Elements::list.at;
+    if (room < chain.size()) {
+      return context.refuse(Status::bufferTooSmall,
+                            format("room of %zu bytes for a chain of %zu", room, chain.size()));
+    }
+    Elements::returned.put(body, set.head().counts[0]);
+    Elements::realized.put(body, set.head().realized);
+    Elements::generation.put(body, set.head().generation);
+    copyRecord(body.reply(Elements::list.at, chain.size()), chain);
+    return Status::ok;
+  });
 }
 
-}  // namespace TarnLab::AddrSets
+constexpr CommandScope scope = CommandScope::sets;
+constexpr CommandKind commands[] = {
+    {.number = 15,
+     .scope = scope,
+     .least = 50,
+     .answer = getTypeAndSize,
+     .request = {name},
+     .reply = {countOfSet, typeOfSet, sizeOfSet}},
+    {.number = 16,
+     .scope = scope,
+     .least = 58,
+     .answer = getInfo,
+     .request = {name},
+     .reply = {countOfSet, Info::realized, Info::generation}},
+    {.number = 17,
+     .scope = scope,
+     .least = 70,
+     .answer = getAddresses,
+     .request = {name, asked, max, from},
+     .reply = {Addresses::returned, Addresses::realized, Addresses::generation},
+     .list = Addresses::list},
+    {.number = 18,
+     .scope = scope,
+     .least = 54,
+     .answer = getMarks,
+     .request = {name, asked, max, from},
+     .reply = {Marks::returned},
+     .list = Marks::list},
+    {.number = 19,
+     .scope = scope,
+     .least = 58,
+     .answer = getEntryStatistics,
+     .request = {name, asked, max, from, EntryStatistics::clear},
+     .reply = {EntryStatistics::returned},
+     .list = EntryStatistics::list},
+    {.number = 20,
+     .scope = scope,
+     .least = 8,
+     .answer = getCount,
+     .request = {typeWanted},
+     .reply = {setCount}},
+    {.number = 21,
+     .scope = scope,
+     .least = 16,
+     .answer = getList,
+     .request = {typeWanted, listMax, listFrom},
+     .reply = {listReturned, listFirst},
+     .list = nameList},
+    {.number = 22,
+     .scope = scope,
+     .least = 16,
+     .answer = getStatisticsList,
+     .request = {typeWanted, listMax, listFrom},
+     .reply = {listReturned},
+     .list = SetStatistics::list},
+    {.number = 56,
+     .scope = scope,
+     .least = 70,
+     .answer = getElements,
+     .request = {name, Reserved{38, 4}, Elements::room},
+     .list = Elements::list},
+};
+
+}  // namespace
+
+constinit const Family addrSetReadingFamily{.commands = commands};
+
+}  // namespace TarnLab

@@ -107,4 +107,13 @@ std::vector<std::string> texts(ConstBytes chain) {
   return found;
 }
 
+std::vector<std::string> lines(ConstBytes chain) {
+  if (chain.size() >= headSize) {
+    const std::size_t size = get32(chain, bytes);
+    if (size <= chain.size() - headSize) chain = chain.first(headSize + size);
+  }
+  const std::string wrong = fault(chain);
+  return wrong.empty() ? texts(chain) : std::vector{"? " + wrong};
+}
+
 }  // namespace TarnLab::Chain

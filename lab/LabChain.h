@@ -19,6 +19,9 @@ std::string fault(ConstBytes chain);
 /// chain with a fault.
 std::vector<std::string> texts(ConstBytes chain);
 
+/// The same of bytes that a chain begins, with a line that says what is wrong with it.
+std::vector<std::string> lines(ConstBytes bytes);
+
 }  // namespace TarnLab::Chain
 
 #endif

@@ -1,53 +1,22 @@
-// One command of a message, and the table of those that the model knows.
+// One command of a message, as its family declares it.
 #ifndef TARNLAB_COMMAND_H
 #define TARNLAB_COMMAND_H
 
-#include <algorithm>
-
+#include "LabField.h"
 #include "LabHost.h"
 #include "LabJournal.h"
+#include "LabText.h"
 
 namespace TarnLab {
 
 /// Statuses that the model answers with, as the kernel numbers them.
 namespace Status {
-inline constexpr std::uint32_t ok = 0, invalidArgument = 3, notSupported = 7, noFilter = 21,
-                               badTransaction = 23, badMessage = 25, badState = 26, noRule = 27,
-                               noRuleSet = 28, noAddrSet = 29, noAddress = 30, noMemory = 65;
-inline constexpr std::uint32_t bufferTooSmall = 9, invalidAddress = 33, invalidAddrSetType = 34,
-                               invalidAttribute = 35, invalidRule = 45;
+inline constexpr std::uint32_t ok = 0, invalidArgument = 3, notSupported = 7, bufferTooSmall = 9,
+                               noFilter = 21, badTransaction = 23, badMessage = 25, badState = 26,
+                               noRule = 27, noRuleSet = 28, noAddrSet = 29, noAddress = 30,
+                               invalidAddress = 33, invalidAddrSetType = 34, invalidAttribute = 35,
+                               invalidRule = 45, noMemory = 65;
 }  // namespace Status
-
-/// A command's body: the request is read from it and the reply is written over it. Remembers what
-/// was written, since only that goes back to the caller.
-class CommandBody {
- public:
-  explicit CommandBody(Bytes bytes) : bytes_(bytes), first_(bytes.size()) {}
-
-  ConstBytes bytes() const { return bytes_; }
-  std::size_t size() const { return bytes_.size(); }
-
-  /// A part of the body to write a reply into.
-  Bytes reply(std::size_t offset, std::size_t size) {
-    const Bytes piece = part(bytes_, offset, size);
-    if (size > 0) {
-      first_ = std::min(first_, offset);
-      last_ = std::max(last_, offset + size);
-    }
-    return piece;
-  }
-  void put32(std::size_t offset, std::uint32_t value) { putHost(reply(offset, 4), 0, value); }
-  void put64(std::size_t offset, std::uint64_t value) { putHost(reply(offset, 8), 0, value); }
-
-  /// What was written: an offset, and a size that is 0 when nothing was.
-  std::size_t writtenAt() const { return first_; }
-  std::size_t writtenSize() const { return last_ > first_ ? last_ - first_ : 0; }
-
- private:
-  Bytes bytes_;
-  std::size_t first_;
-  std::size_t last_ = 0;
-};
 
 struct CommandContext {
   const Store& store;
@@ -66,22 +35,42 @@ struct CommandContext {
 /// the shared sets of an agent do.
 enum class CommandScope : std::uint8_t { host, filter, sets };
 
+/// A command is answered after these checks: the body holds `least` bytes, what is reserved in the
+/// request is zero, the message is for what the command is for, the request's names are padded.
+/// `answer` returns a status; a reply goes back with status 0 only.
 struct CommandKind {
-  std::uint16_t number;
-  std::size_t least;  // bytes that the request itself takes; the reply may need more
-  CommandScope scope;
-  std::uint32_t (*answer)(const CommandContext& context, CommandBody& body);
-  struct {
-    std::size_t at, size;
-  } zeros = {0, 0};  // reserved bytes of the request
+  std::uint16_t number = 0;
+  CommandScope scope = CommandScope::filter;
+  std::size_t least = 0;  // bytes that the request itself takes; the reply may need more
+  std::uint32_t (*answer)(const CommandContext& context, Body& body) = nullptr;
+  FieldList request = {};
+  FieldList reply = {};
+  List list = {};
 };
 
-/// The command of that number, or null when the model does not know it.
-const CommandKind* findCommand(std::uint16_t number);
+/// Writes the part of a list that the request asks for: hands every place of it to the writer, with
+/// the bytes of its record. Returns a status; refuses what the body has no room for.
+template <typename Writer>
+std::uint32_t fillList(const CommandContext& context, Body& body, const List& list,
+                       std::uint64_t count, Writer write) {
+  const std::uint64_t max = list.max.get(body);
+  const std::uint64_t from = list.from.get(body);
+  const std::size_t size = list.record->size;
+  if (max > (body.size() - list.at) / size) {
+    return context.refuse(Status::badMessage, "list without the room that it asks for");
+  }
+  std::uint32_t returned = 0;
+  for (; returned < max && from + returned < count; ++returned) {
+    write(static_cast<std::size_t>(from) + returned, body.reply(list.at + returned * size, size));
+  }
+  putHost(placeOf(body, list.count), 0, returned);
+  return Status::ok;
+}
 
-/// The commands of each family.
-std::span<const CommandKind> ruleSetCommands();
-std::span<const CommandKind> addrSetCommands();
+/// Copies a stored record into its place in a reply.
+inline void copyRecord(Bytes into, ConstBytes record) {
+  std::memcpy(into.data(), record.data(), std::min(into.size(), record.size()));
+}
 
 }  // namespace TarnLab
 

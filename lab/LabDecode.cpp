@@ -4,9 +4,9 @@
 #include <ctime>
 
 #include "LabCommandNames.h"
+#include "LabFamily.h"
 #include "LabMessage.h"
 #include "LabSelector.h"
-#include "LabText.h"
 
 namespace TarnLab {
 
@@ -29,40 +29,69 @@ ByteVector whole(const ByteVector& kept, std::uint64_t size) {
   return bytes;
 }
 
-/// The commands of a message, each with its fields and what it was answered.
-std::string commandsText(const JournalEntry& entry) {
-  const ByteVector sent = whole(entry.sent, entry.size);
-  const ByteVector answered = whole(entry.answered, entry.size);
-  if (sent.size() < MessageHeader::size) return "no message";
-  std::string text;
-  const unsigned count = get16(sent, MessageHeader::count);
+/// One command of a message as it was sent or as it was answered.
+struct Piece {
+  std::uint16_t command = 0;
+  std::uint32_t status = 0;
+  ConstBytes body;
+};
+
+/// Hands the commands of a message over in their order, as far as the message is there; each place
+/// comes from the lengths of the message itself. Returns how many of them there were.
+template <typename Visitor>
+unsigned forEachCommand(ConstBytes message, Visitor visit) {
+  if (message.size() < MessageHeader::size) return 0;
+  const unsigned count = get16(message, MessageHeader::count);
   std::size_t at = MessageHeader::size;
   for (unsigned i = 0; i < count; ++i) {
-    if (sent.size() < at || sent.size() - at < Envelope::size) {
-      text += format("%sand %u more", text.empty() ? "" : "; ", count - i);
-      break;
-    }
-    const ConstBytes envelope = ConstBytes(sent).subspan(at);
-    const std::uint16_t command = get16(envelope, Envelope::command);
-    const std::size_t bodyAt = at + Envelope::size;
-    const std::size_t room = sent.size() - bodyAt;
-    const std::size_t length = std::min<std::size_t>(get32(envelope, Envelope::bodyLength), room);
-    text += (text.empty() ? "" : "; ") + commandName(command) + "(" +
-            decodeRequestFields(command, ConstBytes(sent).subspan(bodyAt, length)) + ")";
-    if (answered.size() >= bodyAt) {
-      const std::uint32_t status = get32(answered, at + Envelope::status);
-      if (status != 0) {
-        text += format(" = status %u", status);
-      } else {
-        const std::size_t have = std::min(length, answered.size() - bodyAt);
-        const std::string fields =
-            decodeReplyFields(command, ConstBytes(answered).subspan(bodyAt, have));
-        text += " = ok" + (fields.empty() ? "" : " {" + fields + "}");
-      }
-    }
-    at = bodyAt + length;
+    if (message.size() - at < Envelope::size) return i;
+    const ConstBytes envelope = message.subspan(at);
+    const std::size_t bodyRoom = envelope.size() - Envelope::size;
+    const std::size_t length =
+        std::min<std::size_t>(get32(envelope, Envelope::bodyLength), bodyRoom);
+    visit(Piece{get16(envelope, Envelope::command), get32(envelope, Envelope::status),
+                envelope.subspan(Envelope::size, length)});
+    at += Envelope::size + length;
+  }
+  return count;
+}
+
+std::string inBraces(const std::string& fields) {
+  return fields.empty() ? "" : " {" + fields + "}";
+}
+
+std::string answerText(const Piece& piece) {
+  if (piece.status != 0) return format(" = status %u", piece.status);
+  const CommandKind* kind = findCommand(piece.command);
+  return " = ok" + (kind != nullptr ? inBraces(fieldsText(kind->reply, piece.body)) : "");
+}
+
+/// The commands of a message, each with its fields and, when there was one, its answer.
+std::string commandsText(const JournalEntry& entry) {
+  const ByteVector sent = whole(entry.sent, entry.size);
+  if (sent.size() < MessageHeader::size) return "no message";
+  std::vector<std::string> answers;
+  if (!entry.answered.empty()) {
+    forEachCommand(whole(entry.answered, entry.size),
+                   [&](const Piece& piece) { answers.push_back(answerText(piece)); });
+  }
+  std::string text;
+  std::size_t place = 0;
+  const unsigned found = forEachCommand(sent, [&](const Piece& piece) {
+    const CommandKind* kind = findCommand(piece.command);
+    text += (text.empty() ? "" : "; ") + commandName(piece.command) + "(" +
+            (kind != nullptr ? fieldsText(kind->request, piece.body) : "") + ")";
+    if (place < answers.size()) text += answers[place];
+    ++place;
+  });
+  if (const unsigned count = get16(sent, MessageHeader::count); found < count) {
+    text += format("%sand %u more", text.empty() ? "" : "; ", count - found);
   }
   return text.empty() ? "no command" : text;
+}
+
+bool isMessage(const JournalEntry& entry) {
+  return entry.device == Device::firewall && entry.request == 15;
 }
 
 std::string messageText(const JournalEntry& entry) {
@@ -74,22 +103,65 @@ std::string messageText(const JournalEntry& entry) {
   return text + commandsText(entry);
 }
 
-std::string filterListText(const JournalEntry& entry) {
+/// A direct request with its fields and, unless it failed, what came back in its body.
+std::string directText(const JournalEntry& entry) {
+  const DirectKind* kind = findDirect(entry.device, entry.request);
+  if (kind == nullptr) return "direct request";
   const ByteVector sent = whole(entry.sent, entry.size);
-  const ByteVector answered = whole(entry.answered, entry.size);
-  constexpr std::size_t size = 116, atCount = 100, atLength = 104;
-  std::string text = entry.request == 20 ? "number of filters" : "filters";
-  if (sent.size() < size) return text;
-  const std::string_view agent = getText(sent, 0, atCount);
-  text += agent.empty() ? " of every agent" : " of " + printable(agent);
-  if (entry.request == 21) {
-    text += format(" (count %u, room %u)", get32(sent, atCount), get32(sent, atLength));
+  std::string text = kind->title;
+  if (sent.size() < kind->size) return text;
+  if (kind->asked != nullptr) {
+    text += kind->asked(sent);
+  } else {
+    text += "(" + fieldsText(kind->request, sent) + ")";
   }
-  if (entry.error == 0 && answered.size() >= size) {
-    text += format(" = ok {count %u", get32(answered, atCount));
-    if (entry.request == 21) text += format(", bytes %u", get32(answered, atLength));
-    text += "}";
+  if (entry.error != 0) return text;
+  if (entry.status != 0) return text + format(" = status %u", entry.status);
+  if (entry.result != 0) return text + format(" = result %d", entry.result);
+  return text + " = ok" + inBraces(fieldsText(kind->reply, whole(entry.answered, entry.size)));
+}
+
+std::string line(const std::string& text) { return "    " + printable(text) + "\n"; }
+
+/// A line for each record of a body.
+std::string recordLines(const List& list, ConstBytes body) {
+  const std::uint64_t count = numberOf(list.count, body);
+  const std::uint64_t at = list.at + list.idBytes(body);
+  if (at > body.size()) return line("? cut off");
+  ConstBytes rest = body.subspan(static_cast<std::size_t>(at));
+  std::string text;
+  if (list.record->lines != nullptr) {
+    for (const std::string& each : list.record->lines(rest)) text += line(each);
+    return text;
   }
+  for (std::uint64_t i = 0; i < count; ++i) {
+    if (rest.size() < list.record->size) {
+      return text + line(format("? and %llu more", static_cast<unsigned long long>(count - i)));
+    }
+    const ConstBytes record = rest.first(list.record->size);
+    text += line(list.record->text != nullptr ? list.record->text(record)
+                                              : fieldsText(list.record->fields, record));
+    rest = rest.subspan(record.size());
+  }
+  return text;
+}
+
+std::string listLines(const List& list, ConstBytes body) {
+  try {
+    return recordLines(list, body);
+  } catch (const std::out_of_range&) {
+    return line("? cut off");
+  }
+}
+
+/// The records of every command in a message, as it was sent or as it was answered.
+std::string messageLines(ConstBytes message, bool sent) {
+  std::string text;
+  forEachCommand(message, [&](const Piece& piece) {
+    const CommandKind* kind = findCommand(piece.command);
+    if (kind == nullptr || kind->list.record == nullptr || kind->list.inRequest != sent) return;
+    if (sent || piece.status == 0) text += listLines(kind->list, piece.body);
+  });
   return text;
 }
 
@@ -120,19 +192,24 @@ std::string decodeEntry(const JournalEntry& entry) {
 std::string decodeRequest(const JournalEntry& entry) {
   std::string text =
       format("%s %u: ", std::string(deviceName(entry.device)).c_str(), entry.request);
-  if (entry.device == Device::firewall && entry.request == 15) {
-    text += messageText(entry);
-  } else if (entry.device == Device::firewall && (entry.request == 20 || entry.request == 21)) {
-    text += filterListText(entry);
-  } else {
-    text += "direct request";
-  }
+  text += isMessage(entry) ? messageText(entry) : directText(entry);
   if (entry.error != 0) {
     const char* name = ::strerrorname_np(entry.error);
     text += " = " + (name != nullptr ? std::string(name) : format("errno %d", entry.error));
   }
   if (!entry.note.empty()) text += " (" + printable(entry.note) + ")";
   return text;
+}
+
+std::string decodeRecords(const JournalEntry& entry) {
+  const ByteVector sent = whole(entry.sent, entry.size);
+  const ByteVector answered =
+      entry.answered.empty() ? ByteVector() : whole(entry.answered, entry.size);
+  if (isMessage(entry)) return messageLines(sent, true) + messageLines(answered, false);
+  const DirectKind* kind = findDirect(entry.device, entry.request);
+  if (kind == nullptr || kind->list.record == nullptr) return "";
+  if (kind->list.inRequest) return sent.empty() ? "" : listLines(kind->list, sent);
+  return answered.empty() ? "" : listLines(kind->list, answered);
 }
 
 std::string dumpEntry(const JournalEntry& entry) {

@@ -17,14 +17,9 @@ std::string decodeRequest(const JournalEntry& entry);
 /// The bytes that were sent and answered, sixteen to a line, each line with an end.
 std::string dumpEntry(const JournalEntry& entry);
 
-/// The rules, addresses, elements and names that a message carries either way, one to a line, each
-/// line with an end; empty for anything else.
+/// The records that a message or a direct request carries either way, such as rules, addresses and
+/// names, one to a line, each line with an end.
 std::string decodeRecords(const JournalEntry& entry);
-
-/// The fields of a command's request, and those of its reply: "name value, name value".
-/// A field that the body is too short for is left out.
-std::string decodeRequestFields(std::uint16_t command, ConstBytes body);
-std::string decodeReplyFields(std::uint16_t command, ConstBytes body);
 
 }  // namespace TarnLab
 

@@ -2,8 +2,7 @@
 #include <cerrno>
 
 #include "LabCallerMemory.h"
-#include "LabRequest.h"
-#include "LabText.h"
+#include "LabFamily.h"
 
 namespace TarnLab {
 
@@ -11,7 +10,9 @@ namespace {
 
 // The body, 116 bytes.
 constexpr std::size_t bodySize = 116;
-constexpr std::size_t atAgent = 0, agentSize = 100, atCount = 100, atLength = 104, atBuffer = 108;
+constexpr Text agent{0, 100, "agent"};
+constexpr U32 count{100, "count"}, room{104, "room"}, filled{104, "bytes"};
+constexpr U64 buffer{108, "buffer"};
 
 /// Appends the filter's record in the size that was asked for.
 void appendRecord(ByteVector& records, const Request& request, std::size_t index,
@@ -31,51 +32,70 @@ void appendRecord(ByteVector& records, const Request& request, std::size_t index
   }
 }
 
-}  // namespace
-
-int answerFilterList(Request& request) {
-  if (request.bodyLength != bodySize) {
-    return request.refuse(EINVAL,
-                          format("body of %u bytes in place of %zu", request.bodyLength, bodySize));
-  }
-  ByteVector body(bodySize);
-  if (!readCaller(request.bodyAddress, body)) {
-    return request.refuse(EFAULT, "body cannot be read");
-  }
-  request.entry.size = bodySize;
-  request.entry.sent = JournalEntry::kept(body);
-
-  const std::string_view agent = getText(body, atAgent, agentSize);
+/// The filters of the agent that a request names, or all of them.
+std::vector<std::size_t> chosenFilters(const Request& request, const Body& body) {
+  const std::string_view wanted = agent.get(body);
   std::vector<std::size_t> chosen;
   for (std::size_t i = 0; i < request.host.filterCount(); ++i) {
-    if (agent.empty() || request.host.agent(i) == agent) chosen.push_back(i);
+    if (wanted.empty() || request.host.agent(i) == wanted) chosen.push_back(i);
   }
+  return chosen;
+}
 
-  if (request.number == 20) {
-    put32(body, atCount, static_cast<std::uint32_t>(chosen.size()));
-  } else {
-    // The count of the first request comes back and tells the size of a record.
-    const std::uint32_t count = get32(body, atCount);
-    const std::uint32_t length = get32(body, atLength);
-    const std::uint32_t recordSize = count == 0 ? 0 : length / count;
-    if (count == 0 || length % count != 0 ||
-        (recordSize != FilterRecord::size && recordSize != FilterRecord::oldSize)) {
-      return request.refuse(EINVAL, format("buffer of %u bytes for %u filters", length, count));
-    }
-    if (chosen.size() > count) chosen.resize(count);
-    ByteVector records;
-    for (const std::size_t index : chosen) appendRecord(records, request, index, recordSize);
-    if (!writeCaller(get64(body, atBuffer), records)) {
-      return request.refuse(EFAULT, "buffer cannot be written");
-    }
-    put32(body, atCount, static_cast<std::uint32_t>(chosen.size()));
-    put32(body, atLength, static_cast<std::uint32_t>(records.size()));
-  }
-  request.entry.answered = JournalEntry::kept(body);
-  if (!writeCaller(request.bodyAddress, body)) {
-    return request.refuse(EFAULT, "body cannot be written");
-  }
+int countFilters(Request& request, Body& body) {
+  count.put(body, static_cast<std::uint32_t>(chosenFilters(request, body).size()));
   return 0;
 }
+
+int listFilters(Request& request, Body& body) {
+  // The count of the first request comes back; the size of a record follows from it.
+  const std::uint32_t most = count.get(body);
+  const std::uint32_t length = room.get(body);
+  const std::uint32_t recordSize = most == 0 ? 0 : length / most;
+  if (most == 0 || length % most != 0 ||
+      (recordSize != FilterRecord::size && recordSize != FilterRecord::oldSize)) {
+    return request.refuse(EINVAL, format("buffer of %u bytes for %u filters", length, most));
+  }
+  std::vector<std::size_t> chosen = chosenFilters(request, body);
+  if (chosen.size() > most) chosen.resize(most);
+  ByteVector records;
+  for (const std::size_t index : chosen) appendRecord(records, request, index, recordSize);
+  if (!writeCaller(buffer.get(body), records)) {
+    return request.refuse(EFAULT, "buffer cannot be written");
+  }
+  count.put(body, static_cast<std::uint32_t>(chosen.size()));
+  filled.put(body, static_cast<std::uint32_t>(records.size()));
+  return 0;
+}
+
+std::string agentText(ConstBytes body) {
+  const std::string_view wanted = agent.get(body);
+  return wanted.empty() ? " of every agent" : " of " + printable(wanted);
+}
+
+std::string listText(ConstBytes body) {
+  return agentText(body) + " (" + fieldsText({count, room}, body) + ")";
+}
+
+constexpr DirectKind requests[] = {
+    {.device = Device::firewall,
+     .number = 20,
+     .title = "number of filters",
+     .size = bodySize,
+     .answer = countFilters,
+     .reply = {count},
+     .asked = agentText},
+    {.device = Device::firewall,
+     .number = 21,
+     .title = "filters",
+     .size = bodySize,
+     .answer = listFilters,
+     .reply = {count, filled},
+     .asked = listText},
+};
+
+}  // namespace
+
+constinit const Family filterListFamily{.requests = requests};
 
 }  // namespace TarnLab

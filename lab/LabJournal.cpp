@@ -22,7 +22,8 @@ constexpr std::uint32_t magic = 0x324f4c54;
 constexpr std::size_t headSize = 96, tailSize = 4;
 constexpr std::size_t atMagic = 0, atCheck = 4, atTime = 8, atProcess = 16, atThread = 20,
                       atProgram = 24, programSize = 16, atDevice = 40, atRequest = 44, atError = 48,
-                      atNote = 52, atSelector = 56, atSent = 60, atAnswered = 64, atSize = 72;
+                      atNote = 52, atSelector = 56, atSent = 60, atAnswered = 64, atStatus = 68,
+                      atSize = 72, atResult = 80;
 
 /// Fowler, Noll and Vo's FNV-1a over the head behind the check itself.
 std::uint32_t check(ConstBytes head) {
@@ -91,6 +92,8 @@ bool readFile(const Store& store, const char* name,
     entry.device = static_cast<Device>(get8(head, atDevice));
     entry.request = get32(head, atRequest);
     entry.error = static_cast<int>(get32(head, atError));
+    entry.status = get32(head, atStatus);
+    entry.result = static_cast<int>(get32(head, atResult));
     entry.size = get64(head, atSize);
     ConstBytes rest = *body;
     const ByteVector note = take(rest, get32(head, atNote));
@@ -146,6 +149,8 @@ void Journal::append(const JournalEntry& entry) const {
   put32(head, atSelector, length(entry.selector));
   put32(head, atSent, length(entry.sent));
   put32(head, atAnswered, length(entry.answered));
+  put32(head, atStatus, entry.status);
+  put32(head, atResult, static_cast<std::uint32_t>(entry.result));
   put64(head, atSize, entry.size);
   put32(head, atCheck, check(head));
   ByteVector tail(tailSize);

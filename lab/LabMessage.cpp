@@ -4,10 +4,8 @@
 #include <cerrno>
 
 #include "LabCallerMemory.h"
-#include "LabCommand.h"
-#include "LabRequest.h"
+#include "LabFamily.h"
 #include "LabSelector.h"
-#include "LabText.h"
 
 namespace TarnLab {
 
@@ -72,30 +70,38 @@ std::string findEnvelopes(ConstBytes message, std::vector<std::size_t>& offsets)
   return "";
 }
 
-std::uint32_t answerCommand(const CommandContext& context, std::uint16_t number,
-                            CommandBody& body) {
+/// What comes before the answer of every command: a status.
+std::uint32_t checkCommand(const CommandContext& context, const CommandKind& kind,
+                           const Body& body) {
+  const std::string title = format("command %u", kind.number);
+  if (body.size() < kind.least) {
+    return context.refuse(
+        Status::badMessage,
+        title + format(" with a body of %zu bytes, %zu needed", body.size(), kind.least));
+  }
+  if (const std::string fault = reservedFault(kind.request, body, title); !fault.empty()) {
+    return context.refuse(Status::badMessage, fault);
+  }
+  if (kind.scope != CommandScope::host && context.target.match == SelectorMatch::none) {
+    return context.refuse(Status::noFilter, title + " without a filter");
+  }
+  if (kind.scope == CommandScope::filter && context.target.match == SelectorMatch::sharedSets) {
+    return context.refuse(Status::notSupported, title + " for shared address sets");
+  }
+  if (const std::string fault = nameFault(kind.request, body); !fault.empty()) {
+    return context.refuse(Status::badMessage, fault);
+  }
+  return Status::ok;
+}
+
+std::uint32_t answerCommand(const CommandContext& context, std::uint16_t number, Body& body) {
   const CommandKind* kind = findCommand(number);
   if (kind == nullptr) {
     return context.refuse(Status::notSupported, format("command %u is not known", number));
   }
-  if (body.size() < kind->least) {
-    return context.refuse(Status::badMessage,
-                          format("command %u with a body of %zu bytes, %zu needed", number,
-                                 body.size(), kind->least));
-  }
-  const ConstBytes behind = body.bytes().subspan(std::min(kind->zeros.at, body.size()));
-  if (!isZero(behind.first(std::min(kind->zeros.size, behind.size())))) {
-    return context.refuse(Status::badMessage, format("command %u with reserved bytes set", number));
-  }
-  if (kind->scope != CommandScope::host && context.target.match == SelectorMatch::none) {
-    return context.refuse(Status::noFilter, format("command %u without a filter", number));
-  }
-  if (kind->scope == CommandScope::filter && context.target.match == SelectorMatch::sharedSets) {
-    return context.refuse(Status::notSupported,
-                          format("command %u for shared address sets", number));
-  }
   try {
-    return kind->answer(context, body);
+    const std::uint32_t status = checkCommand(context, *kind, body);
+    return status != Status::ok ? status : kind->answer(context, body);
   } catch (const std::bad_alloc&) {
     return context.refuse(Status::noMemory, format("command %u: out of memory", number));
   } catch (const std::out_of_range& failure) {
@@ -103,29 +109,15 @@ std::uint32_t answerCommand(const CommandContext& context, std::uint16_t number,
   }
 }
 
-}  // namespace
-
-int answerMessage(Request& request) {
-  if (request.bodyLength != blockSize) {
-    return request.refuse(
-        EINVAL, format("block of %u bytes in place of %zu", request.bodyLength, blockSize));
-  }
-  std::byte block[blockSize];
-  if (!readCaller(request.bodyAddress, block))
-    return request.refuse(EFAULT, "block cannot be read");
-  const ConstBytes selectorBytes = part(ConstBytes(block), 0, Selector::size);
-  request.entry.selector.assign(selectorBytes.begin(), selectorBytes.end());
-  const Selector selector(selectorBytes);
-  if (!selector.known()) return request.refuse(EINVAL, format("selector type %u", selector.type));
-  if (selector.type == Selector::none && !isZero(selectorBytes)) {
-    return request.refuse(EINVAL, "selector without a type is not zero");
-  }
-
+/// Reads the message that a block points to, with its header checked first, so that nothing is
+/// copied for a wrong one. Returns 0 or an errno.
+int readMessage(Request& request, ConstBytes block, ByteVector& message) {
   const std::uint32_t size = get32(block, atMessageSize);
   const std::uint64_t address = get64(block, atMessageAddress);
   request.entry.size = size;
-  if (size < MessageHeader::size)
+  if (size < MessageHeader::size) {
     return request.refuse(EINVAL, format("message of %u bytes", size));
+  }
   if (size > messageLimit) return request.refuse(E2BIG, format("message of %u bytes", size));
   std::byte header[MessageHeader::size];
   if (!readCaller(address, header)) return request.refuse(EFAULT, "message cannot be read");
@@ -133,18 +125,16 @@ int answerMessage(Request& request) {
   if (const std::string fault = headerFault(header, size); !fault.empty()) {
     return request.refuse(EINVAL, fault);
   }
-  ByteVector message(size);
+  message.resize(size);
   if (!readCaller(address, message)) return request.refuse(EFAULT, "message cannot be read");
   request.entry.sent = JournalEntry::kept(message);
-  std::vector<std::size_t> envelopes;
-  if (const std::string fault = findEnvelopes(message, envelopes); !fault.empty()) {
-    return request.refuse(EINVAL, fault);
-  }
-  const SelectedFilter target = request.host.select(selectorBytes);
-  if (target.match == SelectorMatch::unknown) {
-    return request.refuse(ENOENT, "there is no " + selector.toString());
-  }
+  return 0;
+}
 
+/// Answers every command in its turn, and writes back what each one has answered. False when that
+/// cannot be written.
+bool answerCommands(Request& request, const SelectedFilter& target, ByteVector& message,
+                    const std::vector<std::size_t>& envelopes, std::uint64_t address) {
   std::vector<std::uint16_t> numbers;
   for (const std::size_t at : envelopes) {
     numbers.push_back(get16(message, at + Envelope::command));
@@ -159,7 +149,7 @@ int answerMessage(Request& request) {
   for (std::size_t i = 0; i < envelopes.size(); ++i) {
     const std::size_t at = envelopes[i];
     const std::size_t bodyAt = at + Envelope::size;
-    CommandBody body(part(Bytes(message), bodyAt, get32(message, at + Envelope::bodyLength)));
+    Body body(part(Bytes(message), bodyAt, get32(message, at + Envelope::bodyLength)));
     const std::uint32_t status = ordered ? *ordered : answerCommand(context, numbers[i], body);
     put32(message, at + Envelope::status, status);
     written = written && writeCaller(address + at + Envelope::status,
@@ -170,17 +160,47 @@ int answerMessage(Request& request) {
                 writeCaller(address + from, part(ConstBytes(message), from, body.writtenSize()));
     }
   }
+  return written;
+}
+
+int answerMessage(Request& request) {
+  if (request.bodyLength != blockSize) {
+    return request.refuse(
+        EINVAL, format("block of %u bytes in place of %zu", request.bodyLength, blockSize));
+  }
+  std::byte block[blockSize];
+  if (!readCaller(request.bodyAddress, block)) {
+    return request.refuse(EFAULT, "block cannot be read");
+  }
+  const ConstBytes selectorBytes = part(ConstBytes(block), 0, Selector::size);
+  request.entry.selector.assign(selectorBytes.begin(), selectorBytes.end());
+  const Selector selector(selectorBytes);
+  if (!selector.known()) return request.refuse(EINVAL, format("selector type %u", selector.type));
+  if (selector.type == Selector::none && !isZero(selectorBytes)) {
+    return request.refuse(EINVAL, "selector without a type is not zero");
+  }
+
+  ByteVector message;
+  if (const int error = readMessage(request, block, message); error != 0) return error;
+  std::vector<std::size_t> envelopes;
+  if (const std::string fault = findEnvelopes(message, envelopes); !fault.empty()) {
+    return request.refuse(EINVAL, fault);
+  }
+  const SelectedFilter target = request.host.select(selectorBytes);
+  if (target.match == SelectorMatch::unknown) {
+    return request.refuse(ENOENT, "there is no " + selector.toString());
+  }
+  const std::uint64_t address = get64(block, atMessageAddress);
+  const bool written = answerCommands(request, target, message, envelopes, address);
   request.entry.answered = JournalEntry::kept(message);
   return written ? 0 : request.refuse(EFAULT, "message cannot be written");
 }
 
-const CommandKind* findCommand(std::uint16_t number) {
-  for (const auto family : {ruleSetCommands(), addrSetCommands()}) {
-    for (const CommandKind& kind : family) {
-      if (kind.number == number) return &kind;
-    }
-  }
-  return nullptr;
-}
+constexpr DirectKind requests[] = {
+    {.device = Device::firewall, .number = 15, .title = "message", .whole = answerMessage}};
+
+}  // namespace
+
+constinit const Family messageFamily{.requests = requests};
 
 }  // namespace TarnLab

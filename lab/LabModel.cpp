@@ -6,67 +6,11 @@
 #include <ctime>
 #include <new>
 
-#include "LabCallerMemory.h"
-#include "LabRequest.h"
-#include "LabText.h"
+#include "LabDirect.h"
 
 namespace TarnLab {
 
 namespace {
-
-constexpr std::uint32_t statusNotSupported = 7;
-
-/// The direct requests that the firewall device has. Those without an answer here are told so.
-constexpr std::uint32_t firewallRequests[] = {4,  5,  8,  10, 11, 12, 15, 16, 20, 21, 22, 23, 24,
-                                              25, 26, 27, 28, 29, 31, 32, 34, 35, 37, 40, 41, 42};
-
-bool isFirewallRequest(std::uint32_t number) {
-  for (const std::uint32_t known : firewallRequests) {
-    if (known == number) return true;
-  }
-  return false;
-}
-
-int answerFirewall(const Store& store, Faults& faults, JournalEntry& entry, std::uint32_t number,
-                   std::uint64_t argument) {
-  if (!isFirewallRequest(number)) {
-    entry.note = "no such request on this device";
-    return ENOTTY;
-  }
-  std::byte frame[Frame::size];
-  if (!readCaller(argument, frame)) {
-    entry.note = "frame cannot be read";
-    return EFAULT;
-  }
-  const Host host = Host::load(store);
-  Request request{store,
-                  host,
-                  faults,
-                  entry,
-                  number,
-                  argument,
-                  get32(frame, Frame::bodyLength),
-                  get64(frame, Frame::bodyAddress)};
-  if (get32(frame, Frame::command) != number) {
-    return request.refuse(EINVAL, format("frame has command %u", get32(frame, Frame::command)));
-  }
-  if (get32(frame, Frame::status) != 0) {
-    return request.refuse(EINVAL, format("frame has status %u", get32(frame, Frame::status)));
-  }
-  switch (number) {
-    case 15:
-      return answerMessage(request);
-    case 20:
-    case 21:
-      return answerFilterList(request);
-    default: {
-      entry.note = format("answered with status %u", statusNotSupported);
-      std::byte status[4];
-      put32(status, 0, statusNotSupported);
-      return writeCaller(argument + Frame::status, status) ? 0 : EFAULT;
-    }
-  }
-}
 
 std::int64_t millisecondsNow() {
   timespec now{};
@@ -113,7 +57,7 @@ int Model::openDevice(Device device) const {
 }
 
 int Model::request(Device device, std::uint32_t number, std::uint64_t argument,
-                   const sigset_t* duringDelay) const {
+                   const sigset_t* duringDelay, int* result) const {
   try {
     delay(store_, duringDelay);
 
@@ -128,11 +72,8 @@ int Model::request(Device device, std::uint32_t number, std::uint64_t argument,
       if (const auto error = faults.takeError(device, entry.request)) {
         entry.error = static_cast<int>(*error);
         entry.note = "ordered fault";
-      } else if (device == Device::firewall) {
-        entry.error = answerFirewall(store_, faults, entry, number, argument);
       } else {
-        entry.error = ENOTTY;
-        entry.note = "no such request on this device";
+        entry.error = answerDirect(store_, faults, entry, argument);
       }
     } catch (const StoreError& failure) {
       entry.error = EIO;
@@ -146,6 +87,7 @@ int Model::request(Device device, std::uint32_t number, std::uint64_t argument,
     }
     if (faults.changed()) faults.save(store_);
     Journal(store_).append(entry);
+    if (result != nullptr) *result = entry.result;
     return entry.error;
   } catch (const std::bad_alloc&) {
     return ENOMEM;

@@ -17,11 +17,11 @@ class Model {
   int openDevice(Device device) const;
 
   /// Answers one request; `argument` is an address of this process. Returns 0, or the errno with
-  /// which the ioctl fails. What was asked and answered goes into the lab's log, also a refusal.
-  /// While an ordered fault holds the request up, the thread's mask of signals is `duringDelay`, or
-  /// without one as it is.
+  /// which the ioctl fails; without one, `result` gets what the ioctl returns. What was asked and
+  /// answered goes into the lab's log, also a refusal. While an ordered fault holds the request up,
+  /// the thread's mask of signals is `duringDelay`, or without one as it is.
   int request(Device device, std::uint32_t number, std::uint64_t argument,
-              const sigset_t* duringDelay = nullptr) const;
+              const sigset_t* duringDelay = nullptr, int* result = nullptr) const;
 
  private:
   Store store_;

@@ -147,15 +147,16 @@ int copied(int from, int to) {
 int requestDevice(Device device, std::uint32_t number, void* argument) {
   const int before = errno;
   int error = ENOMEM;
+  int result = 0;
   try {
     const TarnLab::Undisturbed undisturbed;
     error = TarnLab::Model(TarnLab::Store(TarnLab::Store::defaultFolder()))
                 .request(device, number, reinterpret_cast<std::uintptr_t>(argument),
-                         &undisturbed.before());
+                         &undisturbed.before(), &result);
   } catch (const std::bad_alloc&) {
   }
   errno = error != 0 ? error : before;
-  return error != 0 ? -1 : 0;
+  return error != 0 ? -1 : result;
 }
 
 /// The mode of an open call is there only when the flags ask for it.

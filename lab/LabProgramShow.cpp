@@ -49,6 +49,12 @@ void showSets(const Store& store, const std::string& folder) {
   });
 }
 
+void showSettings(const Store& store, const std::string& folder) {
+  for (const std::string& line : Settings::load(store, folder).lines()) {
+    std::printf("  %s\n", line.c_str());
+  }
+}
+
 void showFilter(const Store& store, const Host& host, std::size_t index) {
   const ConstBytes record = host.record(index);
   const std::string vif(getText(record, FilterRecord::vif, FilterRecord::vifSize));
@@ -56,9 +62,7 @@ void showFilter(const Store& store, const Host& host, std::size_t index) {
   std::printf("  agent %s, vnic %u, slow path %u%s%s\n", printable(host.agent(index)).c_str(),
               get32(record, FilterRecord::vnicIndex), get32(record, FilterRecord::slowPath),
               vif.empty() ? "" : ", vif ", printable(vif).c_str());
-  const Settings settings = Settings::load(store, Host::folderOf(index));
-  if (settings.sharedAddrSets) std::puts("  address sets are shared");
-  if (settings.addrSetStatistics) std::puts("  statistics of address sets are kept");
+  showSettings(store, Host::folderOf(index));
   showSets(store, Host::folderOf(index));
 }
 
@@ -79,6 +83,7 @@ std::string folderOfFilter(const Store& store, const Host& host, std::string_vie
 
 int showAll(const Store& store, const Host& host) {
   std::printf("lab %s\n", store.folder().c_str());
+  showSettings(store, Settings::ofHost);
   for (std::size_t i = 0; i < host.filterCount(); ++i) showFilter(store, host, i);
   for (const std::string& file : store.list("shared")) {
     std::printf("filter %s\n", printable(sharedName(file)).c_str());

@@ -1,23 +1,70 @@
-// The commands that read rules, their counters and their balancers.
+// The commands that read rules, their counters and their balancers, one by one or by their ids.
 #include <unordered_map>
 
+#include "LabFamily.h"
 #include "LabRuleCommands.h"
-#include "LabRuleRecord.h"
-#include "LabSetFile.h"
-#include "LabText.h"
 
-namespace TarnLab::RuleSets {
+namespace TarnLab {
 
 namespace {
 
-// The request, alike for the three of them.
-constexpr std::size_t atMax = 64, atFrom = 68, atFlags = 72, atKind = 74, atReturned = 76;
-constexpr unsigned byIndex = 1;
+using Context = const CommandContext&;
+using RuleSets::name;
 
-struct Layout {
-  std::size_t idsAt;       // where the ids stand
-  std::size_t recordSize;  // of the reply's records, which stand behind the ids
-};
+// The request, alike for the three of them.
+constexpr U32 max{64, "max"}, from{68, "from"};
+constexpr U8 flags{72, "flags"};
+constexpr Bits kindWanted{74, 3, "kind"};
+constexpr U32 returned{76, "returned"};
+constexpr unsigned byIndex = 1;
+constexpr FieldList request{name, max, from, flags, kindWanted, Reserved{75, 1}};
+
+// The ids that a request asks for stand before the records of its reply.
+constexpr List ruleList{.record = &RuleSets::rules, .count = returned, .at = 96, .ids = max};
+constexpr U64 realized{80, "realized"}, generation{88, "generation"};
+
+namespace Counters {
+constexpr U32 id{0, "rule"};
+constexpr U64 evals{8, "evals"}, hits{16, "hits"}, sessions{24, "sessions"},
+    packetsIn{32, "packets in"}, packetsOut{40, "packets out"}, bytesIn{48, "bytes in"},
+    bytesOut{56, "bytes out"};
+
+std::string text(ConstBytes record) {
+  const auto of = [record](const U64& field) {
+    return static_cast<unsigned long long>(field.get(record));
+  };
+  return format(
+      "rule %u: evals %llu, hits %llu, sessions %llu, packets in %llu out %llu, bytes in %llu "
+      "out %llu",
+      id.get(record), of(evals), of(hits), of(sessions), of(packetsIn), of(packetsOut), of(bytesIn),
+      of(bytesOut));
+}
+
+/// Counters as they would be after some traffic: made from the id, so that they are the same
+/// whenever they are read and no two of them are alike.
+void put(Bytes record, std::uint32_t rule) {
+  const std::uint64_t load = rule % 1000 + 1;
+  id.put(record, rule);
+  evals.put(record, load * 40);
+  hits.put(record, load * 12);
+  sessions.put(record, load * 5);
+  packetsIn.put(record, load * 31);
+  packetsOut.put(record, load * 27);
+  bytesIn.put(record, load * 31 * 640);
+  bytesOut.put(record, load * 27 * 410);
+}
+
+constexpr RecordKind kind{64, text};
+constexpr List list{.record = &kind, .count = returned, .at = 80, .ids = max};
+}  // namespace Counters
+
+namespace Balancers {
+constexpr std::size_t idsAt = 80, stateSize = 160;
+constexpr RecordKind id{4, nullptr, {U32{0, "rule"}}};
+constexpr List ids{.record = &id, .count = returned, .at = idsAt};
+constexpr RecordKind state{stateSize};
+constexpr List states{.record = &state, .count = returned, .at = idsAt, .ids = max};
+}  // namespace Balancers
 
 /// The rules that a request asks for, as places in the set's rules of the kind.
 struct Choice {
@@ -25,29 +72,55 @@ struct Choice {
   std::optional<SetFile> set;
   ConstBytes rules;  // of the kind that was asked for
   std::vector<std::uint32_t> places;
-  std::size_t recordsAt = 0;
 
   ConstBytes rule(std::uint32_t place) const {
     return part(rules, place * RuleRecord::size, RuleRecord::size);
   }
 };
 
-Choice choose(const CommandContext& context, const CommandBody& body, const Layout& layout) {
+/// Finds the rules of the page that a request asks for by index; a status.
+std::uint32_t chooseByIndex(Context context, ConstBytes body, std::uint32_t count, Choice& choice) {
+  const std::uint64_t first = from.get(body);
+  if (first > count) {
+    return context.refuse(Status::noRule,
+                          format("rule %llu of %u", static_cast<unsigned long long>(first), count));
+  }
+  for (std::uint64_t i = first; i < count && i - first < max.get(body); ++i) {
+    choice.places.push_back(static_cast<std::uint32_t>(i));
+  }
+  return Status::ok;
+}
+
+/// Finds the rules by the ids of a request; a status.
+std::uint32_t chooseByIds(Context context, ConstBytes body, std::size_t idsAt, std::uint32_t count,
+                          Choice& choice) {
+  std::unordered_multimap<std::uint32_t, std::uint32_t> placeOfId;
+  for (std::uint32_t i = 0; i < count; ++i) {
+    placeOfId.emplace(get32(choice.rule(i), RuleRecord::id), i);
+  }
+  for (std::size_t i = 0; i < max.get(body); ++i) {
+    const std::uint32_t id = get32(body, idsAt + 4 * i);
+    const auto found = placeOfId.find(id);
+    if (found == placeOfId.end()) {
+      return context.refuse(Status::noRule, format("there is no rule %u", id));
+    }
+    choice.places.push_back(found->second);
+  }
+  return Status::ok;
+}
+
+Choice choose(Context context, const Body& body, const List& list) {
   Choice choice;
-  const ConstBytes bytes = body.bytes();
-  if (badName(context, bytes, 0, choice.status)) return choice;
-  const std::string_view name = getText(bytes, 0, nameSize);
-  const std::uint64_t max = get32(bytes, atMax);
-  const unsigned kind = get8(bytes, atKind) & 3u;
-  if (max > (bytes.size() - layout.idsAt) / (layout.recordSize + 4)) {
+  if (max.get(body) > (body.size() - list.at) / (list.record->size + 4)) {
     choice.status = context.refuse(Status::badMessage, "rules without the room that they ask for");
     return choice;
   }
-  choice.set = SetFile::open(context.store, fileOf(context, name));
+  choice.set = RuleSets::sets.open(context, name.get(body));
   if (!choice.set) {
-    choice.status = context.refuse(Status::noRuleSet, "there is no rule set " + printable(name));
+    choice.status = RuleSets::sets.refuse(context, name.get(body));
     return choice;
   }
+  const unsigned kind = kindWanted.get(body);
   if (kind > 2) {
     choice.status = context.refuse(Status::invalidArgument, "rules of kind 3");
     return choice;
@@ -57,87 +130,77 @@ Choice choose(const CommandContext& context, const CommandBody& body, const Layo
   for (unsigned i = 0; i < kind; ++i) before += head.counts[i];
   const std::uint32_t count = head.counts[kind];
   choice.rules = part(choice.set->entries(), before * RuleRecord::size, count * RuleRecord::size);
-  choice.recordsAt = layout.idsAt + 4 * static_cast<std::size_t>(max);
-
-  if ((get8(bytes, atFlags) & byIndex) != 0) {
-    const std::uint64_t from = get32(bytes, atFrom);
-    if (from > count) {
-      choice.status = context.refuse(
-          Status::noRule, format("rule %llu of %u", static_cast<unsigned long long>(from), count));
-      return choice;
-    }
-    for (std::uint64_t i = from; i < count && i - from < max; ++i) {
-      choice.places.push_back(static_cast<std::uint32_t>(i));
-    }
-    return choice;
-  }
-  std::unordered_multimap<std::uint32_t, std::uint32_t> placeOfId;
-  for (std::uint32_t i = 0; i < count; ++i) {
-    placeOfId.emplace(get32(choice.rule(i), RuleRecord::id), i);
-  }
-  for (std::size_t i = 0; i < max; ++i) {
-    const std::uint32_t id = get32(bytes, layout.idsAt + 4 * i);
-    const auto found = placeOfId.find(id);
-    if (found == placeOfId.end()) {
-      choice.status = context.refuse(Status::noRule, format("there is no rule %u", id));
-      return choice;
-    }
-    choice.places.push_back(found->second);
-  }
+  choice.status = (flags.get(body) & byIndex) != 0
+                      ? chooseByIndex(context, body, count, choice)
+                      : chooseByIds(context, body, list.at, count, choice);
   return choice;
 }
 
-/// Counters as they would be after some traffic: made from the id, so that they are the same
-/// whenever they are read and no two of them are alike.
-void putCounters(Bytes record, std::uint32_t id) {
-  const std::uint64_t load = id % 1000 + 1;
-  const std::uint64_t counters[] = {load * 40, load * 12,       load * 5,       load * 31,
-                                    load * 27, load * 31 * 640, load * 27 * 410};
-  put32(record, 0, id);
-  for (std::size_t i = 0; i < 7; ++i) put64(record, 8 + 8 * i, counters[i]);
+/// Writes the records of the chosen rules: hands each rule to the writer, with the record's bytes.
+template <typename Writer>
+void fillRecords(const Choice& choice, Body& body, const List& list, Writer write) {
+  std::size_t at = list.at + static_cast<std::size_t>(list.idBytes(body));
+  for (const std::uint32_t place : choice.places) {
+    write(choice.rule(place), body.reply(at, list.record->size));
+    at += list.record->size;
+  }
+  returned.put(body, static_cast<std::uint32_t>(choice.places.size()));
 }
+
+std::uint32_t getRules(Context context, Body& body) {
+  const Choice choice = choose(context, body, ruleList);
+  if (choice.status != Status::ok) return choice.status;
+  realized.put(body, choice.set->head().realized);
+  generation.put(body, choice.set->head().generation);
+  fillRecords(choice, body, ruleList,
+              [](ConstBytes rule, Bytes record) { copyRecord(record, rule); });
+  return Status::ok;
+}
+
+std::uint32_t getStatistics(Context context, Body& body) {
+  const Choice choice = choose(context, body, Counters::list);
+  if (choice.status != Status::ok) return choice.status;
+  fillRecords(choice, body, Counters::list, [](ConstBytes rule, Bytes record) {
+    Counters::put(record, get32(rule, RuleRecord::id));
+  });
+  return Status::ok;
+}
+
+/// Only the ids are written; they follow each other where the request had its ids.
+std::uint32_t getBalancers(Context context, Body& body) {
+  const Choice choice = choose(context, body, Balancers::states);
+  if (choice.status != Status::ok) return choice.status;
+  returned.put(body, static_cast<std::uint32_t>(choice.places.size()));
+  for (std::size_t i = 0; i < choice.places.size(); ++i) {
+    putHost(body.reply(Balancers::idsAt + 4 * i, 4), 0,
+            get32(choice.rule(choice.places[i]), RuleRecord::id));
+  }
+  return Status::ok;
+}
+
+constexpr CommandKind commands[] = {
+    {.number = 10,
+     .least = 96,
+     .answer = getRules,
+     .request = request,
+     .reply = {returned, realized, generation},
+     .list = ruleList},
+    {.number = 11,
+     .least = 80,
+     .answer = getStatistics,
+     .request = request,
+     .reply = {returned},
+     .list = Counters::list},
+    {.number = 12,
+     .least = 80,
+     .answer = getBalancers,
+     .request = request,
+     .reply = {returned},
+     .list = Balancers::ids},
+};
 
 }  // namespace
 
-std::uint32_t getRules(const CommandContext& context, CommandBody& body) {
-  constexpr std::size_t atRealized = 80, atGeneration = 88;
-  const Choice choice = choose(context, body, {96, RuleRecord::size});
-  if (choice.status != Status::ok) return choice.status;
-  body.put32(atReturned, static_cast<std::uint32_t>(choice.places.size()));
-  body.put64(atRealized, choice.set->head().realized);
-  body.put64(atGeneration, choice.set->head().generation);
-  std::size_t at = choice.recordsAt;
-  for (const std::uint32_t place : choice.places) {
-    std::memcpy(body.reply(at, RuleRecord::size).data(), choice.rule(place).data(),
-                RuleRecord::size);
-    at += RuleRecord::size;
-  }
-  return Status::ok;
-}
+constinit const Family ruleReadingFamily{.commands = commands};
 
-std::uint32_t getStatistics(const CommandContext& context, CommandBody& body) {
-  constexpr std::size_t recordSize = 64;
-  const Choice choice = choose(context, body, {80, recordSize});
-  if (choice.status != Status::ok) return choice.status;
-  body.put32(atReturned, static_cast<std::uint32_t>(choice.places.size()));
-  std::size_t at = choice.recordsAt;
-  for (const std::uint32_t place : choice.places) {
-    putCounters(body.reply(at, recordSize), get32(choice.rule(place), RuleRecord::id));
-    at += recordSize;
-  }
-  return Status::ok;
-}
-
-/// Only the ids are told; they stand one behind the other where the request had its ids.
-std::uint32_t getBalancers(const CommandContext& context, CommandBody& body) {
-  constexpr std::size_t idsAt = 80, recordSize = 160;
-  const Choice choice = choose(context, body, {idsAt, recordSize});
-  if (choice.status != Status::ok) return choice.status;
-  body.put32(atReturned, static_cast<std::uint32_t>(choice.places.size()));
-  for (std::size_t i = 0; i < choice.places.size(); ++i) {
-    body.put32(idsAt + 4 * i, get32(choice.rule(choice.places[i]), RuleRecord::id));
-  }
-  return Status::ok;
-}
-
-}  // namespace TarnLab::RuleSets
+}  // namespace TarnLab

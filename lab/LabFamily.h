@@ -1,0 +1,58 @@
+// What the model answers, family by family. A family is one file that declares its commands, its
+// direct requests and its settings; the list below names it.
+#ifndef TARNLAB_FAMILY_H
+#define TARNLAB_FAMILY_H
+
+#include "LabCommand.h"
+#include "LabDirect.h"
+#include "LabSettings.h"
+
+namespace TarnLab {
+
+struct Family {
+  std::span<const CommandKind> commands = {};
+  std::span<const DirectKind> requests = {};
+  std::span<const Setting> settings = {};
+};
+
+// Every family, one line each.
+#define TARNLAB_FAMILIES(FAMILY) \
+  FAMILY(addrSetConfigFamily)    \
+  FAMILY(addrSetFamily)          \
+  FAMILY(addrSetReadingFamily)   \
+  FAMILY(filterListFamily)       \
+  FAMILY(messageFamily)          \
+  FAMILY(ruleReadingFamily)      \
+  FAMILY(ruleSetFamily)
+
+#define TARNLAB_DECLARE_FAMILY(name) extern const Family name;
+TARNLAB_FAMILIES(TARNLAB_DECLARE_FAMILY)
+#undef TARNLAB_DECLARE_FAMILY
+
+/// The families in the order of the list.
+std::span<const Family* const> families();
+
+/// The command of that number, the direct request of that device and number, or the setting of that
+/// name; null when the model does not know it.
+const CommandKind* findCommand(std::uint32_t number);
+const DirectKind* findDirect(Device device, std::uint32_t number);
+const Setting* findSetting(std::string_view name);
+
+/// What the filter of a command, or the agent's shared sets, or without a filter the host, is set
+/// to.
+inline Settings settingsOf(const CommandContext& context) {
+  return Settings::load(context.store, context.target.folder);
+}
+
+/// Hands these settings to `change`, for a status, and saves them when that is 0.
+template <typename Change>
+std::uint32_t changeSettings(const CommandContext& context, Change change) {
+  Settings settings = settingsOf(context);
+  const std::uint32_t status = change(settings);
+  if (status == Status::ok) settings.save(context.store, context.target.folder);
+  return status;
+}
+
+}  // namespace TarnLab
+
+#endif
