@@ -12,7 +12,7 @@
 #include "TarnFWException.h"
 #include "TarnFWLog.h"
 #include "TarnFWSelector.h"
-#include "tarnfw.h"
+#include "TarnFWStatus.h"
 
 namespace TarnFirewall {
 
@@ -125,7 +125,7 @@ FWStatus_t CTarnFWCmd::execute(CTarnFWLibHandle* handle, void** reply, unsigned 
         buffer.handOn();
         return FW_STATUS_OK;
       }
-      TARNFW_WARNING("failed to execute command %s: %s\n\n", cmdName(), FW_StatusToString(status));
+      TARNFW_WARNING("failed to execute command %s: %s\n\n", cmdName(), statusText(status));
       if (status != FW_STATUS_BAD_STATE) return status;
       // The last sleep comes before the failure is returned: callers time their own retries by it.
       // The buffer goes out again as it stands, with the kernel's status in its envelope.

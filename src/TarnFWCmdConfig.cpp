@@ -3,8 +3,8 @@
 #include <arpa/inet.h>
 
 #include "TarnFWCmdCatalogue.h"
+#include "TarnFWLibHandleStart.h"
 #include "TarnFWText.h"
-#include "tarnfw.h"
 
 namespace TarnFirewall {
 
@@ -83,8 +83,7 @@ FWStatus_t CTarnFWCmdConfig::eval(fwlibhandle_** handle) const {
     default:
       return FW_STATUS_INVALID_ARGUMENT;
   }
-  int reserved = 0;
-  return FW_Initialize(FW_INTERFACE_VERSION, &reserved, type_, count, items, handle);
+  return initializeLibrary(type_, count, items, handle);
 }
 
 }  // namespace TarnFirewall

@@ -1,7 +1,7 @@
 #include "TarnFWCmdGetAddrValidOfAddrSet.h"
 
 #include "TarnFWAddress.h"
-#include "tarnfw.h"
+#include "TarnFWRuleText.h"
 
 namespace TarnFirewall {
 
@@ -18,7 +18,7 @@ void CTarnFWCmdGetAddrValidOfAddrSet::print(const CTarnFWCmdReply& reply,
     const FWAddressValid_ record = addresses[i];
     const auto address = loadRecord<FWAddress_>(record.address);
     char text[512];
-    if (const FWStatus_t status = FW_GetAddressString(&address, 1, text, sizeof text)) {
+    if (const FWStatus_t status = addressesToText(&address, 1, text, sizeof text)) {
       TARNFW_TRACE(FW_COMPONENT_CMD, 0, "failed to convert address #%d: %d\n", static_cast<int>(i),
                    static_cast<int>(status));
       break;

@@ -1,8 +1,8 @@
 #include "TarnFWCmdGetAddressOfAddrSet.h"
 
 #include "TarnFWCmdPrint.h"
+#include "TarnFWRuleText.h"
 #include "TarnFWText.h"
-#include "tarnfw.h"
 
 namespace TarnFirewall {
 
@@ -25,7 +25,7 @@ void CTarnFWCmdGetAddressOfAddrSet::print(const CTarnFWCmdReply& reply,
   for (std::uint32_t i = 0; i < addresses.size(); ++i) {
     const FWAddress_ address = addresses[i];
     char text[512];
-    if (const FWStatus_t status = FW_GetAddressString(&address, 1, text, sizeof text)) {
+    if (const FWStatus_t status = addressesToText(&address, 1, text, sizeof text)) {
       TARNFW_TRACE(FW_COMPONENT_CMD, 0, "failed to convert address #%d: %d\n", static_cast<int>(i),
                    static_cast<int>(status));
       break;

@@ -1,7 +1,7 @@
 #include "TarnFWCmdGetRuleOfRuleSet.h"
 
 #include "TarnFWCmdPrint.h"
-#include "tarnfw.h"
+#include "TarnFWRuleText.h"
 
 namespace TarnFirewall {
 
@@ -18,7 +18,7 @@ void CTarnFWCmdGetRuleOfRuleSet::print(const CTarnFWCmdReply& reply,
   for (std::uint32_t i = 0; i < rules.size(); ++i) {
     const FWRule_ rule = rules[i];
     char text[512];
-    if (const FWStatus_t status = FW_GetRuleString(&rule, 1, text, sizeof text, 0)) {
+    if (const FWStatus_t status = rulesToText(&rule, 1, text, sizeof text, false)) {
       TARNFW_TRACE(FW_COMPONENT_CMD, 0, "failed to convert rule #%d: %d\n", static_cast<int>(i),
                    static_cast<int>(status));
       break;

@@ -2,10 +2,6 @@
 
 /// A control device of the kernel: an open descriptor and the ioctl on it.
 
-#include <cerrno>
-
-#include "TarnFWLibCall.h"
-
 namespace TarnFirewall {
 
 /// Base of the three devices. Each is opened once per process by its own `GetInstance`, whose mutex
@@ -31,21 +27,5 @@ class CTarnFWDevice {
   int priority_;
   int descriptor_;
 };
-
-/// Runs a direct request. An exception is logged under the place of the call and gives -1, and
-/// `errno` stays as it was when the exception was caught. `named` puts the function's name in front
-/// of the logged text.
-template <typename Body>
-int callDevice(const char* function, bool named, Body&& body, const char* file = __builtin_FILE(),
-               int line = __builtin_LINE()) {
-  try {
-    return body();
-  } catch (...) {
-    const int error = errno;
-    statusOfException({function, file, line}, named);
-    errno = error;
-  }
-  return -1;
-}
 
 }  // namespace TarnFirewall

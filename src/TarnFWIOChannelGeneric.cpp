@@ -3,8 +3,8 @@
 #include <cerrno>
 
 #include "TarnFWException.h"
+#include "TarnFWStatus.h"
 #include "TarnFWText.h"
-#include "tarnfw.h"
 
 namespace TarnFirewall {
 
@@ -39,7 +39,7 @@ FWStatus_t CTarnFWIOChannelGeneric::sendIOCTL(dvs_port_*, void* message, unsigne
   if (status != FW_STATUS_OK) {
     const int error = errno;
     throw CIoctlException(
-        formatText("failed to write message to generic io: %s", FW_StatusToString(status)), error);
+        formatText("failed to write message to generic io: %s", statusText(status)), error);
   }
   return FW_STATUS_OK;
 }

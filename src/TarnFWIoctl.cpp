@@ -5,7 +5,6 @@
 
 #include "Locks.h"
 #include "TarnFWLog.h"
-#include "tarnfw.h"
 
 namespace TarnFirewall {
 
@@ -28,9 +27,3 @@ CTarnFWIoctl* CTarnFWIoctl::GetInstance() {
 }
 
 }  // namespace TarnFirewall
-
-extern "C" int FW_Ioctl(int request, void* argument) {
-  using namespace TarnFirewall;
-  return callDevice(__func__, false,
-                    [&] { return CTarnFWIoctl::GetInstance()->sendIoctl(request, argument); });
-}

@@ -6,9 +6,10 @@
 
 #include "Locks.h"
 #include "TarnFWException.h"
+#include "TarnFWLibHandleStart.h"
 #include "TarnFWLog.h"
 #include "TarnFWMsgBufFactory.h"
-#include "tarnfw.h"
+#include "TarnFWStatus.h"
 
 namespace TarnFirewall {
 
@@ -27,18 +28,17 @@ CTarnFWLibHandle* CTarnFWLibHandle::GetIoctlInstance() {
     const Locks::Guard lock(mutex);
     if (instance != nullptr) return instance.get();
     TARNFW_INFO("Initializing tarn library.\n\n");
-    int reserved = 0;
     const char* items[] = {"FWIODeviceName", "/dev/brq-tarn"};
     fwlibhandle_* handle = nullptr;
-    status = FW_Initialize(FW_INTERFACE_VERSION, &reserved, FW_IO_IOCTL, 2, items, &handle);
+    status = initializeLibrary(FW_IO_IOCTL, 2, items, &handle);
     if (status == FW_STATUS_OK) {
       instance.reset(fromLibHandle(handle));
       TARNFW_INFO("Initialized tarn library\n\n");
       return instance.get();
     }
   }
-  // Behind the lock, since the end of the process destroys the mutex.
-  TARNFW_ERROR("Failed to initialize tarn library: %s\n\n", FW_StatusToString(status));
+  // After the lock is given back, since the end of the process destroys the mutex.
+  TARNFW_ERROR("Failed to initialize tarn library: %s\n\n", statusText(status));
   std::exit(-1);
 }
 

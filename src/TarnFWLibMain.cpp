@@ -1,47 +1,22 @@
-/// Start-up and end of the library.
+/// Start-up and end of the library, and the texts of statuses.
 
-#include <memory>
-
-#include "TarnFWIOChannelFactory.h"
 #include "TarnFWLibCall.h"
 #include "TarnFWLibHandle.h"
+#include "TarnFWLibHandleStart.h"
 #include "TarnFWLog.h"
+#include "TarnFWStatus.h"
 #include "tarnfw.h"
-
-namespace TarnFirewall {
-
-namespace {
-
-constexpr char kVersion[] = "TARNFW 0.3";
-constexpr char kBuild[] = TARNFW_BUILD;
-
-/// The attribute tables are constants, so that nothing is left to build here. The step keeps its
-/// place in the order of the start-up.
-void init_ssl_attribute_maps() {}
-
-}  // namespace
-
-}  // namespace TarnFirewall
 
 using namespace TarnFirewall;
 
 extern "C" {
 
+const char* FW_StatusToString(unsigned int status) { return statusText(status); }
+
 FWStatus_t FW_Initialize(unsigned int, void* reserved, FWIOType_t type, unsigned int count,
                          const char** items, fwlibhandle_** handle) {
-  TARNFW_TRACE(FW_COMPONENT_API, 0, "%s. build # %s.\n", kVersion, kBuild);
-  if (handle == nullptr || reserved == nullptr) return FW_STATUS_INVALID_ARGUMENT;
-  const char* const function = __func__;
-  return callBody(function, [&]() -> FWStatus_t {
-    *handle = nullptr;
-    std::unique_ptr<CTarnFWLibHandle> library = CTarnFWLibHandle::GetInstance();
-    library->setIOChannel(create_io_channel(type, count, items));
-    *handle = toLibHandle(library.release());
-    init_ssl_attribute_maps();
-    TARNFW_TRACE_IN(function, LOG_DEBUG, FW_COMPONENT_API, 0,
-                    "Tarn Firewall library is initialized.\n");
-    return FW_STATUS_OK;
-  });
+  // Refused as a missing handle is, after the entry has been logged.
+  return initializeLibrary(type, count, items, reserved != nullptr ? handle : nullptr);
 }
 
 fwlibhandle_* FW_GetDefaultLibHandle() {
@@ -68,7 +43,7 @@ FWStatus_t FW_Exit(fwlibhandle_* handle) {
       delete library;
     }
     TARNFW_TRACE_IN(function, LOG_DEBUG, FW_COMPONENT_API, 0,
-                    "Tarn Firewall library %s has exited.\n", kVersion);
+                    "Tarn Firewall library %s has exited.\n", kLibVersion);
     return FW_STATUS_OK;
   });
 }

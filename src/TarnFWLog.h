@@ -117,10 +117,16 @@ constexpr const char* sourceName() {
 
 }  // namespace TarnFirewall
 
+/// The file that log lines name. A source whose functions stood in another file before defines it
+/// as that file's name ahead of its includes: scripts that read the log match the name.
+#ifndef TARNFW_SOURCE
+#define TARNFW_SOURCE __FILE_NAME__
+#endif
+
 /// Logs an unguarded line: the file, function and line stand in front of the text.
 #define TARNFW_LOG(priority, format, ...)                                       \
   ::TarnFirewall::Logger((priority), "tarnfw: %s:%s():%d " format,              \
-                         ::TarnFirewall::sourceName<__FILE_NAME__>(), __func__, \
+                         ::TarnFirewall::sourceName<TARNFW_SOURCE>(), __func__, \
                          __LINE__ __VA_OPT__(, ) __VA_ARGS__)
 #define TARNFW_ERROR(format, ...) TARNFW_LOG(LOG_ERR, format __VA_OPT__(, ) __VA_ARGS__)
 #define TARNFW_WARNING(format, ...) TARNFW_LOG(LOG_WARNING, format __VA_OPT__(, ) __VA_ARGS__)
@@ -134,7 +140,7 @@ constexpr const char* sourceName() {
     if (::TarnFirewall::g_tarnfw_verbose[component].level > (above)) {                \
       ::TarnFirewall::Logger((priority), "tarnfw:%s %s:%s():%d " format,              \
                              ::TarnFirewall::g_tarnfw_verbose[component].name,        \
-                             ::TarnFirewall::sourceName<__FILE_NAME__>(), (function), \
+                             ::TarnFirewall::sourceName<TARNFW_SOURCE>(), (function), \
                              __LINE__ __VA_OPT__(, ) __VA_ARGS__);                    \
     }                                                                                 \
   } while (false)

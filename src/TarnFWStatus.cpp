@@ -1,7 +1,9 @@
+#include "TarnFWStatus.h"
+
 #include <cstdio>
 #include <iterator>
 
-#include "tarnfw.h"
+namespace TarnFirewall {
 
 namespace {
 
@@ -78,13 +80,15 @@ constexpr const char* kStatusTexts[] = {
     "invalid container name",             // 69
     "failed to find uid to sid mapping",  // 70
 };
-static_assert(std::size(kStatusTexts) == TarnFirewall::FW_STATUS_COUNT);
+static_assert(std::size(kStatusTexts) == FW_STATUS_COUNT);
 
 }  // namespace
 
-extern "C" const char* FW_StatusToString(unsigned int status) {
+const char* statusText(FWStatus_t status) {
   if (status < std::size(kStatusTexts)) return kStatusTexts[status];
-  static char unknown[64];
+  static thread_local char unknown[64];
   std::snprintf(unknown, sizeof unknown, "unknown error code: %u", status);
   return unknown;
 }
+
+}  // namespace TarnFirewall

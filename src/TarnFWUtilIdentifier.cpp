@@ -1,12 +1,14 @@
+#include "TarnFWUtilIdentifier.h"
+
 #include <strings.h>
 
 #include <array>
 #include <cstdio>
-#include <cstring>
+#include <string_view>
 
 #include "TarnFWException.h"
 #include "TarnFWText.h"
-#include "TarnFWUtil.h"
+#include "TarnFWUtilText.h"
 
 namespace {
 
@@ -96,6 +98,19 @@ bool gfystr2vnicstr(const char* gfyText, int index, char* buffer, std::size_t si
   return gfystr2uuid(uuid.data(), gfyText) && uuid2vnicstr(uuid.data(), index, buffer, size);
 }
 
+bool ParseUUIDString(const char* text, std::uint8_t* uuid, int* index, int* isVnic) {
+  if (text == nullptr || uuid == nullptr || index == nullptr || isVnic == nullptr) return false;
+  *index = 0;
+  *isVnic = 0;
+  int number = 0;
+  if (vnicstr2uuid(uuid, &number, text)) {
+    *index = number;
+    *isVnic = 1;
+    return true;
+  }
+  return gfystr2uuid(uuid, text) || normalstr2uuid(uuid, text);
+}
+
 namespace TarnFirewall {
 
 bool fw_dvsport2str(const dvs_port_* port, char* buffer, std::size_t size) {
@@ -114,16 +129,6 @@ bool fw_vnic2str(const dvs_port_* port, char* buffer, std::size_t size) {
     throw CUnsupportedException("dvs switch id format is wrong");
   }
   return uuid2vnicstr(uuid.data(), static_cast<int>(selectorIndex(*port)), buffer, size);
-}
-
-bool fw_str2ipport(const char* text, in_addr* address, std::uint16_t* port) {
-  if (text == nullptr || address == nullptr || port == nullptr) return false;
-  const char* const colon = std::strchr(text, ':');
-  if (colon == nullptr) return false;
-  long number = 0;
-  if (inetPton(AF_INET, {text, colon}, address) != 1 || !Str2Port(colon + 1, &number)) return false;
-  *port = static_cast<std::uint16_t>(number);
-  return true;
 }
 
 bool normalizeContainerName(const std::string& name, char* buffer) {

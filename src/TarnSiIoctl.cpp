@@ -6,7 +6,6 @@
 #include "Locks.h"
 #include "TarnFWLog.h"
 #include "TarnFWWire.h"
-#include "tarnfw.h"
 
 namespace TarnSi {
 
@@ -45,9 +44,3 @@ int CTarnSiIoctl::sendIoctl(int request, void* argument) {
 }
 
 }  // namespace TarnSi
-
-extern "C" int SI_Ioctl(int request, void* argument) {
-  return TarnFirewall::callDevice(__func__, true, [&] {
-    return TarnSi::CTarnSiIoctl::GetInstance()->sendIoctl(request, argument);
-  });
-}

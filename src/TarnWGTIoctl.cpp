@@ -4,7 +4,6 @@
 
 #include "Locks.h"
 #include "TarnFWLog.h"
-#include "tarnfw.h"
 
 namespace TarnFirewall {
 
@@ -21,18 +20,3 @@ CTarnWGTIoctl* CTarnWGTIoctl::GetInstance() {
 }
 
 }  // namespace TarnFirewall
-
-using namespace TarnFirewall;
-
-extern "C" {
-
-int WGT_Ioctl(int request, void* argument) {
-  return callDevice(__func__, false,
-                    [&] { return CTarnWGTIoctl::GetInstance()->sendIoctl(request, argument); });
-}
-
-int WGT_GetFd() {
-  return callDevice(__func__, false, [] { return CTarnWGTIoctl::GetInstance()->descriptor(); });
-}
-
-}  // extern "C"

@@ -5,7 +5,6 @@
 
 #include "HandlerCommon.h"
 #include "Records.h"
-#include "TarnFWAddress.h"
 #include "TarnFWBootTime.h"
 
 using namespace TarnFirewall;

@@ -26,7 +26,7 @@ Files and folders in backquotes; what is built, and what stands for several, is 
   > done
   $ named docs/architecture.md | head -2
   tool/
-  src/tarnfw.h
+  lab/
 
 Scripts that a reader is told to run.
 

@@ -1,4 +1,4 @@
-#include "TarnFWLibCall.h"
+#include "TarnFWCallFrame.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -6,7 +6,7 @@
 
 #include "TarnFWException.h"
 #include "TarnFWLog.h"
-#include "tarnfw.h"
+#include "TarnFWStatus.h"
 
 namespace TarnFirewall {
 
@@ -38,8 +38,7 @@ void traceEntry(const FWCallPlace& place) {
 void traceExit(const FWCallPlace& place, FWStatus_t status) {
   if (!traced()) return;
   Logger(LOG_DEBUG, "tarnfw:%s %s:%s():%d %s: %s\n", g_tarnfw_verbose[FW_COMPONENT_API].name,
-         BareName(place.file).text, place.function, place.line, place.function,
-         FW_StatusToString(status));
+         BareName(place.file).text, place.function, place.line, place.function, statusText(status));
 }
 
 FWStatus_t statusOfException(const FWCallPlace& place, bool named) {

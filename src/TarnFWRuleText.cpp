@@ -1,0 +1,82 @@
+#include "TarnFWRuleText.h"
+
+#include <cstring>
+#include <memory>
+#include <string>
+
+#include "TarnFWAddress.h"
+#include "TarnFWAddressFactory.h"
+#include "TarnFWCallFrame.h"
+#include "TarnFWException.h"
+#include "TarnFWRule.h"
+#include "TarnFWRuleFactory.h"
+
+namespace TarnFirewall {
+
+namespace {
+
+/// The file of the public functions, whose name scripts that read the log match.
+constexpr char kSource[] = "TarnFWLibText";
+
+/// Texts one after the other in a caller's buffer, always closed with a NUL.
+class TextBuffer {
+ public:
+  TextBuffer(char* text, unsigned int size) : text_(text), size_(size) { *text_ = '\0'; }
+
+  /// Throws `CBufferTooSmallException` with the buffer's size.
+  void append(const std::string& more) {
+    if (size_ - used_ < more.size() + 1) throw CBufferTooSmallException(static_cast<int>(size_));
+    std::memcpy(text_ + used_, more.data(), more.size());
+    used_ += more.size();
+    text_[used_] = '\0';
+  }
+
+ private:
+  char* text_;
+  std::size_t size_;
+  std::size_t used_ = 0;
+};
+
+/// Fills a caller's buffer: `append` puts the text of one record into it.
+template <typename Record, typename Append>
+FWStatus_t recordsToText(const char* function, const Record* records, unsigned int count,
+                         char* text, unsigned int size, const Append& append) {
+  return callFrame(
+      function,
+      [&]() -> FWStatus_t {
+        if (records == nullptr || count == 0 || text == nullptr || size == 0) {
+          return FW_STATUS_INVALID_ARGUMENT;
+        }
+        TextBuffer buffer(text, size);
+        for (unsigned int i = 0; i < count; ++i) {
+          if (const FWStatus_t status = append(records + i, buffer)) return status;
+        }
+        return FW_STATUS_OK;
+      },
+      kSource);
+}
+
+}  // namespace
+
+FWStatus_t rulesToText(const FWRule_* rules, unsigned int count, char* text, unsigned int size,
+                       bool pretty) {
+  return recordsToText("FW_GetRuleString", rules, count, text, size,
+                       [&](const FWRule_* record, TextBuffer& buffer) -> FWStatus_t {
+                         const std::unique_ptr<CTarnFWRule> rule =
+                             CTarnFWRuleFactory::newFromMsgBuf(record);
+                         if (rule == nullptr) return FW_STATUS_INVALID_RULE;
+                         buffer.append(pretty ? rule->toString2() : rule->toString());
+                         return FW_STATUS_OK;
+                       });
+}
+
+FWStatus_t addressesToText(const FWAddress_* addresses, unsigned int count, char* text,
+                           unsigned int size) {
+  return recordsToText("FW_GetAddressString", addresses, count, text, size,
+                       [](const FWAddress_* record, TextBuffer& buffer) -> FWStatus_t {
+                         buffer.append(CTarnFWAddressFactory::newFromMsgBuf(record)->toString());
+                         return FW_STATUS_OK;
+                       });
+}
+
+}  // namespace TarnFirewall

@@ -1,0 +1,182 @@
+#include "TarnFWUtilAddress.h"
+
+#include <arpa/inet.h>
+
+#include <cstdio>
+#include <cstring>
+
+#include "TarnFWAddressConvert.h"
+#include "TarnFWUtilNumber.h"
+#include "TarnFWWire.h"
+
+namespace {
+
+using namespace TarnFirewall;
+
+/// White space as `isspace` has it, without a look at the locale.
+constexpr bool isSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+
+std::uint64_t host64At(const in6_addr& address, std::size_t offset) {
+  return loadRecord<net64>(address.s6_addr + offset);
+}
+
+/// What the two families do differently in `parseIP`.
+struct IPv4 {
+  using Address = in_addr;
+  static constexpr int family = AF_INET;
+
+  static bool str2Mask(const char* text, Address* mask) {
+    long prefix = 0;
+    return Str2CIDR4(text, &prefix) && cidr2ipv4mask(static_cast<unsigned int>(prefix), mask);
+  }
+  static bool rises(const Address& first, const Address& last) {
+    return ntohl(first.s_addr) < ntohl(last.s_addr);
+  }
+};
+
+struct IPv6 {
+  using Address = in6_addr;
+  static constexpr int family = AF_INET6;
+
+  static bool str2Mask(const char* text, Address* mask) {
+    long prefix = 0;
+    return Str2CIDR6(text, &prefix) && cidr2ipv6mask(static_cast<unsigned int>(prefix), mask);
+  }
+  static bool rises(const Address& first, const Address& last) {
+    return std::memcmp(&first, &last, 8) == 0 && host64At(first, 8) < host64At(last, 8);
+  }
+};
+
+template <typename Family>
+bool parseIP(const char* text, typename Family::Address* address,
+             typename Family::Address* maskOrEnd, int* isRange) {
+  if (text == nullptr || address == nullptr || maskOrEnd == nullptr || isRange == nullptr) {
+    return false;
+  }
+  const char* separator = std::strchr(text, '-');
+  *isRange = separator != nullptr ? 1 : 0;
+  if (separator == nullptr) separator = std::strchr(text, '/');
+
+  const std::string_view left =
+      separator != nullptr ? std::string_view(text, separator) : std::string_view(text);
+  if (inetPton(Family::family, left, address) != 1) return false;
+
+  if (separator == nullptr) {
+    std::memset(maskOrEnd, 0xff, sizeof *maskOrEnd);
+    return true;
+  }
+  const char* const right = separator + 1;
+  const bool isAddress = tarn_inet_pton(Family::family, right, maskOrEnd) == 1;
+  if (*isRange != 0) return isAddress && Family::rises(*address, *maskOrEnd);
+  if (!isAddress && !Family::str2Mask(right, maskOrEnd)) return false;
+
+  auto* const bytes = reinterpret_cast<std::uint8_t*>(address);
+  const auto* const mask = reinterpret_cast<const std::uint8_t*>(maskOrEnd);
+  for (std::size_t i = 0; i < sizeof *address; ++i) bytes[i] &= mask[i];
+  return true;
+}
+
+/// Reads a dotted quad up to white space or the end: 1 when it is one, else 0 with nothing written.
+/// It takes what the C library's `inet_pton` takes, which a test compares; addresses of large
+/// configurations are read here.
+int readQuad(const char* at, const char* end, std::uint8_t* address) {
+  std::uint8_t octets[4];
+  for (unsigned int i = 0; i < 4; ++i) {
+    if (i != 0 && (at == end || *at++ != '.')) return 0;
+    const char* const first = at;
+    unsigned int value = 0;
+    while (at != end && *at >= '0' && *at <= '9') {
+      value = value * 10 + static_cast<unsigned int>(*at - '0');
+      if (value > 255 || at - first == 3) return 0;
+      ++at;
+    }
+    if (at == first || (*first == '0' && at - first > 1)) return 0;
+    octets[i] = static_cast<std::uint8_t>(value);
+  }
+  if (at != end && !isSpace(*at)) return 0;
+  std::memcpy(address, octets, sizeof octets);
+  return 1;
+}
+
+}  // namespace
+
+bool ParseMACString(const char* text, std::uint8_t* address, std::uint8_t* mask) {
+  if (text == nullptr || address == nullptr || mask == nullptr) return false;
+  std::uint8_t* const a = address;
+  std::uint8_t* const m = mask;
+  if (std::strchr(text, '/') != nullptr) {
+    if (std::sscanf(text, "%hhx:%hhx:%hhx:%hhx:%hhx:%hhx/%hhx:%hhx:%hhx:%hhx:%hhx:%hhx", &a[0],
+                    &a[1], &a[2], &a[3], &a[4], &a[5], &m[0], &m[1], &m[2], &m[3], &m[4],
+                    &m[5]) != 12 &&
+        std::sscanf(text, "%hhx-%hhx-%hhx-%hhx-%hhx-%hhx/%hhx-%hhx-%hhx-%hhx-%hhx-%hhx", &a[0],
+                    &a[1], &a[2], &a[3], &a[4], &a[5], &m[0], &m[1], &m[2], &m[3], &m[4],
+                    &m[5]) != 12) {
+      return false;
+    }
+  } else {
+    if (std::sscanf(text, "%hhx:%hhx:%hhx:%hhx:%hhx:%hhx", &a[0], &a[1], &a[2], &a[3], &a[4],
+                    &a[5]) != 6 &&
+        std::sscanf(text, "%hhx-%hhx-%hhx-%hhx-%hhx-%hhx", &a[0], &a[1], &a[2], &a[3], &a[4],
+                    &a[5]) != 6) {
+      return false;
+    }
+    std::memset(mask, 0xff, 6);
+  }
+  for (std::size_t i = 0; i < 6; ++i) address[i] &= mask[i];
+  return true;
+}
+
+int tarn_inet_pton(int family, const char* text, void* buffer) {
+  if (text == nullptr) return 0;
+  return inetPton(family, text, buffer);
+}
+
+namespace TarnFirewall {
+
+int inetPton(int family, std::string_view text, void* buffer) {
+  if (buffer == nullptr) return 0;
+  const char* begin = text.data();
+  const char* const end = begin + text.size();
+  while (begin != end && isSpace(*begin)) ++begin;
+  if (family == AF_INET) return readQuad(begin, end, static_cast<std::uint8_t*>(buffer));
+  const char* wordEnd = begin;
+  while (wordEnd != end && !isSpace(*wordEnd)) ++wordEnd;
+
+  char word[INET6_ADDRSTRLEN];
+  const auto length = static_cast<std::size_t>(wordEnd - begin);
+  if (length == 0 || length >= sizeof word) return 0;
+  std::memcpy(word, begin, length);
+  word[length] = '\0';
+  return inet_pton(family, word, buffer);
+}
+
+}  // namespace TarnFirewall
+
+bool ParseIPv4String(const char* text, in_addr* address, in_addr* maskOrEnd, int* isRange) {
+  return parseIP<IPv4>(text, address, maskOrEnd, isRange);
+}
+
+bool ParseIPv6String(const char* text, in6_addr* address, in6_addr* maskOrEnd, int* isRange) {
+  return parseIP<IPv6>(text, address, maskOrEnd, isRange);
+}
+
+bool ParseIPString(const char* text, in_addr* ipv4, in6_addr* ipv6, int* isRange, int* isV6) {
+  if (text == nullptr || ipv4 == nullptr || ipv6 == nullptr || isV6 == nullptr) return false;
+  *isV6 = std::strchr(text, ':') != nullptr ? 1 : 0;
+  return *isV6 != 0 ? ParseIPv6String(text, &ipv6[0], &ipv6[1], isRange)
+                    : ParseIPv4String(text, &ipv4[0], &ipv4[1], isRange);
+}
+
+namespace TarnFirewall {
+
+bool fw_str2ipport(const char* text, in_addr* address, std::uint16_t* port) {
+  if (text == nullptr || address == nullptr || port == nullptr) return false;
+  const char* const colon = std::strchr(text, ':');
+  if (colon == nullptr) return false;
+  long number = 0;
+  if (inetPton(AF_INET, {text, colon}, address) != 1 || !Str2Port(colon + 1, &number)) return false;
+  *port = static_cast<std::uint16_t>(number);
+  return true;
+}
+
+}  // namespace TarnFirewall

@@ -1,0 +1,103 @@
+#!/usr/bin/env python3
+"""Compares what sources include with the table of layers in docs/architecture.md.
+
+    layers.py FOLDER    the folder with src/, tool/, lab/ and docs/
+
+Prints a line for each include that does not run downwards, for each file without a layer and for
+each pattern of the table that fits no file; returns 1 if there was any.
+"""
+
+import os
+import re
+import sys
+
+ROW = re.compile(r"\| *([^|]+?) *\| *((?:`[^`|]+`[, ]*)+)\| *(yes)? *\|")
+INCLUDE = re.compile(r'^\s*#\s*include\s*(["<])([^">]+)', re.MULTILINE)
+SOURCES = (".h", ".cpp", ".inc", ".l", ".y")
+
+
+def stem(name):
+    return os.path.splitext(name)[0]
+
+
+class Table:
+    """The rows from top to bottom; a layer may have several."""
+
+    def __init__(self, path):
+        self.layers, self.rows = [], []
+        with open(path, encoding="utf-8") as page:
+            for line in page:
+                row = ROW.match(line)
+                if row is None:
+                    continue
+                layer, patterns, is_open = row.groups()
+                if layer not in self.layers:
+                    self.layers.append(layer)
+                for pattern in re.findall("`([^`]+)`", patterns):
+                    self.rows.append((pattern, layer, is_open is not None))
+        self.used = set()
+
+    def row(self, name):
+        """The row of a file: of its whole name, else of its ending, else of its longest beginning."""
+        best = None
+        for pattern, layer, is_open in self.rows:
+            if pattern.startswith("*"):
+                rank = (1, len(pattern)) if name.endswith(pattern[1:]) else None
+            elif pattern.endswith("*"):
+                rank = (0, len(pattern)) if name.startswith(pattern[:-1]) else None
+            else:
+                rank = (2, 0) if name == pattern else None
+            if rank is not None and (best is None or rank > best[0]):
+                best = (rank, pattern, layer, is_open)
+        if best is None:
+            return None, False
+        self.used.add(best[1])
+        return best[2], best[3]
+
+
+def sources(root, folder):
+    """Names of the folder's sources with what each includes of the tree."""
+    found = {}
+    for name in sorted(os.listdir(os.path.join(root, folder))):
+        if name.endswith(SOURCES):
+            with open(os.path.join(root, folder, name), encoding="utf-8") as source:
+                found[name] = [other for mark, other in INCLUDE.findall(source.read())
+                               if mark == '"' or os.path.exists(os.path.join(root, "src", other))]
+    return found
+
+
+def check(root):
+    table = Table(os.path.join(root, "docs/architecture.md"))
+    src, tool, lab = (sources(root, folder) for folder in ("src", "tool", "lab"))
+    library = {stem(name) for name in src}
+    faults = []
+    for name in sorted(library):
+        if table.row(name)[0] is None:
+            faults.append(f"src/{name}: no layer in docs/architecture.md")
+    for name, included in src.items():
+        layer, _ = table.row(stem(name))
+        for other in included:
+            if stem(other) not in library:
+                faults.append(f"src/{name} includes {other}, which is not in src/")
+                continue
+            above, _ = table.row(stem(other))
+            if None in (layer, above):
+                continue
+            if table.layers.index(above) < table.layers.index(layer):
+                faults.append(f"src/{name} ({layer}) includes {other} ({above}), a layer above")
+    for name, included in tool.items():
+        for other in included:
+            if other not in tool and not table.row(stem(other))[1]:
+                faults.append(f"tool/{name} includes {other}, which is not open to tool/")
+    for name, included in lab.items():
+        faults += [f"lab/{name} includes {other}, which is not in lab/"
+                   for other in included if other not in lab]
+    faults += [f"docs/architecture.md: no file for {pattern}"
+               for pattern, _, _ in table.rows if pattern not in table.used]
+    return faults
+
+
+if __name__ == "__main__":
+    FAULTS = check(sys.argv[1])
+    print("".join(fault + "\n" for fault in FAULTS), end="")
+    sys.exit(1 if FAULTS else 0)
