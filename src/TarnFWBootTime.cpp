@@ -1,19 +1,36 @@
 #include "TarnFWBootTime.h"
 
-#include <sys/sysinfo.h>
+#include <time.h>
 
 #include <algorithm>
 #include <climits>
 
 namespace TarnFirewall {
 
+namespace {
+
+/// Nanoseconds of a clock; whatever it says wraps around instead of being undefined.
+std::uint64_t nanoseconds(clockid_t clock) {
+  timespec now = {};
+  clock_gettime(clock, &now);
+  return static_cast<std::uint64_t>(now.tv_sec) * 1'000'000'000u +
+         static_cast<std::uint64_t>(now.tv_nsec);
+}
+
+/// When the host was started. The clocks behind `time` and the uptime of `sysinfo` are subtracted
+/// before they are cut to seconds: cut first, they do not turn to the next second together, and the
+/// difference would be another one in a part of each second.
+std::uint64_t bootTime() {
+  const auto boot =
+      static_cast<std::int64_t>(nanoseconds(CLOCK_REALTIME) - nanoseconds(CLOCK_BOOTTIME));
+  constexpr std::int64_t second = 1'000'000'000;
+  return static_cast<std::uint64_t>((boot - (boot < 0 ? second - 1 : 0)) / second);
+}
+
+}  // namespace
+
 std::time_t bootsec2time(std::uint64_t seconds) {
-  struct sysinfo info = {};
-  sysinfo(&info);
-  // Unsigned, so that whatever the kernel tells wraps around instead of being undefined.
-  const std::uint64_t boot =
-      static_cast<std::uint64_t>(std::time(nullptr)) - static_cast<std::uint64_t>(info.uptime);
-  return static_cast<std::time_t>(boot + seconds);
+  return static_cast<std::time_t>(bootTime() + seconds);
 }
 
 FWLocalTime_ bootsec2local(std::uint64_t seconds) {

@@ -7,7 +7,8 @@
 
 namespace TarnFirewall {
 
-/// Wall-clock time of a moment that lies `seconds` behind the host's boot.
+/// Wall-clock time of a moment that lies `seconds` after the host's boot. The same moment gives the
+/// same time at every call and in every process, until the host's clock is set.
 std::time_t bootsec2time(std::uint64_t seconds);
 
 /// Local time as texts show it: the year in full, the month from 1.
