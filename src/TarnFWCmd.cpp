@@ -73,14 +73,31 @@ const char* CTarnFWCmd::cmdName() const { return commandName(getCommand()); }
 
 void CTarnFWCmd::checkCmdReply(const void*, unsigned int) {}
 
+bool CTarnFWCmd::writeFreshBody(void* body, unsigned int room, unsigned int* written) {
+  return writeCmdBody(body, room, written, 0);
+}
+
+bool CTarnFWCmd::toFreshMessage(void* buffer, unsigned int room, unsigned int* written) {
+  const struct Fresh {
+    explicit Fresh(bool& mark) : mark_(mark) { mark_ = true; }
+    ~Fresh() { mark_ = false; }
+    Fresh(const Fresh&) = delete;
+    Fresh& operator=(const Fresh&) = delete;
+    bool& mark_;
+  } fresh(fresh_);
+  return toMessage(buffer, room, written);
+}
+
 bool CTarnFWCmd::toMessage(void* buffer, unsigned int room, unsigned int* written) {
   if (room < kEnvelopeSize) return false;
   std::byte* body = static_cast<std::byte*>(buffer) + kEnvelopeSize;
   // The length of a body that was not written is kept: no receiver takes it, so that a command
   // whose body failed never counts as sent.
   unsigned int length = std::numeric_limits<unsigned int>::max();
-  if (!writeCmdBody(body, room - kEnvelopeSize, &length, 0)) {
-    std::memset(body, 0, std::min(room - kEnvelopeSize, getMsgSize()));
+  const unsigned int bodyRoom = room - kEnvelopeSize;
+  if (!(fresh_ ? writeFreshBody(body, bodyRoom, &length)
+               : writeCmdBody(body, bodyRoom, &length, 0))) {
+    std::memset(body, 0, std::min(bodyRoom, getMsgSize()));
   }
   FWCmdEnvelope_ envelope{};
   envelope.bodyLength = length;
@@ -106,7 +123,7 @@ FWStatus_t CTarnFWCmd::execute(CTarnFWLibHandle* handle, void** reply, unsigned 
                  cmdName(), port_.agent, selectorType(port_), port_.identifier,
                  static_cast<int>(selectorIndex(port_)));
     unsigned int written = 0;
-    if (!toMessage(buffer.body(), size + kEnvelopeSize, &written)) {
+    if (!toFreshMessage(buffer.body(), size + kEnvelopeSize, &written)) {
       return FW_STATUS_BUFFER_TOO_SMALL;
     }
     handle->addCommand(buffer.body(), written);

@@ -18,7 +18,7 @@ namespace TarnFirewall {
 class CTarnFWCmd : public ITarnFWObject {
  public:
   /// Sends the command once, and up to twice more, a second apart, while the kernel is busy
-  /// (status 26). On status 0 `*reply` and `*replySize` tell the reply, which the caller gives back
+  /// (status 26). On status 0 `*reply` and `*replySize` give the reply, which the caller gives back
   /// with `releaseCmdBuffer`; otherwise they are cleared. Nothing is thrown.
   virtual FWStatus_t execute(CTarnFWLibHandle* handle, void** reply, unsigned int* replySize,
                              void* context);
@@ -26,10 +26,13 @@ class CTarnFWCmd : public ITarnFWObject {
   /// Gives the reply of `execute` back.
   static bool releaseCmdBuffer(CTarnFWLibHandle* handle, const void* reply);
 
-  /// Writes envelope and body. `room` counts both; false, with nothing written, when it is too
-  /// small for the envelope. A body that could not be written leaves a body length that no receiver
-  /// accepts, and the flush fails on it.
+  /// Writes envelope and body over whatever the buffer holds. `room` counts both; false, with
+  /// nothing written, when it is too small for the envelope. A body that could not be written
+  /// leaves a body length that no receiver accepts, and the flush fails on it.
   bool toMessage(void* buffer, unsigned int room, unsigned int* written) override;
+
+  /// `toMessage` into a buffer that is zero, as message buffers are when they are obtained.
+  bool toFreshMessage(void* buffer, unsigned int room, unsigned int* written);
 
   /// The kernel's number of the command.
   virtual std::uint16_t getCommand() const = 0;
@@ -53,12 +56,17 @@ class CTarnFWCmd : public ITarnFWObject {
  protected:
   explicit CTarnFWCmd(const dvs_port_* port);
 
-  /// Text of the current selector behind a prefix, as statements end with it.
+  /// `writeCmdBody` into memory that is zero. A command that asks for a large reply leaves the room
+  /// for it untouched, so that it costs no memory before the kernel writes there.
+  virtual bool writeFreshBody(void* body, unsigned int room, unsigned int* written);
+
+  /// Text of the current selector after a prefix, as statements end with it.
   std::string dvsportToString(const char* prefix) const;
 
  private:
   dvs_port_ port_{};
   dvs_port_ initialPort_{};
+  bool fresh_ = false;  // the buffer of the message that is being written is zero
 };
 
 }  // namespace TarnFirewall

@@ -43,7 +43,10 @@ class Batch {
     }
     if (hasPort_) command.setDVSPort(&port_, true);
     unsigned int written = 0;
-    if (!command.toMessage(body() + used_, capacity_ - used_, &written)) {
+    // Nothing of an earlier message may reach the kernel: what is not fresh is cleared.
+    const bool fresh = used_ >= dirty_;
+    if (!(fresh ? command.toFreshMessage(body() + used_, capacity_ - used_, &written)
+                : command.toMessage(body() + used_, capacity_ - used_, &written))) {
       return FW_STATUS_BUFFER_TOO_SMALL;
     }
     handle_.addCommand(buffer_, needed);
@@ -78,6 +81,7 @@ class Batch {
   std::byte* body() const { return static_cast<std::byte*>(buffer_); }
 
   FWStatus_t makeRoom(unsigned int needed) {
+    dirty_ = std::max(dirty_, used_);
     used_ = 0;
     if (needed <= capacity_) return handle_.resetCommandBuffer(buffer_);
     release();
@@ -91,6 +95,7 @@ class Batch {
     if (buffer_ != nullptr) handle_.releaseCommandBuffer(buffer_);
     buffer_ = nullptr;
     capacity_ = 0;
+    dirty_ = 0;
   }
 
   CTarnFWLibHandle& handle_;
@@ -100,6 +105,7 @@ class Batch {
   void* buffer_ = nullptr;
   unsigned int capacity_ = 0;
   unsigned int used_ = 0;
+  unsigned int dirty_ = 0;  // bytes at the beginning that held an earlier message
   std::vector<CTarnFWCmd*> pending_;
 };
 

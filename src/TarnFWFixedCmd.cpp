@@ -8,9 +8,13 @@ namespace TarnFirewall {
 bool CTarnFWBodyCmd::writeCmdBody(void* body, unsigned int room, unsigned int* written,
                                   unsigned int) {
   if (size_ > room) return false;
-  const std::span<std::byte> bytes(static_cast<std::byte*>(body), size_);
-  std::memset(bytes.data(), 0, bytes.size());
-  fill(bytes);
+  std::memset(body, 0, size_);
+  return writeFreshBody(body, room, written);
+}
+
+bool CTarnFWBodyCmd::writeFreshBody(void* body, unsigned int room, unsigned int* written) {
+  if (size_ > room) return false;
+  fill({static_cast<std::byte*>(body), size_});
   *written = size_;
   return true;
 }

@@ -27,6 +27,8 @@ class CTarnFWBodyCmd : public CTarnFWCmd {
   /// Clears the body, then fills it.
   bool writeCmdBody(void* body, unsigned int room, unsigned int* written, unsigned int arg) final;
 
+  bool writeFreshBody(void* body, unsigned int room, unsigned int* written) final;
+
   void checkCmdReply(const void* reply, unsigned int size) final;
 
  protected:

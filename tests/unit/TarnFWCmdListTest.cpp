@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
@@ -8,6 +9,7 @@
 #include "FakeKernel.h"
 #include "LogCapture.h"
 #include "StatusChannel.h"
+#include "TarnFWCmdGetRootRuleSet.h"
 #include "TarnFWCmdList.h"
 #include "TarnFWLog.h"
 #include "TestCmd.h"
@@ -255,6 +257,35 @@ TEST_F(TarnFWCmdList, AStatusOfTheChannelEndsABatchAfterItsLine) {
   EXPECT_NE(log.lines()[0].text.find("execute pending cmd list of 1 commands and 250012 bytes"),
             std::string::npos)
       << log.lines()[0].text;
+}
+
+TEST_F(TarnFWCmdList, NothingOfAnEarlierMessageIsLeftInABufferThatIsUsedAgain) {
+  // A command that says nothing of its body, in what the first message has filled, at its end and
+  // after it; the kernel's answers dirty the buffer as well.
+  add(1, 200000);
+  add(2, 100000);
+  for (int i = 0; i < 2000; ++i) list.addCmd(std::make_unique<CTarnFWCmdGetRootRuleSet>(nullptr));
+  kernel.answerAllWith([](std::uint8_t* message, unsigned int size) -> FWStatus_t {
+    std::fill(message + 32, message + size, std::uint8_t{0xa5});
+    return 0;
+  });
+  EXPECT_EQ(batch(), 0u);
+  ASSERT_EQ(kernel.messages().size(), 3u);
+  int roots = 0;
+  for (const FakeKernel::Message& message : kernel.messages()) {
+    for (std::size_t at = 20; at + 12 + 132 <= message.bytes.size();) {
+      const Bytes envelope = message.part(at, 12);
+      const std::size_t size =
+          static_cast<std::size_t>(envelope[0] + 256 * envelope[1] + 65536 * envelope[2]);
+      if (envelope[4] == 4) {
+        ++roots;
+        ASSERT_EQ(size, 132u);
+        ASSERT_EQ(message.part(at + 12, size), Bytes(size)) << "at " << at;
+      }
+      at += 12 + size;
+    }
+  }
+  EXPECT_EQ(roots, 2000);
 }
 
 TEST_F(TarnFWCmdList, AnExceptionFromReadingAReplyEndsTheBatch) {
