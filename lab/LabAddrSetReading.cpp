@@ -119,8 +119,7 @@ void putCounters(Bytes record, std::size_t offset, std::uint64_t load) {
 }
 
 std::uint64_t uptimeOf(const SetFile& set) {
-  const std::uint64_t now = bootSeconds();
-  return now - std::min(now, set.head().realized);
+  return bootSeconds() - std::min(bootSeconds(), set.head().realized);
 }
 
 namespace EntryStatistics {

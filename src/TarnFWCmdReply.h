@@ -73,9 +73,10 @@ class CTarnFWCmdReply {
 template <typename Record>
 class CTarnFWReplyRecords {
  public:
-  /// `bytes` hold `size` records.
-  CTarnFWReplyRecords(std::span<const std::byte> bytes, std::uint32_t count, std::uint32_t size)
-      : bytes_(bytes), count_(count), size_(size) {}
+  /// `bytes` hold `size` records; the kernel counted `count`, `asked` were asked for.
+  CTarnFWReplyRecords(std::span<const std::byte> bytes, std::uint32_t size, std::uint32_t count,
+                      std::uint32_t asked)
+      : bytes_(bytes), size_(size), count_(count), asked_(asked) {}
 
   /// How many may be read.
   std::uint32_t size() const { return size_; }
@@ -103,16 +104,20 @@ class CTarnFWReplyRecords {
   Iterator begin() const { return {this, 0}; }
   Iterator end() const { return {this, size_}; }
 
-  /// Copies all to the caller's memory, which has room for as many as were asked for; their number.
-  std::uint32_t copyTo(Record* to) const {
+  /// Copies all to the caller's memory, which has room for as many as were asked for.
+  void copyTo(Record* to) const {
     if (size_ != 0) std::memcpy(static_cast<void*>(to), bytes_.data(), sizeof(Record) * size_);
-    return size_;
   }
+
+  /// What a caller is given as the number of records: how many were copied, or what the kernel
+  /// counted when that is more than was asked for. Who asks for one then sees that not one came.
+  std::uint32_t reported() const { return size_ == asked_ ? count_ : size_; }
 
  private:
   std::span<const std::byte> bytes_;
-  std::uint32_t count_;
   std::uint32_t size_;
+  std::uint32_t count_;
+  std::uint32_t asked_;
 };
 
 template <typename Record>
@@ -122,7 +127,7 @@ CTarnFWReplyRecords<Record> CTarnFWCmdReply::records(std::size_t offset, std::ui
   const std::size_t room = offset < bytes_.size() ? bytes_.size() - offset : 0;
   const std::size_t size = std::min<std::size_t>({count, asked, room / sizeof(Record)});
   return {size == 0 ? std::span<const std::byte>() : bytes_.subspan(offset, size * sizeof(Record)),
-          count, static_cast<std::uint32_t>(size)};
+          static_cast<std::uint32_t>(size), count, asked};
 }
 
 }  // namespace TarnFirewall

@@ -44,124 +44,81 @@ extern "C" {
 
 FWStatus_t FW_GetRuleSetCount(fwlibhandle_* handle, const dvs_port_* port, void* context,
                               unsigned int* count) {
-  return callLibrary(__func__, handle, [&](CTarnFWLibHandle& library) -> FWStatus_t {
-    if (count == nullptr) return FW_STATUS_INVALID_ARGUMENT;
-    CTarnFWCmdGetRuleSetCount command(port);
-    return run(library, command, context,
-               [&](const CTarnFWCmdReply& reply) { *count = command.count(reply); });
-  });
+  return runAndRead<CTarnFWCmdGetRuleSetCount>(
+      {__func__, handle, port, context}, {count},
+      [&](auto& command, auto& reply) { *count = command.count(reply); });
 }
 
 FWStatus_t FW_GetRuleSetList(fwlibhandle_* handle, const dvs_port_* port, void* context,
                              unsigned int max, unsigned int from, FWRuleSetID_t* names,
                              unsigned int* returned) {
-  return callLibrary(__func__, handle, [&](CTarnFWLibHandle& library) -> FWStatus_t {
-    if (names == nullptr || returned == nullptr) return FW_STATUS_INVALID_ARGUMENT;
-    CTarnFWCmdGetRuleSetList command(port, max, from);
-    return run(library, command, context, [&](const CTarnFWCmdReply& reply) {
-      *returned = command.records(reply).copyTo(names);
-      for (unsigned int i = 0; i < *returned; ++i) names[i].text[sizeof names[i].text - 1] = '\0';
-    });
-  });
+  return runAndCopy<CTarnFWCmdGetRuleSetList>({__func__, handle, port, context}, names, returned,
+                                              max, from);
 }
 
 FWStatus_t FW_GetRootRuleSet(fwlibhandle_* handle, const dvs_port_* port, void* context,
                              FWRuleSetID_t* layer3, FWRuleSetID_t* layer2) {
-  return callLibrary(__func__, handle, [&](CTarnFWLibHandle& library) -> FWStatus_t {
-    if (layer3 == nullptr || layer2 == nullptr) return FW_STATUS_INVALID_ARGUMENT;
-    CTarnFWCmdGetRootRuleSet command(port);
-    return run(library, command, context, [&](const CTarnFWCmdReply& reply) {
-      *layer3 = nameAt(reply, 0);
-      *layer2 = nameAt(reply, 64);
-    });
-  });
+  return runAndRead<CTarnFWCmdGetRootRuleSet>({__func__, handle, port, context}, {layer3, layer2},
+                                              [&](auto&, auto& reply) {
+                                                *layer3 = nameAt(reply, 0);
+                                                *layer2 = nameAt(reply, 64);
+                                              });
 }
 
 FWStatus_t FW_ClearRootRuleSet(fwlibhandle_* handle, const dvs_port_* port, void* context) {
-  return callLibrary(__func__, handle, [&](CTarnFWLibHandle& library) {
-    CTarnFWCmdClearRootRuleSet command(port);
-    return run(library, command, context);
-  });
+  return runCommand<CTarnFWCmdClearRootRuleSet>({__func__, handle, port, context});
 }
 
 FWStatus_t FW_DestroyRuleSet(fwlibhandle_* handle, const dvs_port_* port, void* context,
                              const FWRuleSetID_t* id) {
-  return callLibrary(__func__, handle, [&](CTarnFWLibHandle& library) -> FWStatus_t {
-    if (id == nullptr) return FW_STATUS_INVALID_ARGUMENT;
-    CTarnFWCmdDestroyRuleSet command(port, *id);
-    return run(library, command, context);
-  });
+  return runCommand<CTarnFWCmdDestroyRuleSet>({__func__, handle, port, context}, id);
 }
 
 FWStatus_t FW_DestroyAllRuleSet(fwlibhandle_* handle, const dvs_port_* port, void* context) {
-  return callLibrary(__func__, handle, [&](CTarnFWLibHandle& library) {
-    CTarnFWCmdDestroyAllRuleSet command(port);
-    return run(library, command, context);
-  });
+  return runCommand<CTarnFWCmdDestroyAllRuleSet>({__func__, handle, port, context});
 }
 
 FWStatus_t FW_ClearRuleSet(fwlibhandle_* handle, const dvs_port_* port, void* context,
                            const FWRuleSetID_t* id) {
-  return callLibrary(__func__, handle, [&](CTarnFWLibHandle& library) -> FWStatus_t {
-    if (id == nullptr) return FW_STATUS_INVALID_ARGUMENT;
-    CTarnFWCmdClearRuleSet command(port, *id);
-    return run(library, command, context);
-  });
+  return runCommand<CTarnFWCmdClearRuleSet>({__func__, handle, port, context}, id);
 }
 
 FWStatus_t FW_SetRuleSetJump(fwlibhandle_* handle, const dvs_port_* port, void* context,
                              const FWRuleSetID_t* id, const FWRuleSetID_t* target) {
-  return callLibrary(__func__, handle, [&](CTarnFWLibHandle& library) -> FWStatus_t {
-    if (id == nullptr || target == nullptr) return FW_STATUS_INVALID_ARGUMENT;
-    CTarnFWCmdSetRuleSetJump command(port, *id, *target);
-    return run(library, command, context);
-  });
+  return runCommand<CTarnFWCmdSetRuleSetJump>({__func__, handle, port, context}, id, target);
 }
 
 FWStatus_t FW_GetRuleSetJump(fwlibhandle_* handle, const dvs_port_* port, void* context,
                              const FWRuleSetID_t* id, FWRuleSetID_t* target) {
-  return callLibrary(__func__, handle, [&](CTarnFWLibHandle& library) -> FWStatus_t {
-    if (id == nullptr || target == nullptr) return FW_STATUS_INVALID_ARGUMENT;
-    CTarnFWCmdGetRuleSetJump command(port, *id);
-    return run(library, command, context,
-               [&](const CTarnFWCmdReply& reply) { *target = nameAt(reply, 64); });
-  });
+  return runAndRead<CTarnFWCmdGetRuleSetJump>(
+      {__func__, handle, port, context}, {target},
+      [&](auto&, auto& reply) { *target = nameAt(reply, 64); }, id);
 }
 
 FWStatus_t FW_ClearRuleSetJump(fwlibhandle_* handle, const dvs_port_* port, void* context,
                                const FWRuleSetID_t* id) {
-  return callLibrary(__func__, handle, [&](CTarnFWLibHandle& library) -> FWStatus_t {
-    if (id == nullptr) return FW_STATUS_INVALID_ARGUMENT;
-    CTarnFWCmdClearRuleSetJump command(port, *id);
-    return run(library, command, context);
-  });
+  return runCommand<CTarnFWCmdClearRuleSetJump>({__func__, handle, port, context}, id);
 }
 
 FWStatus_t FW_GetRuleCountOfRuleSet(fwlibhandle_* handle, const dvs_port_* port, void* context,
                                     const FWRuleSetID_t* id, unsigned int kind,
                                     unsigned int* count) {
-  return callLibrary(__func__, handle, [&](CTarnFWLibHandle& library) -> FWStatus_t {
-    if (id == nullptr || count == nullptr) return FW_STATUS_INVALID_ARGUMENT;
-    CTarnFWCmdGetRuleCountOfRuleSet command(port, *id, kind);
-    return run(library, command, context,
-               [&](const CTarnFWCmdReply& reply) { *count = command.count(reply); });
-  });
+  return runAndRead<CTarnFWCmdGetRuleCountOfRuleSet>(
+      {__func__, handle, port, context}, {count},
+      [&](auto& command, auto& reply) { *count = command.count(reply); }, id, kind);
 }
 
 FWStatus_t FW_GetRuleSetInfo(fwlibhandle_* handle, const dvs_port_* port, void* context,
                              const FWRuleSetID_t* id, unsigned int* count,
                              std::uint64_t* realizationTime, std::uint64_t* generation) {
-  return callLibrary(__func__, handle, [&](CTarnFWLibHandle& library) -> FWStatus_t {
-    if (id == nullptr || count == nullptr || realizationTime == nullptr || generation == nullptr) {
-      return FW_STATUS_INVALID_ARGUMENT;
-    }
-    CTarnFWCmdGetRuleSetInfo command(port, *id);
-    return run(library, command, context, [&](const CTarnFWCmdReply& reply) {
-      *count = command.count(reply);
-      *realizationTime = command.realizationTime(reply);
-      *generation = command.generation(reply);
-    });
-  });
+  return runAndRead<CTarnFWCmdGetRuleSetInfo>(
+      {__func__, handle, port, context}, {count, realizationTime, generation},
+      [&](auto& command, auto& reply) {
+        *count = command.count(reply);
+        *realizationTime = command.realizationTime(reply);
+        *generation = command.generation(reply);
+      },
+      id);
 }
 
 FWStatus_t FW_CreateRuleSet(fwlibhandle_* handle, const dvs_port_* port, void* context,
@@ -183,11 +140,7 @@ FWStatus_t FW_CreateRuleSet(fwlibhandle_* handle, const dvs_port_* port, void* c
 
 FWStatus_t FW_SetRootRuleSet(fwlibhandle_* handle, const dvs_port_* port, void* context,
                              const FWRuleSetID_t* layer3, const FWRuleSetID_t* layer2) {
-  return callLibrary(__func__, handle, [&](CTarnFWLibHandle& library) -> FWStatus_t {
-    if (layer3 == nullptr || layer2 == nullptr) return FW_STATUS_INVALID_ARGUMENT;
-    CTarnFWCmdSetRootRuleSet command(port, *layer3, *layer2);
-    return run(library, command, context);
-  });
+  return runCommand<CTarnFWCmdSetRootRuleSet>({__func__, handle, port, context}, layer3, layer2);
 }
 
 FWStatus_t FW_GetRuleOfRuleSet(fwlibhandle_* handle, const dvs_port_* port, void* context,
@@ -198,7 +151,7 @@ FWStatus_t FW_GetRuleOfRuleSet(fwlibhandle_* handle, const dvs_port_* port, void
     if (id == nullptr || rules == nullptr || returned == nullptr) return FW_STATUS_INVALID_ARGUMENT;
     auto command = readCommand<CTarnFWCmdGetRuleOfRuleSet>(port, *id, kind, max, from, ids);
     return run(library, command, context, [&](const CTarnFWCmdReply& reply) {
-      *returned = command.records(reply).copyTo(rules);
+      copyRecords(command.records(reply), rules, returned);
     });
   });
 }
@@ -211,7 +164,7 @@ FWStatus_t FW_GetStatOfRuleSet(fwlibhandle_* handle, const dvs_port_* port, void
     if (id == nullptr || stats == nullptr || returned == nullptr) return FW_STATUS_INVALID_ARGUMENT;
     auto command = readCommand<CTarnFWCmdGetStatOfRuleSet>(port, *id, kind, max, from, ids);
     return run(library, command, context, [&](const CTarnFWCmdReply& reply) {
-      *returned = command.records(reply).copyTo(stats);
+      copyRecords(command.records(reply), stats, returned);
     });
   });
 }
@@ -224,7 +177,7 @@ FWStatus_t FW_GetDlbOfRuleSet(fwlibhandle_* handle, const dvs_port_* port, void*
     if (id == nullptr || rules == nullptr || returned == nullptr) return FW_STATUS_INVALID_ARGUMENT;
     auto command = readCommand<CTarnFWCmdGetDlbOfRuleSet>(port, *id, kind, max, from, ids);
     return run(library, command, context, [&](const CTarnFWCmdReply& reply) {
-      *returned = command.records(reply).copyTo(rules);
+      copyRecords(command.records(reply), rules, returned);
     });
   });
 }

@@ -180,7 +180,8 @@ void FW_SetLibPrettyPrinting(FWPrettyPrinting_t function, void* context);
 // with a NUL. 3 for a null result or name. Indexes begin with 0.
 //
 // Whatever reads a list gets up to `max` entries into memory for `max` of them, and says through
-// `returned` how many came.
+// `returned` how many came. A `returned` above `max` is the kernel's count: it had more than was
+// asked for, and `max` entries were written.
 
 FWStatus_t FW_GetRuleSetCount(fwlibhandle_* handle, const dvs_port_* port, void* context,
                               unsigned int* count);

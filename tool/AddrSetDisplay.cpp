@@ -1,5 +1,6 @@
 #include "AddrSetDisplay.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
@@ -148,7 +149,7 @@ int GetSingleAddrSet(fwlibhandle_* handle, const dvs_port_* port, const FWAddrSe
 
   printHeader(statistics);
   std::printf("%s%s {\n", prefix, set.name.c_str());
-  for (unsigned int i = 0; i < count; ++i) {
+  for (unsigned int i = 0; i < std::min(count, asked); ++i) {
     char text[64] = {};
     if (FW_GetAddressString(&addresses[i], 1, text, sizeof text) != FW_STATUS_OK) continue;
     printMember(text, at(stats, i));

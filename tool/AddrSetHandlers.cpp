@@ -145,6 +145,7 @@ PassResult showAll(const Request& request, unsigned int count, const Records<FWA
       return error("ERROR: failed to get %d address sets: %s\n", static_cast<int>(count),
                    FW_StatusToString(status));
     }
+    returned = std::min(returned, count);
   }
 
   unsigned int others = 0;
@@ -240,6 +241,8 @@ PassResult showPass(const Request& request) {
       return error("ERROR: failed to get %d address sets stats: %s\n", static_cast<int>(count),
                    FW_StatusToString(status));
     }
+    // The kernel may count more than were asked for.
+    statsReturned = std::min(statsReturned, count);
   }
   return request.named ? showNamed(request, stats, statsReturned)
                        : showAll(request, count, stats, statsReturned);

@@ -660,6 +660,18 @@ TEST_P(SetCommand, FewerEntryStatisticsThanMembersAreAnError) {
             (CommandResult{0, "", "ERROR: different size of " + word + " a detected\n"}));
 }
 
+TEST_P(SetCommand, MoreEntryStatisticsThanMembersAreAnError) {
+  kernel.own = {command.filled("a")};
+  const auto stats = kernel.answerTo(kEntryStats);
+  kernel.on(kEntryStats, [stats](Body& body) {
+    const auto status = stats(body);
+    body.put32(54, 2);
+    return status;
+  });
+  EXPECT_EQ(run({"-s", "entry"}),
+            (CommandResult{0, "", "ERROR: different size of " + word + " a detected\n"}));
+}
+
 TEST_P(SetCommand, SaysThatThereIsNoMemoryForTheEntryStatistics) {
   kernel.own = {command.filled("a")};
   const unsigned int members = command.type == 1 ? kAddresses : kElements;

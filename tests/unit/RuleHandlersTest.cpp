@@ -299,16 +299,20 @@ TEST(GetRules, AListWithoutANameIsAFailureToo) {
                                            FW_StatusToString(0) + "\n"}));
 }
 
-TEST(GetRules, MoreNamesThanWereAskedForAreCutOff) {
+TEST(GetRules, MoreThanTheOneNameThatWasAskedForIsAFailureToo) {
   RuleKernel kernel;
   kernel.sets = {{"web", {}}};
   const auto list = kernel.answerTo(kList);
-  kernel.on(kList, [list](Body& body) {
-    const auto status = list(body);
-    body.put32(8, 0xffffffff);
-    return status;
-  });
-  EXPECT_EQ(getRulesMasked(), (CommandResult{0, std::string(kOpen) + "}\n\n", ""}));
+  for (const std::uint32_t count : {2u, 0xffffffffu}) {
+    kernel.on(kList, [list, count](Body& body) {
+      const auto status = list(body);
+      body.put32(8, count);
+      return status;
+    });
+    EXPECT_EQ(getRules(), (CommandResult{1, "",
+                                         std::string("ERROR: failed to get #0 ruleset: ") +
+                                             FW_StatusToString(0) + "\n"}));
+  }
 }
 
 TEST(GetRules, ANameThatFillsItsFieldIsCutByOne) {
@@ -414,6 +418,23 @@ TEST(GetRules, AReplyWithoutTheRuleIsAFailure) {
             (CommandResult{0, std::string(kOpen) + "}\n\n",
                            std::string("ERROR: failed to get 0 rule in ruleset web: ") +
                                FW_StatusToString(0) + "\n"}));
+}
+
+TEST(GetRules, AReplyOfMoreThanTheRuleIsAFailure) {
+  RuleKernel kernel;
+  kernel.sets = {{"web", {{0, {acceptRule(1)}}}}};
+  const auto rules = kernel.answerTo(kRules);
+  for (const std::uint32_t count : {2u, 0xffffffffu}) {
+    kernel.on(kRules, [rules, count](Body& body) {
+      const auto status = rules(body);
+      body.put32(76, count);
+      return status;
+    });
+    EXPECT_EQ(getRulesMasked(),
+              (CommandResult{0, std::string(kOpen) + "}\n\n",
+                             std::string("ERROR: failed to get 0 rule in ruleset web: ") +
+                                 FW_StatusToString(0) + "\n"}));
+  }
 }
 
 TEST(GetRules, ARuleThatMakesNoTextEndsTheList) {
@@ -744,6 +765,28 @@ TEST(GetRulesBalancing, AFailedRuleLeavesTheBraceOpenAndGoesOnWithTheNextRuleSet
   kernel.on(kRules, [](Body&) { return 0; });
   EXPECT_EQ(getRules({"-d"}),
             (CommandResult{0, out,
+                           std::string("ERROR: failed to get dnat rule in ruleset web: ") +
+                               FW_StatusToString(0) + "\n"}));
+}
+
+TEST(GetRulesBalancing, AReplyOfMoreThanWasAskedForLeavesTheBraceOpen) {
+  RuleKernel kernel;
+  kernel.sets = {{"web", {{2, {balancingRule(1)}}}}};
+  const auto twice = [&](int number) {
+    const auto answer = kernel.answerTo(number);
+    kernel.on(number, [answer](Body& body) {
+      const auto status = answer(body);
+      body.put32(76, 2);
+      return status;
+    });
+  };
+  twice(kDlb);
+  EXPECT_EQ(getRules({"-d"}), (CommandResult{0, kBalancing,
+                                             std::string("ERROR: failed to get dlb rule info: ") +
+                                                 FW_StatusToString(0) + "\n"}));
+  twice(kRules);
+  EXPECT_EQ(getRules({"-d"}),
+            (CommandResult{0, "ruleset web {\n",
                            std::string("ERROR: failed to get dnat rule in ruleset web: ") +
                                FW_StatusToString(0) + "\n"}));
 }

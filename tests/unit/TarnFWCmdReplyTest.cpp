@@ -59,8 +59,22 @@ TEST(TarnFWCmdReply, RecordsAreWalkedAndCopiedUpToTheirEnd) {
   EXPECT_EQ(std::uint64_t{records[2]}, 3u);
   host64 copies[4] = {};
   copies[3] = 77;
-  EXPECT_EQ(records.copyTo(copies), 3u);
+  records.copyTo(copies);
   EXPECT_EQ(std::uint64_t{copies[2]}, 3u);
   EXPECT_EQ(std::uint64_t{copies[3]}, 77u);
-  EXPECT_EQ(reply.records<host64>(8, 4, 0).copyTo(nullptr), 0u);
+  reply.records<host64>(8, 4, 0).copyTo(nullptr);
+}
+
+TEST(TarnFWCmdReply, ReportsTheKernelsCountWhenMoreThanWasAskedForWouldHaveCome) {
+  const Bytes bytes(40);
+  const CTarnFWCmdReply reply(bytes.data(), bytes.size());
+  EXPECT_EQ(reply.records<host64>(0, 0, 1).reported(), 0u);
+  EXPECT_EQ(reply.records<host64>(0, 1, 1).reported(), 1u);
+  EXPECT_EQ(reply.records<host64>(0, 2, 1).reported(), 2u);
+  EXPECT_EQ(reply.records<host64>(0, 0xffffffff, 1).reported(), 0xffffffffu);
+  EXPECT_EQ(reply.records<host64>(0, 2, 5).reported(), 2u);
+  EXPECT_EQ(reply.records<host64>(0, 6, 5).reported(), 6u);
+  // What is not there did not come, whatever the count.
+  EXPECT_EQ(reply.records<host64>(0, 7, 6).reported(), 5u);
+  EXPECT_EQ(reply.records<host64>(36, 2, 1).reported(), 0u);
 }

@@ -207,34 +207,34 @@ TEST_F(TarnFWLibAddrSet, RecordsComeBackUpToWhatWasAskedFor) {
   FWAddrSetID_t names[2] = {};
   kernel.answer(0, Bytes(54).at(12, {9}).text(16, full));
   EXPECT_EQ(FW_GetAddrSetList(handle, &port, nullptr, FW_ADDRSET_ANY, 1, 0, names, &returned), 0u);
-  EXPECT_EQ(returned, 1u);
+  EXPECT_EQ(returned, 9u) << "not one came";
   EXPECT_EQ(std::string(names[0].text), full.substr(0, 37)) << "closed with a NUL";
   EXPECT_STREQ(names[1].text, "");
   FWAddrSetStat_ stats[1] = {};
   kernel.answer(0, Bytes(146).at(12, {9}).text(16, full).at(54, {1}).at(142, {4}));
   EXPECT_EQ(FW_GetAddrSetStatList(handle, &port, nullptr, FW_ADDRSET_ANY, 1, 0, stats, &returned),
             0u);
-  EXPECT_EQ(returned, 1u);
+  EXPECT_EQ(returned, 9u) << "not one came";
   EXPECT_EQ(std::string(stats[0].name.text), full.substr(0, 37));
   EXPECT_EQ(stats[0].packetsOutPass, 1u);
   EXPECT_EQ(stats[0].anchorReferences, 4u);
   FWAddress_ addresses[1] = {};
   kernel.answer(0, Bytes(214).at(50, {9}).at(70, {1}).at(74, {10, 0, 0, 1}));
   EXPECT_EQ(FW_GetAddressOfAddrSet(handle, &port, nullptr, &web, 1, 0, addresses, &returned), 0u);
-  EXPECT_EQ(returned, 1u);
+  EXPECT_EQ(returned, 9u) << "not one came";
   const FWAddress_ expected = ipv4(1);
   EXPECT_EQ(std::memcmp(&addresses[0], &expected, sizeof expected), 0);
   FWAddressValid_ valid[1] = {};
   kernel.answer(0, Bytes(199).at(50, {9}).at(198, {0xa5}));
   EXPECT_EQ(FW_GetAddrValidOfAddrSet(handle, &port, nullptr, &web, 1, 0, valid, &returned), 0u);
-  EXPECT_EQ(returned, 1u);
+  EXPECT_EQ(returned, 9u) << "not one came";
   EXPECT_EQ(valid[0].validCount, 0xa5);
   FWAddressStat_ addressStats[1] = {};
   kernel.answer(0, Bytes(138).at(54, {9}).at(58, {1}).at(122, {0xff, 0xff, 0xff, 0xff}));
   EXPECT_EQ(
       FW_GetAddressStatOfAddrSet(handle, &port, nullptr, &web, 1, 0, 1, addressStats, &returned),
       0u);
-  EXPECT_EQ(returned, 1u);
+  EXPECT_EQ(returned, 9u) << "not one came";
   EXPECT_EQ(addressStats[0].packetsInDrop, 1u);
   EXPECT_EQ(addressStats[0].connections, -1);
   EXPECT_EQ(kernel.last().body()[50], 1) << "the clear flag";

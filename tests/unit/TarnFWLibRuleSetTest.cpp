@@ -234,10 +234,10 @@ TEST_F(TarnFWLibRuleSet, NamesComeBackClosedWithANul) {
   unsigned int returned = 0;
   kernel.answer(0, Bytes(140).at(8, {0xff, 0xff, 0xff, 0xff}).text(12, full).text(76, "b"));
   EXPECT_EQ(FW_GetRuleSetList(handle, &port, nullptr, 2, 0, names, &returned), 0u);
-  EXPECT_EQ(returned, 2u);
+  EXPECT_EQ(returned, 0xffffffffu) << "more than was asked for";
   EXPECT_EQ(std::string(names[0].text), full.substr(0, 63));
   EXPECT_STREQ(names[1].text, "b");
-  EXPECT_STREQ(names[2].text, "") << "memory behind what was asked for is not touched";
+  EXPECT_STREQ(names[2].text, "") << "memory after what was asked for is not touched";
 }
 
 TEST_F(TarnFWLibRuleSet, ARuleSetIsCreatedFromRecords) {
@@ -259,7 +259,7 @@ TEST_F(TarnFWLibRuleSet, RulesComeBackByIndexAndById) {
   kernel.answer(0, reply);
   EXPECT_EQ(FW_GetRuleOfRuleSet(handle, &port, nullptr, 0, 1, 5, &web, nullptr, rules, &returned),
             0u);
-  EXPECT_EQ(returned, 1u);
+  EXPECT_EQ(returned, 0xffffffffu) << "not one came";
   EXPECT_EQ(std::memcmp(&rules[0], &record, sizeof record), 0);
   EXPECT_EQ(rules[1].id, 0u);
   EXPECT_EQ(kernel.last().body()[68], 5);
@@ -270,6 +270,11 @@ TEST_F(TarnFWLibRuleSet, RulesComeBackByIndexAndById) {
   EXPECT_EQ(kernel.last().body()[68], 0);
   EXPECT_EQ(kernel.last().body()[72], 0);
   EXPECT_EQ(kernel.last().body()[96], 7);
+  // An id area that leaves no room for the rule: none came, whatever the count.
+  kernel.answer(0, put32(reply, 64, 3));
+  EXPECT_EQ(FW_GetRuleOfRuleSet(handle, &port, nullptr, 0, 1, 5, &web, nullptr, rules, &returned),
+            0u);
+  EXPECT_EQ(returned, 0u);
 }
 
 TEST_F(TarnFWLibRuleSet, StatisticsAndBalancingStateComeBack) {
