@@ -2,13 +2,11 @@
 
 #include "TarnFWFilter.h"
 
-#include <sys/ioctl.h>
-
 #include <cerrno>
 #include <cstring>
 
+#include "TarnFWDirectRequest.h"
 #include "TarnFWLog.h"
-#include "TarnFWTypes.h"
 #include "TarnFWUtilText.h"
 
 TarnFirewall::FilterRecords GetFilterDetailList(int fd, const char* agent, std::uint32_t* count) {
@@ -16,18 +14,16 @@ TarnFirewall::FilterRecords GetFilterDetailList(int fd, const char* agent, std::
 
   FWFilterList_ list{};
   if (agent != nullptr) Strncpy(list.name, agent, sizeof list.name - 1);
-  FWIoctlFrame frame{};
-  frame.bodyLength = sizeof list;
-  frame.body = reinterpret_cast<std::uintptr_t>(&list);
+  const FirewallDevice device(fd);
+  std::uint32_t status = 0;
   *count = 0;
 
-  frame.command = FW_REQUEST_FILTER_COUNT;
-  if (ioctl(fd, FW_REQUEST_FILTER_COUNT, &frame) != 0) {
+  if (directRequest(device, FW_REQUEST_FILTER_COUNT, list, &status) != 0) {
     TARNFW_ERROR("ioctl failed: %s\n\n", std::strerror(errno));
     return nullptr;
   }
-  if (frame.status != 0) {
-    TARNFW_ERROR("ioctl failed to get filter count: %d\n\n", static_cast<int>(frame.status));
+  if (status != 0) {
+    TARNFW_ERROR("ioctl failed to get filter count: %d\n\n", static_cast<int>(status));
     return nullptr;
   }
 
@@ -46,15 +42,14 @@ TarnFirewall::FilterRecords GetFilterDetailList(int fd, const char* agent, std::
     return nullptr;
   }
 
-  frame.command = FW_REQUEST_FILTER_LIST;
   list.bufferLength = static_cast<std::uint32_t>(known * sizeof(FWFilterRecord_));
-  list.buffer = reinterpret_cast<std::uintptr_t>(records.get());
-  if (ioctl(fd, FW_REQUEST_FILTER_LIST, &frame) != 0) {
+  list.buffer = addressOf(records.get());
+  if (directRequest(device, FW_REQUEST_FILTER_LIST, list, &status) != 0) {
     TARNFW_ERROR("ioctl failed: %s\n\n", std::strerror(errno));
     return nullptr;
   }
-  if (frame.status != 0) {
-    TARNFW_ERROR("ioctl failed to get filters: %d\n\n", static_cast<int>(frame.status));
+  if (status != 0) {
+    TARNFW_ERROR("ioctl failed to get filters: %d\n\n", static_cast<int>(status));
     return nullptr;
   }
   if (list.count > known) {

@@ -1,11 +1,11 @@
 #include "TarnFWIOChannelIOCTL.h"
 
 #include <fcntl.h>
-#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <cerrno>
 
+#include "TarnFWDirectRequest.h"
 #include "TarnFWException.h"
 #include "TarnFWIoctl.h"
 #include "TarnFWLog.h"
@@ -17,8 +17,6 @@ namespace {
 
 /// The ioctl that carries a message.
 constexpr std::uint32_t kSendMessage = 15;
-
-std::uint64_t addressOf(void* memory) { return reinterpret_cast<std::uintptr_t>(memory); }
 
 }  // namespace
 
@@ -42,13 +40,10 @@ FWStatus_t CTarnFWIOChannelIOCTL::sendIOCTL(dvs_port_* port, void* message, unsi
   if (port != nullptr) block.selector = *port;
   block.messageSize = size;
   block.message = addressOf(message);
-  FWIoctlFrame frame{};
-  frame.command = kSendMessage;
-  frame.bodyLength = sizeof block;
-  frame.body = addressOf(&block);
 
+  // The status of a message stands in its envelopes; that of the frame is not read.
   errno = 0;
-  const int result = ioctl(descriptor_, kSendMessage, &frame);
+  const int result = directRequest(FirewallDevice(descriptor_), kSendMessage, block);
   const int error = errno;  // logging comes in between
   const dvs_port_& selector = block.selector;
   TARNFW_TRACE(

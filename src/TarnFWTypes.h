@@ -135,6 +135,20 @@ static_assert(sizeof(FWIoctlFrame) == 20 && alignof(FWIoctlFrame) == 1);
 static_assert(offsetof(FWIoctlFrame, status) == 4 && offsetof(FWIoctlFrame, bodyLength) == 8 &&
               offsetof(FWIoctlFrame, body) == 12);
 
+/// Frame of a direct request to the service insertion device. Integers in host order.
+struct SIIoctlFrame {
+  host32 command;            //  +0  the ioctl request number
+  std::uint8_t reserved[4];  //  +4  zero
+  host32 inputLength;        //  +8  bytes of the input
+  host32 outputLength;       // +12  bytes of the output
+  host64 input;              // +16  address of the input, 0 when there is none
+  host64 output;             // +24  address of the output, 0 when there is none
+};
+static_assert(sizeof(SIIoctlFrame) == 32 && alignof(SIIoctlFrame) == 1);
+static_assert(offsetof(SIIoctlFrame, inputLength) == 8 &&
+              offsetof(SIIoctlFrame, outputLength) == 12 && offsetof(SIIoctlFrame, input) == 16 &&
+              offsetof(SIIoctlFrame, output) == 24);
+
 /// Name of an address set or container: NUL-terminated, at most 37 characters.
 struct FWAddrSetID_t {
   char text[38];

@@ -53,6 +53,7 @@ using TarnFirewall::FWRuleDirection_t;
 using TarnFirewall::FWRuleSetID_t;
 using TarnFirewall::FWRuleStat_;
 using TarnFirewall::FWStatus_t;
+using TarnFirewall::SIIoctlFrame;
 
 #pragma GCC visibility push(default)
 extern "C" {

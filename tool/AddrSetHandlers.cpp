@@ -1,9 +1,10 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <string>
 
 #include "AddrSetDisplay.h"
-#include "HandlerCommon.h"
+#include "HandlerForm.h"
 #include "Handlers.h"
 #include "Records.h"
 #include "TarnFWUtil.h"
@@ -26,21 +27,17 @@ struct Words {
   const char* none;
   const char* noSet;
   const char* statsOf;
+  const char* nameTooLong;
   const char* notFound;
   decltype(GetSingleAddrSet)* show;
 };
 
 constexpr Words kAddrSets = {
     kAddrSetType,
-    "Get addrsets of a filter.\n\n"
-    "Usage: tarnioctl %s <options>\n"
-    "    -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2\n"
-    "    -v<number>  : enable verbose log\n"
-    "    -m <string> : verbose log component name or id\n"
+    "Get addrsets of a filter.\n\n" USAGE_OPTIONS USAGE_FILTER USAGE_VERBOSE USAGE_COMPONENT
     "    -a <string> : addrset to get addresses\n"
     "    -s <table|entry|all|clear> : retrieve addrset stats\n"
-    "    -o          : always use original filter\n"
-    "    -h          : this help message\n",
+    "    -o          : always use original filter\n" USAGE_HELP,
     "addrset",
     "addrset is shared for this filter\n",
     "global addrset\n",
@@ -48,21 +45,17 @@ constexpr Words kAddrSets = {
     "No address sets.\n",
     "No address sets.\n",
     "address set",
+    "ERROR: invalid addrset name %s\n",
     "no addrset found\n",
     GetSingleAddrSet,
 };
 
 constexpr Words kContainers = {
     kContainerType,
-    "Get profiles of a filter.\n\n"
-    "Usage: tarnioctl %s <options>\n"
-    "    -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2\n"
-    "    -v<number>  : enable verbose log\n"
-    "    -m <string> : verbose log component name or id\n"
+    "Get profiles of a filter.\n\n" USAGE_OPTIONS USAGE_FILTER USAGE_VERBOSE USAGE_COMPONENT
     "    -a <string> : profile to get addresses or attributes\n"
     "    -s <table|entry|all|clear> : retrieve profile stats\n"
-    "    -o          : always use original filter\n"
-    "    -h          : this help message\n",
+    "    -o          : always use original filter\n" USAGE_HELP,
     "container",
     "containers are shared for this filter\n",
     "global containers\n",
@@ -70,6 +63,7 @@ constexpr Words kContainers = {
     "No containers.\n",
     "No containers sets.\n",
     "container",
+    "ERROR: invalid container name %s\n",
     "no container found\n",
     GetSingleContainer,
 };
@@ -96,40 +90,35 @@ struct Statistics {
 /// What one command was asked to show, and of which filter.
 struct Request {
   const Words& words;
-  SharedOptions shared{};
-  FWAddrSetID_t name{};
-  bool named = false;
+  const char* named = nullptr;  // the set that `-a` names, if any
   Statistics statistics{};
   bool original = false;
   bool info = false;
+
+  // Set when the options are known to be good.
+  FWAddrSetID_t name{};
   fwlibhandle_* handle = nullptr;
-
-  const dvs_port_* port() const { return &shared.target.port; }
+  const dvs_port_* port = nullptr;
 };
-
-/// How a pass over the sets of one selector ended: with the command's status, or on to the next
-/// pass.
-using PassResult = std::optional<int>;
-constexpr PassResult kGoOn = std::nullopt;
 
 void print(const char* text) { std::fputs(text, stdout); }
 
-/// Shows one set behind its statistics of the table, if any. What fails is said there and changes
-/// nothing here.
+/// Shows one set. What fails is reported there and changes nothing here.
 void showSet(const Request& request, const FWAddrSetID_t& id, bool header) {
   if (request.info) {
-    GetSingleAddrSetInfo(request.handle, request.port(), id, request.words.type);
+    GetSingleAddrSetInfo(request.handle, request.port, id, request.words.type);
     return;
   }
   const std::string prefix = std::string(request.words.set) + " ";
   const Statistics& statistics = request.statistics;
-  request.words.show(request.handle, request.port(), id, prefix.c_str(),
+  request.words.show(request.handle, request.port, id, prefix.c_str(),
                      {statistics.entry, header, statistics.clear});
 }
 
-/// Shows the sets that are there, all of them.
-PassResult showAll(const Request& request, unsigned int count, const Records<FWAddrSetStat_>& stats,
-                   unsigned int statsReturned) {
+/// Shows the sets that are there, all of them. As the other functions of a pass over the sets of
+/// one selector it returns `kGoOn` when the next pass follows, or the command's status.
+int showAll(const Request& request, unsigned int count, const Records<FWAddrSetStat_>& stats,
+            unsigned int statsReturned) {
   const Words& words = request.words;
   const auto ids = makeRecords<FWAddrSetID_t>(count);
   if (ids == nullptr)
@@ -139,7 +128,7 @@ PassResult showAll(const Request& request, unsigned int count, const Records<FWA
     for (unsigned int i = 0; i < returned; ++i) ids[i] = stats[i].name;
   } else {
     returned = 0;
-    const FWStatus_t status = FW_GetAddrSetList(request.handle, request.port(), nullptr,
+    const FWStatus_t status = FW_GetAddrSetList(request.handle, request.port, nullptr,
                                                 FW_ADDRSET_ANY, count, 0, ids.get(), &returned);
     if (status != FW_STATUS_OK) {
       return error("ERROR: failed to get %d address sets: %s\n", static_cast<int>(count),
@@ -153,7 +142,7 @@ PassResult showAll(const Request& request, unsigned int count, const Records<FWA
     unsigned int type = 0;
     unsigned int members = 0;
     unsigned int size = 0;
-    if (GetContainerTypeAndSize(request.handle, request.port(), ids[i], &type, &members, &size) !=
+    if (GetContainerTypeAndSize(request.handle, request.port, ids[i], &type, &members, &size) !=
         0) {
       error("ERROR: failed to find type and size of %s\n", fieldText(ids[i].text).c_str());
       continue;
@@ -171,13 +160,13 @@ PassResult showAll(const Request& request, unsigned int count, const Records<FWA
 }
 
 /// Shows the set that was named.
-PassResult showNamed(const Request& request, const Records<FWAddrSetStat_>& stats,
-                     unsigned int statsReturned) {
+int showNamed(const Request& request, const Records<FWAddrSetStat_>& stats,
+              unsigned int statsReturned) {
   const Words& words = request.words;
   unsigned int members = 0;
   std::uint64_t realized = 0;
   std::uint64_t generation = 0;
-  if (FW_GetAddrSetInfo(request.handle, request.port(), nullptr, &request.name, &members, &realized,
+  if (FW_GetAddrSetInfo(request.handle, request.port, nullptr, &request.name, &members, &realized,
                         &generation) != FW_STATUS_OK) {
     print(words.noSet);
     return kGoOn;
@@ -200,8 +189,8 @@ PassResult showNamed(const Request& request, const Records<FWAddrSetStat_>& stat
   }
   unsigned int type = 0;
   unsigned int size = 0;
-  if (GetContainerTypeAndSize(request.handle, request.port(), request.name, &type, &members,
-                              &size) != 0) {
+  if (GetContainerTypeAndSize(request.handle, request.port, request.name, &type, &members, &size) !=
+      0) {
     print(words.notFound);
     error("ERROR: failed to find type and size of %s\n", request.name.text);
     return 0;
@@ -214,15 +203,16 @@ PassResult showNamed(const Request& request, const Records<FWAddrSetStat_>& stat
   return kGoOn;
 }
 
-PassResult showPass(const Request& request) {
+int showPass(const Request& request) {
   Records<FWAddrSetStat_> stats;
   unsigned int statsReturned = 0;
-  if (request.named && !request.statistics.table) return showNamed(request, stats, statsReturned);
+  if (request.named != nullptr && !request.statistics.table)
+    return showNamed(request, stats, statsReturned);
 
   const Words& words = request.words;
   unsigned int count = 0;
   FWStatus_t status =
-      FW_GetAddrSetCount(request.handle, request.port(), nullptr, FW_ADDRSET_ANY, &count);
+      FW_GetAddrSetCount(request.handle, request.port, nullptr, FW_ADDRSET_ANY, &count);
   if (status != FW_STATUS_OK)
     return error("ERROR: failed to get %s count: %s\n", words.set, FW_StatusToString(status));
   if (count == 0) {
@@ -235,8 +225,8 @@ PassResult showPass(const Request& request) {
       return error("ERROR: no memory for getting %d %s stats\n", static_cast<int>(count),
                    words.set);
     // The request has no room for the clear flag.
-    status = FW_GetAddrSetStatList(request.handle, request.port(), nullptr, FW_ADDRSET_ANY, count,
-                                   0, stats.get(), &statsReturned);
+    status = FW_GetAddrSetStatList(request.handle, request.port, nullptr, FW_ADDRSET_ANY, count, 0,
+                                   stats.get(), &statsReturned);
     if (status != FW_STATUS_OK) {
       return error("ERROR: failed to get %d address sets stats: %s\n", static_cast<int>(count),
                    FW_StatusToString(status));
@@ -244,8 +234,8 @@ PassResult showPass(const Request& request) {
     // The kernel may count more than were asked for.
     statsReturned = std::min(statsReturned, count);
   }
-  return request.named ? showNamed(request, stats, statsReturned)
-                       : showAll(request, count, stats, statsReturned);
+  return request.named != nullptr ? showNamed(request, stats, statsReturned)
+                                  : showAll(request, count, stats, statsReturned);
 }
 
 /// The selector of the sets that all filters of an agent share. The agent stays.
@@ -255,53 +245,51 @@ void selectShared(dvs_port_& port) {
   setSelectorType(port, FW_SELECTOR_FILTER);
 }
 
-int showSets(const Words& words, const char* cmd, int argc, char** argv) {
-  const Usage usage(words.usage, cmd);
-  Request request{words};
-  Options options(argc, argv, "hv::m:f:a:s:oi");  // -i is not told
-  for (int option; (option = options.next()) != -1;) {
-    switch (option) {
-      case 'a':
-        if (std::strlen(options.value()) > kMaxSetName)
-          return error("ERROR: invalid %s name %s\n", words.set, options.value());
-        request.name = FWAddrSetID_t{};
-        Strncpy(request.name.text, options.value(), sizeof request.name.text);
-        request.named = true;
-        break;
-      case 's':
-        request.statistics.take(options.value());
-        break;
-      case 'o':
-        request.original = true;
-        break;
-      case 'i':
-        request.info = true;
-        break;
-      default:
-        if (const auto status = request.shared.take(option, options.value(), usage)) return *status;
-    }
-  }
-  if (!request.shared.target.given) return usage.filterMissing();
-  if (request.statistics.given && request.info)
-    return error("ERROR: only one of -s and -i can be specified.\n");
-  request.shared.settle();
-  if (initFWLibrary(&request.handle) != 0) return 1;
-
+/// Shows the sets of the filter, after those that it shares with others.
+int showFilter(Request& request, dvs_port_& port) {
   // A filter that cannot say whether it shares its sets does not share them. It is asked
   // with -o too.
   unsigned int enabled = 0;
-  const FWStatus_t status = FW_GetSharedAddrSet(request.handle, request.port(), nullptr, &enabled);
-  const bool shared = !request.original && status == FW_STATUS_OK && enabled != 0;
-  if (shared) {
-    print(words.shared);
-    print(words.global);
-    const dvs_port_ own = request.shared.target.port;
-    selectShared(request.shared.target.port);
-    if (const PassResult ended = showPass(request)) return *ended;
-    print(words.local);
-    request.shared.target.port = own;
+  const FWStatus_t status = FW_GetSharedAddrSet(request.handle, request.port, nullptr, &enabled);
+  if (!request.original && status == FW_STATUS_OK && enabled != 0) {
+    print(request.words.shared);
+    print(request.words.global);
+    const dvs_port_ own = port;
+    selectShared(port);
+    if (const int ended = showPass(request); ended != kGoOn) return ended;
+    print(request.words.local);
+    port = own;
   }
-  return showPass(request).value_or(0);
+  const int ended = showPass(request);
+  return ended == kGoOn ? 0 : ended;
+}
+
+int showSets(const Words& words, const char* cmd, int argc, char** argv) {
+  Request request{words};
+  const auto takeStatistics = [&](const char* value, const Target&) {
+    request.statistics.take(value);
+    return kGoOn;
+  };
+  const auto oneOfBoth = [&](const Target&) {
+    return request.statistics.given && request.info
+               ? error("ERROR: only one of -s and -i can be specified.\n")
+               : kGoOn;
+  };
+  return onFilter(cmd, argc, argv,
+                  {.usage = words.usage,
+                   .letters = "hv::m:f:a:s:oi",  // -i is not in the usage text
+                   .own = {{'a', &request.named, kMaxSetName, words.nameTooLong},
+                           {'s', takeStatistics},
+                           {'o', &request.original},
+                           {'i', &request.info}},
+                   .check = oneOfBoth},
+                  [&](Target& target) {
+                    if (request.named != nullptr)
+                      Strncpy(request.name.text, request.named, sizeof request.name.text);
+                    request.handle = target.handle;
+                    request.port = target.port;
+                    return showFilter(request, *target.port);
+                  });
 }
 
 }  // namespace

@@ -5,7 +5,7 @@
 #include <memory>
 #include <new>
 
-#include "HandlerCommon.h"
+#include "HandlerForm.h"
 #include "Handlers.h"
 
 namespace {
@@ -62,51 +62,37 @@ int configure(const Config& config, FilterTarget& target, fwlibhandle_** library
 }  // namespace
 
 int TarnFWCLI(const char* cmd, int argc, char** argv) {
-  static constexpr char kUsage[] =
-      "Usage: tarnioctl %s <options>\n"
-      "    -v <number> : verbose level of output\n"
-      "    -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2\n"
-      "    -v<number>  : enable verbose log\n"
-      "    -m <string> : verbose log component name or id\n"
+  static constexpr char kUsage[] = USAGE_OPTIONS
+      "    -v <number> : verbose level of output\n" USAGE_FILTER USAGE_VERBOSE USAGE_COMPONENT
       "    -l <file>   : file of config commands\n"
-      "    -c <cmd>    : config command\n"
-      "    -h          : this help message\n";
+      "    -c <cmd>    : config command\n" USAGE_HELP;
 
   const std::unique_ptr<Config[]> configs(new (std::nothrow) Config[kMaxConfigs]);
   if (configs == nullptr) return error("ERROR: failed to alloc memory for configs\n");
   unsigned int count = 0;
-  const auto take = [&](Config::Kind kind, const char* argument) {
-    if (count < kMaxConfigs) {
-      configs[count++] = {kind, argument};
-    } else {
-      error("ERROR: cannot accept more than %d configs\n", static_cast<int>(kMaxConfigs));
-    }
+  const auto keep = [&](Config::Kind kind) {
+    return [&, kind](const char* argument, const Target&) {
+      if (count < kMaxConfigs) {
+        configs[count++] = {kind, argument};
+      } else {
+        error("ERROR: cannot accept more than %d configs\n", static_cast<int>(kMaxConfigs));
+      }
+      return kGoOn;
+    };
   };
 
-  const Usage usage(kUsage, cmd);
-  SharedOptions shared;
-  Options options(argc, argv, "hv::m:f:l:c:");
-  for (int option; (option = options.next()) != -1;) {
-    switch (option) {
-      case 'l':
-        take(Config::kFile, options.value());
-        break;
-      case 'c':
-        take(Config::kText, options.value());
-        break;
-      default:
-        if (const auto status = shared.take(option, options.value(), usage)) return *status;
-    }
-  }
-
-  FW_SetLibPrettyPrinting(pretty_printing, stdout);
-  shared.settle();
-  fwlibhandle_* library = nullptr;
-  if (initFWLibrary(&library) != 0 || count == 0) return 1;
-  int result = 0;
-  for (unsigned int i = 0; i < count && result == 0; ++i) {
-    result = configure(configs[i], shared.target, &library);
-  }
-  FW_Exit(library);
-  return result;
+  return onFilter(cmd, argc, argv,
+                  {.usage = kUsage,
+                   .letters = "hv::m:f:l:c:",
+                   .own = {{'l', keep(Config::kFile)}, {'c', keep(Config::kText)}},
+                   .needsFilter = false,
+                   .prints = true},
+                  [&](Target& target) {
+                    if (count == 0) return 1;  // without a line, and the library stays open
+                    int result = 0;
+                    for (unsigned int i = 0; i < count && result == 0; ++i)
+                      result = configure(configs[i], target.filter, &target.handle);
+                    FW_Exit(target.handle);
+                    return result;
+                  });
 }

@@ -5,18 +5,13 @@
 
 int GetFWConfig(const char* cmd, int argc, char** argv) {
   static constexpr char kUsage[] =
-      "Get rules, addrsets and containers of a filter.\n\n"
-      "Usage: tarnioctl %s <options>\n"
-      "    -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2\n"
-      "    -v<number>  : enable verbose log\n"
-      "    -m <string> : verbose log component name or id\n"
-      "    -i          : print summary info only\n"
-      "    -h          : this help message\n";
+      "Get rules, addrsets and containers of a filter.\n\n" USAGE_OPTIONS USAGE_FILTER USAGE_VERBOSE
+          USAGE_COMPONENT "    -i          : print summary info only\n" USAGE_HELP;
   const Usage usage(kUsage, cmd);
 
   // This walk is for -h and bad options only. Its -f takes no value, so that the filter's name is
   // an operand here, and a name joined to -f is a bad option. It works on a copy, since getopt
-  // moves operands behind the options, which would part -f from its value for the walks below.
+  // moves operands to the end, which would part -f from its value for the walks below.
   std::vector<char*> copy(argv, argv + argc + 1);
   Options options(argc, copy.data(), "hv::m:fi");
   for (int option; (option = options.next()) != -1;) {

@@ -7,7 +7,8 @@
 #include <cstring>
 #include <utility>
 
-#include "HandlerCommon.h"
+#include "Devices.h"
+#include "HandlerForm.h"
 #include "Handlers.h"
 #include "TarnFWLog.h"
 #include "TarnFWUtil.h"
@@ -24,14 +25,11 @@ int GetFilterList(bool oldRecord, bool countOnly, const char* agent, std::uint32
 
   FWFilterList_ list{};
   if (agent != nullptr) Strncpy(list.name, agent, sizeof list.name);
-  FWIoctlFrame frame{};
-  frame.bodyLength = sizeof list;
-  frame.body = reinterpret_cast<std::uintptr_t>(&list);
 
-  frame.command = FW_REQUEST_FILTER_COUNT;
-  FW_Ioctl(FW_REQUEST_FILTER_COUNT, &frame);
-  if (frame.status != 0)
-    return error("ERROR: ioctl failed to get filter count: %d\n", static_cast<int>(frame.status));
+  std::uint32_t status = 0;
+  directRequest(kFirewall, FW_REQUEST_FILTER_COUNT, list, &status);
+  if (status != 0)
+    return error("ERROR: ioctl failed to get filter count: %d\n", static_cast<int>(status));
 
   const std::uint32_t known = list.count;
   if (countOnly) {
@@ -48,12 +46,11 @@ int GetFilterList(bool oldRecord, bool countOnly, const char* agent, std::uint32
   if (records == nullptr)
     return error("ERROR: no memory for getting filters: %d\n", static_cast<int>(known));
 
-  frame.command = FW_REQUEST_FILTER_LIST;
   list.bufferLength = known * recordSize;
-  list.buffer = reinterpret_cast<std::uintptr_t>(records.get());
-  FW_Ioctl(FW_REQUEST_FILTER_LIST, &frame);
-  if (frame.status != 0)
-    return error("ERROR: ioctl failed to get filters: %d\n", static_cast<int>(frame.status));
+  list.buffer = addressOf(records.get());
+  directRequest(kFirewall, FW_REQUEST_FILTER_LIST, list, &status);
+  if (status != 0)
+    return error("ERROR: ioctl failed to get filters: %d\n", static_cast<int>(status));
 
   // The reply's numbers are the kernel's word; the buffer holds no more than was asked for.
   if (list.count > known || list.bufferLength > known * recordSize)
@@ -209,53 +206,9 @@ void PrintFilter(const FWFilterRecord_& record, const FilterView& view) {
   if (view.withStats) printStats(record);
 }
 
-int GetFWFilters(const char* cmd, int argc, char** argv) {
-  // Without -a all agents' filters are listed, whatever the text says of a default; and -i is not
-  // told.
-  static constexpr char kUsage[] =
-      "Get all available filters in system.\n\n"
-      "Usage: tarnioctl %s <options>\n"
-      "    -a <string>     : agent name, default agent is kelpco-sfw\n"
-      "    -s              : print statistics\n"
-      "    -d              : get filter to slowpath distribution\n"
-      "    -c <slowpathID> : get slowpath to filter distribution\n"
-      "    -n              : get number of filters\n"
-      "    -h              : this help message\n";
-  const Usage usage(kUsage, cmd);
+namespace {
 
-  const char* agent = nullptr;
-  bool countOnly = false;
-  FilterView view;
-  Options options(argc, argv, "hia:c:dsn");
-  for (int option; (option = options.next()) != -1;) {
-    switch (option) {
-      case 'a':
-        agent = options.value();
-        if (std::strlen(agent) > kMaxName) return error("ERROR: invalid agent name %s\n", agent);
-        break;
-      case 's':
-        view.withStats = true;
-        break;
-      case 'd':
-        view.distribution = true;
-        break;
-      case 'c':
-        if (!decimalOption(options.value(), &view.slowPathId)) return usage(1);
-        view.slowPathOnly = true;
-        break;
-      case 'n':
-        countOnly = true;
-        break;
-      case 'i':
-        view.vifOnly = true;
-        break;
-      case 'h':
-        return usage(0);
-      default:
-        return usage(1);
-    }
-  }
-
+int listFilters(const char* agent, bool countOnly, FilterView view) {
   std::uint32_t count = 0;
   FilterBuffer records;
   const int failed = GetFilterList(false, countOnly, agent, &count, &records, nullptr);
@@ -273,4 +226,37 @@ int GetFWFilters(const char* cmd, int argc, char** argv) {
     PrintFilter(record, view);
   }
   return 0;
+}
+
+}  // namespace
+
+int GetFWFilters(const char* cmd, int argc, char** argv) {
+  // Without -a all agents' filters are listed, whatever the text says of a default; -i is not in
+  // the text.
+  static constexpr char kUsage[] = "Get all available filters in system.\n\n" USAGE_OPTIONS
+                                   "    -a <string>     : agent name, default agent is kelpco-sfw\n"
+                                   "    -s              : print statistics\n"
+                                   "    -d              : get filter to slowpath distribution\n"
+                                   "    -c <slowpathID> : get slowpath to filter distribution\n"
+                                   "    -n              : get number of filters\n"
+                                   "    -h              : this help message\n";
+
+  const char* agent = nullptr;
+  bool countOnly = false;
+  FilterView view;
+  const auto takeSlowPath = [&](const char* value, const Target& target) {
+    if (!decimalOption(value, &view.slowPathId)) return target.usage(1);
+    view.slowPathOnly = true;
+    return kGoOn;
+  };
+  return onHost(cmd, argc, argv,
+                {.usage = kUsage,
+                 .letters = "hia:c:dsn",
+                 .own = {{'a', &agent, kMaxName, "ERROR: invalid agent name %s\n"},
+                         {'s', &view.withStats},
+                         {'d', &view.distribution},
+                         {'c', takeSlowPath},
+                         {'n', &countOnly},
+                         {'i', &view.vifOnly}}},
+                [&](const Target&) { return listFilters(agent, countOnly, view); });
 }

@@ -13,16 +13,27 @@
 #include "TarnFWLog.h"
 #include "TarnFWUtil.h"
 
+void printWith(FILE* stream, const char* text, const char* word) {
+  const char* const place = std::strstr(text, "%s");
+  if (place == nullptr) {
+    std::fputs(text, stream);
+    return;
+  }
+  std::fwrite(text, 1, static_cast<std::size_t>(place - text), stream);
+  std::fputs(word, stream);
+  std::fputs(place + 2, stream);
+}
+
 int Usage::operator()(int status) const {
-  const char* const place = std::strstr(text_, "%s");
-  std::fwrite(text_, 1, static_cast<std::size_t>(place - text_), stdout);
-  std::fputs(cmd_, stdout);
-  std::fputs(place + 2, stdout);
+  printWith(stdout, text_, cmd_);
   return status;
 }
 
-int Usage::filterMissing() const {
-  error("ERROR: filter is missing.\n");
+int Usage::error(const char* format, ...) const {
+  va_list arguments;
+  va_start(arguments, format);
+  std::vfprintf(stderr, format, arguments);
+  va_end(arguments);
   return (*this)(1);
 }
 
@@ -109,8 +120,8 @@ int FilterTarget::take(const char* text) {
   return 0;
 }
 
-void FilterTarget::settleAgent() {
-  if (selectorType(port) == TarnFirewall::FW_SELECTOR_VIF)
+void FilterTarget::settleAgent(bool always) {
+  if (always || selectorType(port) == TarnFirewall::FW_SELECTOR_VIF)
     Strncpy(port.agent, agent, sizeof port.agent);
 }
 
@@ -132,33 +143,8 @@ void Verbosity::announce(const FilterTarget& target) const {
   std::printf("weirgate agent: %s\n", target.port.agent);
 }
 
-void Verbosity::apply(const FilterTarget& target) const {
-  if (level == 0) return;
-  announce(target);
-  FW_SetLibVerboseLevel(component, static_cast<unsigned int>(level));
-}
-
-std::optional<int> SharedOptions::take(int option, const char* value, const Usage& usage) {
-  int failed = 0;
-  switch (option) {
-    case 'f':
-      failed = target.take(value);
-      break;
-    case 'v':
-      verbosity.raise(value);
-      break;
-    case 'm':
-      failed = verbosity.takeComponent(value);
-      break;
-    default:
-      return usage(option == 'h' ? 0 : 1);
-  }
-  return failed != 0 ? std::optional(failed) : std::nullopt;
-}
-
-void SharedOptions::settle() {
-  target.settleAgent();
-  verbosity.apply(target);
+void Verbosity::raiseLibrary() const {
+  if (level != 0) FW_SetLibVerboseLevel(component, static_cast<unsigned int>(level));
 }
 
 int initFWLibrary(fwlibhandle_** handle) {

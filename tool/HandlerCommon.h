@@ -1,21 +1,32 @@
 #pragma once
 
-/// What all handlers share: options, the filter that a command works on, verbosity, usage and error
-/// lines, the library. A handler reads top to bottom: options, what is missing, printer, library,
-/// call, print.
+/// The pieces of a handler: usage and error lines, options, the filter that a command works on,
+/// verbosity, the library. `HandlerForm.h` puts them together; a handler that does not fit there
+/// takes the pieces that it needs, in the same order.
 
 #include <getopt.h>
 
 #include <cstddef>
-#include <optional>
+#include <cstdio>
 #include <string>
 
 #include "tarnfw.h"
 
 // --- Texts
 
+// Lines that usage texts share. They are macros, so that they stand between the other lines of a
+// text as literals do. A text whose line differs, be it by a blank, has its own.
+#define USAGE_OPTIONS "Usage: tarnioctl %s <options>\n"
+#define USAGE_FILTER "    -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2\n"
+#define USAGE_VERBOSE "    -v<number>  : enable verbose log\n"
+#define USAGE_COMPONENT "    -m <string> : verbose log component name or id\n"
+#define USAGE_HELP "    -h          : this help message\n"
+
 /// Prints the usage text that `tarnioctl`, `-h` and `help` show, with `word` in its first line.
 void printHelp(const char* word);
+
+/// Prints a text with `word` in the place of its first "%s"; the text as it is when it has none.
+void printWith(FILE* stream, const char* text, const char* word);
 
 /// A handler's usage text, with the command word as typed in the place of its one "%s".
 class Usage {
@@ -25,8 +36,8 @@ class Usage {
   /// Prints it to standard output and returns `status`: `return usage(0);`.
   int operator()(int status) const;
 
-  /// Says that a filter is needed, shows the text and returns 1.
-  int filterMissing() const;
+  /// Prints an error line to standard error, then the text, and returns 1.
+  int error(const char* format, ...) const __attribute__((format(printf, 2, 3)));
 
  private:
   const char* text_;
@@ -63,7 +74,7 @@ class Options {
   /// Value of the option that `next` returned, null when it has none.
   const char* value() const { return optarg; }
 
-  /// Operands, once `next` has returned -1: `argv` from the first that is not an option.
+  /// Operands, after `next` has returned -1: `argv` from the first that is not an option.
   char** operands() const { return argv_ + optind; }
   int operandCount() const { return argc_ - optind; }
 
@@ -79,14 +90,14 @@ bool decimalOption(const char* text, int* value);
 
 // --- The filter
 
-/// Agent of a filter whose name does not tell one.
+/// Agent of a filter whose name has none.
 inline constexpr char kDefaultAgent[] = "kelpco-sfw";
 
 /// Characters of a filter's or an agent's name on the command line.
 inline constexpr std::size_t kMaxName = 99;
 
 /// Writes the agent of a filter name, at most 98 characters, into a buffer of at least 99 bytes.
-/// Returns 0; or 1 when the name tells none, and the buffer is then as it was, but for the filter
+/// Returns 0; or 1 when the name has none, and the buffer is then as it was, except for the filter
 /// of shared address sets, which leaves it empty.
 int GetAgentFromFilterName(const char* name, char* agent);
 
@@ -102,8 +113,9 @@ struct FilterTarget {
   /// Takes the value of `-f`. Returns 0; or 1 after the error line for a name that is too long.
   int take(const char* text);
 
-  /// Behind the options: a selector without an agent of its own gets the agent buffer.
-  void settleAgent();
+  /// Runs after the options: a selector without an agent of its own gets the agent buffer, with
+  /// `always` any selector.
+  void settleAgent(bool always = false);
 };
 
 // --- Verbosity
@@ -123,36 +135,8 @@ struct Verbosity {
   /// Prints the level and the selector's agent, when the level is not zero.
   void announce(const FilterTarget& target) const;
 
-  /// Announces, and sets the library's level, when the level is not zero.
-  void apply(const FilterTarget& target) const;
-};
-
-// --- What most handlers take
-
-/// The options that most handlers share. One that takes no more than these reads:
-///
-///     const Usage usage(kUsage, cmd);
-///     SharedOptions shared;
-///     Options options(argc, argv, "hv::m:f:");
-///     for (int option; (option = options.next()) != -1;)
-///       if (const auto status = shared.take(option, options.value(), usage)) return *status;
-///     if (!shared.target.given) return usage.filterMissing();
-///     shared.settle();
-///     FW_SetLibPrettyPrinting(pretty_printing, stdout);
-///     fwlibhandle_* handle;
-///     if (initFWLibrary(&handle) != 0) return 1;
-///
-/// With options of its own it switches over them and leaves the rest to `take`.
-struct SharedOptions {
-  FilterTarget target;
-  Verbosity verbosity;
-
-  /// Takes `-f`, `-v` or `-m`. A result is the status that the handler is to return at once: 0
-  /// behind the usage for `-h`, 1 behind an error line, or behind the usage for any other option.
-  std::optional<int> take(int option, const char* value, const Usage& usage);
-
-  /// Behind the options: settles the agent, and says and sets the verbosity.
-  void settle();
+  /// Sets the level of the library's component, when the level is not zero.
+  void raiseLibrary() const;
 };
 
 // --- Library

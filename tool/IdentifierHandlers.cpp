@@ -1,6 +1,6 @@
 #include <cstdio>
 
-#include "HandlerCommon.h"
+#include "HandlerForm.h"
 #include "Handlers.h"
 #include "TarnFWUtil.h"
 #include "TarnFWWire.h"
@@ -32,65 +32,60 @@ NumberPair loadPair(const std::uint8_t* uuid) {
   return {loadRecord<Number>(uuid), loadRecord<Number>(uuid + sizeof(Number))};
 }
 
+/// Converts the operands one by one, up to the first that is none. Returns the exit status.
+int convert(const char* cmd, int argc, char** argv, const char* usage,
+            int (*convertOne)(const char* operand, bool hostOrder)) {
+  bool hostOrder = false;
+  return onHost(
+      cmd, argc, argv,
+      {.usage = usage, .letters = "hb", .words = kLongOptions, .own = {{'b', &hostOrder}}},
+      [&](const Target& target) {
+        int status = 0;
+        for (int i = 0; i < target.options.operandCount() && status == 0; ++i)
+          status = convertOne(target.options.operands()[i], hostOrder);
+        return status;
+      });
+}
+
+int numberToUuid(const char* operand, bool hostOrder) {
+  NumberPair pair{};
+  if (std::sscanf(operand, "%llu,%llu", &pair.first, &pair.second) != 2) {
+    std::printf("cannot recognize uuid number pair %s\n", operand);
+    return 1;
+  }
+  std::uint8_t uuid[kUuidSize];
+  hostOrder ? storePair<host64>(pair, uuid) : storePair<net64>(pair, uuid);
+  char text[64];
+  uuid2normalstr(uuid, text, sizeof text);
+  std::printf("%s: %s\n", operand, text);
+  return 0;
+}
+
+int uuidToNumber(const char* operand, bool hostOrder) {
+  std::uint8_t uuid[kUuidSize];
+  if (!normalstr2uuid(uuid, operand)) {
+    std::printf("cannot recognize uuid: %s\n", operand);
+    return 1;
+  }
+  const NumberPair pair = hostOrder ? loadPair<host64>(uuid) : loadPair<net64>(uuid);
+  std::printf("%s: %llu,%llu\n", operand, pair.first, pair.second);
+  return 0;
+}
+
 }  // namespace
 
 int Number2Uuid(const char* cmd, int argc, char** argv) {
   static constexpr char kUsage[] =
       "Convert coma separated number pairs to uuids.\n\n"
       "Usage: tarnioctl %s <number1,number2>\n"
-      "    -b          : toggle byte order\n"
-      "    -h          : this help message\n";
-  const Usage usage(kUsage, cmd);
-
-  bool hostOrder = false;
-  Options options(argc, argv, "hb", kLongOptions);
-  for (int option; (option = options.next()) != -1;) {
-    if (option == 'h') return usage(0);
-    if (option != 'b') return usage(1);
-    hostOrder = true;
-  }
-
-  for (int i = 0; i < options.operandCount(); ++i) {
-    const char* const operand = options.operands()[i];
-    NumberPair pair{};
-    if (std::sscanf(operand, "%llu,%llu", &pair.first, &pair.second) != 2) {
-      std::printf("cannot recognize uuid number pair %s\n", operand);
-      return 1;
-    }
-    std::uint8_t uuid[kUuidSize];
-    hostOrder ? storePair<host64>(pair, uuid) : storePair<net64>(pair, uuid);
-    char text[64];
-    uuid2normalstr(uuid, text, sizeof text);
-    std::printf("%s: %s\n", operand, text);
-  }
-  return 0;
+      "    -b          : toggle byte order\n" USAGE_HELP;
+  return convert(cmd, argc, argv, kUsage, numberToUuid);
 }
 
 int Uuid2Number(const char* cmd, int argc, char** argv) {
   static constexpr char kUsage[] =
       "Convert uuids like 5a43ddda-c21a-632a-4ae1-00505699723f to number pairs.\n\n"
       "Usage: tarnioctl %s <uuid>\n"
-      "    -b          : toggle byte order\n"
-      "    -h          : this help message\n";
-  const Usage usage(kUsage, cmd);
-
-  bool hostOrder = false;
-  Options options(argc, argv, "hb", kLongOptions);
-  for (int option; (option = options.next()) != -1;) {
-    if (option == 'h') return usage(0);
-    if (option != 'b') return usage(1);
-    hostOrder = true;
-  }
-
-  for (int i = 0; i < options.operandCount(); ++i) {
-    const char* const operand = options.operands()[i];
-    std::uint8_t uuid[kUuidSize];
-    if (!normalstr2uuid(uuid, operand)) {
-      std::printf("cannot recognize uuid: %s\n", operand);
-      return 1;
-    }
-    const NumberPair pair = hostOrder ? loadPair<host64>(uuid) : loadPair<net64>(uuid);
-    std::printf("%s: %llu,%llu\n", operand, pair.first, pair.second);
-  }
-  return 0;
+      "    -b          : toggle byte order\n" USAGE_HELP;
+  return convert(cmd, argc, argv, kUsage, uuidToNumber);
 }

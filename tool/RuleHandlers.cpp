@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <cstring>
 
-#include "HandlerCommon.h"
+#include "HandlerForm.h"
 #include "Handlers.h"
 #include "Records.h"
 #include "TarnFWBootTime.h"
@@ -127,8 +127,8 @@ void showRules(const RuleSource& source, const FWRuleSetID_t& ruleSet) {
   std::printf("}\n\n");
 }
 
-/// The kinds stand in another order than in the list of rules, and no frame is around them: that is
-/// what readers of the statistics expect.
+/// The kinds stand in another order than in the list of rules, and no frame is around them: scripts
+/// that read the statistics expect both.
 void showStatistics(const RuleSource& source, const FWRuleSetID_t& ruleSet) {
   for (const RuleKind kind : {kSnatRules, kFilterRules, kDnatRules}) {
     if (GetSingleRuleSetStatByType(source, kind, ruleSet) != 0) break;
@@ -191,7 +191,8 @@ void printState(const FWDlbRule_& state) {
   std::printf("\n");
 }
 
-/// Failures behind the open line leave the brace open; scripts have learned to live with it.
+/// A failure after the opening line leaves the brace open: scripts that read this output expect no
+/// closing line then.
 void showLoadBalancing(const RuleSource& source, const FWRuleSetID_t& ruleSet) {
   unsigned int count = 0;
   FWStatus_t status =
@@ -239,62 +240,12 @@ void showLoadBalancing(const RuleSource& source, const FWRuleSetID_t& ruleSet) {
   std::printf("}\n\n");
 }
 
-}  // namespace
+using Show = void (*)(const RuleSource& source, const FWRuleSetID_t& ruleSet);
 
-int GetFWRules(const char* cmd, int argc, char** argv) {
-  // -i and -p are not told.
-  static constexpr char kUsage[] =
-      "Get rules of rulesets of a filter.\n\n"
-      "Usage: tarnioctl %s <options>\n"
-      "    -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2\n"
-      "    -v<number>  : enable verbose log\n"
-      "    -m <string> : verbose log component name or id\n"
-      "    -r <string> : ruleset to get rules\n"
-      "    -s          : print statistics\n"
-      "    -d          : print DLB info\n"
-      "    -h          : this help message\n";
-  const Usage usage(kUsage, cmd);
-
-  SharedOptions shared;
-  const char* only = nullptr;
-  bool statistics = false;
-  bool loadBalancing = false;
-  bool info = false;
-  bool pretty = false;
-  Options options(argc, argv, "hv::m:f:r:spdi");
-  for (int option; (option = options.next()) != -1;) {
-    switch (option) {
-      case 'r':
-        only = options.value();
-        if (std::strlen(only) > kMaxRuleSetName)
-          return error("ERROR: invalid ruleset name %s\n", only);
-        break;
-      case 's':
-        statistics = true;
-        break;
-      case 'd':
-        loadBalancing = true;
-        break;
-      case 'i':
-        info = true;
-        break;
-      case 'p':
-        pretty = true;
-        break;
-      default:
-        if (const auto status = shared.take(option, options.value(), usage)) return *status;
-    }
-  }
-  if (!shared.target.given) return usage.filterMissing();
-  if (statistics + loadBalancing + info > 1)
-    return error("ERROR: only one of -s, -d, and -i can be specified.\n");
-  shared.settle();
-  fwlibhandle_* handle;
-  if (initFWLibrary(&handle) != 0) return 1;
-
-  const dvs_port_* const port = &shared.target.port;
+/// Shows the rule sets of a filter, or only the one of this name.
+int showRuleSets(const RuleSource& source, const char* only, Show show) {
   unsigned int count = 0;
-  FWStatus_t status = FW_GetRuleSetCount(handle, port, nullptr, &count);
+  FWStatus_t status = FW_GetRuleSetCount(source.handle, source.port, nullptr, &count);
   if (status != FW_STATUS_OK)
     return error("ERROR: failed to get total rulesets: %s\n", FW_StatusToString(status));
   if (count == 0) {
@@ -303,7 +254,7 @@ int GetFWRules(const char* cmd, int argc, char** argv) {
   }
   FWRuleSetID_t layer3{};
   FWRuleSetID_t layer2{};
-  status = FW_GetRootRuleSet(handle, port, nullptr, &layer3, &layer2);
+  status = FW_GetRootRuleSet(source.handle, source.port, nullptr, &layer3, &layer2);
   if (status != FW_STATUS_OK) {
     // Without a line end, which scripts expect.
     return error("ERROR: failed to get root ruleset: %s", FW_StatusToString(status));
@@ -312,16 +263,10 @@ int GetFWRules(const char* cmd, int argc, char** argv) {
     std::printf("No root rule set.\n");
     return 0;
   }
-
-  const RuleSource source{handle, port, shared.verbosity.level != 0, pretty};
-  const auto show = loadBalancing ? showLoadBalancing
-                    : statistics  ? showStatistics
-                    : info        ? showInfo
-                                  : showRules;
   for (unsigned int i = 0; i < count; ++i) {
     FWRuleSetID_t ruleSet{};
     unsigned int returned = 0;
-    status = FW_GetRuleSetList(handle, port, nullptr, 1, i, &ruleSet, &returned);
+    status = FW_GetRuleSetList(source.handle, source.port, nullptr, 1, i, &ruleSet, &returned);
     if (status != FW_STATUS_OK || returned != 1) {
       // The number is always 0, whichever rule set it was: scripts compare the line.
       return error("ERROR: failed to get #%d ruleset: %s\n", 0, FW_StatusToString(status));
@@ -330,4 +275,44 @@ int GetFWRules(const char* cmd, int argc, char** argv) {
     show(source, ruleSet);
   }
   return 0;
+}
+
+}  // namespace
+
+int GetFWRules(const char* cmd, int argc, char** argv) {
+  // -i and -p are not in the text.
+  static constexpr char kUsage[] =
+      "Get rules of rulesets of a filter.\n\n" USAGE_OPTIONS USAGE_FILTER USAGE_VERBOSE
+          USAGE_COMPONENT
+      "    -r <string> : ruleset to get rules\n"
+      "    -s          : print statistics\n"
+      "    -d          : print DLB info\n" USAGE_HELP;
+
+  const char* only = nullptr;
+  bool statistics = false;
+  bool loadBalancing = false;
+  bool info = false;
+  bool pretty = false;
+  return onFilter(cmd, argc, argv,
+                  {.usage = kUsage,
+                   .letters = "hv::m:f:r:spdi",
+                   .own = {{'r', &only, kMaxRuleSetName, "ERROR: invalid ruleset name %s\n"},
+                           {'s', &statistics},
+                           {'p', &pretty},
+                           {'d', &loadBalancing},
+                           {'i', &info}},
+                   .check =
+                       [&](const Target&) {
+                         return statistics + loadBalancing + info > 1
+                                    ? error("ERROR: only one of -s, -d, and -i can be specified.\n")
+                                    : kGoOn;
+                       }},
+                  [&](const Target& target) {
+                    return showRuleSets({target.handle, target.port, target.verbose(), pretty},
+                                        only,
+                                        loadBalancing ? showLoadBalancing
+                                        : statistics  ? showStatistics
+                                        : info        ? showInfo
+                                                      : showRules);
+                  });
 }

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <string>
 
+#include "Arguments.h"
 #include "DeviceShim.h"
 #include "Expect.h"
 #include "HandlerCommon.h"
@@ -12,6 +13,7 @@
 #include "LogCapture.h"
 #include "RunCommand.h"
 #include "TarnFWLog.h"
+#include "TarnFWUtil.h"
 
 namespace {
 
@@ -37,7 +39,7 @@ Bytes bytesOf(const dvs_port_& port) {
   return bytes;
 }
 
-/// Walks options and tells them as text: "a=value b ?".
+/// Walks options and gives them as text: "a=value b ?".
 std::string walk(Options& options) {
   std::string seen;
   for (int option; (option = options.next()) != -1;) {
@@ -47,21 +49,6 @@ std::string walk(Options& options) {
   }
   return seen;
 }
-
-/// An argument vector of its own, since getopt moves its elements.
-class Arguments {
- public:
-  explicit Arguments(std::vector<std::string> words) : words_(std::move(words)) {
-    for (std::string& word : words_) pointers_.push_back(word.data());
-    pointers_.push_back(nullptr);
-  }
-  int count() const { return static_cast<int>(words_.size()); }
-  char** vector() { return pointers_.data(); }
-
- private:
-  std::vector<std::string> words_;
-  std::vector<char*> pointers_;
-};
 
 }  // namespace
 
@@ -78,19 +65,19 @@ TEST(GetAgentFromFilterName, AnEmptyAgentInThePlaceOfOneIsTaken) {
   EXPECT_EQ(agentOf("nic-1-eth0-.2"), (Agent{0, ""}));
 }
 
-TEST(GetAgentFromFilterName, FewerThanThreeDashesTellNoneAndKeepTheBuffer) {
+TEST(GetAgentFromFilterName, FewerThanThreeDashesHaveNoneAndKeepTheBuffer) {
   EXPECT_EQ(agentOf("nic-1-eth0"), (Agent{1, "kelpco-sfw"}));
   EXPECT_EQ(agentOf("nic-1-eth0.5"), (Agent{1, "kelpco-sfw"}));
   EXPECT_EQ(agentOf("nic.1"), (Agent{1, "kelpco-sfw"}));
   EXPECT_EQ(agentOf(""), (Agent{1, "kelpco-sfw"}));
 }
 
-TEST(GetAgentFromFilterName, NoDotBehindTheThirdDashTellsNone) {
+TEST(GetAgentFromFilterName, NoDotAfterTheThirdDashIsNoAgent) {
   EXPECT_EQ(agentOf("nic-1-eth0-kelpco"), (Agent{1, "kelpco-sfw"}));
   EXPECT_EQ(agentOf("nic-1.5-eth0-kelpco"), (Agent{1, "kelpco-sfw"}));
 }
 
-TEST(GetAgentFromFilterName, TheSharedFilterTellsItsAgentUpToTheFirstDot) {
+TEST(GetAgentFromFilterName, TheSharedFiltersAgentEndsAtTheFirstDot) {
   EXPECT_EQ(agentOf("shared-addrset-filter-kelpco-sfw.2"), (Agent{0, "kelpco-sfw"}));
   EXPECT_EQ(agentOf("Shared-AddrSet-FILTER-other"), (Agent{0, "other"}));
   EXPECT_EQ(agentOf("shared-addrset-filter-a.b.c"), (Agent{0, "a"}));
@@ -190,6 +177,18 @@ TEST(FilterTarget, AnEmptyNameIsAVifWithoutAName) {
   EXPECT_EQ(bytesOf(target.port), Bytes(100).at(99, {8}));
 }
 
+TEST(FilterTarget, ACallerMayWantTheAgentInAnySelector) {
+  FilterTarget target;
+  target.take("nic-1-eth0-.2");
+  EXPECT_EQ(bytesOf(target.port), Bytes(100).text(0, "nic-1-eth0-.2").at(99, {7}));
+  Strncpy(target.agent, "kelpco-sfw", sizeof target.agent);
+  target.settleAgent();
+  EXPECT_EQ(bytesOf(target.port), Bytes(100).text(0, "nic-1-eth0-.2").at(99, {7}));
+  target.settleAgent(true);
+  EXPECT_EQ(bytesOf(target.port),
+            Bytes(100).text(0, "nic-1-eth0-.2").text(64, "kelpco-sfw").at(99, {7}));
+}
+
 // --- Verbosity
 
 TEST(Verbosity, StepsAndValuesAddUpAndNegativeOnesCountAsZero) {
@@ -231,21 +230,26 @@ TEST(Verbosity, RefusesAComponentThatIsNotThere) {
   }
 }
 
-TEST(Verbosity, SaysItsLevelAndTheSelectorsAgentAndSetsTheLibrarys) {
+TEST(Verbosity, PrintsItsLevelAndTheSelectorsAgent) {
   const LogCapture log;  // puts the levels back at its end
   FilterTarget target;
   target.take("nic-1-eth0-other-fw.2");
   Verbosity verbosity;
   verbosity.raise("3");
-  verbosity.takeComponent("lexer");
-  const CommandResult said{0, "verbose level : 3\nweirgate agent: other-fw\n", ""};
-
-  EXPECT_EQ(captured([&] { return verbosity.announce(target), 0; }), said);
+  EXPECT_EQ(captured([&] { return verbosity.announce(target), 0; }),
+            (CommandResult{0, "verbose level : 3\nweirgate agent: other-fw\n", ""}));
   unsigned int level = 9;
   EXPECT_EQ(FW_GetLibVerboseLevel(3, &level), 0u);
   EXPECT_EQ(level, 0u);
+}
 
-  EXPECT_EQ(captured([&] { return verbosity.apply(target), 0; }), said);
+TEST(Verbosity, ReachesTheLibrarysComponent) {
+  const LogCapture log;
+  Verbosity verbosity;
+  verbosity.raise("3");
+  verbosity.takeComponent("lexer");
+  EXPECT_EQ(captured([&] { return verbosity.raiseLibrary(), 0; }), (CommandResult{0, "", ""}));
+  unsigned int level = 9;
   FW_GetLibVerboseLevel(3, &level);
   EXPECT_EQ(level, 3u);
   FW_GetLibVerboseLevel(4, &level);
@@ -256,7 +260,7 @@ TEST(Verbosity, WithoutAComponentReachesAllOfThem) {
   const LogCapture log;
   Verbosity verbosity;
   verbosity.raise(nullptr);
-  captured([&] { return verbosity.apply(FilterTarget()), 0; });
+  verbosity.raiseLibrary();
   for (unsigned int component = 0; component < FW_GetComponentCount(); ++component) {
     unsigned int level = 0;
     FW_GetLibVerboseLevel(component, &level);
@@ -268,63 +272,12 @@ TEST(Verbosity, IsSilentAtLevelZero) {
   const LogCapture log;
   FW_SetLibVerboseLevel(255, 2);
   const Verbosity verbosity;
-  EXPECT_EQ(captured([&] { return verbosity.apply(FilterTarget()), 0; }),
+  EXPECT_EQ(captured([&] { return verbosity.announce(FilterTarget()), 0; }),
             (CommandResult{0, "", ""}));
+  verbosity.raiseLibrary();
   unsigned int level = 0;
   FW_GetLibVerboseLevel(0, &level);
   EXPECT_EQ(level, 2u);
-}
-
-// --- What most handlers take
-
-namespace {
-
-/// A handler of its shared options only.
-int sharedHandler(std::vector<std::string> words, SharedOptions& shared) {
-  words.insert(words.begin(), "getrules");
-  Arguments arguments(std::move(words));
-  const Usage usage("Usage: tarnioctl %s\n", "GetRules");
-  Options options(arguments.count(), arguments.vector(), "hv::m:f:");
-  for (int option; (option = options.next()) != -1;)
-    if (const auto status = shared.take(option, options.value(), usage)) return *status;
-  if (!shared.target.given) return usage.filterMissing();
-  shared.settle();
-  return 0;
-}
-
-CommandResult runShared(const std::vector<std::string>& words) {
-  SharedOptions shared;
-  return captured([&] { return sharedHandler(words, shared); });
-}
-
-}  // namespace
-
-TEST(SharedOptions, TakeFilterVerbosityAndComponent) {
-  const LogCapture log;
-  SharedOptions shared;
-  EXPECT_EQ(captured([&] {
-              return sharedHandler({"-v", "-f", "vif", "-m", "io", "-v2"}, shared);
-            }),
-            (CommandResult{0, "verbose level : 3\nweirgate agent: kelpco-sfw\n", ""}));
-  EXPECT_EQ(bytesOf(shared.target.port),
-            Bytes(100).text(0, "vif").text(64, "kelpco-sfw").at(99, {8}));
-  unsigned int level = 0;
-  FW_GetLibVerboseLevel(5, &level);
-  EXPECT_EQ(level, 3u);
-}
-
-TEST(SharedOptions, EndTheHandlerWhereItCannotGoOn) {
-  const std::string usage = "Usage: tarnioctl GetRules\n";
-  EXPECT_EQ(runShared({"-h", "-x"}), (CommandResult{0, usage, ""}));
-  EXPECT_EQ(runShared({"-x"}), (CommandResult{1, usage, "getrules: invalid option -- 'x'\n"}));
-  EXPECT_EQ(runShared({"-f"}),
-            (CommandResult{1, usage, "getrules: option requires an argument -- 'f'\n"}));
-  EXPECT_EQ(runShared({}), (CommandResult{1, usage, "ERROR: filter is missing.\n"}));
-  EXPECT_EQ(runShared({"-m", "nobody", "-h"}),
-            (CommandResult{1, "", "ERROR: bad component id nobody\n"}));
-  const std::string tooLong(100, 'f');
-  EXPECT_EQ(runShared({"-f", tooLong}),
-            (CommandResult{1, "", "ERROR: invalid filter name " + tooLong + "\n"}));
 }
 
 // --- Options
@@ -407,10 +360,17 @@ TEST(Usage, GoesToStandardOutputWithTheWordAndGivesTheStatus) {
   EXPECT_EQ(captured([&] { return usage(1); }).status, 1);
 }
 
-TEST(Usage, SaysThatAFilterIsMissing) {
+TEST(Usage, FollowsAnErrorLine) {
   const Usage usage("Usage: tarnioctl %s\n", "getrules");
-  EXPECT_EQ(captured([&] { return usage.filterMissing(); }),
-            (CommandResult{1, "Usage: tarnioctl getrules\n", "ERROR: filter is missing.\n"}));
+  EXPECT_EQ(captured([&] { return usage.error("ERROR: bad enable value %s\n", "2"); }),
+            (CommandResult{1, "Usage: tarnioctl getrules\n", "ERROR: bad enable value 2\n"}));
+}
+
+TEST(PrintWith, PutsTheWordInThePlaceOfTheFirstPercentS) {
+  EXPECT_EQ(captured([] { return printWith(stderr, "a %s b %s %d\n", "%s%n"), 0; }),
+            (CommandResult{0, "", "a %s%n b %s %d\n"}));
+  EXPECT_EQ(captured([] { return printWith(stdout, "none 100%\n", "x"), 0; }),
+            (CommandResult{0, "none 100%\n", ""}));
 }
 
 TEST(Error, GoesToStandardErrorAndGives1) {
