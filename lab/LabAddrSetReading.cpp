@@ -119,7 +119,8 @@ void putCounters(Bytes record, std::size_t offset, std::uint64_t load) {
 }
 
 std::uint64_t uptimeOf(const SetFile& set) {
-  return bootSeconds() - std::min(bootSeconds(), set.head().realized);
+  const std::uint64_t now = bootSeconds();
+  return now - std::min(now, set.head().realized);
 }
 
 namespace EntryStatistics {

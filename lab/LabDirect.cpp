@@ -168,8 +168,8 @@ int Request::writeBuffer(std::uint64_t address, ConstBytes bytes) {
   return 0;
 }
 
-int answerDirect(const Store& store, Faults& faults, JournalEntry& entry, std::uint64_t argument) {
-  const DirectKind* kind = findDirect(entry.device, entry.request);
+int answerDirect(const DirectKind* kind, const Store& store, Faults& faults, JournalEntry& entry,
+                 std::uint64_t argument) {
   if (kind == nullptr && !isUnanswered(entry)) {
     entry.note = "no such request on this device";
     return ENOTTY;

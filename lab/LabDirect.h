@@ -62,9 +62,10 @@ struct DirectKind {
   int (*whole)(Request& request) = nullptr;         // answers without the checks of the body
 };
 
-/// Answers the request that `entry` names, whose frame is at an address of this process: 0 or an
-/// errno. Whatever is to be seen of it is in the entry then.
-int answerDirect(const Store& store, Faults& faults, JournalEntry& entry, std::uint64_t argument);
+/// Answers the request that `entry` names, whose frame is at an address of this process, as the
+/// kind says; a null one is not known. Returns 0 or an errno; what came of it is in the entry then.
+int answerDirect(const DirectKind* kind, const Store& store, Faults& faults, JournalEntry& entry,
+                 std::uint64_t argument);
 
 }  // namespace TarnLab
 

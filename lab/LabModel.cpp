@@ -6,7 +6,7 @@
 #include <ctime>
 #include <new>
 
-#include "LabDirect.h"
+#include "LabFamily.h"
 
 namespace TarnLab {
 
@@ -73,7 +73,7 @@ int Model::request(Device device, std::uint32_t number, std::uint64_t argument,
         entry.error = static_cast<int>(*error);
         entry.note = "ordered fault";
       } else {
-        entry.error = answerDirect(store_, faults, entry, argument);
+        entry.error = answerDirect(findDirect(device, number), store_, faults, entry, argument);
       }
     } catch (const StoreError& failure) {
       entry.error = EIO;

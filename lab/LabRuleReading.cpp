@@ -1,6 +1,7 @@
 // The commands that read rules, their counters and their balancers, one by one or by their ids.
 #include <unordered_map>
 
+#include "LabAddressRecord.h"
 #include "LabFamily.h"
 #include "LabRuleCommands.h"
 
@@ -59,11 +60,30 @@ constexpr List list{.record = &kind, .count = returned, .at = 80, .ids = max};
 }  // namespace Counters
 
 namespace Balancers {
-constexpr std::size_t idsAt = 80, stateSize = 160;
+constexpr U32 flows{0, "flows"}, now{4, "now"}, lastUse{8, "last use"}, timeout{12, "timeout"};
+constexpr Blob address{16, AddressRecord::size, "address"};
+
+/// The state of a balancer after some traffic, made from the rule's id: it is the same whenever it
+/// is read, and no two of its numbers are alike. When the id is divisible by 4, there are no flows
+/// left, and the time-out runs.
+void put(Bytes record, std::uint32_t rule) {
+  const std::uint32_t load = rule % 250 + 1;
+  std::memset(record.data(), 0, record.size());
+  flows.put(record, rule % 4 == 0 ? 0 : load * 3);
+  now.put(record, load * 1029);       // seconds
+  lastUse.put(record, load * 1000);   // seconds
+  timeout.put(record, load / 2 + 7);  // minutes
+  const Bytes persisted = placeOf(record, address);
+  put16(persisted, AddressRecord::type, AddressRecord::ipv4);
+  put32(persisted, AddressRecord::value, 203 | 0 << 8 | 113 << 16 | load << 24);  // 203.0.113.load
+}
+
+constexpr RecordKind state{160};
+constexpr List states{.record = &state, .count = returned, .at = 80, .ids = max};
+
+// The log prints the ids only, which stand before the states.
 constexpr RecordKind id{4, nullptr, {U32{0, "rule"}}};
-constexpr List ids{.record = &id, .count = returned, .at = idsAt};
-constexpr RecordKind state{stateSize};
-constexpr List states{.record = &state, .count = returned, .at = idsAt, .ids = max};
+constexpr List ids{.record = &id, .count = returned, .at = states.at};
 }  // namespace Balancers
 
 /// The rules that a request asks for, as places in the set's rules of the kind.
@@ -166,15 +186,17 @@ std::uint32_t getStatistics(Context context, Body& body) {
   return Status::ok;
 }
 
-/// Only the ids are written; they follow each other where the request had its ids.
+/// The ids of the rules stand where the request had its ids, and the states follow them.
 std::uint32_t getBalancers(Context context, Body& body) {
   const Choice choice = choose(context, body, Balancers::states);
   if (choice.status != Status::ok) return choice.status;
-  returned.put(body, static_cast<std::uint32_t>(choice.places.size()));
   for (std::size_t i = 0; i < choice.places.size(); ++i) {
-    putHost(body.reply(Balancers::idsAt + 4 * i, 4), 0,
+    putHost(body.reply(Balancers::ids.at + 4 * i, 4), 0,
             get32(choice.rule(choice.places[i]), RuleRecord::id));
   }
+  fillRecords(choice, body, Balancers::states, [](ConstBytes rule, Bytes record) {
+    Balancers::put(record, get32(rule, RuleRecord::id));
+  });
   return Status::ok;
 }
 

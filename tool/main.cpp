@@ -3,6 +3,8 @@
 #include <unistd.h>
 
 #include "CommandTable.h"
+#include "Program.h"
+#include "StandardOutput.h"
 
 namespace {
 
@@ -19,10 +21,12 @@ void fillStandardStreams() {
 }  // namespace
 
 /// tarnioctl <cmd> <options>: the administration of the host's firewall filters. The exit status is
-/// the handler's.
+/// the handler's, or 1 when that is 0 and output was lost.
 int main(int argc, char** argv) {
   // Opened on every run, also for help; the log is never closed.
   openlog(programName(argc > 0 ? argv[0] : "tarnioctl"), LOG_CONS, LOG_AUTHPRIV);
   fillStandardStreams();
-  return runCommand(argc, argv);
+  // Static, so that lost output is reported too where the library ends the process.
+  static StandardOutput output;
+  return output.finish(runProgram(argc, argv));
 }

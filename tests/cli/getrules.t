@@ -171,7 +171,7 @@ Load balancing.
   $ quiet tarnioctl getrules -f $filter -d -r lb
   ruleset lb {
     rule 31 at 1 in protocol tcp from any to ip 192.0.2.1 port 80 lb  lbtype L4 lboptions rr;
-        num flows = 0, timeout remaining = 0:00s
+        num flows = 96, persist timeout = 23m, timeout remaining = 23:00s, persist addr = ip 203.0.113.32
   }
   
 

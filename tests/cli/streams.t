@@ -30,13 +30,59 @@ Configuration is not read from a device in the place of a closed standard input.
   input in flex scanner failed
   [2]
 
-The command is carried out and its status is its own.
+The command is carried out. Its status is its own, but output that is lost is no success.
 
   $ config -f $filter -c 'create addrset "web";' >&- 2>&-
-  $ tarnlab run tarnioctl getaddrsets -f $filter >&-
-  $ tarnlab run tarnioctl getaddrsets -f $filter > /dev/full
-  $ tarnlab run tarnioctl getaddrsets -f nonesuch 2>&-
+  $ getaddrsets() { tarnlab run tarnioctl getaddrsets -f "$@"; }
+  $ getaddrsets $filter >&-
+  ERROR: failed to write output: Bad file descriptor
   [1]
-  $ tarnlab run tarnioctl getaddrsets -f $filter <&- 2>&-
+  $ getaddrsets $filter > /dev/full
+  ERROR: failed to write output: No space left on device
+  [1]
+  $ getaddrsets $filter <&- >&- 2>&-
+  [1]
+  $ getaddrsets nonesuch 2>&-
+  [1]
+  $ getaddrsets nonesuch > /dev/full
+  ERROR: failed to get addrset count: switch port not found
+  [1]
+  $ getaddrsets $filter <&- 2>&-
   addrset web {
   }
+
+A reader that has gone ends the program, as it ends others, unless that is ignored.
+
+  $ (sleep 0.1; getaddrsets $filter; echo $? >&2) | true
+  141
+  $ (trap '' PIPE; sleep 0.1; getaddrsets $filter; echo $? >&2) | true
+  ERROR: failed to write output: Broken pipe
+  1
+
+Usage is output too. A status other than 0 stays.
+
+  $ for words in help 'getfilters -h' 'getfilters -x' 'tarnfwcli -Override -h' nonesuch; do
+  >   tarnioctl $words > /dev/full
+  >   echo $?
+  > done
+  ERROR: failed to write output: No space left on device
+  1
+  ERROR: failed to write output: No space left on device
+  1
+  getfilters: invalid option -- 'x'
+  ERROR: failed to write output: No space left on device
+  1
+  ERROR: failed to write output: No space left on device
+  1
+  ERROR: unknown command `nonesuch'
+  
+  ERROR: failed to write output: No space left on device
+  1
+
+Output that was lost before the library ends the program.
+
+  $ tarnlab fault absent
+  $ tarnlab run tarnioctl getaddrsets -v -f $filter > /dev/full
+  ERROR: failed to write output: No space left on device
+  [255]
+  $ tarnlab fault clear

@@ -1,5 +1,6 @@
 #include "MemoryShim.h"
 
+#include <cstddef>
 #include <cstdlib>
 #include <limits>
 
@@ -10,11 +11,13 @@ constexpr unsigned int kNone = std::numeric_limits<unsigned int>::max();
 /// Allocations up to the one that fails.
 thread_local unsigned int t_left = kNone;
 thread_local bool t_noMemory = false;
+thread_local bool t_onwards = false;
 
 void* allocate(std::size_t size) noexcept {
-  if (t_noMemory) return nullptr;
-  if (t_left != kNone && t_left-- == 0) return nullptr;  // one failure: kNone is what is left
-  return std::malloc(size == 0 ? 1 : size);
+  if (MemoryShim::nextFails()) return nullptr;
+  // Not `malloc`, which a program may count by itself.
+  void* memory = nullptr;
+  return ::posix_memalign(&memory, alignof(std::max_align_t), size) == 0 ? memory : nullptr;
 }
 
 void* allocateOrThrow(std::size_t size) {
@@ -39,8 +42,23 @@ void operator delete[](void* memory, const std::nothrow_t&) noexcept { std::free
 
 namespace MemoryShim {
 
-FailingAllocation::FailingAllocation(unsigned int number) { t_left = number; }
-FailingAllocation::~FailingAllocation() { t_left = kNone; }
+bool nextFails() {
+  if (t_noMemory) return true;
+  if (t_left == kNone || t_left-- != 0) return false;
+  // One failure: kNone is what is left.
+  t_noMemory = t_onwards;
+  return true;
+}
+
+FailingAllocation::FailingAllocation(unsigned int number, Range range) {
+  t_left = number;
+  t_onwards = range == kFromThereOn;
+}
+FailingAllocation::~FailingAllocation() {
+  t_left = kNone;
+  t_noMemory = false;
+}
+bool FailingAllocation::reached() const { return t_left == kNone; }
 
 NoMemory::NoMemory() { t_noMemory = true; }
 NoMemory::~NoMemory() { t_noMemory = false; }

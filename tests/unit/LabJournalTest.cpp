@@ -164,6 +164,18 @@ TEST_F(LabJournal, DecodesTheFieldsOfACommandAndItsReply) {
                         "(there is no rule set none)");
 }
 
+TEST_F(LabJournal, AMessageThatWasNotAnsweredHasNoAnswer) {
+  ByteVector sent = message(1, ByteVector(4));
+  ASSERT_EQ(send(sent, filterSelector("none")), ENOENT);
+  EXPECT_EQ(line(),
+            "firewall 15: filter none of kelpco-sfw: message 0: GetRuleSetCount() = ENOENT "
+            "(there is no filter none of kelpco-sfw)");
+  put32(sent, 20, 5);
+  ASSERT_EQ(send(sent, filterSelector(web)), EINVAL);
+  EXPECT_EQ(line().find("= ok"), std::string::npos) << line();
+  EXPECT_EQ(decodeRecords(journal().back()), "");
+}
+
 TEST_F(LabJournal, DecodesEveryCommandOfRuleSetsFieldByField) {
   const ByteVector named = Record().text("web", 64).to(84);
   const ByteVector selection = Record().text("web", 64).u32(2).u32(7).u16(1).u8(2).u8(0).to(4000);

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <set>
+
 #include "LabBench.h"
 #include "LabSetFile.h"
 
@@ -142,12 +144,33 @@ TEST_F(LabRuleSets, CountersAreTheSameAtEveryReading) {
   EXPECT_EQ(get32(reply, 88 + 64), 1004u);
 }
 
-TEST_F(LabRuleSets, BalancersAreToldByTheirIds) {
+TEST_F(LabRuleSets, BalancersComeWithTheirIdsAndTheirStates) {
   ASSERT_EQ(createRuleSet("web", {ruleRecord(4, 13), ruleRecord(9, 13)}), 0u);
   ASSERT_EQ(command(12, Record().text("web", 64).u32(2).u32(0).u16(1).u8(2).to(80 + 2 * 164)), 0u);
   EXPECT_EQ(get32(reply, 76), 2u);
   EXPECT_EQ(get32(reply, 80), 4u);
   EXPECT_EQ(get32(reply, 84), 9u);
+  const ByteVector four = Record().u32(0).u32(5145).u32(5000).u32(9).bytes(ipv4("203.0.113.5"));
+  const ByteVector nine =
+      Record().u32(30).u32(10290).u32(10000).u32(12).bytes(ipv4("203.0.113.10"));
+  const auto states = reply.begin() + 88;
+  EXPECT_EQ(ByteVector(states, states + 160), four) << "no flows left: the time-out runs";
+  EXPECT_EQ(ByteVector(states + 160, states + 320), nine);
+}
+
+TEST_F(LabRuleSets, NoTwoNumbersOfABalancersStateAreAlike) {
+  std::vector<ByteVector> rules;
+  for (unsigned i = 1; i <= 1000; ++i) rules.push_back(ruleRecord(i, 13));
+  ASSERT_EQ(createRuleSet("web", rules), 0u);
+  const std::size_t size = 80 + 1000 * 164;
+  ASSERT_EQ(command(12, Record().text("web", 64).u32(1000).u32(0).u16(1).u8(2).to(size)), 0u);
+  for (std::size_t i = 0; i < rules.size(); ++i) {
+    std::set<std::uint32_t> numbers;
+    for (std::size_t at = 0; at < 16; at += 4) {
+      numbers.insert(get32(reply, 80 + 4000 + 160 * i + at));
+    }
+    EXPECT_EQ(numbers.size(), 4u) << "rule " << i + 1;
+  }
 }
 
 TEST_F(LabRuleSets, APageNeedsTheRoomThatItAsksFor) {

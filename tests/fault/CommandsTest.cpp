@@ -1,0 +1,223 @@
+// What each command does when memory or standard output fails. This program is run in a lab by
+// "tarnlab run". A command that is new gets a row in `kRows`.
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <set>
+#include <string>
+
+#include "CommandProcess.h"
+#include "CommandTable.h"
+
+using CommandProcess::Result;
+using CommandProcess::Words;
+
+namespace {
+
+#define FILTER "nic-1002672-eth0-kelpco-sfw.2"
+#define OTHER_FILTER "nic-1002731-eth0-kelpco-sfw.2"
+
+/// How a command may end when an allocation fails: its status and the last line on standard error.
+/// Without one it is "whole" or "part", which is how much of its output there is.
+using Ends = std::set<std::string>;
+
+/// A command and every end that it has; none, when it allocates nothing.
+struct Row {
+  const char* name;
+  Words words;
+  Ends ends;
+};
+
+void PrintTo(const Row& row, std::ostream* to) { *to << row.name; }
+
+Ends both(Ends some, const Ends& others) {
+  some.insert(others.begin(), others.end());
+  return some;
+}
+
+// Scripts know the statuses: 255 for a library handle that cannot be made, 0 for a set that cannot
+// be read among others. A request that fails in `FW_Ioctl` counts no filters. An address or a line
+// that has no text is left out.
+
+Ends listEnds(const std::string& filters, const std::string& agent) {
+  return {"1 ERROR: kernel out of memory", "1 ERROR: no memory for getting filters: " + filters,
+          "1 ERROR: there is no filter for agent " + agent};
+}
+
+const Ends kRuleSetEnds = {
+    "255 part",
+    "1 ERROR: failed to get total rulesets: out of memory",
+    "1 ERROR: failed to get root ruleset: out of memory",
+    "1 ERROR: failed to get #0 ruleset: out of memory",
+};
+const Ends kRuleEnds = {
+    "0 part",
+    "0 ERROR: failed to get 0 rule in ruleset web: out of memory",
+    "0 ERROR: failed to get 1 rule count for ruleset web: out of memory",
+    "0 ERROR: failed to get 2 rule count for ruleset web: out of memory",
+    "0 ERROR:   rule conversion failed unknown error",
+};
+const Ends kAddrSetEnds = {
+    "255 part",
+    "0 part",
+    "0 whole",
+    "0 ERROR: no memory for addrset hosts",
+    "0 ERROR: failed to find type and size of hosts",
+    "0 ERROR: failed to get address of addrset hosts: out of memory",
+};
+const Ends kAddrSetListEnds = {
+    "1 ERROR: failed to get addrset count: out of memory",
+    "1 ERROR: no memory for getting 1 addrsets",
+    "1 ERROR: failed to get 1 address sets: out of memory",
+};
+const Ends kContainerEnds = {
+    "255 part",
+    "0 whole",
+    "0 ERROR: failed to find type and size of hosts",
+    "1 ERROR: failed to get container count: out of memory",
+    "1 ERROR: no memory for getting 1 containers",
+    "1 ERROR: failed to get 1 address sets: out of memory",
+};
+
+const Row kRows[] = {
+    {"Help", {"help"}, {}},
+    {"Unknown", {"nonesuch"}, {}},
+    {"Unsupported", {"migrate"}, {}},
+    {"Getfilters", {"getfilters"}, listEnds("8", "")},
+    {"GetfiltersStatistics", {"getfilters", "-s"}, listEnds("8", "")},
+    {"GetfiltersDistribution", {"getfilters", "-d"}, listEnds("8", "")},
+    {"GetfiltersSlowPath", {"getfilters", "-c", "7"}, listEnds("8", "")},
+    {"GetfiltersVifs", {"getfilters", "-i"}, listEnds("8", "")},
+    {"GetfiltersAgent", {"getfilters", "-a", "kelpco-sfw"}, listEnds("6", "kelpco-sfw")},
+    {"GetfiltersNumber", {"getfilters", "-n"}, {"0 part"}},
+    {"Getrules", {"getrules", "-f", FILTER}, both(kRuleSetEnds, kRuleEnds)},
+    {"GetrulesOfOne", {"getrules", "-f", FILTER, "-r", "web"}, both(kRuleSetEnds, kRuleEnds)},
+    {"GetrulesStatistics",
+     {"getrules", "-f", FILTER, "-s"},
+     both(kRuleSetEnds, {"0 ERROR: failed to get 0 rule stat: out of memory",
+                         "0 ERROR: failed to get 1 rule count: out of memory",
+                         "0 ERROR: failed to get 2 rule count: out of memory",
+                         "0 ERROR: no memory for getting 1 0 rule stats"})},
+    {"GetrulesBalancers",
+     {"getrules", "-f", FILTER, "-d"},
+     both(kRuleSetEnds, {"0 ERROR: failed to get dnat rule count for ruleset web: out of memory"})},
+    {"Getaddrsets", {"getaddrsets", "-f", FILTER}, both(kAddrSetEnds, kAddrSetListEnds)},
+    {"GetaddrsetsOfOne", {"getaddrsets", "-f", FILTER, "-a", "hosts"}, kAddrSetEnds},
+    {"Getcontainers", {"getcontainers", "-f", FILTER}, kContainerEnds},
+    {"Getfwconfig",
+     {"getfwconfig", "-f", FILTER},
+     both({"1 ERROR: kernel out of memory"},
+          both(both(kRuleSetEnds, kRuleEnds),
+               both(both(kAddrSetEnds, kAddrSetListEnds), kContainerEnds)))},
+    {"Tarnfwcli",
+     {"tarnfwcli", "-Override", "-f", FILTER, "-c", "destroy ruleset \"none\";"},
+     {"255 whole", "1 ERROR: failed to alloc memory for configs",
+      "2 out of dynamic memory in yy_scan_buffer()", "2 out of dynamic memory in yy_scan_bytes()",
+      "2 out of dynamic memory in yyensure_buffer_stack()",
+      "1 ERROR: Could not load config `destroy ruleset \"none\";': out of memory",
+      "1 ERROR: Could not load config `destroy ruleset \"none\";': parsing error",
+      "1 ERROR: Failed to eval config `destroy ruleset \"none\";': out of memory",
+      "1 ERROR: Failed to eval config `destroy ruleset \"none\";': unknown error"}},
+    {"Uuid2number", {"uuid2number", "01234567-89ab-cdef-0123-456789abcdef"}, {}},
+    {"Number2uuid", {"number2uuid", "81985529216486895,81985529216486895"}, {}},
+};
+
+class Commands : public testing::TestWithParam<Row> {
+ protected:
+  static void SetUpTestSuite() {
+    const Result made = CommandProcess::run(
+        {"tarnfwcli", "-Override", "-f", FILTER, "-c",
+         "create addrset \"hosts\" with {10.0.0.1, 10.1.0.0/16};"
+         "create ruleset \"web\" with {rule 10 in protocol tcp from addrset \"hosts\" to any"
+         " port {80, 443} accept with log tag 'a tag of some length';};"
+         "set root ruleset \"web\" and \"\";"});
+    ASSERT_EQ(made.status, 0) << made;
+  }
+};
+
+/// The end of a run as rows name it.
+std::string endOf(const Result& result, const std::string& wholeOutput) {
+  const std::string status = std::to_string(result.status) + " ";
+  if (result.err.empty()) return status + (result.out == wholeOutput ? "whole" : "part");
+  const std::size_t start = result.err.rfind('\n', result.err.size() - 2);
+  std::string line = result.err.substr(start == std::string::npos ? 0 : start + 1);
+  if (line.back() == '\n') line.pop_back();
+  return status + line;
+}
+
+TEST_P(Commands, HasItsEndsWhenAnAllocationFails) {
+  const Row& row = GetParam();
+  const std::string wholeOutput = CommandProcess::run(row.words).out;
+  std::set<std::string> ends;
+  for (const bool onwards : {false, true}) {
+    for (unsigned int number = 0;; ++number) {
+      const Result result = CommandProcess::runWithoutMemory(row.words, number, onwards);
+      if (!result.reached && result.status >= 0) break;
+      const std::string end = endOf(result, wholeOutput);
+      EXPECT_NE(row.ends.count(end), 0u) << number << (onwards ? " onwards: " : ": ") << result;
+      ends.insert(end);
+    }
+  }
+  EXPECT_EQ(ends, row.ends);
+}
+
+TEST_P(Commands, ReportsOutputThatIsLost) {
+  const Row& row = GetParam();
+  const Result whole = CommandProcess::run(row.words);
+  unsigned int number = 0;
+  for (;; ++number) {
+    const Result result = CommandProcess::runWithoutRoom(row.words, number, ENOSPC);
+    if (!result.reached) {
+      EXPECT_EQ(result.out, whole.out);
+      break;
+    }
+    EXPECT_EQ(result.err, whole.err + "ERROR: failed to write output: No space left on device\n");
+    EXPECT_EQ(result.status, whole.status != 0 ? whole.status : 1);
+    EXPECT_LT(result.out.size(), whole.out.size());
+  }
+  EXPECT_EQ(number != 0, !whole.out.empty());
+}
+
+INSTANTIATE_TEST_SUITE_P(All, Commands, testing::ValuesIn(kRows),
+                         [](const auto& row) { return row.param.name; });
+
+TEST(CommandRows, NameEveryHandlerOfThisBuild) {
+  std::set<FWHandler_t> named;
+  for (const Row& row : kRows) {
+    if (const FWCommand_* const command = findCommand(row.words[0].c_str()))
+      named.insert(command->handler);
+  }
+  for (const FWCommand_& command : g_cmd_table) {
+    const Result result = CommandProcess::run({command.name, "-Override", "-h"});
+    if (result.err.find("is not available in this build") == std::string::npos) {
+      EXPECT_EQ(named.count(command.handler), 1u) << command.name << " has no row in kRows";
+    }
+  }
+}
+
+TEST(LostOutput, IsReportedWithTheFirstErrorWhenItIsLostInTheMiddle) {
+  std::string rules = "create ruleset \"long\" with {";
+  for (int id = 1; id <= 250; ++id) {
+    rules += "rule " + std::to_string(id) + " inout protocol any from any to any accept;";
+  }
+  const Words load{"tarnfwcli",  "-Override", "-f",
+                   OTHER_FILTER, "-c",        rules + "}; set root ruleset \"long\" and \"\";"};
+  const Result loaded = CommandProcess::run(load);
+  ASSERT_EQ(loaded.status, 0) << loaded;
+  const Words words{"getrules", "-f", OTHER_FILTER};
+  const Result whole = CommandProcess::run(words);
+  ASSERT_GT(whole.out.size(), 3u * 4096);
+  const Result result = CommandProcess::runWithoutRoom(words, 1, EIO);
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.err, "ERROR: failed to write output: Input/output error\n");
+  // The first block came, whose realization time is longer than what stands for it; the second is
+  // missing, with the rest of the line that was being printed; what follows came.
+  const std::size_t block = 4096 - (sizeof "2026-11-22T09:52:43" - sizeof "TIME");
+  EXPECT_EQ(result.out.substr(0, block), whole.out.substr(0, block));
+  const std::string rest = result.out.substr(block);
+  EXPECT_EQ(rest, whole.out.substr(whole.out.size() - rest.size()));
+  EXPECT_GE(whole.out.size() - result.out.size(), 4096u);
+  EXPECT_LT(whole.out.size() - result.out.size(), 4096u + 80);
+}
+
+}  // namespace

@@ -1,0 +1,131 @@
+#include <fstream>
+
+#include "LabBench.h"
+#include "LabFamily.h"
+#include "LabSettings.h"
+
+namespace TarnLab {
+namespace {
+
+class LabSettings : public LabBench {
+ protected:
+  static constexpr const char* ofWeb = "filters/0";
+
+  /// Puts this text in place of the settings of the filter `web`.
+  void write(const std::string& text) {
+    const StoreLock lock(store);
+    store.replace("filters/0/settings", {std::as_bytes(std::span<const char>(text))});
+  }
+
+  std::string written() const {
+    const auto content = store.read("filters/0/settings", 1 << 20);
+    return content ? std::string(reinterpret_cast<const char*>(content->data()), content->size())
+                   : "none";
+  }
+
+  /// What loading these settings fails with; empty when it does not fail.
+  std::string damage(const std::string& text) {
+    write(text);
+    try {
+      Settings::load(store, ofWeb);
+    } catch (const StoreError& failure) {
+      return failure.what();
+    }
+    return "";
+  }
+};
+
+constexpr FlagSetting onOff{"test.flag"}, usuallyOn{"test.on", "it is on", true};
+constexpr NumberSetting number{"test.number", 7};
+constexpr TextSetting text{"test.text", "usual"};
+constexpr BytesSetting bytes{"test.bytes"};
+
+TEST_F(LabSettings, HaveTheirUsualValuesUntilTheyAreSet) {
+  const Settings settings = Settings::load(store, ofWeb);
+  EXPECT_FALSE(settings.get(onOff));
+  EXPECT_TRUE(settings.get(usuallyOn));
+  EXPECT_EQ(settings.get(number), 7u);
+  EXPECT_EQ(settings.get(text), "usual");
+  EXPECT_TRUE(settings.get(bytes).empty());
+  EXPECT_TRUE(settings.lines().empty());
+}
+
+TEST_F(LabSettings, EveryKindIsWrittenAsALineThatCanBeRead) {
+  Settings settings;
+  settings.set(onOff, true);
+  settings.set(usuallyOn, false);
+  settings.set(number, 0xffffffffffffffff);
+  settings.set(text, "two words\n\"\\\xff");
+  settings.set(bytes, Record().u16(0x0a01).u8(0xff));
+  EXPECT_TRUE(settings.get(onOff));
+  EXPECT_FALSE(settings.get(usuallyOn));
+  EXPECT_EQ(settings.get(number), 0xffffffffffffffffu);
+  EXPECT_EQ(settings.get(text), "two words\n\"\\\xff");
+  EXPECT_EQ(settings.get(bytes), (ByteVector{std::byte{1}, std::byte{0x0a}, std::byte{0xff}}));
+  settings.save(store, ofWeb);
+  EXPECT_EQ(written(),
+            "test.bytes 010aff\ntest.flag on\ntest.number 18446744073709551615\ntest.on off\n"
+            "test.text two words\\x0a\\x22\\x5c\\xff\n");
+}
+
+TEST_F(LabSettings, WhatHasItsUsualValueAgainIsNotInTheFile) {
+  Settings settings;
+  settings.set(number, 8);
+  settings.save(store, ofWeb);
+  EXPECT_EQ(written(), "test.number 8\n");
+  settings.set(number, 7);
+  settings.set(text, "usual");
+  settings.set(bytes, {});
+  settings.save(store, ofWeb);
+  EXPECT_EQ(written(), "none");
+}
+
+TEST_F(LabSettings, WhatACommandSetsIsInTheFileAndIsShown) {
+  ASSERT_EQ(command(44, Record().u32(1)), 0u);
+  EXPECT_EQ(written(), "addrsets.shared on\n");
+  const Settings settings = Settings::load(store, ofWeb);
+  EXPECT_EQ(settings.lines(), (std::vector<std::string>{"address sets are shared"}));
+  ASSERT_EQ(command(44, Record().u32(0)), 0u);
+  EXPECT_EQ(written(), "none");
+}
+
+TEST_F(LabSettings, ADamagedFileIsRefusedByItsPath) {
+  const std::string refusal = "damaged file " + store.path("filters/0/settings");
+  for (const char* content :
+       {"addrsets.shared", "addrsets.shared\n", "addrsets.shared yes\n", "addrsets.shared  on\n",
+        "addrsets.shared on", "other on\n", "addrsets.shared on\naddrsets.shared on\n", "\n", " \n",
+        "ADDRSETS.SHARED on\n"}) {
+    EXPECT_EQ(damage(content).substr(0, refusal.size()), refusal) << content;
+  }
+  EXPECT_EQ(damage(std::string("addrsets.shared on\n\0", 20)).substr(0, refusal.size()), refusal);
+  EXPECT_EQ(damage("addrsets.shared on\n"), "");
+  EXPECT_EQ(damage(""), "");
+}
+
+TEST_F(LabSettings, ACommandOnDamagedSettingsFailsWithALineInTheLog) {
+  write("addrsets.shared perhaps\n");
+  ByteVector sent = message(45, ByteVector(4));
+  EXPECT_EQ(send(sent, filterSelector(web)), EIO);
+  EXPECT_NE(note().find("damaged file"), std::string::npos) << note();
+}
+
+TEST_F(LabSettings, NoTwoFamiliesHaveTheSameCommandRequestOrSetting) {
+  for (const Family* family : families()) {
+    for (const CommandKind& kind : family->commands) {
+      EXPECT_EQ(findCommand(kind.number), &kind) << kind.number;
+      EXPECT_NE(kind.answer, nullptr) << kind.number;
+    }
+    for (const DirectKind& kind : family->requests) {
+      EXPECT_EQ(findDirect(kind.device, kind.number), &kind) << kind.number;
+      EXPECT_NE(kind.title, nullptr) << kind.number;
+      EXPECT_NE(kind.answer != nullptr, kind.whole != nullptr) << kind.number;
+    }
+    for (const Setting& setting : family->settings) {
+      EXPECT_EQ(findSetting(setting.name), &setting) << setting.name;
+      EXPECT_EQ(setting.name.find_first_of(" \n"), std::string_view::npos) << setting.name;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace TarnLab
