@@ -10,8 +10,10 @@ die() {
 
 have() { command -v "$1" >/dev/null 2>&1; }
 
-build_packages=(g++ cmake ninja-build flex bison ccache libgtest-dev libgmock-dev libbenchmark-dev)
-test_packages=(python3 python3-cram valgrind pkg-config git)
+# What the program, the library and the lab are built with; what the tests need besides; what the
+# sanitizers and fuzzers need.
+build_packages=(g++ cmake ninja-build flex bison)
+test_packages=(ccache libgtest-dev make python3 python3-cram valgrind pkg-config git)
 fuzz_packages=(clang-14 libclang-rt-14-dev)
 
 # is_there PACKAGE. Where the package system cannot be asked, the package's command answers; what has
@@ -60,19 +62,38 @@ need_tools() {
   have g++ || die "no g++ on this machine; install g++ 12 or later"
   version=$(g++ -dumpversion 2>/dev/null) || version=
   major=${version%%.*}
-  [[ $major =~ ^[0-9]+$ ]] || die "g++ does not tell its version; g++ 12 or later is needed"
+  [[ $major =~ ^[0-9]+$ ]] || die "g++ does not print its version; g++ 12 or later is needed"
   [ "$major" -ge 12 ] || die "g++ $version is too old; g++ 12 or later is needed"
 
   have cmake || die "no cmake on this machine; install CMake 3.25 or later"
   version=$(cmake --version 2>/dev/null) || version=
   [[ $version =~ version\ ([0-9]+)\.([0-9]+) ]] ||
-    die "cmake does not tell its version; CMake 3.25 or later is needed"
+    die "cmake does not print its version; CMake 3.25 or later is needed"
   major=${BASH_REMATCH[1]} minor=${BASH_REMATCH[2]}
   [ "$major" -gt 3 ] || { [ "$major" -eq 3 ] && [ "$minor" -ge 25 ]; } ||
     die "CMake $major.$minor is too old; CMake 3.25 or later is needed"
 }
 
-# build PRESET [TARGET...] configures when needed and builds; quiet unless something goes wrong.
+# progress LOG writes what it reads into the log and shows how far the build is: in place on a
+# terminal, otherwise a line for each tenth. ninja begins its lines with [done/all].
+progress() {
+  local line tenth=0 terminal=
+  [ ! -t 1 ] || terminal=yes
+  while IFS= read -r line; do
+    printf '%s\n' "$line" >&3
+    [[ $line =~ ^\[([0-9]+)/([0-9]+)\] ]] || continue
+    if [ -n "$terminal" ]; then
+      printf '\r    %s of %s' "${BASH_REMATCH[@]:1}"
+    elif [ $((BASH_REMATCH[1] * 10 / BASH_REMATCH[2])) -gt "$tenth" ]; then
+      tenth=$((BASH_REMATCH[1] * 10 / BASH_REMATCH[2]))
+      printf '    %s of %s\n' "${BASH_REMATCH[@]:1}"
+    fi
+  done 3>"$1"
+  [ -z "$terminal" ] || printf '\r\033[K'
+}
+
+# build PRESET [TARGET...] configures when needed and builds. Shows the build's progress; what the
+# compilers print goes into a log, whose end is shown when something goes wrong.
 build() {
   local preset=$1 log
   shift
@@ -86,7 +107,7 @@ build() {
     }
   fi
   say "building preset $preset${*:+ ($*)}"
-  cmake --build --preset "$preset" ${*:+--target "$@"} >"$log" 2>&1 || {
+  cmake --build --preset "$preset" ${*:+--target "$@"} 2>&1 | progress "$log" || {
     tail -n 60 "$log" >&2
     die "the build of preset $preset failed; the whole log is $log"
   }

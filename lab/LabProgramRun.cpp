@@ -33,7 +33,7 @@ std::string ownFolder() {
 /// The preload library: beside this program as it was built, or where it is installed.
 std::string preloadLibrary() {
   const std::string folder = ownFolder();
-  for (const char* place : {"/", "/../" TARNLAB_LIBRARY_FOLDER "/"}) {
+  for (const char* place : {"/", "/" TARNLAB_LIBRARY_FOLDER "/"}) {
     const std::string path = folder + place + std::string(libraryName);
     if (::access(path.c_str(), R_OK) != 0) continue;
     const std::string found = absolute(path);
@@ -107,13 +107,15 @@ int become(const Store& store, char* const* command) {
   // A program built with the address sanitizer asks that its runtime be the first library. Ours
   // takes none of the functions that the sanitizer watches memory with, so it may stand in front.
   prepend("ASAN_OPTIONS", "verify_asan_link_order=0", ':');
-  // The programs of this build are found without a path, behind all others.
+  // The programs of this build, or those installed beside this one, are found without a path, after
+  // all others.
   const char* path = std::getenv("PATH");
   const std::string built = ownFolder() + "/../tool";
-  if (::access(built.c_str(), X_OK) == 0) {
-    ::setenv("PATH",
-             ((path != nullptr ? std::string(path) : "/usr/bin:/bin") + ":" + built).c_str(), 1);
-  }
+  ::setenv("PATH",
+           ((path != nullptr ? std::string(path) : "/usr/bin:/bin") + ":" +
+            (::access(built.c_str(), X_OK) == 0 ? built : ownFolder()))
+               .c_str(),
+           1);
 
   const std::string name = command[0];
   const auto program = findProgram(name);

@@ -9,8 +9,9 @@
 /// unless it says otherwise. The caller owns all result memory, and what a function is given stays
 /// the caller's. The kernel's own statuses come back as they are: `FW_StatusToString` tells them.
 ///
-/// The header is C++20, for its records of fixed byte order. The functions have C linkage, so that
-/// a program in another language can declare those that it calls. The types that they take are
+/// The header is C++20, for its records of fixed byte order. A C program takes it in a C++ file of
+/// its own, as examples/library does. The functions have C linkage, so that a program in another
+/// language can also declare those that it calls. The types that they take are
 /// brought into the global namespace; constants and helpers stand in `TarnFirewall`.
 ///
 /// Two threads may use one handle, as far as its channel allows it. Where a function is not for
@@ -19,8 +20,10 @@
 /// This header, TarnFWRecords.h, TarnFWRuleRecord.h, TarnFWTypes.h and TarnFWWire.h are what is
 /// installed. What stands between the two visibility lines is what the shared library exports.
 
-#ifndef __cplusplus
-#error "tarnfw.h is C++20; a C program declares the functions that it calls itself"
+#if __cplusplus < 202002L
+// A file that is not there is the one error after which a compiler stops; after #error it would go
+// on and print one for every name that is missing.
+#include "tarnfw.h is C++20: compile with -std=c++20; a C program uses it in a C++ file of its own"
 #endif
 
 #include <stdio.h>

@@ -100,7 +100,7 @@ No apt-get, no network, a package that cannot be had, nobody who may install.
   err| error: apt-get is not on this machine; install these by hand and run again: flex bison valgrind
   [1]
   $ attempt tree/quickstart
-  err| error: apt-get is not on this machine; install these by hand and run again: flex bison valgrind
+  err| error: apt-get is not on this machine; install these by hand and run again: flex bison
   [1]
   $ attempt tree/.ci/run
   err| error: apt-get is not on this machine; install these by hand and run again: flex bison valgrind
@@ -113,9 +113,9 @@ No apt-get, no network, a package that cannot be had, nobody who may install.
   err| error: apt-get update failed (no network?); these packages are missing: flex bison valgrind
   [1]
   $ attempt tree/quickstart
-  ==> installing with apt: flex bison valgrind
+  ==> installing with apt: flex bison
   err| E: Failed to fetch
-  err| error: apt-get update failed (no network?); these packages are missing: flex bison valgrind
+  err| error: apt-get update failed (no network?); these packages are missing: flex bison
   [1]
 
   $ stub apt-get <<< '[ "$1" = update ] || { echo "E: Unable to locate package" >&2; exit 100; }'
@@ -131,7 +131,7 @@ No apt-get, no network, a package that cannot be had, nobody who may install.
   err| error: missing packages and neither root nor sudo to install them: flex bison valgrind
   [1]
   $ attempt tree/quickstart
-  err| error: missing packages and neither root nor sudo to install them: flex bison valgrind
+  err| error: missing packages and neither root nor sudo to install them: flex bison
   [1]
   $ ls tree
   quickstart
@@ -150,7 +150,7 @@ Compiler and CMake: none, too old, one that says nothing.
   [1]
   $ stub g++ <<< 'echo "cannot execute" >&2; exit 1'
   $ attempt tree/run-tests
-  err| error: g++ does not tell its version; g++ 12 or later is needed
+  err| error: g++ does not print its version; g++ 12 or later is needed
   [1]
   $ stub g++ <<< 'echo 13.2.0'
   $ attempt tree/run-tests
@@ -175,7 +175,7 @@ Compiler and CMake: none, too old, one that says nothing.
   [1]
   $ stub cmake <<< 'exit 1'
   $ attempt tree/run-tests
-  err| error: cmake does not tell its version; CMake 3.25 or later is needed
+  err| error: cmake does not print its version; CMake 3.25 or later is needed
   [1]
   $ stub cmake <<< 'case $1 in --version) echo cmake version 4.0.1 ;; esac'
   $ attempt tree/run-tests
@@ -190,9 +190,9 @@ libraries.
   $ machine
   $ rm bin/dpkg-query bin/apt-get
   $ attempt tree/run-tests
-  err| error: apt-get is not on this machine; install these by hand and run again: ninja-build flex bison python3 python3-cram valgrind pkg-config git
+  err| error: apt-get is not on this machine; install these by hand and run again: ninja-build flex bison make python3 python3-cram valgrind pkg-config git
   [1]
-  $ for tool in ninja flex bison python3 cram valgrind pkg-config git; do stub $tool <<< :; done
+  $ for tool in ninja flex bison make python3 cram valgrind pkg-config git; do stub $tool <<< :; done
   $ attempt tree/run-tests
   ==> configuring preset dev
   ==> building preset dev
@@ -203,7 +203,37 @@ libraries.
   $ attempt tree/quickstart
   err| error: apt-get is not on this machine; install these by hand and run again: flex
   [1]
-  $ rm bin/ninja bin/bison bin/python3 bin/cram3 bin/valgrind bin/pkg-config bin/git
+  $ rm bin/ninja bin/bison bin/make bin/python3 bin/cram3 bin/valgrind bin/pkg-config bin/git
+
+A build shows how far it is, and the log has all of it.
+
+  $ machine
+  $ stub cmake << 'STUB'
+  > case $1 in
+  >   --version) echo cmake version 3.25.1 ;;
+  >   --preset) mkdir -p "build/$2"; : > "build/$2/build.ninja" ;;
+  >   *) for line in {1..37}; do echo "[$line/37] Building $line.o"; done; echo "a note" >&2 ;;
+  > esac
+  > STUB
+  $ attempt tree/run-tests
+  ==> configuring preset dev
+  ==> building preset dev
+      4 of 37
+      8 of 37
+      12 of 37
+      15 of 37
+      19 of 37
+      23 of 37
+      26 of 37
+      30 of 37
+      34 of 37
+      37 of 37
+  ==> running the tests
+  ctest [--preset] [dev] [-j] [2]
+  $ grep -c . tree/build/dev.log
+  38
+  $ tail -1 tree/build/dev.log
+  a note
 
 What fails names its log.
 
@@ -238,7 +268,7 @@ What fails names its log.
   $ head -1 tree/build/dev.log
   line 1
   $ attempt tree/quickstart | tail -1
-  err| error: the build of preset release failed; the whole log is build/release.log
+  err| error: the build of preset quickstart failed; the whole log is build/quickstart.log
 
 The quickstart takes no arguments, and does nothing when it is given some.
 
@@ -250,14 +280,17 @@ The quickstart takes no arguments, and does nothing when it is given some.
   cat: tree/build/calls: No such file or directory
   [1]
 
-The quickstart builds what its lab needs and runs the main job, from any folder.
+The quickstart builds what its lab needs and runs the main job, from any folder. It needs none of the
+tests' tools.
 
   $ machine
+  $ printf '%s\n' ccache libgtest-dev libbenchmark-dev make python3 python3-cram valgrind > missing
+  $ rm bin/apt-get
   $ stub tarnlab <<< 'echo "tarnlab ${TARNLAB_HOME#"$STUBS"/} $*"'
   $ mkdir elsewhere
   $ (cd elsewhere && attempt ../tree/quickstart) | sed 's/^\$/shell:/'
-  ==> configuring preset release
-  ==> building preset release (tarnioctl tarnlab tarnlab_preload)
+  ==> configuring preset quickstart
+  ==> building preset quickstart (tarnioctl tarnlab tarnlab_preload)
   ==> starting a lab: a model kernel whose state lives in build/quickstart-lab
   
   shell: tarnlab init
@@ -274,14 +307,14 @@ The quickstart builds what its lab needs and runs the main job, from any folder.
   shell: tarnlab run tarnioctl getfwconfig -f nic-1002672-eth0-kelpco-sfw.2
   tarnlab tree/build/quickstart-lab run tarnioctl getfwconfig -f nic-1002672-eth0-kelpco-sfw.2
   ==> ready. Try it yourself:
-      export PATH="*/tree/build/release/tool:*/tree/build/release/lab:$PATH" (glob)
+      export PATH="*/tree/build/quickstart/tool:*/tree/build/quickstart/lab:$PATH" (glob)
       export TARNLAB_HOME="*/tree/build/quickstart-lab" (glob)
       tarnlab run tarnioctl getrules -f nic-1002672-eth0-kelpco-sfw.2 -s
       tarnlab run tarnioctl help
       tarnlab shell
   $ cat tree/build/calls
-  cmake --preset release
-  cmake --build --preset release --target tarnioctl tarnlab tarnlab_preload
+  cmake --preset quickstart
+  cmake --build --preset quickstart --target tarnioctl tarnlab tarnlab_preload
   $ stub tarnlab <<< 'echo "ERROR: $*" >&2; exit 3'
   $ attempt tree/quickstart | tail -1
   err| ERROR: init

@@ -1,5 +1,5 @@
-// A program of another project, through the installed shared library: loads configuration text into
-// a filter, gives it an address set, and prints what the filter holds then.
+// A C++ program that uses the installed library: loads configuration text into a filter, gives it
+// an address set, and prints what the filter holds then.
 
 #include <tarnfw.h>
 
