@@ -1,6 +1,8 @@
 #include "TarnFWL7Attribute.h"
 
+#include <compare>
 #include <cstring>
+#include <iterator>
 #include <limits>
 #include <typeinfo>
 
@@ -8,7 +10,7 @@
 #include "TarnFWException.h"
 #include "TarnFWLog.h"
 #include "TarnFWText.h"
-#include "TarnFWUtil.h"
+#include "TarnFWUtilIdentifier.h"
 
 namespace TarnFirewall {
 
@@ -39,6 +41,172 @@ std::string uuidText(const CTarnFWL7Attribute::Uuid& uuid) {
 
 }  // namespace
 
+/// What the kinds of values do each in its own way. The kind of an attribute is its key's.
+struct CTarnFWL7Attribute::Kind {
+  using Attribute = CTarnFWL7Attribute;
+
+  const char* word;      // in the log line about a record of a wrong size
+  unsigned int length;   // bytes of the record, 0 when a text ends it
+  unsigned int minimum;  // bytes below which the log line is another
+
+  /// Bytes of a whole record of `size` bytes by what it holds; 0 when that is too short to say.
+  unsigned int recordLength(const _FWAttrValue* record, unsigned int size) const {
+    if (length != 0) return length;
+    if (size < kTextAt) return 0;
+    const auto* const bytes = reinterpret_cast<const std::uint8_t*>(record);
+    return kTextAt + std::uint16_t{loadRecord<host16>(bytes + kTextLengthAt)};
+  }
+
+  /// Takes a value by its text; null when the kind is not given so.
+  bool (*parse)(Attribute& attribute, const std::string& text);
+
+  /// Reads the value of a record of `size` bytes that `checkFWAttrValue` has passed.
+  void (*read)(Attribute& attribute, const std::uint8_t* record, unsigned int size);
+
+  /// Writes the value into a record, all of which is there.
+  void (*write)(const Attribute& attribute, std::uint8_t* record);
+
+  std::strong_ordering (*compare)(const Attribute& left, const Attribute& right);
+  std::string (*text)(const Attribute& attribute);
+
+  /// The kind of a number, null when there is none.
+  static const Kind* of(unsigned int type);
+
+  // Signed numbers
+  static void readNumber(Attribute& attribute, const std::uint8_t* record, unsigned int) {
+    attribute.value_.number = loadRecord<hosti64>(record + kHead);
+  }
+  static void writeNumber(const Attribute& attribute, std::uint8_t* record) {
+    storeRecord(record + kHead, hosti64(attribute.value_.number));
+  }
+  static std::strong_ordering compareNumber(const Attribute& left, const Attribute& right) {
+    return left.value_.number <=> right.value_.number;
+  }
+  static std::string numberText(const Attribute& attribute) {
+    return std::to_string(attribute.value_.number);
+  }
+
+  // Unsigned numbers
+  static void readUnsigned(Attribute& attribute, const std::uint8_t* record, unsigned int) {
+    attribute.value_.unsignedNumber = loadRecord<host64>(record + kHead);
+  }
+  static void writeUnsigned(const Attribute& attribute, std::uint8_t* record) {
+    storeRecord(record + kHead, host64(attribute.value_.unsignedNumber));
+  }
+  static std::strong_ordering compareUnsigned(const Attribute& left, const Attribute& right) {
+    return left.value_.unsignedNumber <=> right.value_.unsignedNumber;
+  }
+  static std::string unsignedText(const Attribute& attribute) {
+    return std::to_string(attribute.value_.unsignedNumber);
+  }
+
+  // Numbers with a name
+  static bool parseName(Attribute& attribute, const std::string& text) {
+    long number = 0;
+    if (!str2eint(attribute.key_, text, &number)) return false;
+    attribute.value_.number = number;
+    return true;
+  }
+  static void readNamed(Attribute& attribute, const std::uint8_t* record, unsigned int size) {
+    readNumber(attribute, record, size);
+    if (!eint2str(attribute.key_, attribute.value_.number, &attribute.text_)) {
+      throw CInvalidAttrValue("invalid encoded int value " + numberText(attribute) + " for key " +
+                              keyName(attribute.key_));
+    }
+  }
+
+  // Identifiers
+  static void readUuid(Attribute& attribute, const std::uint8_t* record, unsigned int size);
+  static void writeUuid(const Attribute& attribute, std::uint8_t* record) {
+    const Uuid& uuid = attribute.value_.uuid;
+    const unsigned int length = attribute.getTlvLength() - kTextAt;
+    std::memcpy(record + kHead, uuid.data(), uuid.size());
+    storeRecord(record + kTextLengthAt, host16(static_cast<std::uint16_t>(length)));
+    std::memcpy(record + kTextAt, attribute.text_.c_str(), length);
+  }
+  static std::strong_ordering compareUuid(const Attribute& left, const Attribute& right) {
+    return left.value_.uuid <=> right.value_.uuid;
+  }
+
+  // Security identifiers
+  static bool parseSid(Attribute& attribute, const std::string& text) {
+    return sid_str2bin(text.c_str(), &attribute.value_.sid);
+  }
+  static void readSid(Attribute& attribute, const std::uint8_t* record, unsigned int size);
+  static void writeSid(const Attribute& attribute, std::uint8_t* record) {
+    storeRecord(record + kHead, attribute.value_.sid);
+  }
+
+  // The text
+  static std::strong_ordering compareText(const Attribute& left, const Attribute& right) {
+    return left.text_ <=> right.text_;
+  }
+  static std::string ownText(const Attribute& attribute) { return attribute.text_; }
+};
+
+void CTarnFWL7Attribute::Kind::readUuid(Attribute& attribute, const std::uint8_t* record,
+                                        unsigned int size) {
+  Uuid& uuid = attribute.value_.uuid;
+  std::memcpy(uuid.data(), record + kHead, uuid.size());
+  const std::string identifier = uuidText(uuid);
+  const std::uint16_t length = loadRecord<host16>(record + kTextLengthAt);
+  if (length == 0) {
+    attribute.text_ = identifier;
+    return;
+  }
+  if (length > size - kTextAt) {
+    throw CInvalidAttrValue(
+        formatText("buffer size %u is less than string length %u", size - kHead, length));
+  }
+  const auto* const text = reinterpret_cast<const char*>(record) + kTextAt;
+  std::size_t characters = fieldLength(text, length);
+  if (characters + identifier.size() + 2 > kMaxText) {
+    // The composed text must fit the record again.
+    characters = kMaxText - identifier.size() - 2;
+    TARNFW_WARNING("text of attribute %s cut off at %zu characters\n",
+                   keyName(attribute.key_).c_str(), characters);
+  }
+  attribute.text_.assign(text, characters);
+  attribute.text_ += '(';
+  attribute.text_ += identifier;
+  attribute.text_ += ')';
+}
+
+void CTarnFWL7Attribute::Kind::readSid(Attribute& attribute, const std::uint8_t* record,
+                                       unsigned int) {
+  attribute.value_.sid = loadRecord<fwattr_sid>(record + kHead);
+  char text[kSidTextSize];
+  if (!sid_bin2str(&attribute.value_.sid, text, sizeof text)) {
+    // The raw bytes from the revision to the record's end, which is where they stop.
+    constexpr std::size_t kRevisionAt = offsetof(fwattr_sid, revision);
+    throw CInvalidAttrValue("invalid sid value " + keyName(attribute.key_) + " : " +
+                            std::string(reinterpret_cast<const char*>(record) + kHead + kRevisionAt,
+                                        sizeof(fwattr_sid) - kRevisionAt));
+  }
+  attribute.text_ = text;
+}
+
+const CTarnFWL7Attribute::Kind* CTarnFWL7Attribute::Kind::of(unsigned int type) {
+  static constexpr Kind kKinds[] = {
+      // FW_ATTR_VALUE_INT
+      {"int", kNumberLength, 0, nullptr, readNumber, writeNumber, compareNumber, numberText},
+      // FW_ATTR_VALUE_UINT
+      {"uint", kNumberLength, 0, nullptr, readUnsigned, writeUnsigned, compareUnsigned,
+       unsignedText},
+      // FW_ATTR_VALUE_EINT
+      {"int", kNumberLength, 0, parseName, readNamed, writeNumber, compareNumber, ownText},
+      // FW_ATTR_VALUE_UUID
+      {"uuid", 0, kNumberLength, nullptr, readUuid, writeUuid, compareUuid, ownText},
+      // FW_ATTR_VALUE_SID
+      {"sid", kSidLength, 0, parseSid, readSid, writeSid, compareText, ownText},
+  };
+  static_assert(FW_ATTR_VALUE_INT == 0 && FW_ATTR_VALUE_UINT == 1 && FW_ATTR_VALUE_EINT == 2 &&
+                FW_ATTR_VALUE_UUID == 3 && FW_ATTR_VALUE_SID + 1 == std::size(kKinds));
+  return type < std::size(kKinds) ? kKinds + type : nullptr;
+}
+
+const CTarnFWL7Attribute::Kind& CTarnFWL7Attribute::kind() const { return *Kind::of(type_); }
+
 void CTarnFWL7Attribute::init(FWAttrKeyID key) {
   const _FWAttrKey* const row = dpID2attrkey(key);
   if (row == nullptr) throw CInvalidAttrKey(std::to_string(static_cast<int>(key)));
@@ -50,19 +218,10 @@ void CTarnFWL7Attribute::init(FWAttrKeyID key) {
 CTarnFWL7Attribute::CTarnFWL7Attribute(FWAttrKeyID key, const std::string& text)
     : CTarnFWContainerElement(FW_CONTAINER_ELEMENT_ATTRIBUTE) {
   init(key);
-  switch (type_) {
-    case FW_ATTR_VALUE_EINT: {
-      long number = 0;
-      if (!str2eint(key, text, &number)) refuse(key, text);
-      value_.number = number;
-      break;
-    }
-    case FW_ATTR_VALUE_SID:
-      if (!sid_str2bin(text.c_str(), &value_.sid)) refuse(key, text);
-      break;
-    default:
-      throw CInvalidAttrValue("invalid type for key: " + keyName(key) + " value: " + text);
+  if (kind().parse == nullptr) {
+    throw CInvalidAttrValue("invalid type for key: " + keyName(key) + " value: " + text);
   }
+  if (!kind().parse(*this, text)) refuse(key, text);
   text_ = text;
 }
 
@@ -124,67 +283,7 @@ CTarnFWL7Attribute::CTarnFWL7Attribute(const _FWAttrValue* value, unsigned int s
   }
   if (row->valueType != head.type) throw CInvalidAttrKey("invalid type for key " + keyName(key));
   init(key);
-  readValue(reinterpret_cast<const std::uint8_t*>(value), size);
-}
-
-/// `size` has been checked against the type, and the type against the key.
-void CTarnFWL7Attribute::readValue(const std::uint8_t* record, unsigned int size) {
-  const std::uint8_t* const value = record + kHead;
-  switch (type_) {
-    case FW_ATTR_VALUE_INT:
-      value_.number = loadRecord<hosti64>(value);
-      return;
-    case FW_ATTR_VALUE_UINT:
-      value_.unsignedNumber = loadRecord<host64>(value);
-      return;
-    case FW_ATTR_VALUE_EINT:
-      value_.number = loadRecord<hosti64>(value);
-      if (!eint2str(key_, value_.number, &text_)) {
-        throw CInvalidAttrValue("invalid encoded int value " + std::to_string(value_.number) +
-                                " for key " + keyName(key_));
-      }
-      return;
-    case FW_ATTR_VALUE_UUID: {
-      std::memcpy(value_.uuid.data(), value, value_.uuid.size());
-      const std::string uuid = uuidText(value_.uuid);
-      const std::uint16_t length = loadRecord<host16>(record + kTextLengthAt);
-      if (length == 0) {
-        text_ = uuid;
-        return;
-      }
-      if (length > size - kTextAt) {
-        throw CInvalidAttrValue(
-            formatText("buffer size %u is less than string length %u", size - kHead, length));
-      }
-      const auto* const text = reinterpret_cast<const char*>(record) + kTextAt;
-      std::size_t characters = fieldLength(text, length);
-      if (characters + uuid.size() + 2 > kMaxText) {
-        // The composed text must fit the record again.
-        characters = kMaxText - uuid.size() - 2;
-        TARNFW_WARNING("text of attribute %s cut off at %zu characters\n", keyName(key_).c_str(),
-                       characters);
-      }
-      text_.assign(text, characters);
-      text_ += '(';
-      text_ += uuid;
-      text_ += ')';
-      return;
-    }
-    case FW_ATTR_VALUE_SID: {
-      value_.sid = loadRecord<fwattr_sid>(value);
-      char text[kSidTextSize];
-      if (!sid_bin2str(&value_.sid, text, sizeof text)) {
-        // The raw bytes from the revision to the record's end, which is where they stop.
-        constexpr std::size_t kRevisionAt = offsetof(fwattr_sid, revision);
-        throw CInvalidAttrValue("invalid sid value " + keyName(key_) + " : " +
-                                std::string(reinterpret_cast<const char*>(value) + kRevisionAt,
-                                            sizeof(fwattr_sid) - kRevisionAt));
-      }
-      text_ = text;
-      return;
-    }
-  }
-  throw CInvalidAttrValue("unknown type");
+  kind().read(*this, reinterpret_cast<const std::uint8_t*>(value), size);
 }
 
 bool CTarnFWL7Attribute::checkFWAttrValue(const _FWAttrValue* value, unsigned int size) {
@@ -198,54 +297,27 @@ bool CTarnFWL7Attribute::checkFWAttrValue(const _FWAttrValue* value, unsigned in
     TARNFW_ERROR("size of buffer (%u) != length of fwattrvalue (%u)\n", size, length);
     return false;
   }
-  switch (head.type) {
-    case FW_ATTR_VALUE_INT:
-    case FW_ATTR_VALUE_EINT:
-      if (length == kNumberLength) return true;
-      TARNFW_ERROR("invalid size for int attribute\n");
-      return false;
-    case FW_ATTR_VALUE_UINT:
-      if (length == kNumberLength) return true;
-      TARNFW_ERROR("invalid size for uint attribute\n");
-      return false;
-    case FW_ATTR_VALUE_UUID: {
-      if (length < kNumberLength) {
-        TARNFW_ERROR("invalid minimum size for uuid attribute\n");
-        return false;
-      }
-      // From the minimum up to the text's length field there is nothing to compare with.
-      const auto* const record = reinterpret_cast<const std::uint8_t*>(value);
-      if (length >= kTextAt &&
-          length - kTextAt == std::uint16_t{loadRecord<host16>(record + kTextLengthAt)}) {
-        return true;
-      }
-      TARNFW_ERROR("invalid size for uuid attribute\n");
-      return false;
-    }
-    case FW_ATTR_VALUE_SID:
-      if (length == kSidLength) return true;
-      TARNFW_ERROR("invalid size for sid attribute\n");
-      return false;
-    default:
-      TARNFW_ERROR("unknown attribute value\n\n");
-      return false;
+  const Kind* const kind = Kind::of(head.type);
+  if (kind == nullptr) {
+    TARNFW_ERROR("unknown attribute value\n\n");
+    return false;
   }
+  if (length < kind->minimum) {
+    TARNFW_ERROR("invalid minimum size for %s attribute\n", kind->word);
+    return false;
+  }
+  if (length != kind->recordLength(value, length)) {
+    TARNFW_ERROR("invalid size for %s attribute\n", kind->word);
+    return false;
+  }
+  return true;
 }
 
 FWContElementType CTarnFWL7Attribute::getTlvType() const { return elementType(); }
 
 unsigned int CTarnFWL7Attribute::getTlvLength() const {
-  switch (type_) {
-    case FW_ATTR_VALUE_INT:
-    case FW_ATTR_VALUE_UINT:
-    case FW_ATTR_VALUE_EINT:
-      return kNumberLength;
-    case FW_ATTR_VALUE_UUID:
-      return kTextAt + (text_.empty() ? 0 : static_cast<unsigned int>(text_.size()) + 1);
-    case FW_ATTR_VALUE_SID:
-      break;
-  }
-  return kSidLength;
+  if (kind().length != 0) return kind().length;
+  return kTextAt + (text_.empty() ? 0 : static_cast<unsigned int>(text_.size()) + 1);
 }
 
 bool CTarnFWL7Attribute::serializeValue(void* buffer, unsigned int size,
@@ -263,24 +335,7 @@ bool CTarnFWL7Attribute::serializeValue(void* buffer, unsigned int size,
   head.length = length;
   head.zero = 0;
   storeRecord(record, head);
-  std::uint8_t* const value = record + kHead;
-  switch (type_) {
-    case FW_ATTR_VALUE_INT:
-    case FW_ATTR_VALUE_EINT:
-      storeRecord(value, hosti64(value_.number));
-      break;
-    case FW_ATTR_VALUE_UINT:
-      storeRecord(value, host64(value_.unsignedNumber));
-      break;
-    case FW_ATTR_VALUE_UUID:
-      std::memcpy(value, value_.uuid.data(), value_.uuid.size());
-      storeRecord(record + kTextLengthAt, host16(static_cast<std::uint16_t>(length - kTextAt)));
-      std::memcpy(record + kTextAt, text_.c_str(), length - kTextAt);
-      break;
-    case FW_ATTR_VALUE_SID:
-      storeRecord(value, value_.sid);
-      break;
-  }
+  kind().write(*this, record);
   if (written != nullptr) *written = length;
   return true;
 }
@@ -291,19 +346,7 @@ bool CTarnFWL7Attribute::operator==(const CTarnFWContainerElement& other) const 
 }
 
 bool CTarnFWL7Attribute::operator==(const CTarnFWL7Attribute& that) const {
-  if (key_ != that.key_ || type_ != that.type_) return false;
-  switch (type_) {
-    case FW_ATTR_VALUE_INT:
-    case FW_ATTR_VALUE_EINT:
-      return value_.number == that.value_.number;
-    case FW_ATTR_VALUE_UINT:
-      return value_.unsignedNumber == that.value_.unsignedNumber;
-    case FW_ATTR_VALUE_UUID:
-      return value_.uuid == that.value_.uuid;
-    case FW_ATTR_VALUE_SID:
-      break;
-  }
-  return text_ == that.text_;
+  return key_ == that.key_ && type_ == that.type_ && kind().compare(*this, that) == 0;
 }
 
 bool CTarnFWL7Attribute::operator<(const CTarnFWContainerElement& other) const {
@@ -311,33 +354,10 @@ bool CTarnFWL7Attribute::operator<(const CTarnFWContainerElement& other) const {
   const auto& that = static_cast<const CTarnFWL7Attribute&>(other);
   if (key_ != that.key_) return key_ < that.key_;
   if (type_ != that.type_) return type_ < that.type_;
-  switch (type_) {
-    case FW_ATTR_VALUE_INT:
-    case FW_ATTR_VALUE_EINT:
-      return value_.number < that.value_.number;
-    case FW_ATTR_VALUE_UINT:
-      return value_.unsignedNumber < that.value_.unsignedNumber;
-    case FW_ATTR_VALUE_UUID:
-      return value_.uuid < that.value_.uuid;
-    case FW_ATTR_VALUE_SID:
-      break;
-  }
-  return text_ < that.text_;
+  return kind().compare(*this, that) < 0;
 }
 
-std::string CTarnFWL7Attribute::toStringValue() const {
-  switch (type_) {
-    case FW_ATTR_VALUE_INT:
-      return std::to_string(value_.number);
-    case FW_ATTR_VALUE_UINT:
-      return std::to_string(value_.unsignedNumber);
-    case FW_ATTR_VALUE_EINT:
-    case FW_ATTR_VALUE_UUID:
-    case FW_ATTR_VALUE_SID:
-      break;
-  }
-  return text_;
-}
+std::string CTarnFWL7Attribute::toStringValue() const { return kind().text(*this); }
 
 std::string CTarnFWL7Attribute::toString() const { return keyName(key_) + " : " + toStringValue(); }
 

@@ -95,9 +95,11 @@ class CTarnFWL7Attribute final : public CTarnFWContainerElement {
   };
   static_assert(sizeof(Value) == 72);
 
+  struct Kind;
+  const Kind& kind() const;
+
   void init(FWAttrKeyID key);
   void initUuid(const Uuid& uuid, const std::string& text);
-  void readValue(const std::uint8_t* record, unsigned int size);
 
   FWAttrKeyID key_ = FW_ATTR_KEY_NONE;
   FWAttrKeyValueType type_ = FW_ATTR_VALUE_INT;
