@@ -31,44 +31,35 @@ inline void add(State& s, const unsigned char* block) {
   s.c += littleWord(block + 8);
 }
 
-/// lookup3's `mix`: reversible, for all blocks but the last.
+/// lookup3's `mix`: reversible, for all blocks but the last. Six steps of one form, with the words
+/// in turn.
+inline void mixStep(std::uint32_t& x, std::uint32_t& y, std::uint32_t& z, int bits) {
+  x -= y;
+  x ^= std::rotl(y, bits);
+  y += z;
+}
 inline void mix(State& s) {
-  s.a -= s.c;
-  s.a ^= std::rotl(s.c, 4);
-  s.c += s.b;
-  s.b -= s.a;
-  s.b ^= std::rotl(s.a, 6);
-  s.a += s.c;
-  s.c -= s.b;
-  s.c ^= std::rotl(s.b, 8);
-  s.b += s.a;
-  s.a -= s.c;
-  s.a ^= std::rotl(s.c, 16);
-  s.c += s.b;
-  s.b -= s.a;
-  s.b ^= std::rotl(s.a, 19);
-  s.a += s.c;
-  s.c -= s.b;
-  s.c ^= std::rotl(s.b, 4);
-  s.b += s.a;
+  mixStep(s.a, s.c, s.b, 4);
+  mixStep(s.b, s.a, s.c, 6);
+  mixStep(s.c, s.b, s.a, 8);
+  mixStep(s.a, s.c, s.b, 16);
+  mixStep(s.b, s.a, s.c, 19);
+  mixStep(s.c, s.b, s.a, 4);
 }
 
 /// lookup3's `final`: drives the last block into `c`, and nearly as well into `b`.
+inline void finishStep(std::uint32_t& x, std::uint32_t y, int bits) {
+  x ^= y;
+  x -= std::rotl(y, bits);
+}
 inline void finish(State& s) {
-  s.c ^= s.b;
-  s.c -= std::rotl(s.b, 14);
-  s.a ^= s.c;
-  s.a -= std::rotl(s.c, 11);
-  s.b ^= s.a;
-  s.b -= std::rotl(s.a, 25);
-  s.c ^= s.b;
-  s.c -= std::rotl(s.b, 16);
-  s.a ^= s.c;
-  s.a -= std::rotl(s.c, 4);
-  s.b ^= s.a;
-  s.b -= std::rotl(s.a, 14);
-  s.c ^= s.b;
-  s.c -= std::rotl(s.b, 24);
+  finishStep(s.c, s.b, 14);
+  finishStep(s.a, s.c, 11);
+  finishStep(s.b, s.a, 25);
+  finishStep(s.c, s.b, 16);
+  finishStep(s.a, s.c, 4);
+  finishStep(s.b, s.a, 14);
+  finishStep(s.c, s.b, 24);
 }
 
 /// The last block, of 1 to 12 bytes, is padded with zeros; an empty key is not mixed at all.

@@ -16,6 +16,22 @@ namespace {
 
 constexpr const char* kSeparators = ", \t";
 
+/// Reads up to `maximum` words, each with `read(word, value)`. False when one was refused; `*count`
+/// is left alone then.
+template <typename Value, typename Read>
+bool readWords(TextWords& words, Value* values, unsigned int maximum, unsigned int* count,
+               const Read& read) {
+  unsigned int found = 0;
+  while (found < maximum) {
+    const char* const word = words.next();
+    if (word == nullptr) break;
+    if (!read(word, values + found)) return false;
+    ++found;
+  }
+  *count = found;
+  return true;
+}
+
 }  // namespace
 
 bool ParseCompString(const char* text, unsigned int* component, const char* const* names,
@@ -46,16 +62,12 @@ bool ParseEtherTypeString(const char* text, std::uint16_t* types, unsigned int m
     TARNFW_WARNING("invalid ethertype: %s\n", text);
     return false;
   }
-  unsigned int found = 0;
-  while (found < maximum) {
-    const char* const word = words.next();
-    if (word == nullptr) break;
-    long type = 0;
-    if (!str2Limited(word, 0, 65536, &type)) return false;
-    types[found++] = htons(static_cast<std::uint16_t>(type));
-  }
-  *count = found;
-  return true;
+  return readWords(words, types, maximum, count, [](const char* word, std::uint16_t* type) {
+    long number = 0;
+    if (!str2Limited(word, 0, 65536, &number)) return false;
+    *type = htons(static_cast<std::uint16_t>(number));
+    return true;
+  });
 }
 
 bool ParseProtocolString(const char* text, std::uint8_t* protocols, unsigned int maximum,
@@ -66,18 +78,14 @@ bool ParseProtocolString(const char* text, std::uint8_t* protocols, unsigned int
     TARNFW_WARNING("invalid protocol: %s\n", text);
     return false;
   }
-  unsigned int found = 0;
-  while (found < maximum) {
-    const char* const word = words.next();
-    if (word == nullptr) break;
-    long protocol = 0;
+  return readWords(words, protocols, maximum, count, [](const char* word, std::uint8_t* protocol) {
+    long number = 0;
     if (const protoent* const entry = getprotobyname(word)) {
-      protocol = entry->p_proto;
-    } else if (!str2Limited(word, 10, 256, &protocol)) {
+      number = entry->p_proto;
+    } else if (!str2Limited(word, 10, 256, &number)) {
       return false;
     }
-    protocols[found++] = static_cast<std::uint8_t>(protocol);
-  }
-  *count = found;
-  return true;
+    *protocol = static_cast<std::uint8_t>(number);
+    return true;
+  });
 }
