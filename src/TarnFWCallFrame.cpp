@@ -25,7 +25,7 @@ struct BareName {
   char text[64];
 };
 
-bool traced() { return g_tarnfw_verbose[FW_COMPONENT_API].level > 0; }
+bool traced() { return verboseLevel(FW_COMPONENT_API) > 0; }
 
 }  // namespace
 

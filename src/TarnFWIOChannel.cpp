@@ -10,7 +10,7 @@ namespace TarnFirewall {
 
 void CTarnFWIOChannel::validateMessage(const void* message, unsigned int size) const {
   TARNFW_TRACE(FW_COMPONENT_IO, 1, "Validating message\n");
-  if (g_tarnfw_verbose[FW_COMPONENT_IO].level <= 2 || message == nullptr) return;
+  if (verboseLevel(FW_COMPONENT_IO) <= 2 || message == nullptr) return;
   if (size < sizeof(tarn_msg_hdr_)) return;
   const auto header = loadRecord<tarn_msg_hdr_>(message);
   if (std::memcmp(header.signature, kMsgSignature, sizeof kMsgSignature) == 0) {

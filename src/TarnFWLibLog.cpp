@@ -15,14 +15,20 @@
 
 using namespace TarnFirewall;
 
+namespace {
+
+/// Rows in use. What is read of a row below the count has been written before.
+unsigned int componentCount() { return g_tarnfw_max_component.load(std::memory_order_acquire); }
+
+}  // namespace
+
 extern "C" {
 
 void FW_RegisterLogger(FWLoggerFunction_t function, unsigned int base) {
-  gTarnFWLogger.function = function;
-  gTarnFWLogger.base = base;
+  gTarnFWLogger.store({function, base});
 }
 
-void FW_UnregisterLogger() { gTarnFWLogger = {nullptr, 0}; }
+void FW_UnregisterLogger() { gTarnFWLogger.store({nullptr, 0}); }
 
 FWStatus_t FW_Log(int level, unsigned int component, const char* format, ...) {
   if (format == nullptr) return FW_STATUS_INVALID_ARGUMENT;
@@ -44,7 +50,7 @@ FWStatus_t FW_Log(int level, unsigned int component, const char* format, ...) {
       TARNFW_ERROR("invalid log level %d\n", level);
       return FW_STATUS_INVALID_ARGUMENT;
   }
-  if (component >= g_tarnfw_max_component) {
+  if (component >= componentCount()) {
     TARNFW_ERROR("invalid log component %u\n", component);
     return FW_STATUS_INVALID_ARGUMENT;
   }
@@ -81,19 +87,20 @@ FWStatus_t FW_Log(int level, unsigned int component, const char* format, ...) {
 
 const char* FW_ComponentToString(unsigned int component) {
   if (component == FW_COMPONENT_ALL) return "all";
-  if (component >= g_tarnfw_max_component) return "unknown";
+  if (component >= componentCount()) return "unknown";
   return g_tarnfw_verbose[component].name;
 }
 
 unsigned int FW_StringToComponent(const char* name) {
   if (name == nullptr) return FW_COMPONENT_NOT_FOUND;
-  for (unsigned int row = 0; row < g_tarnfw_max_component; ++row) {
+  const unsigned int count = componentCount();
+  for (unsigned int row = 0; row < count; ++row) {
     if (strcasecmp(g_tarnfw_verbose[row].name, name) == 0) return row;
   }
   return FW_COMPONENT_NOT_FOUND;
 }
 
-unsigned int FW_GetComponentCount() { return g_tarnfw_max_component; }
+unsigned int FW_GetComponentCount() { return componentCount(); }
 
 FWStatus_t FW_RegisterComponent(const char* name, unsigned int* component) {
   if (name == nullptr || component == nullptr) return FW_STATUS_INVALID_ARGUMENT;
@@ -101,10 +108,11 @@ FWStatus_t FW_RegisterComponent(const char* name, unsigned int* component) {
   if (length >= sizeof g_tarnfw_verbose[0].name) return FW_STATUS_INVALID_ARGUMENT;
   try {
     const Locks::Guard lock(g_tarnfw_verbose_mutex);
-    if (g_tarnfw_max_component >= kComponentRows) return FW_STATUS_REACHED_MAXIMAL_COMPONENTS;
-    std::memcpy(g_tarnfw_verbose[g_tarnfw_max_component].name, name, length + 1);
-    *component = g_tarnfw_max_component;
-    ++g_tarnfw_max_component;
+    const unsigned int row = componentCount();
+    if (row >= kComponentRows) return FW_STATUS_REACHED_MAXIMAL_COMPONENTS;
+    std::memcpy(g_tarnfw_verbose[row].name, name, length + 1);
+    *component = row;
+    g_tarnfw_max_component.store(row + 1, std::memory_order_release);
     return FW_STATUS_OK;
   } catch (...) {
     TARNFW_WARNING("%s: encountered internal error\n", __func__);
@@ -115,31 +123,34 @@ FWStatus_t FW_RegisterComponent(const char* name, unsigned int* component) {
 FWStatus_t FW_UnregisterComponent(unsigned int) { return FW_STATUS_NOT_SUPPORTED; }
 
 FWStatus_t FW_GetLibVerboseLevel(unsigned int component, unsigned int* level) {
-  if (component >= g_tarnfw_max_component) {
+  if (component >= componentCount()) {
     TARNFW_WARNING("attempting to get verbose level of unknown component %u\n", component);
     return FW_STATUS_COMPONENT_NOT_FOUND;
   }
   if (level == nullptr) return FW_STATUS_INVALID_ARGUMENT;
-  *level = static_cast<unsigned int>(g_tarnfw_verbose[component].level);
+  const std::int32_t found = verboseLevel(component);
+  *level = static_cast<unsigned int>(found);
   TARNFW_TRACE(FW_COMPONENT_API, 0, "got component %u (%s) log level %d\n", component,
-               g_tarnfw_verbose[component].name, g_tarnfw_verbose[component].level);
+               g_tarnfw_verbose[component].name, found);
   return FW_STATUS_OK;
 }
 
 void FW_SetLibVerboseLevel(unsigned int component, unsigned int level) {
+  const unsigned int count = componentCount();
   unsigned int first = component;
   unsigned int last = component;
   if (component == FW_COMPONENT_ALL) {
     first = 0;
-    last = g_tarnfw_max_component - 1;
-  } else if (component >= g_tarnfw_max_component) {
+    last = count - 1;
+  } else if (component >= count) {
     TARNFW_WARNING("attempting to set verbose level of unknown component %u\n", component);
     return;
   }
   for (unsigned int row = first; row <= last; ++row) {
-    g_tarnfw_verbose[row].level = static_cast<std::int32_t>(level);
+    const auto set = static_cast<std::int32_t>(level);
+    g_tarnfw_verbose[row].level.store(set, std::memory_order_relaxed);
     TARNFW_TRACE(FW_COMPONENT_API, 0, "set component %s log level to %d\n",
-                 g_tarnfw_verbose[row].name, g_tarnfw_verbose[row].level);
+                 g_tarnfw_verbose[row].name, set);
   }
 }
 

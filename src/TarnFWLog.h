@@ -9,6 +9,7 @@
 
 #include <syslog.h>
 
+#include <atomic>
 #include <cstdarg>
 #include <cstddef>
 
@@ -45,16 +46,23 @@ enum FWComponent_t : unsigned int {
 
 /// One row of the component table.
 struct FWVerbose_ {
-  std::uint32_t predefined;  // 1 in the predefined rows; nothing reads it
-  std::int32_t level;        // verbosity, 0 at start
-  char name[16];             // NUL-padded
+  std::uint32_t predefined;         // 1 in the predefined rows; nothing reads it
+  std::atomic<std::int32_t> level;  // verbosity, 0 at start
+  char name[16];                    // NUL-padded; never changes once the row is counted
 };
 
 inline constexpr unsigned int kComponentRows = 64;
 
+/// Levels may be read and set by any thread at any time, without a lock: a level is only a dial. A
+/// row is written before it is counted, under the mutex, so that a row below the count is whole.
 extern FWVerbose_ g_tarnfw_verbose[kComponentRows];
-extern unsigned int g_tarnfw_max_component;
+extern std::atomic<unsigned int> g_tarnfw_max_component;
 extern Locks::Mutex g_tarnfw_verbose_mutex;
+
+/// Level of a row, for the guard of a debug line: one load.
+[[gnu::always_inline]] inline std::int32_t verboseLevel(unsigned int component) {
+  return g_tarnfw_verbose[component].level.load(std::memory_order_relaxed);
+}
 
 /// The library's component names as handlers read them on the command line.
 inline constexpr unsigned int kHulldComponents = 19;
@@ -68,7 +76,20 @@ struct FWLogger_ {
   FWLoggerFunction_t function;  // null when none is registered
   std::uint32_t base;
 };
-extern FWLogger_ gTarnFWLogger;
+
+/// The registered logger. Any thread may replace it while others log: a reader gets a function and
+/// the base that was registered with it, and takes no lock.
+class FWLoggerPlace {
+ public:
+  FWLogger_ load() const;
+  void store(FWLogger_ logger);
+
+ private:
+  std::atomic<std::uint32_t> version_{0};  // odd while a thread writes
+  std::atomic<FWLoggerFunction_t> function_{nullptr};
+  std::atomic<std::uint32_t> base_{0};
+};
+extern FWLoggerPlace gTarnFWLogger;
 
 /// The one diagnostic call. `priority` is the system log's: 3 error, 4 warning, 6 info, 7 debug.
 void Logger(int priority, const char* format, ...) __attribute__((format(printf, 2, 3)));
@@ -137,7 +158,7 @@ constexpr const char* sourceName() {
 /// inside a lambda `__func__` says nothing, so the function around it is passed.
 #define TARNFW_TRACE_IN(function, priority, component, above, format, ...)            \
   do {                                                                                \
-    if (::TarnFirewall::g_tarnfw_verbose[component].level > (above)) {                \
+    if (::TarnFirewall::verboseLevel(component) > (above)) {                          \
       ::TarnFirewall::Logger((priority), "tarnfw:%s %s:%s():%d " format,              \
                              ::TarnFirewall::g_tarnfw_verbose[component].name,        \
                              ::TarnFirewall::sourceName<TARNFW_SOURCE>(), (function), \

@@ -63,8 +63,8 @@ extern "C" {
 
 // --- Status texts
 
-/// Text of a status. Above 70 the text stands in one static buffer that the next such call
-/// overwrites; not for two threads at once.
+/// Text of a status. Above 70 the text stands in a buffer of the calling thread, which its next
+/// such call overwrites.
 const char* FW_StatusToString(unsigned int status);
 
 // --- Start-up
@@ -141,6 +141,10 @@ int SI_Ioctl(int request, void* argument);
 int WGT_GetFd();
 
 // --- Logging, components and printing
+//
+// Any thread may call these functions at any time, also while others use the library. A line that
+// another thread is logging may still reach the former logger after the call that replaced it has
+// returned; the printer is not replaced while a command prints.
 
 /// Registers where diagnostics go instead of the system log. The function gets the system log's
 /// priority less 6 plus `base`.

@@ -3,6 +3,9 @@
 #include <atomic>
 #include <chrono>
 #include <cstdio>
+#include <cstring>
+#include <set>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -33,7 +36,9 @@ class TarnFWLog : public testing::Test {
  protected:
   void TearDown() override {
     for (unsigned int row = FW_COMPONENT_PREDEFINED; row < kComponentRows; ++row) {
-      g_tarnfw_verbose[row] = FWVerbose_{};
+      g_tarnfw_verbose[row].predefined = 0;
+      g_tarnfw_verbose[row].level = 0;
+      std::memset(g_tarnfw_verbose[row].name, 0, sizeof g_tarnfw_verbose[row].name);
     }
     g_tarnfw_max_component = FW_COMPONENT_PREDEFINED;
   }
@@ -72,10 +77,10 @@ TEST_F(TarnFWLog, ABaseIsAddedWhateverItsSize) {
 
 TEST_F(TarnFWLog, UnregisteringClearsFunctionAndBase) {
   FW_RegisterLogger(collect, 9);
-  EXPECT_EQ(gTarnFWLogger.base, 9u);
+  EXPECT_EQ(gTarnFWLogger.load().base, 9u);
   FW_UnregisterLogger();
-  EXPECT_EQ(gTarnFWLogger.function, nullptr);
-  EXPECT_EQ(gTarnFWLogger.base, 0u);
+  EXPECT_EQ(gTarnFWLogger.load().function, nullptr);
+  EXPECT_EQ(gTarnFWLogger.load().base, 0u);
 }
 
 TEST_F(TarnFWLog, ComposesTheLineWithTheComponentsName) {
@@ -355,4 +360,124 @@ TEST_F(TarnFWLog, ThePrinterGetsItsContextAndANullFunctionTurnsItOff) {
   EXPECT_FALSE(static_cast<bool>(off));
   EXPECT_EQ(off.context, nullptr);
   EXPECT_EQ(out, "3 rules\n");
+}
+
+namespace {
+
+constexpr unsigned int kThreads = 16;
+
+/// Two loggers that know the base they were registered with, and the lines that came with another.
+std::atomic<int> g_lines;
+std::atomic<int> g_strayLines;
+
+template <unsigned int Base>
+void expectBase(int priority, const char*, va_list) {
+  ++g_lines;
+  const int relative = priority - static_cast<int>(Base);
+  if (relative < LOG_ERR - LOG_INFO || relative > LOG_DEBUG - LOG_INFO) ++g_strayLines;
+}
+
+/// Runs `body(thread)` in all threads at once.
+template <typename Body>
+void inThreads(const Body& body) {
+  std::atomic<unsigned int> waiting = kThreads;
+  std::vector<std::thread> threads;
+  for (unsigned int thread = 0; thread < kThreads; ++thread) {
+    threads.emplace_back([&body, &waiting, thread] {
+      --waiting;
+      while (waiting != 0) std::this_thread::yield();
+      body(thread);
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+}
+
+}  // namespace
+
+TEST_F(TarnFWLog, AThreadNeverLogsThroughOneLoggerWithTheBaseOfAnother) {
+  g_lines = 0;
+  g_strayLines = 0;
+  FW_RegisterLogger(expectBase<1000>, 1000);
+  inThreads([](unsigned int thread) {
+    for (int turn = 0; turn < 2000; ++turn) {
+      if (thread % 4 != 0) {
+        Logger(LOG_WARNING, "line %d\n", turn);
+      } else if (turn % 2 == 0) {
+        FW_RegisterLogger(expectBase<2000>, 2000);
+      } else {
+        FW_RegisterLogger(expectBase<1000>, 1000);
+      }
+    }
+  });
+  FW_UnregisterLogger();
+  EXPECT_EQ(g_lines, 12 * 2000);
+  EXPECT_EQ(g_strayLines, 0);
+}
+
+TEST_F(TarnFWLog, ThreadsThatRegisterComponentsGetARowEach) {
+  std::vector<std::set<unsigned int>> rows(kThreads);
+  std::atomic<int> refused = 0;
+  std::atomic<int> torn = 0;
+  inThreads([&](unsigned int thread) {
+    for (int turn = 0; turn < 4; ++turn) {
+      const std::string name = "c" + std::to_string(thread) + "." + std::to_string(turn);
+      unsigned int row = 0;
+      if (FW_RegisterComponent(name.c_str(), &row) != FW_STATUS_OK) {
+        ++refused;
+      } else {
+        rows[thread].insert(row);
+        if (FW_ComponentToString(row) != name || FW_StringToComponent(name.c_str()) != row) ++torn;
+      }
+      for (unsigned int other = 0; other < FW_GetComponentCount(); ++other) {
+        if (*FW_ComponentToString(other) == '\0') ++torn;
+      }
+    }
+  });
+  std::set<unsigned int> all;
+  for (const auto& own : rows) all.insert(own.begin(), own.end());
+  EXPECT_EQ(all.size(), kComponentRows - FW_COMPONENT_PREDEFINED);
+  EXPECT_EQ(refused, static_cast<int>(4 * kThreads - all.size()));
+  EXPECT_EQ(torn, 0);
+  EXPECT_EQ(FW_GetComponentCount(), kComponentRows);
+}
+
+TEST_F(TarnFWLog, LevelsMayBeSetWhileOthersLog) {
+  g_lines = 0;
+  FW_RegisterLogger(expectBase<0>, 0);
+  inThreads([](unsigned int thread) {
+    for (int turn = 0; turn < 500; ++turn) {
+      const auto level = static_cast<unsigned int>(turn % 3);
+      unsigned int read = 0;
+      switch (thread % 4) {
+        case 0:
+          FW_SetLibVerboseLevel(FW_COMPONENT_ALL, level);
+          break;
+        case 1:
+          FW_SetLibVerboseLevel(FW_COMPONENT_CMD, level);
+          break;
+        case 2:
+          EXPECT_EQ(FW_GetLibVerboseLevel(FW_COMPONENT_CMD, &read), FW_STATUS_OK);
+          EXPECT_LT(read, 3u);
+          break;
+        default:
+          TARNFW_TRACE(FW_COMPONENT_CMD, 0, "turn %d\n", turn);
+      }
+    }
+  });
+  FW_SetLibVerboseLevel(FW_COMPONENT_ALL, 0);
+  const int lines = g_lines;
+  TARNFW_TRACE(FW_COMPONENT_CMD, 0, "off\n");
+  FW_UnregisterLogger();
+  EXPECT_EQ(g_lines, lines);
+}
+
+TEST(TarnFWStatus, ThreadsHaveTheirOwnTextOfAnUnknownStatus) {
+  std::atomic<int> wrong = 0;
+  inThreads([&](unsigned int thread) {
+    const std::string expected = "unknown error code: " + std::to_string(1000 + thread);
+    for (int turn = 0; turn < 500; ++turn) {
+      if (FW_StatusToString(1000 + thread) != expected) ++wrong;
+    }
+  });
+  EXPECT_EQ(wrong, 0);
 }
