@@ -3,6 +3,7 @@
 #include <pthread.h>
 
 #include <exception>
+#include <memory>
 #include <string>
 
 namespace Locks {
@@ -46,5 +47,16 @@ class Guard {
  private:
   Mutex& mutex_;
 };
+
+/// The process's only object of a class, which `make` makes on first use; the lock is held
+/// meanwhile. When `make` throws, the next call tries again.
+template <typename Object, typename Make>
+Object* onlyInstance(const Make& make) {
+  static Mutex mutex;
+  static std::unique_ptr<Object> instance;
+  const Guard lock(mutex);
+  if (instance == nullptr) instance.reset(make());
+  return instance.get();
+}
 
 }  // namespace Locks

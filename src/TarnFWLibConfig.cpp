@@ -3,7 +3,6 @@
 #include <strings.h>
 
 #include <cstdlib>
-#include <memory>
 
 #include "Locks.h"
 #include "TarnFWLog.h"
@@ -11,11 +10,7 @@
 namespace TarnFirewall {
 
 CTarnFWLibConfig* CTarnFWLibConfig::GetInstance() {
-  static Locks::Mutex mutex;
-  static std::unique_ptr<CTarnFWLibConfig> instance;
-  const Locks::Guard lock(mutex);
-  if (instance == nullptr) instance.reset(new CTarnFWLibConfig);
-  return instance.get();
+  return Locks::onlyInstance<CTarnFWLibConfig>([] { return new CTarnFWLibConfig; });
 }
 
 int CTarnFWLibConfig::readConfig(int key, bool* value) const {

@@ -1,6 +1,5 @@
 #include "TarnSiIoctl.h"
 
-#include <memory>
 #include <string>
 
 #include "Locks.h"
@@ -23,11 +22,7 @@ constinit const char* const CTarnSiIoctl::ioctl_devname = "/dev/brq-tarn-ploy";
 CTarnSiIoctl::CTarnSiIoctl() : CTarnFWDevice(ioctl_devname, LOG_INFO) {}
 
 CTarnSiIoctl* CTarnSiIoctl::GetInstance() {
-  static Locks::Mutex mutex;
-  static std::unique_ptr<CTarnSiIoctl> instance;
-  const Locks::Guard lock(mutex);
-  if (instance == nullptr) instance.reset(new CTarnSiIoctl);
-  return instance.get();
+  return Locks::onlyInstance<CTarnSiIoctl>([] { return new CTarnSiIoctl; });
 }
 
 int CTarnSiIoctl::sendIoctl(int request, void* argument) {

@@ -282,3 +282,36 @@ TEST(TarnFWUtilIdentifier, NetworkOrderOf64BitNumbersSwapsAllBytes) {
   EXPECT_EQ(std::memcmp(&network, bytes, sizeof bytes), 0);
   EXPECT_EQ(ntohll(network), 0x0102030405060708ULL);
 }
+
+TEST(TarnFWUtilIdentifier, AnIdentifierIsAVnicOrAVm) {
+  const std::string normal = "00010203-0405-0607-0809-0a0b0c0d0e0f";
+  const std::string gfy = "00 01 02 03 04 05 06 07-08 09 0a 0b 0c 0d 0e 0f";
+  struct Case {
+    std::string text;
+    int index;
+    int isVnic;
+  };
+  for (const Case& c : {Case{normal + ".004", 4, 1}, Case{gfy + ":005", 5, 1}, Case{gfy, 0, 0},
+                        Case{normal, 0, 0}, Case{normal + ":004", 0, 0}}) {
+    std::array<std::uint8_t, 16> uuid{};
+    int index = 9;
+    int isVnic = 9;
+    EXPECT_TRUE(ParseUUIDString(c.text.c_str(), uuid.data(), &index, &isVnic)) << c.text;
+    EXPECT_EQ(index, c.index) << c.text;
+    EXPECT_EQ(isVnic, c.isVnic) << c.text;
+    EXPECT_EQ(uuid[15], 0x0f) << c.text;
+  }
+}
+
+TEST(TarnFWUtilIdentifier, RefusesWhatIsNoIdentifier) {
+  std::array<std::uint8_t, 16> uuid{};
+  int index = 9;
+  int isVnic = 9;
+  EXPECT_FALSE(ParseUUIDString("no identifier", uuid.data(), &index, &isVnic));
+  EXPECT_EQ(index, 0);
+  EXPECT_EQ(isVnic, 0);
+  EXPECT_FALSE(ParseUUIDString(nullptr, uuid.data(), &index, &isVnic));
+  EXPECT_FALSE(ParseUUIDString("x", nullptr, &index, &isVnic));
+  EXPECT_FALSE(ParseUUIDString("x", uuid.data(), nullptr, &isVnic));
+  EXPECT_FALSE(ParseUUIDString("x", uuid.data(), &index, nullptr));
+}
