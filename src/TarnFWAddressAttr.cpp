@@ -155,7 +155,8 @@ template <FWAttrIDValType Kind>
 std::string CTarnFWAttr<Kind>::toString() const {
   std::string result = negated_ ? "not " : "";
   if constexpr (Kind == FW_ATTR_ID_VALUE_INT) {
-    // The application's name stands behind the number of every key: scripts read it so.
+    // The application's name follows the number of every key: scripts that read addresses expect
+    // it there.
     const std::int64_t value = number();
     const auto app = static_cast<int>(std::clamp<std::int64_t>(
         value, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()));

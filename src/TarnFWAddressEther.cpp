@@ -10,9 +10,9 @@ namespace TarnFirewall {
 
 namespace {
 
-/// Whether the text ends behind its sixth octet, or goes on with white space. `ether_aton_r` does
+/// Whether the text ends after its sixth octet, or goes on with white space. `ether_aton_r` does
 /// not look there when the octet has two digits, and would take the first address of a range.
-bool endsBehindLastOctet(const char* text) {
+bool endsAfterLastOctet(const char* text) {
   for (int colons = 0; colons < 5; ++text) colons += *text == ':' ? 1 : 0;
   const std::size_t digits = std::strspn(text, "0123456789abcdefABCDEF");
   return digits <= 2 &&
@@ -25,7 +25,7 @@ CTarnFWAddressEther::CTarnFWAddressEther(const char* text, bool negated)
     : CTarnFWAddressMAC(negated) {
   if (text == nullptr) text = "";
   ether_addr address;
-  if (ether_aton_r(text, &address) == nullptr || !endsBehindLastOctet(text))
+  if (ether_aton_r(text, &address) == nullptr || !endsAfterLastOctet(text))
     throw CInvalidAddressException(text);
   std::memcpy(&address_, &address, sizeof address_);
 }

@@ -20,7 +20,8 @@ class CTarnFWAddressEther final : public CTarnFWAddressMAC {
   void appendValue(std::string& text) const override;
   void storeValue(ValueArea value) const override;
 
-  /// Descending by bytes, the reverse of the other layer-2 addresses. Meant so.
+  /// Descending by bytes, the reverse of the other layer-2 addresses. The kernel keeps its sets in
+  /// this order.
   bool valueLess(const CTarnFWAddress& other) const override;
 
   fw_ether_ address_;

@@ -83,10 +83,10 @@ std::unique_ptr<CTarnFWAddress> CTarnFWAddressFactory::newFromMsgBuf(const FWAdd
     case FW_ADDRESS_ATTR_STRING:
       return std::make_unique<CTarnFWAttr<FW_ATTR_ID_VALUE_STRING>>(record);
     case FW_ADDRESS_ATTR_SID:
-    case FW_ADDRESS_SID_LIST:  // read as its member: meant so
+    case FW_ADDRESS_SID_LIST:  // the kernel reports it as one of its members
       return std::make_unique<CTarnFWAttr<FW_ATTR_ID_VALUE_SID>>(record);
     default:
-      // A MAC range is among these although it can be written: meant so.
+      // A MAC range is among these although it can be written: the kernel never reports one.
       throw CInvalidAddressException("unknown address type", type);
   }
 }

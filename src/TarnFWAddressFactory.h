@@ -13,7 +13,7 @@ class CTarnFWAddressFactory {
   CTarnFWAddressFactory() = delete;
 
   /// Throws `CInvalidAddressException` for a type that has no class on the wire: a MAC range can be
-  /// written but not read back, which is meant.
+  /// written, but the kernel never reports one.
   static std::unique_ptr<CTarnFWAddress> newFromMsgBuf(const FWAddress_* record);
 
   /// Reads one record when `size` holds one: `*used` is then 144, else 0 with a null result.

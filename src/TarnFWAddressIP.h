@@ -5,7 +5,7 @@
 ///
 /// All share: the text constructor throws `CInvalidAddressException` with the whole text for
 /// whatever is wrong with it; white space in front of an address is skipped and what follows an
-/// address behind white space is not looked at.
+/// address after white space is not looked at.
 
 #include <charconv>
 #include <cstring>
@@ -174,7 +174,7 @@ class CTarnFWAddressIPCIDR : public CTarnFWAddressIP<Family> {
  public:
   using typename Base::Address;
 
-  /// The text has a prefix length, or a mask of contiguous bits, behind the slash.
+  /// The text has a prefix length, or a mask of contiguous bits, after the slash.
   CTarnFWAddressIPCIDR(const char* text, bool negated) : Base(negated) {
     const std::string_view all = Base::whole(text);
     const std::size_t slash = all.find('/');

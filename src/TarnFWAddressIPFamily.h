@@ -20,13 +20,13 @@ struct IPv4Family {
 
   static constexpr int family = AF_INET;
   static constexpr unsigned char maxPrefix = 32;
-  static constexpr char maskMark = '.';  // in a text behind the slash, it tells a mask
+  static constexpr char maskMark = '.';  // after the slash of a text, the mark of a mask
   static constexpr const char* invalidPrefix = "invalid ipv4 cidr";
 
   static constexpr std::size_t maxText = INET_ADDRSTRLEN;
 
   /// Writes the text of an address as `inet_ntop` has it, at most `maxText` bytes. The result is
-  /// the place behind it.
+  /// the place after it.
   static char* writeAddress(char* to, const Address& address);
 
   static bool prefix2mask(unsigned int prefix, Address* mask) {
@@ -67,7 +67,8 @@ struct IPv6Family {
   static bool isTextRange(const Address& first, const Address& last);
 
   /// The rule for a range from a record or from two values: no 32-bit word of first above the same
-  /// word of last, whatever the higher words say. Not the rule for a text, and meant so.
+  /// word of last, whatever the higher words say. The kernel has this
+  /// rule, and texts have had theirs, so that stored configurations keep their ranges.
   static bool isRange(const Address& first, const Address& last);
 };
 
@@ -79,7 +80,8 @@ std::uint32_t unswapped(const in_addr& address);
 std::array<std::uint32_t, 4> unswapped(const in6_addr& address);
 
 /// True when any word of left is below the same word of right; a greater word does not end the
-/// search. No strict weak order, and meant so.
+/// search. Not a strict weak order. The kernel sorts sets this way, so that a set sorted otherwise
+/// would be rejected.
 bool anyWordLess(const in6_addr& left, const in6_addr& right);
 
 }  // namespace TarnFirewall

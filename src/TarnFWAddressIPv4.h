@@ -10,7 +10,7 @@ class CTarnFWAddressIPv4 final : public CTarnFWAddressIPSingle<IPv4Family, FW_AD
   using CTarnFWAddressIPSingle::CTarnFWAddressIPSingle;
 
  private:
-  /// By the unswapped number, so that the last octet weighs most: meant so.
+  /// By the unswapped number, so that the last octet weighs most, as in the sets of the kernel.
   bool valueLess(const CTarnFWAddress& other) const override;
 };
 

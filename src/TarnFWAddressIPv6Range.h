@@ -5,7 +5,8 @@
 namespace TarnFirewall {
 
 /// A range of IPv6 addresses: text "ip A-B", code 4. A text is judged by another rule than a
-/// record, so that a range can be read from text, written, and refused on reading back: meant so.
+/// record, so that a range can be read from text, written, and refused on reading back. Stored
+/// configurations rely on the one, the kernel on the other.
 class CTarnFWAddressIPv6Range final
     : public CTarnFWAddressIPRange<IPv6Family, FW_ADDRESS_IPV6_RANGE> {
  public:

@@ -38,7 +38,7 @@ bool CTarnFWAddressList::accepts(int type) const {
       TARNFW_WARNING("cannot add non-MAC address of type %d into a MAC set\n", type);
       return false;
     case FW_ADDRSET_ANY:
-      // Attributes of unsigned value are left out, and that is meant.
+      // Attributes of unsigned value are left out: scripts rely on the refusal.
       if ((type >= FW_ADDRESS_ANY && type <= FW_ADDRESS_ETHER_MASK) ||
           type == FW_ADDRESS_ATTR_INT || type == FW_ADDRESS_ATTR_STRING ||
           type == FW_ADDRESS_ATTR_SID) {

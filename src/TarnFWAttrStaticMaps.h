@@ -177,7 +177,7 @@ enum FWAttrIDType : std::uint32_t {
 
 /// Kinds of value of attribute addresses. The keys of the table have only the kinds 6 to 9, so that
 /// none of them builds an attribute address from configuration text: the kernel takes such values
-/// in containers. Meant so.
+/// in containers.
 enum FWAttrIDValType : std::uint32_t {
   FW_ATTR_ID_VALUE_INT = 0,
   FW_ATTR_ID_VALUE_UINT = 1,

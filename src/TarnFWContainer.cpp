@@ -100,9 +100,9 @@ bool CTarnFWContainer::parseTLVChain(const FWtlvChain* chain, unsigned int size)
     TARNFW_ERROR("size of tlv chain %u is greater than the buffer size %u\n", chainSize, size);
     return false;
   }
-  // The rule for chains is loose, and meant so: the size field is compared with the buffer alone,
-  // and the heads of the elements do not count against what remains. So every chain that lies in
-  // the buffer passes, whatever its size field says; the buffer's end is what bounds every read.
+  // The rule for chains is loose, since the kernel's chains are taken whatever their size field says:
+  // it is compared with the buffer alone, and the heads of the elements do not count against what
+  // remains. The buffer's end is what bounds every read.
   const auto* place = reinterpret_cast<const std::uint8_t*>(chain) + kHead;
   unsigned int remaining = size - kHead;
   const std::uint32_t count = head.count;

@@ -29,7 +29,7 @@ static_assert(offsetof(FWFilterList_, count) == 100 &&
               offsetof(FWFilterList_, bufferLength) == 104 &&
               offsetof(FWFilterList_, buffer) == 108);
 
-/// One filter, as the kernel tells it. Texts are NUL-padded and may fill their fields.
+/// One filter, as the kernel reports it. Texts are NUL-padded and may fill their fields.
 struct FWFilterRecord_ {
   char name[204];              //   +0  at most 99 characters are used
   char agent[100];             // +204
@@ -56,7 +56,7 @@ static_assert(
     offsetof(FWFilterRecord_, slowPathId) == 762 && offsetof(FWFilterRecord_, ruleConfig) == 766 &&
     offsetof(FWFilterRecord_, vifId) == 770 && offsetof(FWFilterRecord_, lspId) == 818);
 
-/// The same from the older kernel interface, which differs behind the agent.
+/// The same from the older kernel interface, which differs after the agent.
 struct FWOldFilterRecord_ {
   char name[204];              //   +0
   char agent[100];             // +204

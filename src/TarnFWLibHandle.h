@@ -10,8 +10,8 @@
 
 namespace TarnFirewall {
 
-/// A process normally has one handle, the default one on the control device. Buffers are told by
-/// their body pointer, sizes are bytes of the body. Results are statuses.
+/// A process normally has one handle, the default one on the control device. A buffer is known by
+/// its body pointer, sizes are bytes of the body. Results are statuses.
 class CTarnFWLibHandle {
  public:
   /// Despite its name makes a new handle on each call, without a channel. Throws

@@ -6,7 +6,7 @@ namespace TarnFirewall {
 
 namespace {
 
-/// A text with more protocols than this asks the host again for those behind.
+/// A text with more protocols than this asks the host again for the further ones.
 constexpr std::size_t kKnownLimit = 32;
 
 }  // namespace

@@ -16,7 +16,7 @@ namespace TarnFirewall {
 /// `toMessage` writes the body of the protocol spec; the list that holds it writes the header.
 class CTarnFWProtocolSpec : public ITarnFWObject {
  public:
-  /// Object type of a spec: its kind behind this number.
+  /// Object type of a spec: this number and its kind added up.
   static constexpr int kFirstType = 115;
 
   /// Throws CInvalidProtocolSpecDirException for a dir above 2.

@@ -53,7 +53,8 @@ std::unique_ptr<CTarnFWProtocolSpec> CTarnFWProtocolSpecFactory::newFromMsgBuf(c
 std::unique_ptr<CTarnFWProtocolSpec> CTarnFWProtocolSpecFactory::newL4PortSpecFromString(
     unsigned char dir, const char* text) {
   const std::string_view view = text != nullptr ? text : "";
-  // "80-90,100" has a "-", so that it is a range here and refused as one: this is meant.
+  // "80-90,100" has a "-", so that it is a range here and refused as one, with the text of a range:
+  // scripts match it.
   if (view.find_first_of("-:") != view.npos)
     return std::make_unique<CTarnFWProtocolSpecL4PortRange>(dir, text);
   if (view.find(',') != view.npos) return std::make_unique<CTarnFWProtocolSpecL4PortSet>(dir, text);

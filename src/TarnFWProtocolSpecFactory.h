@@ -9,7 +9,7 @@ namespace TarnFirewall {
 /// Makes protocol specs from the blocks of a rule record and ports from text.
 class CTarnFWProtocolSpecFactory {
  public:
-  /// Reads a header and the body behind it. Null when there is no spec in this place or the buffer
+  /// Reads a header and the body after it. Null when there is no spec in this place or the buffer
   /// has less than a header. Throws CInsufficientMsgBufException when the body is cut off,
   /// CUnknownProtocolSpecTypeException for a kind that has no body, and what the protocol spec's
   /// class throws for a bad value.

@@ -20,7 +20,7 @@ void writeSpec(CTarnFWProtocolSpec& spec, FWSpecHeader_& header, std::span<std::
                bool sameKindFits) {
   const unsigned int held = header.kind();
   const FWProtocolSpecType_t kind = spec.getSpecType();
-  // Raised with the kind and not with the object type, unlike in addSpec: this is meant.
+  // Raised with the kind and not with the object type, unlike in addSpec: scripts match both texts.
   if (held != FW_SPEC_NONE && !(sameKindFits && held == kind))
     throw CDuplicateProtocolSpecException(static_cast<int>(kind));
   header = spec.header();

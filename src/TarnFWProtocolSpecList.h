@@ -44,7 +44,8 @@ class CTarnFWProtocolSpecList final : public CTarnFWProtocolSpec {
   void addSpec(std::unique_ptr<CTarnFWProtocolSpec> spec);
 
   /// Takes the first member of this kind out and hands it to the caller; null when there is none.
-  /// The kind still counts as present, so that another of it can't be added: this is meant.
+  /// The kind still counts as present, so that another of it can't be added: configurations
+  /// that are refused for it stay refused.
   std::unique_ptr<CTarnFWProtocolSpec> deleteSpec(FWProtocolSpecType_t kind);
 
   /// Members of this kind, or all members for FW_SPEC_NONE.
@@ -75,7 +76,7 @@ class CTarnFWProtocolSpecList final : public CTarnFWProtocolSpec {
   std::unique_ptr<CTarnFWProtocolSpec> takeFirst();
 
   /// Moves the members of `other` to this list's end. On CDuplicateProtocolSpecException the member
-  /// in question and those behind it stay in `other`.
+  /// in question and those after it stay in `other`.
   void mergeSpecList(CTarnFWProtocolSpecList& other);
 
  private:

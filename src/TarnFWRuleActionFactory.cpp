@@ -70,7 +70,7 @@ std::unique_ptr<CTarnFWRuleAction> readAction(const fw_rule_action_& record) {
       return std::make_unique<CTarnFWRuleActionClear>();
     case FW_ACTION_LB:
       // The text is always passed, so that an LB read from a record has options even when the
-      // field is empty: this is meant.
+      // field is empty: scripts that read rules expect the word.
       return std::make_unique<CTarnFWRuleActionLB>(record.lbType, record.lbIdleTimeout,
                                                    record.lbCloseTimeout,
                                                    fieldText(record.lbOptions).c_str());

@@ -16,7 +16,7 @@ class CTarnFWRuleActionKeyPolicy : public CTarnFWRuleAction {
   void appendKeyPolicy(std::string& text) const;
 
  private:
-  /// An id of more than 36 characters is cut without a word: this is meant.
+  /// An id of more than 36 characters is cut without a word: configurations with longer ones load so.
   void writeData(fw_rule_action_& record) override;
 
   std::string keyPolicy_;

@@ -4,7 +4,7 @@
 
 namespace TarnFirewall {
 
-/// Drops the packet and tells its sender.
+/// Drops the packet and answers its sender.
 class CTarnFWRuleActionReject final : public CTarnFWRuleAction {
  public:
   FWRuleAction_t getAction() const override { return FW_ACTION_REJECT; }

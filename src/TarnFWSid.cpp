@@ -16,7 +16,7 @@ namespace {
 constexpr std::uint8_t kRevision = 1;
 constexpr std::uint64_t kMaxAuthority = 0xffffffffffff;
 
-/// Takes the text up to the next "-" or the end off the front of `rest`, which becomes null behind
+/// Takes the text up to the next "-" or the end off the front of `rest`, which becomes null after
 /// the last field.
 const char* nextField(char*& rest) {
   if (rest == nullptr) return nullptr;

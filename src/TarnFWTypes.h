@@ -192,7 +192,7 @@ enum FWIOType_t : std::uint32_t {
   FW_IO_GENERIC = 6,  // functions of the caller
 };
 
-/// The functions behind a generic IO channel. Results are statuses, 0 for success.
+/// The functions that a generic IO channel calls. Results are statuses, 0 for success.
 struct FWLibGenericIO_ {
   /// Called once when the channel is made; what it stores in `context` comes back in the others.
   FWStatus_t (*init)(void* initArgument, void** context);
@@ -214,7 +214,7 @@ enum FWContainerType : std::uint32_t {
   FW_CONTAINER_ATTR_PROFILE = 2,
 };
 
-/// Opaque library handle; a `CTarnFWLibHandle` stands behind it.
+/// Opaque library handle; it is the address of a `CTarnFWLibHandle`.
 struct fwlibhandle_;
 
 /// Opaque handle of loaded configuration: its commands, a `CTarnFWCmdList`.

@@ -89,7 +89,7 @@ static_assert(sizeof(host64) == 8 && alignof(host64) == 1 && std::is_trivially_c
 static_assert(sizeof(net16) == 2 && alignof(net16) == 1 && std::is_trivially_copyable_v<net16>);
 static_assert(sizeof(net32) == 4 && alignof(net32) == 1 && std::is_trivially_copyable_v<net32>);
 
-/// Copies one record out of a buffer. The caller has checked that `Record` fits behind `from`.
+/// Copies one record out of a buffer. The caller has checked that `Record` fits at `from`.
 template <typename Record>
 Record loadRecord(const void* from) {
   static_assert(std::is_trivially_copyable_v<Record> && alignof(Record) == 1);
@@ -98,7 +98,7 @@ Record loadRecord(const void* from) {
   return record;
 }
 
-/// Copies one record into a buffer. The caller has checked that `Record` fits behind `to`.
+/// Copies one record into a buffer. The caller has checked that `Record` fits at `to`.
 template <typename Record>
 void storeRecord(void* to, const Record& record) {
   static_assert(std::is_trivially_copyable_v<Record> && alignof(Record) == 1);
@@ -106,7 +106,7 @@ void storeRecord(void* to, const Record& record) {
 }
 
 /// A cleared record that lives in the buffer itself, for a writer that fills it in place. The
-/// caller has checked that `Record` fits behind `at`.
+/// caller has checked that `Record` fits at `at`.
 template <typename Record>
 Record& clearRecord(void* at) {
   static_assert(std::is_trivially_copyable_v<Record> && alignof(Record) == 1);

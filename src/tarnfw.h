@@ -7,7 +7,8 @@
 /// context that is passed on to the IO channel (null means the handle's own). The result is a
 /// status, 0 for success; a null handle gives 2. A function that fails changes none of its results,
 /// unless it says otherwise. The caller owns all result memory, and what a function is given stays
-/// the caller's. The kernel's own statuses come back as they are: `FW_StatusToString` tells them.
+/// the caller's. The kernel's own statuses come back as they are: `FW_StatusToString` has their
+/// texts.
 ///
 /// The header is C++20, for its records of fixed byte order. A C program takes it in a C++ file of
 /// its own, as examples/library does. The functions have C linkage, so that a program in another
@@ -80,7 +81,7 @@ const char* FW_StatusToString(unsigned int status);
 ///     4 file      "FWIOFileName"
 ///     5 memory    "FWIOMemory" the address, "FWIOLength" a pointer to an unsigned int
 ///     6 generic   "FWIOGenericIO" a `FWLibGenericIO_*`, optionally "FWIOGenericIOInitArg", and
-///                 behind it optionally "FWIOGenericIOContext" a `void**` for the context
+///                 after it optionally "FWIOGenericIOContext" a `void**` for the context
 ///
 /// `version` is not looked at; `reserved` must not be null and is never written. 3 for a null
 /// argument, 10 when type, count or keys do not fit, otherwise the status of what failed; `*handle`
@@ -263,7 +264,7 @@ FWStatus_t FW_GetDlbOfRuleSet(fwlibhandle_* handle, const dvs_port_* port, void*
 // result or name. Lists are read as those of rule sets.
 
 /// Creates a set of `count` addresses, or replaces its members. The type is not sent, since
-/// each record tells its own. 33 for a record that makes no address; nothing is sent then.
+/// each record has its own. 33 for a record that makes no address; nothing is sent then.
 FWStatus_t FW_CreateAddrSet(fwlibhandle_* handle, const dvs_port_* port, void* context,
                             const FWAddrSetID_t* id, FWAddrSetType_t type,
                             const FWAddress_* addresses, unsigned int count);
@@ -301,7 +302,7 @@ FWStatus_t FW_GetAddrValidOfAddrSet(fwlibhandle_* handle, const dvs_port_* port,
                                     const FWAddrSetID_t* id, unsigned int max, unsigned int from,
                                     FWAddressValid_* records, unsigned int* returned);
 
-/// Statistics of the addresses, in their order. `clear` sets them back behind the reading.
+/// Statistics of the addresses, in their order. `clear` resets them after they were read.
 FWStatus_t FW_GetAddressStatOfAddrSet(fwlibhandle_* handle, const dvs_port_* port, void* context,
                                       const FWAddrSetID_t* id, unsigned int max, unsigned int from,
                                       unsigned int clear, FWAddressStat_* stats,
@@ -329,7 +330,7 @@ FWStatus_t FW_SetAddrSetCfg(fwlibhandle_* handle, const dvs_port_* port, void* c
 
 // --- Records as text
 
-/// Texts of `count` records one behind the other with nothing between them, closed with a NUL. 3
+/// Texts of `count` records one after the other with nothing between them, closed with a NUL. 3
 /// for a null argument or a `count` or `size` of 0, 9 when `size` is too small, 45 for a record
 /// that makes no rule, 33 for one that makes no address, or the status of what is wrong in it. The
 /// texts before that one stand in `text` then. `pretty` asks for the labelled form.
