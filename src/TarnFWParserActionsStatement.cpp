@@ -20,15 +20,16 @@ void addStatement(const FWParse& parse, std::unique_ptr<CTarnFWCmd> command) {
   parse.arena().release({});
 }
 
-CTarnFWCmd* setChannel(const FWParse& parse, bool device, const FWParserText& name,
+CTarnFWCmd* setChannel(const FWParse& parse, FWIOType_t type, const FWParserText& name,
                        const FWParserText& saveTo) {
-  return keepChannel(parse, std::make_unique<CTarnFWCmdConfig>(device, name.data, saveTo.data));
+  return keepChannel(
+      parse, std::make_unique<CTarnFWCmdConfig>(type == FW_IO_IOCTL, name.data, saveTo.data));
 }
 
-CTarnFWCmd* setChannel(const FWParse& parse, bool socket, const FWIPPort& address,
+CTarnFWCmd* setChannel(const FWParse& parse, FWIOType_t type, const FWIPPort& address,
                        const FWParserText& saveTo) {
-  return keepChannel(parse, std::make_unique<CTarnFWCmdConfig>(socket, address.address,
-                                                               address.port, saveTo.data));
+  return keepChannel(parse, std::make_unique<CTarnFWCmdConfig>(
+                                type == FW_IO_SOCKET, address.address, address.port, saveTo.data));
 }
 
 CTarnFWCmd* unavailable(const char* statement) {

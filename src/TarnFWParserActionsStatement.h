@@ -10,10 +10,12 @@ namespace TarnFirewall {
 /// Adds the statement's command, if it has one, and frees the statement's texts.
 void addStatement(const FWParse& parse, std::unique_ptr<CTarnFWCmd> command);
 
-/// Replaces the channel that an earlier statement chose. No command comes of it: null.
-CTarnFWCmd* setChannel(const FWParse& parse, bool device, const FWParserText& name,
+/// Replaces the channel that an earlier statement chose, by one with a name (`FW_IO_IOCTL`,
+/// `FW_IO_FILE`) or one with an address (`FW_IO_SOCKET`, `FW_IO_RIBS`). No command comes of it:
+/// null.
+CTarnFWCmd* setChannel(const FWParse& parse, FWIOType_t type, const FWParserText& name,
                        const FWParserText& saveTo);
-CTarnFWCmd* setChannel(const FWParse& parse, bool socket, const FWIPPort& address,
+CTarnFWCmd* setChannel(const FWParse& parse, FWIOType_t type, const FWIPPort& address,
                        const FWParserText& saveTo);
 
 /// Refuses a statement that nothing compiles, with status 7.

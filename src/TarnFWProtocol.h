@@ -7,12 +7,6 @@
 
 namespace TarnFirewall {
 
-/// What the number of a protocol means.
-enum class FWProtocolLayer : bool {
-  ethernet = false,  // an ethertype
-  ip = true,         // an IP protocol
-};
-
 /// What a rule matches above its addresses: one IP protocol (layer 3) or one ethertype (layer 2),
 /// or any of them. It has no wire form of its own: the rule record holds its number and flags.
 class CTarnFWProtocol final : public ITarnFWObject {

@@ -687,13 +687,13 @@ Cmd_Get_LB_Stat:
 
 Cmd_Config:
     CONFIG DEVICE STRING Optional_Save_to  /* 137 */
-      { TRY($$ = setChannel(PARSE, true, $3, $4)); }
+      { TRY($$ = setChannel(PARSE, FW_IO_IOCTL, $3, $4)); }
   | CONFIG FILE STRING Optional_Save_to  /* 138 */
-      { TRY($$ = setChannel(PARSE, false, $3, $4)); }
+      { TRY($$ = setChannel(PARSE, FW_IO_FILE, $3, $4)); }
   | CONFIG SOCKET Single_IP_Port Optional_Save_to  /* 139 */
-      { TRY($$ = setChannel(PARSE, true, $3, $4)); }
+      { TRY($$ = setChannel(PARSE, FW_IO_SOCKET, $3, $4)); }
   | CONFIG RIBS Single_IP_Port Optional_Save_to  /* 140 */
-      { TRY($$ = setChannel(PARSE, false, $3, $4)); }
+      { TRY($$ = setChannel(PARSE, FW_IO_RIBS, $3, $4)); }
   | CONFIG DEFAULT AGENT STRING AND DVS_Port  /* 141 */
       { setDefaultSelector($4, *$6); $$ = nullptr; }
   | ENABLE STRING STRICT Optional_DVS_Port  /* 142 */
