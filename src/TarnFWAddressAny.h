@@ -9,8 +9,8 @@ class CTarnFWAddressAny final : public CTarnFWAddress {
  public:
   CTarnFWAddressAny() = default;
 
-  /// The record's flags are not read: the kernel reports "any" without
-  /// them, so that a negated one is read as a plain one.
+  /// The record's flags are not read: the kernel reports "any" without them. A negated one is read
+  /// as a plain one.
   explicit CTarnFWAddressAny(const FWAddress_* record);
 
   int getType() const override;

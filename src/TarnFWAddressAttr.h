@@ -76,12 +76,12 @@ class CTarnFWAttr final : public CTarnFWAddressAttr {
  public:
   /// Kinds 0 and 1 read the text as a decimal number and throw `CInvalidAddressException` with the
   /// text when it is none. Kind 0 takes what `strtol` takes, so that trailing characters are
-  /// ignored. Kind 1 takes whole texts up to 2147483647 only, since
-  /// configurations have been checked against that limit.
+  /// ignored. Kind 1 takes whole texts up to 2147483647 only:
+  /// scripts rely on the refusal of larger ones.
   ///
   /// Kinds 2 and 5 only measure the text and throw `CIDTooLongException` when it has more than 128
-  /// or 75 characters. It is not kept: the value
-  /// stays zero, and the kernel, which takes these kinds in containers, expects no other.
+  /// or 75 characters. It is not kept, and the value stays zero: the kernel takes such texts in
+  /// containers only.
   CTarnFWAttr(FWAttrIDType key, const char* text, bool negated);
 
   explicit CTarnFWAttr(const FWAddress_* record);

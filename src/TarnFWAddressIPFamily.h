@@ -67,8 +67,8 @@ struct IPv6Family {
   static bool isTextRange(const Address& first, const Address& last);
 
   /// The rule for a range from a record or from two values: no 32-bit word of first above the same
-  /// word of last, whatever the higher words say. The kernel has this
-  /// rule, and texts have had theirs, so that stored configurations keep their ranges.
+  /// word of last, whatever the higher words say. The kernel has this rule; stored
+  /// configurations rely on the one for texts.
   static bool isRange(const Address& first, const Address& last);
 };
 

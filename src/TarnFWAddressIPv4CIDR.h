@@ -10,8 +10,8 @@ class CTarnFWAddressIPv4CIDR final : public CTarnFWAddressIPCIDR<IPv4Family, FW_
   using CTarnFWAddressIPCIDR::CTarnFWAddressIPCIDR;
 
  private:
-  /// By prefix length, then by the unmasked address as an unswapped number, as in the
-  /// sets of the kernel.
+  /// By prefix length, then by the unmasked address as an unswapped number, as in the sets of
+  /// the kernel.
   bool valueLess(const CTarnFWAddress& other) const override;
 };
 

@@ -28,8 +28,8 @@ CTarnFWProtocolSpecL4PortSet::CTarnFWProtocolSpecL4PortSet(unsigned char dir, co
   char* rest = nullptr;
   char* token = strtok_r(copy.get(), kSeparators, &rest);
   // The count is of what the text names, repetitions included. A range that makes it 16 ends the
-  // reading without an error, and what follows is not read: stored configurations with more
-  // ports are taken so.
+  // reading without an error, and what follows is not read: stored configurations with
+  // more ports are taken so.
   while (token != nullptr && count < kMaxEntries) {
     long low = 0;
     long high = 0;

@@ -44,8 +44,8 @@ class CTarnFWProtocolSpecList final : public CTarnFWProtocolSpec {
   void addSpec(std::unique_ptr<CTarnFWProtocolSpec> spec);
 
   /// Takes the first member of this kind out and hands it to the caller; null when there is none.
-  /// The kind still counts as present, so that another of it can't be added: configurations
-  /// that are refused for it stay refused.
+  /// The kind still counts as present, so that another of it can't be added: configurations that
+  /// are refused for it stay refused.
   std::unique_ptr<CTarnFWProtocolSpec> deleteSpec(FWProtocolSpecType_t kind);
 
   /// Members of this kind, or all members for FW_SPEC_NONE.
