@@ -44,7 +44,7 @@ std::size_t valueEnd(unsigned code) {
   }
 }
 
-/// Whether no bit is set behind the first `prefix` bits.
+/// Whether no bit is set after the first `prefix` bits.
 bool isMasked(ConstBytes address, unsigned prefix) {
   for (std::size_t i = 0; i < address.size(); ++i) {
     const unsigned byte = static_cast<unsigned>(address[i]);

@@ -6,7 +6,7 @@ namespace TarnLab {
 
 namespace {
 
-// Indexed by the number. The container's creation is told from that of an address set here.
+// Indexed by the number. The creation of a container has a name of its own here.
 constexpr std::string_view names[] = {
     "",
     "GetRuleSetCount",

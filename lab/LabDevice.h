@@ -1,4 +1,4 @@
-// The control devices that the lab stands behind.
+// The control devices that the lab answers for.
 #ifndef TARNLAB_DEVICE_H
 #define TARNLAB_DEVICE_H
 
@@ -22,7 +22,7 @@ inline constexpr DeviceNode deviceNodes[] = {
     {"/dev/brq-tarn-ploy", Device::serviceInsertion, "insertion"},
 };
 
-/// The device behind a path, by its exact spelling.
+/// The device that a path names, by its exact spelling.
 constexpr Device deviceOfPath(std::string_view path) {
   for (const DeviceNode& node : deviceNodes) {
     if (path == node.path) return node.device;

@@ -32,11 +32,10 @@ TARNLAB_FAMILIES(TARNLAB_DECLARE_FAMILY)
 /// The families in the order of the list.
 std::span<const Family* const> families();
 
-/// The command of that number, the direct request of that device and number, or the setting of that
-/// name; null when the model does not know it.
+/// The command of that number, or the direct request of that device and number; null when the model
+/// does not know it.
 const CommandKind* findCommand(std::uint32_t number);
 const DirectKind* findDirect(Device device, std::uint32_t number);
-const Setting* findSetting(std::string_view name);
 
 /// What the filter of a command, or the agent's shared sets, or without a filter the host, is set
 /// to.

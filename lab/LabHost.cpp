@@ -67,7 +67,7 @@ SelectedFilter Host::select(ConstBytes selector) const {
 
   if (wanted.type == Selector::filter &&
       equalIgnoringCase(sharedPrefix, wanted.identifier.substr(0, sharedPrefix.size()))) {
-    // The agent's name may stand behind the prefix as well; the selector's own field decides.
+    // The agent's name may follow the prefix as well; the selector's own field decides.
     for (std::size_t i = 0; i < filterCount(); ++i) {
       if (agent(i) == wanted.agent) {
         return {SelectorMatch::sharedSets, i, "shared/" + Selector::fileName(wanted.agent)};

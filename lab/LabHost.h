@@ -11,7 +11,7 @@ namespace TarnLab {
 /// Offsets in a filter record as the kernel lists it.
 namespace FilterRecord {
 inline constexpr std::size_t size = 866;
-inline constexpr std::size_t oldSize = 734;  // the older interface ends behind the counters
+inline constexpr std::size_t oldSize = 734;  // the older interface ends after the counters
 inline constexpr std::size_t name = 0, nameSize = 204;
 inline constexpr std::size_t agent = 204, agentSize = 100;
 inline constexpr std::size_t vmUuid = 304, vmUuidSize = 128;

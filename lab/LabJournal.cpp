@@ -16,8 +16,8 @@ namespace TarnLab {
 
 namespace {
 
-// Head of an entry; note, selector, sent and answered bytes follow it, and a tail by which an entry
-// that was cut off is told from a whole one: the head's check once more, inverted.
+// Head of an entry; note, selector, sent and answered bytes follow it, and a tail that an entry
+// which was cut off does not have: the head's check once more, inverted.
 constexpr std::uint32_t magic = 0x324f4c54;
 constexpr std::size_t headSize = 96, tailSize = 4;
 constexpr std::size_t atMagic = 0, atCheck = 4, atTime = 8, atProcess = 16, atThread = 20,
@@ -25,7 +25,7 @@ constexpr std::size_t atMagic = 0, atCheck = 4, atTime = 8, atProcess = 16, atTh
                       atNote = 52, atSelector = 56, atSent = 60, atAnswered = 64, atStatus = 68,
                       atSize = 72, atResult = 80;
 
-/// Fowler, Noll and Vo's FNV-1a over the head behind the check itself.
+/// Fowler, Noll and Vo's FNV-1a over the head after the check itself.
 std::uint32_t check(ConstBytes head) {
   std::uint32_t hash = 2166136261u;
   for (const std::byte b : head.subspan(atTime)) {

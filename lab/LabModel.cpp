@@ -28,7 +28,7 @@ void sleepFor(std::uint32_t milliseconds, const sigset_t* mask) {
 }
 
 /// Holds a request up, before it takes the lock, so that other programs go on. A damaged file of
-/// faults is told of when the request is answered.
+/// faults is reported when the request is answered.
 void delay(const Store& store, const sigset_t* mask) {
   std::uint32_t milliseconds = 0;
   try {

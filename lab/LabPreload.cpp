@@ -71,7 +71,7 @@ void setDevice(int fd, Device device) {
   }
 }
 
-/// The process whose descriptors the table tells of.
+/// The process whose descriptors the table has.
 std::atomic<pid_t> owner{0};
 
 void own() { owner.store(::getpid(), std::memory_order_relaxed); }
@@ -99,8 +99,8 @@ Device deviceOfPath(const char* path) {
   return TarnLab::deviceOfPath(path);
 }
 
-/// What stands behind a device's descriptor is /dev/null. A descriptor that was closed behind our
-/// back and given to another file is told by this.
+/// A device's descriptor is one of /dev/null. One that was closed without our notice and given to
+/// another file is not.
 bool isNull(int fd) {
   struct stat status;
   return ::fstat(fd, &status) == 0 && S_ISCHR(status.st_mode) && major(status.st_rdev) == 1 &&
@@ -130,7 +130,7 @@ int openDevice(Device device, int flags) {
 }
 
 /// A descriptor that came from the C library. A device may have had its number and been closed
-/// behind our back, as by fclose.
+/// without our notice, as by fclose.
 int passed(int fd) {
   forgetDevice(fd);
   return fd;

@@ -34,6 +34,15 @@ int runFault(const Store& store, Arguments arguments);
 /// "tarnlab: " and the message to standard error.
 void complain(const std::string& message);
 
+/// Puts something in the place of a standard stream that is closed, so that no file of the lab gets
+/// its number; what reads or writes it fails, and a program that is run finds it closed. From here
+/// on the first failure to write standard output is remembered.
+void prepareStreams();
+
+/// Writes out what standard output holds. The text of the first failure to write it; empty when all
+/// of it went out.
+std::string finishOutput();
+
 /// Complains about a command's options, points at its help, and gives the exit status for that.
 int misused(std::string_view command, const std::string& message);
 

@@ -6,13 +6,13 @@
 #include "LabCommandNames.h"
 #include "LabFaults.h"
 #include "LabProgram.h"
+#include "LabStatusNames.h"
 #include "LabText.h"
 
 namespace TarnLab {
 
 namespace {
 
-constexpr std::uint32_t statusLimit = 0xffffffff;
 constexpr std::uint32_t countLimit = 0xffffffff;
 
 /// The number of an errno by its name or as a number.
@@ -25,6 +25,15 @@ std::optional<std::uint32_t> parseErrno(std::string_view text) {
     if (name != nullptr && text == name) return static_cast<std::uint32_t>(error);
   }
   return std::nullopt;
+}
+
+/// What a fault does: a status, an errno or a number of milliseconds.
+std::optional<std::uint32_t> parseValue(Fault::Kind kind, std::string_view text) {
+  if (kind == Fault::Kind::status) return statusNumber(text);
+  if (kind == Fault::Kind::error) return parseErrno(text);
+  const auto milliseconds = parseNumber(text, Fault::delayLimit);
+  if (!milliseconds) return std::nullopt;
+  return static_cast<std::uint32_t>(*milliseconds);
 }
 
 Device parseDevice(std::string_view text) {
@@ -123,15 +132,9 @@ int runFault(const Store& store, Arguments arguments) {
     return misused("fault", "unknown fault " + printable(what));
   }
   if (arguments.empty()) return misused("fault", what + " needs a value");
-  std::optional<unsigned long long> value;
-  if (fault.kind == Fault::Kind::error) {
-    value = parseErrno(arguments[0]);
-  } else {
-    value = parseNumber(arguments[0],
-                        fault.kind == Fault::Kind::status ? statusLimit : Fault::delayLimit);
-  }
+  const auto value = parseValue(fault.kind, arguments[0]);
   if (!value) return misused("fault", "bad " + what + " " + printable(arguments[0]));
-  fault.value = static_cast<std::uint32_t>(*value);
+  fault.value = *value;
   if (const int mistake = readOptions(fault, arguments.subspan(1)); mistake != 0) return mistake;
 
   const StoreLock lock(store);

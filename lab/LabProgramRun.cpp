@@ -1,4 +1,4 @@
-// tarnlab run and tarnlab shell: a program with the lab behind its devices.
+// tarnlab run and tarnlab shell: a program whose devices are the lab's.
 #include <elf.h>
 #include <fcntl.h>
 #include <sys/stat.h>

@@ -64,7 +64,7 @@ inline std::string_view jumpTarget(ConstBytes rule) {
 /// What a kernel would find wrong with the record; empty when nothing.
 std::string fault(ConstBytes record);
 
-/// The rule as the configuration language writes it, for what a reader of the record is told:
+/// The rule as the configuration language writes it, as far as a reader of the record can:
 /// markings and TCP options are kept in the record but are not read back by anyone.
 std::string text(ConstBytes record);
 }  // namespace RuleRecord

@@ -20,12 +20,13 @@ constexpr std::size_t atWhat = 8, atCounts = 12, atType = 24, atAddressType = 28
                       atCleared = 36, atEntryBytes = 40, atRealized = 48, atGeneration = 56,
                       atJump = 64, jumpSize = 64;
 
-/// How many bytes stand behind the entries.
+/// How many bytes of marks follow the entries.
 std::uint64_t markBytes(const SetHead& head) {
   return head.what == SetHead::addrSet && head.type == 1 ? head.counts[0] : 0;
 }
 
-/// Whether the entries are as many as the head says. Those of a container tell themselves.
+/// Whether the entries are as many as the head says. Those of a container say themselves how many
+/// they are.
 bool countsAgree(const SetHead& head) {
   std::uint64_t count = 0;
   for (const std::uint32_t each : head.counts) count += each;
@@ -90,9 +91,9 @@ std::optional<SetFile> SetFile::open(const Store& store, const std::string& file
   if (map == MAP_FAILED) throw StoreError("cannot read " + store.path(file), errno);
   const ConstBytes bytes(static_cast<const std::byte*>(map), size);
   SetFile set(SetHead::decode(bytes), bytes.data(), size);
-  const std::uint64_t behind = size - SetHead::size;
-  if (getText(bytes, 0, magic.size()) != magic || set.head_.entryBytes > behind ||
-      markBytes(set.head_) != behind - set.head_.entryBytes || !countsAgree(set.head_)) {
+  const std::uint64_t rest = size - SetHead::size;
+  if (getText(bytes, 0, magic.size()) != magic || set.head_.entryBytes > rest ||
+      markBytes(set.head_) != rest - set.head_.entryBytes || !countsAgree(set.head_)) {
     throw StoreError("damaged file " + store.path(file), EINVAL);
   }
   return set;

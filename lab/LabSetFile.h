@@ -46,7 +46,7 @@ class SetFile {
 
   const SetHead& head() const { return head_; }
 
-  /// Rules or addresses one behind the other, or a container's chain.
+  /// Rules or addresses one after the other, or a container's chain.
   ConstBytes entries() const;
 
   /// One byte for each entry of an address set.

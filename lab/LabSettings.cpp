@@ -66,7 +66,8 @@ bool isValueOf(const Setting& setting, std::string_view value) {
 
 }  // namespace
 
-Settings Settings::load(const Store& store, const std::string& folder) {
+Settings Settings::load(const Store& store, const std::string& folder,
+                        const Setting* (*known)(std::string_view name)) {
   Settings settings;
   const auto content = store.read(fileOf(folder), fileLimit);
   if (!content) return settings;
@@ -78,7 +79,7 @@ Settings Settings::load(const Store& store, const std::string& folder) {
     const std::string_view line = rest.substr(0, end);
     const std::size_t blank = line.find(' ');
     if (blank == std::string_view::npos) throw damaged;
-    const Setting* setting = findSetting(line.substr(0, blank));
+    const Setting* setting = known(line.substr(0, blank));
     const std::string_view value = line.substr(blank + 1);
     if (setting == nullptr || !isValueOf(*setting, value) ||
         !settings.values_.emplace(setting->name, value).second) {

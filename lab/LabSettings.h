@@ -38,6 +38,9 @@ struct BytesSetting : Setting {
   constexpr explicit BytesSetting(std::string_view called) : Setting{called, Kind::bytes} {}
 };
 
+/// The setting of that name; null when no family has it.
+const Setting* findSetting(std::string_view name);
+
 /// Kept in the file "settings" of the filter's folder, or of the lab's own for the host: a line for
 /// each setting that has another value than usually, its name, a blank and the value.
 class Settings {
@@ -45,9 +48,10 @@ class Settings {
   /// The folder of those that are the host's.
   static constexpr const char* ofHost = "";
 
-  /// Throws StoreError for a file with a setting that no family has, or with a value that is none
-  /// of its kind.
-  static Settings load(const Store& store, const std::string& folder);
+  /// Throws StoreError for a file with a setting that is not known, or with a value that is none of
+  /// its kind.
+  static Settings load(const Store& store, const std::string& folder,
+                       const Setting* (*known)(std::string_view name) = findSetting);
 
   /// Hold the lock.
   void save(const Store& store, const std::string& folder) const;

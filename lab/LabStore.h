@@ -40,7 +40,7 @@ class Descriptor {
 ///
 /// A file is only ever replaced whole: the new content goes into the file "next", which is then
 /// renamed. Only the holder of the lock writes, so that one name is enough and a writer that was
-/// killed leaves nothing behind but a "next" that the following writer empties.
+/// killed leaves nothing but a "next" that the following writer empties.
 class Store {
  public:
   explicit Store(std::string folder) : folder_(std::move(folder)) {}
@@ -68,7 +68,7 @@ class Store {
   /// is no plain file.
   Descriptor open(std::string_view relative) const;
 
-  /// Puts the parts, one behind the other, in place of the file. The folder of the file is made
+  /// Puts the parts, one after the other, in place of the file. The folder of the file is made
   /// when it is missing. Hold the lock. On StoreError the old file is as it was.
   void replace(std::string_view relative, std::initializer_list<ConstBytes> parts) const;
 

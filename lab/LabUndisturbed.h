@@ -8,7 +8,7 @@ namespace TarnLab {
 
 /// While it lives, signals of this thread wait and the thread is not cancelled: a request holds the
 /// lab's lock, which a handler with a request of its own, a stop from the terminal or an end of the
-/// thread would keep from all others. Signals that tell of a fault of the thread itself still come.
+/// thread would keep from all others. Signals for a fault of the thread itself still come.
 class Undisturbed {
  public:
   Undisturbed() noexcept;

@@ -84,7 +84,8 @@ constexpr ProgramCommand commands[] = {
      "\n"
      "Without an argument, lists the faults in force. Otherwise:\n"
      "\n"
-     "  status S        messages are not carried out but answered with status S\n"
+     "  status S        messages are not carried out but answered with status S, a number or\n"
+     "                  a name like no-ruleset\n"
      "  errno E         requests fail with the errno E, a number or a name like ENOMEM\n"
      "  delay MS        requests are held up for so many milliseconds\n"
      "  absent          the devices cannot be opened; without a DEVICE, the firewall\n"
@@ -136,7 +137,7 @@ void requireLab(const Store& store) {
 
 namespace {
 
-/// Whether the help of a command is wanted. Behind "run" only the first argument is tarnlab's own:
+/// Whether the help of a command is wanted. After "run" only the first argument is tarnlab's own:
 /// the program that is run has options too.
 bool asksForHelp(const ProgramCommand& command, Arguments arguments) {
   if (command.run == runRun)
@@ -194,11 +195,11 @@ int main(Arguments arguments) {
 }  // namespace TarnLab
 
 int main(int argc, char** argv) {
+  TarnLab::prepareStreams();
   const int status = TarnLab::main({argv, static_cast<std::size_t>(argc)});
-  // A result that could not be written, as to a full disk, is no success.
-  if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
-    TarnLab::complain("cannot write the output");
-    return status != 0 ? status : TarnLab::exitFailed;
-  }
-  return status;
+  // Output that is lost, as on a full disk, is no success.
+  const std::string lost = TarnLab::finishOutput();
+  if (lost.empty()) return status;
+  TarnLab::complain("failed to write output: " + lost);
+  return status != 0 ? status : TarnLab::exitFailed;
 }

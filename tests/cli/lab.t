@@ -296,9 +296,49 @@ valgrind when valgrind runs the program.
   err| tarnlab: log: unknown argument -q
   err| Try "tarnlab log --help".
   [2]
-  $ tarnlab log > /dev/full
-  tarnlab: cannot write the output
+
+Output that is lost
+
+  $ for command in "log" "show" "fault" "--help" "log --help"; do
+  >   tarnlab $command > /dev/full
+  >   echo "status $?"
+  > done
+  tarnlab: failed to write output: No space left on device
+  status 1
+  tarnlab: failed to write output: No space left on device
+  status 1
+  tarnlab: failed to write output: No space left on device
+  status 1
+  tarnlab: failed to write output: No space left on device
+  status 1
+  tarnlab: failed to write output: No space left on device
+  status 1
+  $ tarnlab show >&-
+  tarnlab: failed to write output: Bad file descriptor
   [1]
+  $ tarnlab show >&- 2>&-
+  [1]
+  $ (trap '' PIPE; tarnlab --home big init --machines 3000 > made; tarnlab --home big show; echo "status $?" >&2) | true
+  tarnlab: failed to write output: Broken pipe
+  status 1
+  $ tarnlab fault status 26 --frob 1 > /dev/full
+  tarnlab: fault: unknown argument --frob
+  Try "tarnlab fault --help".
+  [2]
+  $ tarnlab fault clear >&-
+  $ tarnlab show <&- > shown
+
+A program that is run has its own standard output and its own status.
+
+  $ tarnlab run cat shown 2>/dev/null > /dev/full
+  [1]
+  $ tarnlab run true > /dev/full
+  $ tarnlab run true >&-
+  $ tarnlab run sh -c 'exit 5' >&-
+  [5]
+  $ tarnlab run sh -c 'for fd in 0 1 2; do [ -e /proc/self/fd/$fd ] && echo $fd; done > fds; true' <&- >&- 2>&-
+  $ cat fds
+  1
 
 Faults
 
@@ -312,7 +352,8 @@ Faults
   
   Without an argument, lists the faults in force. Otherwise:
   
-    status S        messages are not carried out but answered with status S
+    status S        messages are not carried out but answered with status S, a number or
+                    a name like no-ruleset
     errno E         requests fail with the errno E, a number or a name like ENOMEM
     delay MS        requests are held up for so many milliseconds
     absent          the devices cannot be opened; without a DEVICE, the firewall
@@ -330,6 +371,10 @@ Faults
   [2]
   $ run tarnlab fault status x
   err| tarnlab: fault: bad status x
+  err| Try "tarnlab fault --help".
+  [2]
+  $ run tarnlab fault status no-such-status
+  err| tarnlab: fault: bad status no-such-status
   err| Try "tarnlab fault --help".
   [2]
   $ run tarnlab fault status 26 --count 0
@@ -386,7 +431,7 @@ Faults
   [2]
   $ run tarnlab fault
   no faults
-  $ tarnlab fault status 26 --only getruleofruleset --count 3
+  $ tarnlab fault status bad-state --only getruleofruleset --count 3
   $ tarnlab fault errno 28 --device /dev/weirgatetbl --only 3
   $ tarnlab fault absent
   $ tarnlab fault absent firewall

@@ -45,7 +45,7 @@ TEST_F(LabFilterList, FillsRecordsOfTheCurrentSize) {
   EXPECT_EQ(getText(records, 6 * 866 + 770, 48), "");
 }
 
-TEST_F(LabFilterList, TellsWhetherRulesAreConfigured) {
+TEST_F(LabFilterList, SaysWhetherRulesAreConfigured) {
   ASSERT_EQ(createRuleSet("web", {}), 0u);
   ByteVector records(8 * 866);
   ByteVector body = listBody("", 8, &records);

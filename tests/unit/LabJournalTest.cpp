@@ -33,7 +33,7 @@ class LabJournal : public LabBench {
     return entry;
   }
 
-  /// What is told of such a command.
+  /// The line about such a command, after its head.
   static std::string decodedLine(unsigned number, const ByteVector& sent,
                                  const ByteVector& answered) {
     const std::string text = decodeRequest(answeredEntry(number, sent, answered));
@@ -149,6 +149,20 @@ TEST_F(LabJournal, DecodesARequestToOneLine) {
       line(),
       "firewall 21: filters of kelpco-sfw (count 6, room 0) = EINVAL (buffer of 0 bytes for 6 "
       "filters)");
+}
+
+TEST_F(LabJournal, ADirectRequestShowsTheStatusOfItsFrameOrWhatTheCallReturned) {
+  ByteVector body(116);
+  ASSERT_EQ(direct(20, body), 0);
+  JournalEntry entry = journal().back();
+  entry.status = 9;
+  EXPECT_EQ(decodeRequest(entry), "firewall 20: number of filters of every agent = status 9");
+  entry.status = 0;
+  entry.result = 3;
+  Journal(store).append(entry);
+  EXPECT_EQ(line(), "firewall 20: number of filters of every agent = result 3");
+  ASSERT_EQ(direct(37, body), 0);
+  EXPECT_EQ(line(), "firewall 37: direct request (answered with status 7)");
 }
 
 TEST_F(LabJournal, DecodesTheFieldsOfACommandAndItsReply) {

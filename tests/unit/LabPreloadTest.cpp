@@ -97,7 +97,7 @@ TEST(LabPreload, EveryCopyOfADescriptorIsTheDeviceToo) {
   EXPECT_EQ(errno, EBADF);
 }
 
-TEST(LabPreload, ADescriptorClosedBehindItsBackIsNoDevice) {
+TEST(LabPreload, ADescriptorClosedWithoutItsNoticeIsNoDevice) {
   const int fd = ::open(device, O_RDWR);
   ASSERT_GE(fd, 0);
   std::FILE* stream = ::fdopen(fd, "r+");

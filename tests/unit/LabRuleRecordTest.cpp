@@ -113,7 +113,7 @@ TEST(LabRuleRecord, WritesProfilesFamilyMarkAndTrivialTransfer) {
       "src vm-1 with attribute profile tls accept as tftp;");
   put8(rule, 793, 16);
   EXPECT_EQ(RuleRecord::text(rule).find("inet"), std::string::npos)
-      << "a derived family is not told";
+      << "a derived family is not printed";
 }
 
 TEST(LabRuleRecord, WritesMessageTypes) {

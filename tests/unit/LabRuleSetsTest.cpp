@@ -181,7 +181,7 @@ TEST_F(LabRuleSets, APageNeedsTheRoomThatItAsksFor) {
   EXPECT_EQ(command(2, Record().u32(0xffffffff).u32(0).u32(0).zero(64)), 25u);
 }
 
-TEST_F(LabRuleSets, TheRootTellsItsTargetsByLayer) {
+TEST_F(LabRuleSets, TheRootSaysItsTargetsByLayer) {
   ASSERT_EQ(command(4, ByteVector(132)), 0u);
   EXPECT_TRUE(isZero(reply));
   ASSERT_EQ(createRuleSet("web", {}), 0u);
@@ -217,7 +217,7 @@ TEST_F(LabRuleSets, ASetInUseIsNotDestroyed) {
   EXPECT_EQ(command(7, name("web", 64)), 28u);
 }
 
-TEST_F(LabRuleSets, AJumpIsSetToldAndTakenAwayAndOutlivesNewRules) {
+TEST_F(LabRuleSets, AJumpIsSetReadAndTakenAwayAndOutlivesNewRules) {
   ASSERT_EQ(createRuleSet("web", {}), 0u);
   EXPECT_EQ(command(61, Record().text("web", 64).text("app", 64)), 28u);
   ASSERT_EQ(createRuleSet("app", {}), 0u);
@@ -250,7 +250,7 @@ TEST_F(LabRuleSets, ACreationIsCheckedByteForByte) {
   for (const std::size_t reserved : {0u, 63u, 128u, 135u, 141u, 143u, 160u, 167u}) {
     EXPECT_EQ(command(3, Record().bytes(good).set(reserved, 1)), 25u) << reserved;
   }
-  EXPECT_EQ(command(3, Record().bytes(good).set(70, 'x')), 25u) << "bytes behind the name";
+  EXPECT_EQ(command(3, Record().bytes(good).set(70, 'x')), 25u) << "bytes after the name";
   EXPECT_EQ(command(3, Record().bytes(good).set(136, 2)), 25u);
   EXPECT_EQ(command(3, Record().bytes(good).set(140, 1)), 23u);
   EXPECT_EQ(command(3, ByteVector(167)), 25u);

@@ -40,6 +40,15 @@ constexpr NumberSetting number{"test.number", 7};
 constexpr TextSetting text{"test.text", "usual"};
 constexpr BytesSetting bytes{"test.bytes"};
 
+/// The settings of this test, in the place of the families'.
+const Setting* known(std::string_view name) {
+  static constexpr Setting all[] = {onOff, usuallyOn, number, text, bytes};
+  for (const Setting& setting : all) {
+    if (setting.name == name) return &setting;
+  }
+  return nullptr;
+}
+
 TEST_F(LabSettings, HaveTheirUsualValuesUntilTheyAreSet) {
   const Settings settings = Settings::load(store, ofWeb);
   EXPECT_FALSE(settings.get(onOff));
@@ -66,6 +75,26 @@ TEST_F(LabSettings, EveryKindIsWrittenAsALineThatCanBeRead) {
   EXPECT_EQ(written(),
             "test.bytes 010aff\ntest.flag on\ntest.number 18446744073709551615\ntest.on off\n"
             "test.text two words\\x0a\\x22\\x5c\\xff\n");
+  const Settings again = Settings::load(store, ofWeb, known);
+  EXPECT_TRUE(again.get(onOff));
+  EXPECT_FALSE(again.get(usuallyOn));
+  EXPECT_EQ(again.get(number), 0xffffffffffffffffu);
+  EXPECT_EQ(again.get(text), "two words\n\"\\\xff");
+  EXPECT_EQ(again.get(bytes), settings.get(bytes));
+}
+
+TEST_F(LabSettings, AValueOfAnotherKindIsDamage) {
+  for (const char* line :
+       {"test.flag 1", "test.flag On", "test.number -1", "test.number", "test.number 1 ",
+        "test.number 18446744073709551616", "test.text \x01", "test.text \"", "test.text \\x4",
+        "test.text \\x41", "test.text \\", "test.bytes 0", "test.bytes 0g", "test.bytes 00 "}) {
+    write(std::string(line) + "\n");
+    EXPECT_THROW(Settings::load(store, ofWeb, known), StoreError) << line;
+  }
+  for (const char* line : {"test.text ", "test.bytes ", "test.number 0x7f", "test.text a b "}) {
+    write(std::string(line) + "\n");
+    EXPECT_NO_THROW(Settings::load(store, ofWeb, known)) << line;
+  }
 }
 
 TEST_F(LabSettings, WhatHasItsUsualValueAgainIsNotInTheFile) {
