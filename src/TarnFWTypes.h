@@ -182,6 +182,12 @@ enum FWRuleAF_t : std::uint32_t {
   FW_AF_INET6 = 2,
 };
 
+/// What a filter does with traffic while it cannot enforce rules.
+enum FWFailPolicy_t : std::uint32_t {
+  FW_FAIL_OPEN = 0,   // the traffic passes
+  FW_FAIL_CLOSE = 1,  // it is dropped
+};
+
 /// Kind of an IO channel. Also a value of the configuration language's channel statements.
 enum FWIOType_t : std::uint32_t {
   FW_IO_IOCTL = 1,    // the firewall's control device

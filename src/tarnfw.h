@@ -45,6 +45,7 @@ using TarnFirewall::FWAddrSetType_t;
 using TarnFirewall::fwconfigfile_;
 using TarnFirewall::FWContainerType;
 using TarnFirewall::FWDlbRule_;
+using TarnFirewall::FWFailPolicy_t;
 using TarnFirewall::FWIoctlFrame;
 using TarnFirewall::FWIOType_t;
 using TarnFirewall::FWLibGenericIO_;
@@ -327,6 +328,15 @@ FWStatus_t FW_GetSharedAddrSet(fwlibhandle_* handle, const dvs_port_* port, void
 /// statistics (0 unset, 1 enabled, else disabled).
 FWStatus_t FW_SetAddrSetCfg(fwlibhandle_* handle, const dvs_port_* port, void* context,
                             FWAddrSetCfg_* configuration);
+
+// --- Settings of a filter
+
+/// What the filter does with traffic while it cannot enforce rules. 7 for a policy above 1, which
+/// is not sent; a kernel may answer with one that has no name.
+FWStatus_t FW_SetFailPolicy(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                            FWFailPolicy_t policy);
+FWStatus_t FW_GetFailPolicy(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                            FWFailPolicy_t* policy);
 
 // --- Records as text
 

@@ -1,9 +1,42 @@
 // Requests and replies of the commands on settings.
 
 #include "CommandFamily.h"
+#include "TarnFWCmdGetFailPolicy.h"
+#include "TarnFWCmdSetFailPolicy.h"
+
+using namespace TarnFirewall;
+
+namespace {
+
+/// The commands, by number. Offsets are those of the body.
+std::vector<Golden> goldens() {
+  std::vector<Golden> rows;
+  rows.push_back({"CTarnFWCmdSetFailPolicy", 31, 54, "SetFailPolicy", 1, 1, 1,
+                  plain<CTarnFWCmdSetFailPolicy, FW_FAIL_CLOSE>, Bytes({1})});
+
+  rows.push_back({"CTarnFWCmdGetFailPolicy", 35, 58, "GetFailPolicy", 1, 0, 1,
+                  plain<CTarnFWCmdGetFailPolicy>, Bytes(1)});
+  return rows;
+}
+
+std::vector<ReplyRow> replies() {
+  std::vector<ReplyRow> rows;
+  rows.push_back({"CTarnFWCmdGetFailPolicy",
+                  plain<CTarnFWCmdGetFailPolicy>,
+                  Bytes({1}),
+                  {{1, "filter fail policy: fail close\n"}},
+                  {}});
+
+  readsNothing(rows, "CTarnFWCmdSetFailPolicy", plain<CTarnFWCmdSetFailPolicy, FW_FAIL_OPEN>);
+  return rows;
+}
+
+}  // namespace
 
 CommandFamily settingsCommands() {
   CommandFamily family;
+  family.goldens = goldens();
+  family.replies = replies();
   family.later = {
       "CTarnFWCmdCreateSpoofGuard",      // 25
       "CTarnFWCmdDeleteSpoofGuard",      // 26
@@ -11,11 +44,9 @@ CommandFamily settingsCommands() {
       "CTarnFWCmdGetSpoofGuardStat",     // 28
       "CTarnFWCmdGetKifStat",            // 29
       "CTarnFWCmdClearKifStat",          // 30
-      "CTarnFWCmdSetFailPolicy",         // 31
       "CTarnFWCmdEnableVerbose",         // 32
       "CTarnFWCmdDebugComponent",        // 33
       "CTarnFWCmdDebugStatus",           // 34
-      "CTarnFWCmdGetFailPolicy",         // 35
       "CTarnFWCmdGetKifFlags",           // 39
       "CTarnFWCmdSetKifFlags",           // 40
       "CTarnFWCmdSetTimeout",            // 41
