@@ -21,6 +21,7 @@ struct Family {
   FAMILY(addrSetFamily)          \
   FAMILY(addrSetReadingFamily)   \
   FAMILY(filterListFamily)       \
+  FAMILY(filterSettingsFamily)   \
   FAMILY(messageFamily)          \
   FAMILY(ruleReadingFamily)      \
   FAMILY(ruleSetFamily)
