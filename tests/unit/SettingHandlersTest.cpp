@@ -1,0 +1,115 @@
+// Handlers of settings of a filter, against a scripted kernel.
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "HandlerKernel.h"
+#include "LogCapture.h"
+#include "RunCommand.h"
+#include "tarnfw.h"
+
+namespace {
+
+using Body = HandlerKernel::Body;
+
+const char kFilter[] = "nic-1002672-eth0-kelpco-sfw.2";
+
+const char kSetUsage[] =
+    "Set fail policy.\n\n"
+    "Usage: tarnioctl setfailpolicy <options>\n"
+    "    -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2\n"
+    "    -v<number>  : enable verbose log\n"
+    "    -p<fail_policy> : fail policy (0: fail_open, 1: fail_close)\n"
+    "    -h          : this help message\n";
+const char kGetUsage[] =
+    "Get fail policy.\n\n"
+    "Usage: tarnioctl getfailpolicy <options>\n"
+    "    -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2\n"
+    "    -v<number>  : enable verbose log\n"
+    "    -h          : this help message\n";
+
+/// Keeps the policy that it was sent.
+class PolicyKernel : public HandlerKernel {
+ public:
+  explicit PolicyKernel(std::uint8_t first = 9) : policy(first) {
+    on(31, [this](Body& body) { return policy = body.at[0], 0; });
+    on(35, [this](Body& body) { return body.at[0] = policy, 0; });
+  }
+  std::uint8_t policy;
+};
+
+}  // namespace
+
+TEST(SetFailPolicy, SaysWhatIsMissing) {
+  EXPECT_EQ(runCommand({"setfailpolicy", "-h"}), (CommandResult{0, kSetUsage, ""}));
+  EXPECT_EQ(runCommand({"setfailpolicy", "-p1"}),
+            (CommandResult{1, kSetUsage, "ERROR: filter is missing.\n"}));
+  EXPECT_EQ(runCommand({"setfailpolicy", "-f", kFilter}),
+            (CommandResult{1, kSetUsage, "ERROR: fail policy is missing.\n"}));
+}
+
+TEST(SetFailPolicy, SendsWhatItsOptionBeginsWith) {
+  const std::vector<std::pair<const char*, std::uint8_t>> rows = {
+      {"0", 0}, {"1", 1}, {" +1close", 1}, {"open", 0}, {"", 0}};
+  for (const auto& [text, policy] : rows) {
+    PolicyKernel kernel;
+    EXPECT_EQ(runCommand({"setfailpolicy", "-p0", "-f", kFilter, "-p", text}),
+              (CommandResult{0, "", ""}));
+    EXPECT_EQ(kernel.policy, policy) << text;
+    EXPECT_STREQ(kernel.kernel().last().port->identifier, kFilter);
+  }
+}
+
+TEST(SetFailPolicy, ANumberThatIsNoPolicyIsNeverSent) {
+  for (const char* const text : {"2", "-1", "256", "4294967296", "99999999999999999999"}) {
+    const LogCapture log;
+    const PolicyKernel kernel;
+    EXPECT_EQ(runCommand({"setfailpolicy", "-f", kFilter, "-p", text}),
+              (CommandResult{1, "",
+                             std::string("ERROR: failed to set fail policy: ") +
+                                 FW_StatusToString(7) + " 7\n"}))
+        << text;
+    EXPECT_TRUE(kernel.asked().empty()) << text;
+  }
+}
+
+TEST(SetFailPolicy, ReportsWhatTheKernelRefuses) {
+  PolicyKernel kernel;
+  kernel.fail(31, 21);
+  EXPECT_EQ(runCommand({"setfailpolicy", "-f", kFilter, "-p1"}),
+            (CommandResult{1, "", "ERROR: failed to set fail policy: switch port not found 21\n"}));
+}
+
+TEST(GetFailPolicy, PrintsWhatTheKernelHas) {
+  const std::vector<std::pair<std::uint8_t, std::string>> rows = {
+      {0, "fail open"}, {1, "fail close"}, {2, "undefined"}, {255, "undefined"}};
+  for (const auto& [policy, text] : rows) {
+    const PolicyKernel kernel(policy);
+    EXPECT_EQ(runCommand({"getfailpolicy", "-f", kFilter}),
+              (CommandResult{0, "filter fail policy: " + text + "\n", ""}));
+  }
+}
+
+TEST(GetFailPolicy, SaysWhatIsMissingAndWhatFails) {
+  EXPECT_EQ(runCommand({"getfailpolicy", "-h"}), (CommandResult{0, kGetUsage, ""}));
+  EXPECT_EQ(runCommand({"getfailpolicy"}),
+            (CommandResult{1, kGetUsage, "ERROR: filter is missing.\n"}));
+  PolicyKernel kernel;
+  kernel.fail(35, 21);
+  EXPECT_EQ(runCommand({"getfailpolicy", "-f", kFilter}),
+            (CommandResult{1, "", "ERROR: failed to get fail policy: switch port not found\n"}));
+}
+
+TEST(FailPolicy, VerbosityIsPrintedAndDoesNotReachTheLibrary) {
+  const std::string lines = "verbose level : 3\nweirgate agent: kelpco-sfw\n";
+  const PolicyKernel kernel(0);
+  EXPECT_EQ(runCommand({"setfailpolicy", "-v", "3", "-f", kFilter, "-p", "1"}),
+            (CommandResult{0, lines, ""}));
+  EXPECT_EQ(runCommand({"getfailpolicy", "-v1", "-f", kFilter, "-v2"}),
+            (CommandResult{0, lines + "filter fail policy: fail close\n", ""}));
+  unsigned int level = 99;
+  FW_GetLibVerboseLevel(0, &level);
+  EXPECT_EQ(level, 0u);
+}
