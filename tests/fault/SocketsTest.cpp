@@ -54,7 +54,7 @@ TEST(Sockets, WithoutMemoryForTheErrorARefusedConnectionLosesNoDescriptor) {
 
 TEST(Sockets, WithoutADescriptorTheFailingCallIsSocket) {
   const LoopbackListener listener;
-  // Objects are looked at before and behind the limit too: a sanitizer that meets a class for the
+  // Objects are looked at before and after the limit too: a sanitizer that meets a class for the
   // first time needs descriptors to check it.
   Socket socket;
   EXPECT_EQ(socket.GetDescriptor(), -1);

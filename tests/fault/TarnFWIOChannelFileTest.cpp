@@ -49,7 +49,7 @@ TEST_F(TarnFWIOChannelFileFault, AWriteWithoutMemoryIsTheKernelOutOfMemory) {
 }
 
 TEST_F(TarnFWIOChannelFileFault, AShortWriteCountsAsDoneAndIsNotFollowedUp) {
-  // A file that may hold 10 bytes takes 10 of 24 and refuses whatever comes behind them.
+  // A file that may hold 10 bytes takes 10 of 24 and refuses whatever comes after them.
   CTarnFWIOChannelFile channel(name_.c_str());
   rlimit kept{};
   ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &kept), 0);

@@ -58,7 +58,7 @@ TEST(TarnSiIoctl, AFailedRequestSaysSuccessfullyToo) {
 TEST(TarnSiIoctl, AFrameWithoutANulIsShownUpToItsEnd) {
   EXPECT_FRESH([] {
     DeviceShim::put(kDevice);
-    // On the heap, so that a sanitizer sees a read behind it.
+    // On the heap, so that a sanitizer sees a read past it.
     const auto frame = std::make_unique<char[]>(32);
     std::memset(frame.get(), 'x', 32);
     LogCapture log;

@@ -184,7 +184,7 @@ Compiler and CMake: none, too old, one that says nothing.
   ==> running the tests
   ctest [--preset] [dev] [-j] [2]
 
-A machine without Debian's package system: the commands tell what is there, and CMake looks for the
+A machine without Debian's package system: the commands show what is there, and CMake looks for the
 libraries.
 
   $ machine
