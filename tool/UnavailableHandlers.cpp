@@ -1,8 +1,8 @@
 #include "HandlerCommon.h"
 #include "Handlers.h"
 
-/// Commands that this build does not have yet. Each stands in the table under its final handler, so
-/// that a family that arrives only takes its lines out of here.
+/// Commands that this build does not have yet, by family. Each stands in the table under its final
+/// handler, so that a handler that arrives only takes its line out of here.
 
 namespace {
 
@@ -15,73 +15,88 @@ int unavailable(const char* cmd) {
 #define UNAVAILABLE(handler) \
   int handler(const char* cmd, int, char**) { return unavailable(cmd); }
 
-UNAVAILABLE(AddFilter)
-UNAVAILABLE(AddGRE)
-UNAVAILABLE(ClearAllFilters)
+// flows and connections
 UNAVAILABLE(ClearConnection)
-UNAVAILABLE(ClearFilterStat)
-UNAVAILABLE(ClearIpDisc)
-UNAVAILABLE(ClearWeirgateTbl)
-UNAVAILABLE(CreateAgent)
-UNAVAILABLE(CreateInstance)
-UNAVAILABLE(CreateProfile)
-UNAVAILABLE(DelRules)
-UNAVAILABLE(DeleteFilter)
-UNAVAILABLE(DestroyAgent)
-UNAVAILABLE(DestroyInstance)
-UNAVAILABLE(DestroyProfile)
-UNAVAILABLE(GetALGInfo)
-UNAVAILABLE(GetConnAttrInfo)
 UNAVAILABLE(GetConnectionCount)
 UNAVAILABLE(GetConnections)
-UNAVAILABLE(GetDnsConfigProfile)
 UNAVAILABLE(GetFWFlows)
-UNAVAILABLE(GetFWStatus)
-UNAVAILABLE(GetFilterStat)
-UNAVAILABLE(GetFilterTables)
-UNAVAILABLE(GetFloodStat)
-UNAVAILABLE(GetFlowExclusion)
+
+// identity and discovery
+UNAVAILABLE(ClearIpDisc)
 UNAVAILABLE(GetFqdnEntries)
-UNAVAILABLE(GetInstances)
 UNAVAILABLE(GetIpDisc)
-UNAVAILABLE(GetKifFlags)
-UNAVAILABLE(GetLBConfig)
-UNAVAILABLE(GetLBStat)
 UNAVAILABLE(GetMeminfoData)
-UNAVAILABLE(GetProfiles)
-UNAVAILABLE(GetRTT)
-UNAVAILABLE(GetSINshTable)
-UNAVAILABLE(GetSIProxyTable)
-UNAVAILABLE(GetSISVMProxyStats)
-UNAVAILABLE(GetSISvcTable)
+UNAVAILABLE(GetUid2SidMap)
+UNAVAILABLE(SetIpDisc)
+
+// settings
+UNAVAILABLE(GetDnsConfigProfile)
+UNAVAILABLE(GetFWStatus)
+UNAVAILABLE(GetFloodStat)
+UNAVAILABLE(GetKifFlags)
 UNAVAILABLE(GetSharedAddrSet)
 UNAVAILABLE(GetSkifferExportVersion)
 UNAVAILABLE(GetSpoofGuard)
-UNAVAILABLE(GetStateDPIInfo)
 UNAVAILABLE(GetThresholds)
 UNAVAILABLE(GetTimeout)
-UNAVAILABLE(GetUid2SidMap)
-UNAVAILABLE(GetVDPIInfo)
 UNAVAILABLE(KifsFastPath)
-UNAVAILABLE(ReplaceInstance)
-UNAVAILABLE(RevalidateVM)
 UNAVAILABLE(SetAddrSetCfg)
 UNAVAILABLE(SetDnsConfigProfile)
 UNAVAILABLE(SetFilterFlags)
-UNAVAILABLE(SetFilterTables)
 UNAVAILABLE(SetFloodConfig)
-UNAVAILABLE(SetFlowExclusion)
 UNAVAILABLE(SetICMPErrPktDrop)
-UNAVAILABLE(SetIpDisc)
 UNAVAILABLE(SetKifFlags)
 UNAVAILABLE(SetL7CopyMode)
-UNAVAILABLE(SetRegisterAgent)
 UNAVAILABLE(SetSharedAddrSet)
 UNAVAILABLE(SetSkifferExportVersion)
 UNAVAILABLE(SetSkifferExportVersionAllFilters)
 UNAVAILABLE(SetThresholds)
 UNAVAILABLE(SetTimeout)
 UNAVAILABLE(SetVerbose)
+
+// lifecycle of filters and agents, filter tables
+UNAVAILABLE(AddFilter)
+UNAVAILABLE(ClearAllFilters)
+UNAVAILABLE(ClearWeirgateTbl)
+UNAVAILABLE(CreateAgent)
+UNAVAILABLE(DelRules)
+UNAVAILABLE(DeleteFilter)
+UNAVAILABLE(DestroyAgent)
+UNAVAILABLE(GetFilterTables)
+UNAVAILABLE(RevalidateVM)
+UNAVAILABLE(SetFilterTables)
+UNAVAILABLE(SetRegisterAgent)
+
+// flow exclusion
+UNAVAILABLE(GetFlowExclusion)
+UNAVAILABLE(SetFlowExclusion)
+
+// service insertion
+UNAVAILABLE(AddGRE)
+UNAVAILABLE(CreateInstance)
+UNAVAILABLE(CreateProfile)
+UNAVAILABLE(DestroyInstance)
+UNAVAILABLE(DestroyProfile)
+UNAVAILABLE(GetInstances)
+UNAVAILABLE(GetProfiles)
+UNAVAILABLE(GetSINshTable)
+UNAVAILABLE(GetSIProxyTable)
+UNAVAILABLE(GetSISVMProxyStats)
+UNAVAILABLE(GetSISvcTable)
+UNAVAILABLE(ReplaceInstance)
+
+// balancers, ALG and statistics
+UNAVAILABLE(ClearFilterStat)
+UNAVAILABLE(GetALGInfo)
+UNAVAILABLE(GetConnAttrInfo)
+UNAVAILABLE(GetFilterStat)
+UNAVAILABLE(GetLBConfig)
+UNAVAILABLE(GetLBStat)
+UNAVAILABLE(GetRTT)
+UNAVAILABLE(GetStateDPIInfo)
+
+// trace and inspection
+UNAVAILABLE(GetVDPIInfo)
 UNAVAILABLE(TraceHulld)
 UNAVAILABLE(TraceTarn)
 

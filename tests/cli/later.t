@@ -1,15 +1,53 @@
-Commands that this build does not have say so, whatever their options.
+Commands that this build does not have say so, whatever their options; one of each family.
 
   $ . "$TESTDIR/setup"
+
+Flows and connections.
+
+  $ run tarnioctl GetFlows -f x
+  err| ERROR: command GetFlows is not available in this build.
+  [1]
+
+Identity and discovery.
+
+  $ run tarnioctl getmeminfo
+  err| ERROR: command getmeminfo is not available in this build.
+  [1]
+
+Settings.
+
+  $ run tarnioctl getfwstatus
+  err| ERROR: command getfwstatus is not available in this build.
+  [1]
+
+Lifecycle of filters and agents, filter tables.
+
+  $ run tarnioctl addfilter -Override -h
+  err| ERROR: command addfilter is not available in this build.
+  [1]
+
+Flow exclusion.
+
+  $ run tarnioctl getflowexclusion -h
+  err| ERROR: command getflowexclusion is not available in this build.
+  [1]
+
+Service insertion.
+
+  $ run tarnioctl getsisvctable
+  err| ERROR: command getsisvctable is not available in this build.
+  [1]
+
+Balancers, ALG and statistics.
 
   $ run tarnioctl rtt -h
   err| ERROR: command rtt is not available in this build.
   [1]
-  $ run tarnioctl addfilter -Override -h
-  err| ERROR: command addfilter is not available in this build.
-  [1]
-  $ run tarnioctl GetFlows -f x
-  err| ERROR: command GetFlows is not available in this build.
+
+Trace and inspection.
+
+  $ run tarnioctl tracetarn -x
+  err| ERROR: command tracetarn is not available in this build.
   [1]
 
 These are for debug builds only.

@@ -30,22 +30,6 @@ enum : unsigned int {
 
 const char* statusText(unsigned int status) { return FW_StatusToString(status); }
 
-std::string usageOf(const std::string& command) {
-  const bool sets = command != "getcontainers";
-  return std::string(sets ? "Get addrsets of a filter.\n\n" : "Get profiles of a filter.\n\n") +
-         "Usage: tarnioctl " + command +
-         " <options>\n"
-         "    -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2\n"
-         "    -v<number>  : enable verbose log\n"
-         "    -m <string> : verbose log component name or id\n" +
-         (sets ? "    -a <string> : addrset to get addresses\n"
-                 "    -s <table|entry|all|clear> : retrieve addrset stats\n"
-               : "    -a <string> : profile to get addresses or attributes\n"
-                 "    -s <table|entry|all|clear> : retrieve profile stats\n") +
-         "    -o          : always use original filter\n"
-         "    -h          : this help message\n";
-}
-
 Bytes ipv4(int last) { return Bytes(144).at(0, {1}).at(4, {10, 0, 0, last}); }
 
 /// An element of a chain: the security identifier S-1-5-LAST.
@@ -290,22 +274,6 @@ CommandResult masked(const Command& command, CommandResult result) {
 
 // --- Options
 
-TEST_P(SetCommand, ShowsItsUsage) {
-  EXPECT_EQ(run({"-h"}), (CommandResult{0, usageOf(command.name), ""}));
-  const CommandResult bad = run({"-x"});
-  EXPECT_EQ(bad.status, 1);
-  EXPECT_EQ(bad.out, usageOf(command.name));
-}
-
-TEST(GetAddrSets, HasAnAlias) {
-  EXPECT_EQ(runCommand({"getaddrset", "-h"}), (CommandResult{0, usageOf("getaddrset"), ""}));
-}
-
-TEST_P(SetCommand, NeedsAFilter) {
-  EXPECT_EQ(runCommand({command.name, "-a", "web"}),
-            (CommandResult{1, usageOf(command.name), "ERROR: filter is missing.\n"}));
-}
-
 TEST_P(SetCommand, RefusesANameOf38Characters) {
   const std::string name(38, 'n');
   EXPECT_EQ(run({"-a", name}),
@@ -319,18 +287,6 @@ TEST_P(SetCommand, TakesStatisticsOrInfoOnly) {
     EXPECT_EQ(run({"-i", "-s", value}),
               (CommandResult{1, "", "ERROR: only one of -s and -i can be specified.\n"}));
   EXPECT_TRUE(kernel.asked().empty());
-}
-
-TEST_P(SetCommand, NeedsTheLibrary) {
-  const DefaultHandle none(nullptr);
-  EXPECT_EQ(run(), (CommandResult{1, "", "ERROR: unable to open firewall library\n"}));
-}
-
-TEST_P(SetCommand, SaysItsVerbosity) {
-  EXPECT_EQ(
-      run({"-v", "-m", "cache"}),
-      (CommandResult{
-          0, std::string("verbose level : 1\nweirgate agent: kelpco-sfw\n") + command.none, ""}));
 }
 
 // --- All sets

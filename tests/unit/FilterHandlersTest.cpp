@@ -542,23 +542,6 @@ TEST(GetFilterList, WhenOnlyTheSecondRequestFailsTheRecordsAreEmptyOnes) {
 
 // --- getfilters
 
-namespace {
-
-std::string usageText(const std::string& word) {
-  return "Get all available filters in system.\n\n"
-         "Usage: tarnioctl " +
-         word +
-         " <options>\n"
-         "    -a <string>     : agent name, default agent is kelpco-sfw\n"
-         "    -s              : print statistics\n"
-         "    -d              : get filter to slowpath distribution\n"
-         "    -c <slowpathID> : get slowpath to filter distribution\n"
-         "    -n              : get number of filters\n"
-         "    -h              : this help message\n";
-}
-
-}  // namespace
-
 TEST(GetFWFilters, ListsEveryAgentsFiltersInTheKernelsOrder) {
   Kernel kernel({webFilter(), webFilter().agent("other-fw")});
   EXPECT_EQ(runCommand({"getfilters"}), (CommandResult{0, std::string(kWebText) + kWebText, ""}));
@@ -688,17 +671,6 @@ TEST(GetFWFilters, StatisticsStandBehindEachFilter) {
   FilterView view;
   view.withStats = true;
   EXPECT_EQ(runCommand({"getfilters", "-s"}), (CommandResult{0, printed(webFilter(), view), ""}));
-}
-
-TEST(GetFWFilters, ShowsItsUsageWithTheWordAsTyped) {
-  EXPECT_EQ(runCommand({"getfilters", "-h"}), (CommandResult{0, usageText("getfilters"), ""}));
-  EXPECT_EQ(runCommand({"GetFilters", "-s", "-h", "-x"}),
-            (CommandResult{0, usageText("GetFilters"), ""}));
-  EXPECT_EQ(runCommand({"getfilters", "-x"}),
-            (CommandResult{1, usageText("getfilters"), "getfilters: invalid option -- 'x'\n"}));
-  EXPECT_EQ(runCommand({"getfilters", "-a"}),
-            (CommandResult{1, usageText("getfilters"),
-                           "getfilters: option requires an argument -- 'a'\n"}));
 }
 
 TEST(GetFWFilters, AReplyOfMoreThanItsBufferShowsWhatTheBufferHolds) {

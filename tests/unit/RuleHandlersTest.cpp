@@ -13,17 +13,6 @@ using Body = HandlerKernel::Body;
 
 const char kFilter[] = "nic-1002672-eth0-kelpco-sfw.2";
 
-const char kUsage[] =
-    "Get rules of rulesets of a filter.\n\n"
-    "Usage: tarnioctl getrules <options>\n"
-    "    -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2\n"
-    "    -v<number>  : enable verbose log\n"
-    "    -m <string> : verbose log component name or id\n"
-    "    -r <string> : ruleset to get rules\n"
-    "    -s          : print statistics\n"
-    "    -d          : print DLB info\n"
-    "    -h          : this help message\n";
-
 /// Numbers of the commands.
 enum : unsigned int {
   kCount = 1,
@@ -192,22 +181,9 @@ const char kOpen[] =
 
 // --- Options
 
-TEST(GetRules, ShowsItsUsage) {
-  EXPECT_EQ(runCommand({"getrules", "-h"}), (CommandResult{0, kUsage, ""}));
-  const CommandResult bad = runCommand({"getrules", "-x"});
-  EXPECT_EQ(bad.status, 1);
-  EXPECT_EQ(bad.out, kUsage);
-}
-
-TEST(GetRules, NeedsAFilter) {
-  EXPECT_EQ(runCommand({"getrules", "-r", "web"}),
-            (CommandResult{1, kUsage, "ERROR: filter is missing.\n"}));
-}
-
 TEST(GetRules, HasAnAlias) {
   RuleKernel kernel;
   EXPECT_EQ(runCommand({"getrule", "-f", kFilter}), (CommandResult{0, "No rules.\n", ""}));
-  EXPECT_EQ(runCommand({"getrule", "-h"}).out.find("Usage: tarnioctl getrule <options>\n"), 36u);
 }
 
 TEST(GetRules, RefusesARuleSetNameOf64Characters) {
@@ -221,11 +197,6 @@ TEST(GetRules, RefusesARuleSetNameOf64Characters) {
 TEST(GetRules, TakesOneModeOnly) {
   const CommandResult refused{1, "", "ERROR: only one of -s, -d, and -i can be specified.\n"};
   for (const char* modes : {"-sd", "-si", "-di", "-sdi"}) EXPECT_EQ(getRules({modes}), refused);
-}
-
-TEST(GetRules, NeedsTheLibrary) {
-  const DefaultHandle none(nullptr);
-  EXPECT_EQ(getRules(), (CommandResult{1, "", "ERROR: unable to open firewall library\n"}));
 }
 
 TEST(GetRules, AsksTheFilterByNameAndAgent) {

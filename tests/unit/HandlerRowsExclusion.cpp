@@ -1,0 +1,7 @@
+// Rows of the commands about flow exclusion.
+
+#include "HandlerRows.h"
+
+std::vector<HandlerRow> exclusionRows() {
+  return {};
+}
