@@ -166,7 +166,7 @@ int GetSingleContainer(fwlibhandle_* handle, const dvs_port_* port, const FWAddr
   unsigned int size = 0;
   if (const auto status = readSize(set, &asked, &size)) return *status;
   if (asked == 0) {
-    // Only here type, number and size are told.
+    // Scripts find type, number and size in this line, and in no other.
     std::printf("%s%s (type %d, num %d size %d) {\n}\n", prefix, set.name.c_str(),
                 static_cast<int>(kContainerType), static_cast<int>(asked), static_cast<int>(size));
     return 0;

@@ -6,7 +6,7 @@
 
 #include "tarnfw.h"
 
-/// Types of sets, as `FW_GetAddrSetTypeAndSize` tells them.
+/// Types of sets, as `FW_GetAddrSetTypeAndSize` gives them.
 inline constexpr unsigned int kAddrSetType = 1;
 inline constexpr unsigned int kContainerType = 2;
 
@@ -14,7 +14,7 @@ inline constexpr unsigned int kContainerType = 2;
 struct MemberStatistics {
   bool wanted = false;  // statistics of each member
   bool header = false;  // the column header in front of them
-  bool clear = false;   // the kernel sets them back behind the reading
+  bool clear = false;   // the kernel sets them back after the reading
 };
 
 /// Shows the addresses of a set, with `prefix` in front of its name; nothing for a set of another

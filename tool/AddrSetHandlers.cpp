@@ -15,8 +15,8 @@ namespace {
 
 constexpr std::size_t kMaxSetName = 37;
 
-/// The words of the two commands, which are one otherwise. Texts that look like those of the other
-/// command are meant: scripts match them.
+/// The words of the two commands, which are one otherwise. Keep texts that look like those of the
+/// other command: scripts match them.
 struct Words {
   unsigned int type;
   const char* usage;

@@ -132,7 +132,7 @@ int runCommand(int argc, char** argv) {
 
   if ((command->flags & kCommandDangerous) == 0) return command->handler(word, argc - 1, argv + 1);
 
-  // The guard looks at the second argument only: even -h stands behind it.
+  // The guard looks at the second argument only: even -h comes after it.
   if (argc < 3 || std::strcmp(argv[2], "-Override") != 0) {
     error("ERROR: Command %s is dangerous and can cause unintended consequence!\n", word);
     return error(

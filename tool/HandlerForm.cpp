@@ -1,8 +1,9 @@
 #include "HandlerForm.h"
 
+#include <algorithm>
+#include <cassert>
 #include <cstdio>
 #include <cstring>
-#include <utility>
 
 OwnOption::OwnOption(char which, bool* flag)
     : OwnOption(which, [flag](const char*, const Target&) {
@@ -22,6 +23,18 @@ OwnOption::OwnOption(char which, const char** text, std::size_t most, const char
         *text = value;
         return kGoOn;
       }) {}
+
+OwnOptions::OwnOptions(std::initializer_list<OwnOption> options)
+    : count_(std::min(options.size(), kMost)) {
+  assert(options.size() <= kMost);
+  std::copy_n(options.begin(), count_, options_.begin());
+}
+
+const OwnOption* OwnOptions::find(int letter) const {
+  for (std::size_t i = 0; i < count_; ++i)
+    if (options_[i].letter == letter) return &options_[i];
+  return nullptr;
+}
 
 namespace {
 
@@ -45,8 +58,8 @@ int takeShared(const HandlerForm& form, Target& target, int letter) {
 }
 
 int takeOption(const HandlerForm& form, Target& target, int letter) {
-  for (const OwnOption& own : form.own)
-    if (own.letter == letter) return own.take(target.options.value(), target);
+  if (const OwnOption* const own = form.own.find(letter))
+    return own->take(target.options.value(), target);
   return takeShared(form, target, letter);
 }
 

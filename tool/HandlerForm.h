@@ -34,10 +34,11 @@
 ///            .own = {{'p', &policy}},
 ///            .check = given(policy, "ERROR: fail policy is missing.\n")},
 
-#include <functional>
-#include <utility>
-#include <vector>
+#include <array>
+#include <cstddef>
+#include <initializer_list>
 
+#include "Callback.h"
 #include "HandlerCommon.h"
 
 /// What the steps have found out so far; the body gets all of it. Options and texts may be asked
@@ -68,9 +69,9 @@ inline constexpr int kNotTaken = -2;
 /// the shared one.
 struct OwnOption {
   /// Gets the value (null when the option has none); returns `kGoOn`, `kNotTaken` or a status.
-  using Take = std::function<int(const char* value, const Target& target)>;
+  using Take = Callback<int(const char* value, const Target& target)>;
 
-  OwnOption(char which, Take function) : letter(which), take(std::move(function)) {}
+  OwnOption(char which, Take function) : letter(which), take(function) {}
 
   /// Sets a flag.
   OwnOption(char which, bool* flag);
@@ -82,8 +83,25 @@ struct OwnOption {
   /// `tooLong`, which has the text in the place of its one "%s", and status 1.
   OwnOption(char which, const char** text, std::size_t most, const char* tooLong);
 
-  char letter;
-  Take take;
+  OwnOption() = default;
+
+  char letter = '\0';
+  Take take = nullptr;
+};
+
+/// The options of a handler's own, without an allocation.
+class OwnOptions {
+ public:
+  OwnOptions() = default;
+  OwnOptions(std::initializer_list<OwnOption> options);
+
+  /// The option with this letter, null when there is none.
+  const OwnOption* find(int letter) const;
+
+ private:
+  static constexpr std::size_t kMost = 24;
+  std::array<OwnOption, kMost> options_{};
+  std::size_t count_ = 0;
 };
 
 /// What a handler does when `-f` is missing.
@@ -104,13 +122,13 @@ struct LibraryFailure {
 
 /// The ways in which one handler differs from another.
 struct HandlerForm {
-  using Step = std::function<int(const Target& target)>;
+  using Step = Callback<int(const Target& target)>;
 
-  const char* usage;                // with "%s" in the place of the command word
-  const char* letters;              // for getopt
-  const option* words = nullptr;    // long options, if any
-  std::vector<OwnOption> own = {};  // options besides -f, -v, -m and -h
-  int badOption = 1;                // status after the usage text for an unknown option
+  const char* usage;              // with "%s" in the place of the command word
+  const char* letters;            // for getopt
+  const option* words = nullptr;  // long options, if any
+  OwnOptions own = {};            // options besides -f, -v, -m and -h
+  int badOption = 1;              // status after the usage text for an unknown option
 
   Step parsed = nullptr;  // runs after the options
   bool needsFilter = true;
@@ -129,7 +147,7 @@ struct HandlerForm {
 };
 
 /// What a handler is for. Returns the exit status.
-using HandlerBody = std::function<int(Target& target)>;
+using HandlerBody = Callback<int(Target& target)>;
 
 /// Runs a handler that works on a filter.
 int onFilter(const char* cmd, int argc, char** argv, const HandlerForm& form,

@@ -1,11 +1,11 @@
 #pragma once
 
 /// What every handler has, as one row: `HandlerRowsTest` runs each row through `-h`, an unknown
-/// option, a missing value, a missing filter, a filter's name of 99 and of 100 characters, verbosity
-/// and a library that cannot be opened.
+/// option, a missing value, a missing filter, a filter's name of 99 and of 100 characters,
+/// verbosity and a library that cannot be opened.
 ///
-/// A handler's row stands in the file of its family, `tests/unit/HandlerRows<Family>.cpp`. A command
-/// without a row is expected to say that it is not in this build.
+/// A handler's row stands in the file of its family, `tests/unit/HandlerRows<Family>.cpp`. A
+/// command without a row is expected to say that it is not in this build.
 
 #include <vector>
 

@@ -655,9 +655,9 @@ TEST(GetFWFilters, ASlowPathShowsItsFiltersBehindTheHeader) {
 
 TEST(GetFWFilters, ASlowPathThatIsNoNumberShowsTheUsage) {
   Kernel kernel({webFilter().slowPath(7)});
+  const std::string usage = runCommand({"getfilters", "-h"}).out;
   for (const char* text : {"", "x", "7x", "0x7", "99999999999"})
-    EXPECT_EQ(runCommand({"getfilters", "-c", text}),
-              (CommandResult{1, usageText("getfilters"), ""}));
+    EXPECT_EQ(runCommand({"getfilters", "-c", text}), (CommandResult{1, usage, ""}));
   EXPECT_TRUE(kernel.requests.empty());
 }
 

@@ -2,6 +2,4 @@
 
 #include "HandlerRows.h"
 
-std::vector<HandlerRow> exclusionRows() {
-  return {};
-}
+std::vector<HandlerRow> exclusionRows() { return {}; }

@@ -2,6 +2,4 @@
 
 #include "HandlerRows.h"
 
-std::vector<HandlerRow> flowRows() {
-  return {};
-}
+std::vector<HandlerRow> flowRows() { return {}; }

@@ -2,6 +2,4 @@
 
 #include "HandlerRows.h"
 
-std::vector<HandlerRow> insertionRows() {
-  return {};
-}
+std::vector<HandlerRow> insertionRows() { return {}; }

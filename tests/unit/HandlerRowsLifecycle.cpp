@@ -2,6 +2,4 @@
 
 #include "HandlerRows.h"
 
-std::vector<HandlerRow> lifecycleRows() {
-  return {};
-}
+std::vector<HandlerRow> lifecycleRows() { return {}; }

@@ -2,6 +2,4 @@
 
 #include "HandlerRows.h"
 
-std::vector<HandlerRow> statisticsRows() {
-  return {};
-}
+std::vector<HandlerRow> statisticsRows() { return {}; }

@@ -81,9 +81,7 @@ class HandlerRows : public testing::TestWithParam<Case> {
 
 }  // namespace
 
-TEST_P(HandlerRows, ShowsItsUsage) {
-  EXPECT_EQ(run({"-h"}), (CommandResult{0, usage, ""}));
-}
+TEST_P(HandlerRows, ShowsItsUsage) { EXPECT_EQ(run({"-h"}), (CommandResult{0, usage, ""})); }
 
 TEST_P(HandlerRows, ShowsItForAnUnknownOption) {
   EXPECT_EQ(run({"-?"}),
@@ -114,8 +112,7 @@ TEST_P(HandlerRows, RefusesAFilterNameOf100Characters) {
   EXPECT_EQ(runNeeded({"-f", longest + "f"}),
             (CommandResult{1, "", "ERROR: invalid filter name " + longest + "f\n"}));
   if (!row.opensLibrary) return;
-  EXPECT_EQ(runNeeded({"-f", longest}),
-            (CommandResult{row.libraryStatus, "", row.libraryFailed}));
+  EXPECT_EQ(runNeeded({"-f", longest}), (CommandResult{row.libraryStatus, "", row.libraryFailed}));
 }
 
 TEST_P(HandlerRows, NeedsTheLibrary) {
@@ -138,7 +135,7 @@ TEST_P(HandlerRows, SaysItsVerbosity) {
 }
 
 INSTANTIATE_TEST_SUITE_P(All, HandlerRows, testing::ValuesIn(casesWithOptions()),
-                         [](const testing::TestParamInfo<Case>& info) { return info.param.word; });
+                         testing::PrintToStringParamName());
 
 TEST(RowsOfHandlers, NameCommandsOfTheTableOnce) {
   std::set<std::string> seen;

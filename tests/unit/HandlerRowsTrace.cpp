@@ -2,6 +2,4 @@
 
 #include "HandlerRows.h"
 
-std::vector<HandlerRow> traceRows() {
-  return {};
-}
+std::vector<HandlerRow> traceRows() { return {}; }
