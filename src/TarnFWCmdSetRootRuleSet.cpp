@@ -33,13 +33,13 @@ CTarnFWCmdSetRootRuleSet::CTarnFWCmdSetRootRuleSet(const dvs_port_* port,
 
 void CTarnFWCmdSetRootRuleSet::addJump(bool layer3, const FWRuleSetID_t& target) {
   const unsigned int id = rules().getRuleCount() + 1;
-  CTarnFWProtocolSpecList connection(FW_SPEC_DIR_BOTH);
-  connection.addSpec(std::make_unique<CTarnFWProtocolSpecStateless>());
-  ownRules().addRule(std::make_unique<CTarnFWRule>(
-      id, static_cast<int>(id), FW_DIRECTION_INOUT, CTarnFWProtocol(layer3), std::move(connection),
-      nullptr, CTarnFWProtocolSpecList(FW_SPEC_DIR_SOURCE), nullptr,
-      CTarnFWProtocolSpecList(FW_SPEC_DIR_DESTINATION),
-      std::make_unique<CTarnFWRuleActionJumpto>(fieldText(target.text).c_str()), nullptr, nullptr));
+  FWRuleParts parts;
+  parts.id = id;
+  parts.position = static_cast<int>(id);
+  parts.protocol.emplace(layer3);
+  parts.connection.addSpec(std::make_unique<CTarnFWProtocolSpecStateless>());
+  parts.action = std::make_unique<CTarnFWRuleActionJumpto>(fieldText(target.text).c_str());
+  ownRules().addRule(std::make_unique<CTarnFWRule>(std::move(parts)));
 }
 
 std::string CTarnFWCmdSetRootRuleSet::toString() const {

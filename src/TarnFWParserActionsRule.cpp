@@ -93,27 +93,13 @@ void replaceTargetRange(const FWParse& parse, std::uint32_t id, CTarnFWRuleActio
   (*parse.cmdList)->addCmd(std::move(command));
 }
 
-/// The specs of one place of the rule, turned to its direction; empty for null.
-CTarnFWProtocolSpecList takeSpecs(std::unique_ptr<CTarnFWProtocolSpecList>& specs,
-                                  FWProtocolSpecDir dir) {
-  if (specs == nullptr) return CTarnFWProtocolSpecList(dir);
-  specs->setDir(dir);
-  return std::move(*specs);
-}
-
-std::unique_ptr<CTarnFWRule> assembleRule(const FWParse& parse, std::uint32_t id,
-                                          std::uint32_t position, FWRuleParts& parts) {
-  replaceRange(parse, "src", id, parts.source);
-  replaceRange(parse, "dst", id, parts.destination);
-  replaceTargetRange(parse, id, *parts.action);
-  auto rule = std::make_unique<CTarnFWRule>(
-      id, static_cast<int>(position), parts.direction, *parts.protocol,
-      takeSpecs(parts.specs, FW_SPEC_DIR_BOTH), std::move(parts.source),
-      takeSpecs(parts.sourcePorts, FW_SPEC_DIR_SOURCE), std::move(parts.destination),
-      takeSpecs(parts.destinationPorts, FW_SPEC_DIR_DESTINATION), std::move(parts.action),
-      std::move(parts.extendedSource), std::move(parts.attributeProfile));
-  if (parts.af != FW_AF_NONE) rule->setAF(parts.af);
-  if (parts.tag.length != 0) rule->setTag(parts.tag.data);
+std::unique_ptr<CTarnFWRule> assembleRule(const FWParse& parse, FWRuleParts& parts) {
+  replaceRange(parse, "src", parts.id, parts.source);
+  replaceRange(parse, "dst", parts.id, parts.destination);
+  replaceTargetRange(parse, parts.id, *parts.action);
+  const FWRuleAF_t af = parts.af;
+  auto rule = std::make_unique<CTarnFWRule>(std::move(parts));
+  if (af != FW_AF_NONE) rule->setAF(af);
   return rule;
 }
 
@@ -298,16 +284,29 @@ std::unique_ptr<CTarnFWRuleAction> loadBalancing(std::uint16_t type, std::int64_
   return std::make_unique<CTarnFWRuleActionLB>(type, idleTime, closeTime, options);
 }
 
+std::optional<CTarnFWProtocol> takeProtocol(std::unique_ptr<CTarnFWProtocol> protocol) {
+  return *protocol;
+}
+
+CTarnFWProtocolSpecList takeSpecs(std::unique_ptr<CTarnFWProtocolSpecList> specs,
+                                  FWProtocolSpecDir dir) {
+  if (specs == nullptr) return CTarnFWProtocolSpecList(dir);
+  specs->setDir(dir);
+  return std::move(*specs);
+}
+
 std::unique_ptr<CTarnFWRule> buildRule(const FWParse& parse, CTarnFWParserArena::Mark mark,
-                                       FWRuleParts parts) {
-  const std::uint32_t id = number32(parts.id, "rule id value overflows");
-  const std::uint32_t position = number32(parts.position, "rule position value overflows");
+                                       std::int64_t id, std::int64_t position,
+                                       const FWParserText& tag, FWRuleParts parts) {
+  parts.id = number32(id, "rule id value overflows");
+  parts.position = static_cast<std::int32_t>(number32(position, "rule position value overflows"));
+  parts.tag = FWRuleTag({tag.data, tag.length});
   try {
-    auto rule = assembleRule(parse, id, position, parts);
+    auto rule = assembleRule(parse, parts);
     parse.arena().release(mark);
     return rule;
   } catch (const CTarnFWException& e) {
-    // The exception's own status is not passed on here, which callers of the library know.
+    // The exception's own status is not passed on: callers of the library expect 16 for a rule.
     throw CParseFailure(e.what());
   }
 }

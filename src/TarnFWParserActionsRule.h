@@ -12,6 +12,7 @@
 #include "TarnFWRuleAction.h"
 #include "TarnFWRuleActionDNAT.h"
 #include "TarnFWRuleList.h"
+#include "TarnFWRuleParts.h"
 
 namespace TarnFirewall {
 
@@ -112,31 +113,21 @@ std::unique_ptr<CTarnFWRuleAction> loadBalancing(std::uint16_t type, std::int64_
 
 // --- Rule
 
-/// What stands in a rule, in its order. Specs, ports and profiles that are not written are null:
-/// most rules have few of them.
-struct FWRuleParts {
-  std::int64_t id;
-  std::int64_t position;
-  FWRuleDirection_t direction;
-  FWRuleAF_t af;
-  std::unique_ptr<CTarnFWProtocol> protocol;
-  std::unique_ptr<CTarnFWProtocolSpecList> specs;
-  std::unique_ptr<CTarnFWAddress> source;
-  std::unique_ptr<CTarnFWProtocolSpecList> sourcePorts;
-  std::unique_ptr<CTarnFWAddress> destination;
-  std::unique_ptr<CTarnFWProtocolSpecList> destinationPorts;
-  std::unique_ptr<CTarnFWContainerID> extendedSource;
-  std::unique_ptr<CTarnFWContainerID> attributeProfile;
-  std::unique_ptr<CTarnFWRuleAction> action;
-  FWParserText tag;
-};
+/// The protocol of a rule.
+std::optional<CTarnFWProtocol> takeProtocol(std::unique_ptr<CTarnFWProtocol> protocol);
+
+/// The specs of one place of a rule, turned to its direction. Null, which is what the grammar has
+/// for most rules, gives an empty list.
+CTarnFWProtocolSpecList takeSpecs(std::unique_ptr<CTarnFWProtocolSpecList> specs,
+                                  FWProtocolSpecDir dir);
 
 /// The rule. Each address range in it becomes a reference to an address set named after the rule's
 /// id, and the command that creates the set goes to the command list at once, so that it stands
-/// ahead of the statement. The texts of the rule, behind the mark, are freed. Failures behind the
-/// two numbers end in status 16, whatever their own.
+/// ahead of the statement. The texts of the rule, after the mark, are freed. Failures after the two
+/// numbers end in status 16, whatever their own.
 std::unique_ptr<CTarnFWRule> buildRule(const FWParse& parse, CTarnFWParserArena::Mark mark,
-                                       FWRuleParts parts);
+                                       std::int64_t id, std::int64_t position,
+                                       const FWParserText& tag, FWRuleParts parts);
 
 std::unique_ptr<CTarnFWRuleList> ruleList();
 std::unique_ptr<CTarnFWRuleList> withRule(std::unique_ptr<CTarnFWRuleList> list,

@@ -25,6 +25,14 @@ class CTarnFWProtocolSpecList final : public CTarnFWProtocolSpec {
         portMode_(other.portMode_),
         first_(std::move(other.first_)),
         kinds_(std::exchange(other.kinds_, 0)) {}
+  CTarnFWProtocolSpecList& operator=(CTarnFWProtocolSpecList&& other) noexcept {
+    dir_ = other.dir_;
+    negated_ = other.negated_;
+    portMode_ = other.portMode_;
+    first_ = std::move(other.first_);
+    kinds_ = std::exchange(other.kinds_, 0);
+    return *this;
+  }
 
   int getType() const override { return kType; }
   unsigned int getMsgSize() const override {

@@ -24,29 +24,21 @@ constexpr SpecKinds kTCPKinds = specKind(FW_SPEC_TCP_FLAGS) | specKind(FW_SPEC_T
 /// Length of most rules' texts, so that the string grows once.
 constexpr std::size_t kUsualText = 200;
 
-void checkSpecs(const CTarnFWProtocol& protocol, const CTarnFWProtocolSpecList& connection,
-                const CTarnFWProtocolSpecList& sourcePorts,
-                const CTarnFWProtocolSpecList& destinationPorts) {
-  const SpecKinds kinds = connection.getKinds();
+void checkSpecs(const FWRuleParts& parts) {
+  const SpecKinds kinds = parts.connection.getKinds();
   const bool directionPorts =
-      ((sourcePorts.getKinds() | destinationPorts.getKinds()) & kPortKinds) != 0;
-  checkRuleSpecs(protocol, kinds, directionPorts, kTCPKinds);
+      ((parts.sourcePorts.getKinds() | parts.destinationPorts.getKinds()) & kPortKinds) != 0;
+  checkRuleSpecs(*parts.protocol, kinds, directionPorts, kTCPKinds);
   if ((kinds & kPortKinds) != 0 && directionPorts)
     throw CUnsupportedException(
         "cannot accept both connection-level and direction-level specification for port");
 }
 
-/// All that a rule is refused for. The result is `protocol`.
-const CTarnFWProtocol& checkAll(const CTarnFWProtocol& protocol, const CTarnFWRuleAction* action,
-                                FWRuleDirection_t direction, const CTarnFWAddress* source,
-                                const CTarnFWAddress* destination,
-                                const CTarnFWProtocolSpecList& connection,
-                                const CTarnFWProtocolSpecList& sourcePorts,
-                                const CTarnFWProtocolSpecList& destinationPorts) {
-  checkRuleParts(protocol, action != nullptr ? action->getAction() : FW_ACTION_ACCEPT, direction,
-                 source, destination);
-  checkSpecs(protocol, connection, sourcePorts, destinationPorts);
-  return protocol;
+/// Makes all checks of a rule. The result is `parts`.
+FWRuleParts& checkAll(FWRuleParts& parts) {
+  checkRuleParts(parts, parts.action ? parts.action->getAction() : FW_ACTION_ACCEPT);
+  checkSpecs(parts);
+  return parts;
 }
 
 const char* directionText(FWRuleDirection_t direction) {
@@ -103,103 +95,49 @@ void appendEnd(std::string& text, const char* label, const CTarnFWAddress* addre
   }
 }
 
-/// Whether either address is there and of the family.
-template <bool (CTarnFWAddress::*isOfFamily)() const>
-bool eitherIs(const CTarnFWAddress* source, const CTarnFWAddress* destination) {
-  return (source != nullptr && (source->*isOfFamily)()) ||
-         (destination != nullptr && (destination->*isOfFamily)());
-}
-
-/// An address of type "any" is left out of the record, and with it its negation: this is meant.
-bool writeAddress(CTarnFWAddress* address, FWAddress_& record, unsigned int bit,
-                  unsigned int& flags) {
-  if (address == nullptr || address->getType() == FW_ADDRESS_ANY) return true;
-  flags |= bit;
-  unsigned int written = 0;
-  return address->toMessage(&record, sizeof record, &written);
-}
-
-/// Into a cleared block.
-template <typename Block>
-void writeSpecs(CTarnFWProtocolSpecList& list, Block& block) {
-  if (!list.empty()) list.toMessage(&block, sizeof block, nullptr);
-}
-
-void writeProfile(const CTarnFWContainerID* id, FWRuleProfile_& record) {
-  const std::string& name = id->getContainerID();
-  name.copy(record.name.text, sizeof record.name.text - 1);
-}
-
 }  // namespace
 
-CTarnFWRule::CTarnFWRule(unsigned int id, int position, FWRuleDirection_t direction,
-                         const CTarnFWProtocol& protocol, CTarnFWProtocolSpecList&& connection,
-                         std::unique_ptr<CTarnFWAddress>&& source,
-                         CTarnFWProtocolSpecList&& sourcePorts,
-                         std::unique_ptr<CTarnFWAddress>&& destination,
-                         CTarnFWProtocolSpecList&& destinationPorts,
-                         std::unique_ptr<CTarnFWRuleAction>&& action,
-                         std::unique_ptr<CTarnFWContainerID>&& extendedSource,
-                         std::unique_ptr<CTarnFWContainerID>&& attributeProfile)
-    : id_(id),
-      position_(position),
-      direction_(direction),
-      // Before anything is moved: what is refused stays the caller's.
-      protocol_(checkAll(protocol, action.get(), direction, source.get(), destination.get(),
-                         connection, sourcePorts, destinationPorts)),
-      action_(std::move(action)),
-      source_(std::move(source)),
-      destination_(std::move(destination)),
-      sourcePorts_(std::move(sourcePorts)),
-      destinationPorts_(std::move(destinationPorts)),
-      connection_(std::move(connection)),
-      attributeProfile_(std::move(attributeProfile)),
-      extendedSource_(std::move(extendedSource)) {
-  sourcePorts_.setPortMode(true);
-  destinationPorts_.setPortMode(true);
-  if (attributeProfile_ || extendedSource_) {
-    profileMode_ = (attributeProfile_ ? kProfileAttribute : 0) |
-                   (extendedSource_ ? kProfileExtendedSource : 0);
+CTarnFWRule::CTarnFWRule(FWRuleParts&& parts)
+    // Checked before anything is moved: what is refused stays the caller's.
+    : parts_(std::move(checkAll(parts))) {
+  parts_.af = FW_AF_NONE;
+  parts_.sourcePorts.setPortMode(true);
+  parts_.destinationPorts.setPortMode(true);
+  if (parts_.attributeProfile || parts_.extendedSource) {
+    profileMode_ = (parts_.attributeProfile ? kProfileAttribute : 0) |
+                   (parts_.extendedSource ? kProfileExtendedSource : 0);
   }
 }
 
-void CTarnFWRule::validateProtocolSpec() const {
-  checkSpecs(protocol_, connection_, sourcePorts_, destinationPorts_);
-}
+void CTarnFWRule::validateProtocolSpec() const { checkSpecs(parts_); }
 
 void CTarnFWRule::setDirection(FWRuleDirection_t direction) {
-  if (direction > FW_DIRECTION_OUT)
-    throw CInvalidRuleDirectionException(static_cast<int>(direction));
+  checkedDirection(direction);
   keepWritten();
-  direction_ = direction;
+  parts_.direction = direction;
 }
 
 void CTarnFWRule::setAF(FWRuleAF_t af) {
   if (af > FW_AF_INET6)
     throw CUnsupportedException(FW_STATUS_INVALID_ADDRESS_FAMILY,
                                 formatText("unsupported address family %d", static_cast<int>(af)));
-  const CTarnFWAddress* const source = source_.get();
-  const CTarnFWAddress* const destination = destination_.get();
-  if ((af == FW_AF_INET6 && eitherIs<&CTarnFWAddress::isIPv4Address>(source, destination)) ||
-      (af == FW_AF_INET && eitherIs<&CTarnFWAddress::isIPv6Address>(source, destination)) ||
-      (af != FW_AF_NONE && eitherIs<&CTarnFWAddress::isMACAddress>(source, destination))) {
+  if ((af == FW_AF_INET6 && eitherAddressIs<&CTarnFWAddress::isIPv4Address>(parts_)) ||
+      (af == FW_AF_INET && eitherAddressIs<&CTarnFWAddress::isIPv6Address>(parts_)) ||
+      (af != FW_AF_NONE && eitherAddressIs<&CTarnFWAddress::isMACAddress>(parts_))) {
     throw CUnsupportedException(FW_STATUS_INVALID_ADDRESS_FAMILY, "af conflicts with rule address");
   }
   keepWritten();
-  af_ = af;
+  parts_.af = af;
 }
 
 void CTarnFWRule::setTag(const char* tag) {
   keepWritten();
-  const std::size_t length =
-      tag != nullptr ? std::min(std::strlen(tag), sizeof tag_ - 1) : std::size_t{0};
-  std::memset(tag_, 0, sizeof tag_);
-  if (length != 0) std::memcpy(tag_, tag, length);
+  parts_.tag = FWRuleTag(tag != nullptr ? tag : "");
 }
 
 void CTarnFWRule::setTCPStrict(bool on) {
-  const bool tcp = protocol_.getIPProtocol() == IPPROTO_TCP;
-  const bool strict = connection_.getSpecCount(FW_SPEC_STRICT) != 0;
+  const bool tcp = protocol().getIPProtocol() == IPPROTO_TCP;
+  const bool strict = parts_.connection.getSpecCount(FW_SPEC_STRICT) != 0;
   const bool changes = tcp && on != strict;
   if (changes) keepWritten();
   if (kept_) {
@@ -212,52 +150,52 @@ void CTarnFWRule::setTCPStrict(bool on) {
   }
   if (!changes) return;
   if (on) {
-    connection_.addSpec(std::make_unique<CTarnFWProtocolSpecStrict>());
+    parts_.connection.addSpec(std::make_unique<CTarnFWProtocolSpecStrict>());
   } else {
-    connection_.deleteSpec(FW_SPEC_STRICT);
+    parts_.connection.deleteSpec(FW_SPEC_STRICT);
   }
 }
 
 void CTarnFWRule::appendTo(std::string& text) const {
-  if (internal_) text += "# internal # ";
+  if (parts_.internal) text += "# internal # ";
   text += "rule ";
-  appendDecimal(text, static_cast<std::int32_t>(id_));  // signed: scripts read it so
-  if (position_ != -1) {
+  appendDecimal(text, static_cast<std::int32_t>(parts_.id));  // signed: scripts read it so
+  if (parts_.position != -1) {
     text += " at ";
-    appendDecimal(text, position_);
+    appendDecimal(text, parts_.position);
   }
-  text += directionText(direction_);
-  if (af_ == FW_AF_INET) text += " inet";
-  if (af_ == FW_AF_INET6) text += " inet6";
+  text += directionText(parts_.direction);
+  if (parts_.af == FW_AF_INET) text += " inet";
+  if (parts_.af == FW_AF_INET6) text += " inet6";
   text += ' ';
-  protocol_.appendTo(text);
-  appendSpecs(text, connection_);
+  protocol().appendTo(text);
+  appendSpecs(text, parts_.connection);
   text += " from ";
-  appendAddress(text, source_.get());
-  appendSpecs(text, sourcePorts_);
+  appendAddress(text, parts_.source.get());
+  appendSpecs(text, parts_.sourcePorts);
   text += " to ";
-  appendAddress(text, destination_.get());
-  const bool toPort69 = appendSpecs(text, destinationPorts_) == "port 69";
+  appendAddress(text, parts_.destination.get());
+  const bool toPort69 = appendSpecs(text, parts_.destinationPorts) == "port 69";
   if ((profileMode_ & kProfileCopy) != 0) text += " with attribute ANY ";
-  if (hasExtSrcProfile() && extendedSource_) {
+  if (hasExtSrcProfile() && parts_.extendedSource) {
     text += " with extended src ";
-    text += extendedSource_->getContainerID();
+    text += parts_.extendedSource->getContainerID();
   }
-  if (hasAttributeProfile() && attributeProfile_) {
+  if (hasAttributeProfile() && parts_.attributeProfile) {
     text += " with attribute profile ";
-    text += attributeProfile_->getContainerID();
+    text += parts_.attributeProfile->getContainerID();
   }
   if ((profileMode_ & kProfileCopy) != 0) text += " with L7 copy ";
   text += ' ';
-  if (action_) {
-    action_->appendTo(text);
+  if (parts_.action) {
+    parts_.action->appendTo(text);
   } else {
     text += "accept";
   }
-  if (protocol_.getNumber() == IPPROTO_UDP && toPort69) text += " as tftp";
-  if (tag_[0] != '\0') {
+  if (protocol().getNumber() == IPPROTO_UDP && toPort69) text += " as tftp";
+  if (!parts_.tag.empty()) {
     text += " tag '";
-    text += tag_;
+    text += parts_.tag.text;
     text += '\'';
   }
   text += ';';
@@ -274,88 +212,34 @@ std::string CTarnFWRule::toString2() const {
   std::string text;
   text.reserve(2 * kUsualText);
   text += "Rule : ";
-  appendDecimal(text, id_);
+  appendDecimal(text, parts_.id);
   text += "\nPosition : ";
-  appendDecimal(text, position_);
+  appendDecimal(text, parts_.position);
   text += "\nDirection :";
-  text += directionText(direction_);
+  text += directionText(parts_.direction);
   text += '\n';
-  if (af_ == FW_AF_INET) text += "Af : inet\n";
-  if (af_ == FW_AF_INET6) text += "Af : inet6\n";
-  text += protocol_.toString2();
+  if (parts_.af == FW_AF_INET) text += "Af : inet\n";
+  if (parts_.af == FW_AF_INET6) text += "Af : inet6\n";
+  text += protocol().toString2();
   text += "\nConn_Spec :";
-  appendSpecs(text, connection_);
+  appendSpecs(text, parts_.connection);
   text += '\n';
-  appendEnd(text, "Source", source_.get(), sourcePorts_);
-  appendEnd(text, "Destination", destination_.get(), destinationPorts_);
+  appendEnd(text, "Source", parts_.source.get(), parts_.sourcePorts);
+  appendEnd(text, "Destination", parts_.destination.get(), parts_.destinationPorts);
   text += "Action : ";
-  text += action_ ? action_->toString(0) : CTarnFWRuleActionAccept().toString();
+  text += parts_.action ? parts_.action->toString(0) : CTarnFWRuleActionAccept().toString();
   text += '\n';
-  if (internal_) text.insert(0, "# internal # ");
+  if (parts_.internal) text.insert(0, "# internal # ");
   return text;
 }
 
 bool CTarnFWRule::encode(FWRule_& record) {
-  record.id = id_;
-  record.position = position_;
-  std::memcpy(record.tag, tag_, sizeof record.tag);
-
-  unsigned int flags = (direction_ & kRuleDirectionMask) << kRuleDirectionShift;
-  const bool layer3 = isLayer3();
-  if (layer3) flags |= kRuleLayer3;
-  if (protocol_.isDefined()) {
-    flags |= kRuleHasProtocol;
-    record.protocol = ruleProtocolNumber(protocol_.getNumber(), layer3);
-    if (protocol_.isNegated()) flags |= kRuleProtocolNegated;
-  }
-
-  writeSpecs(connection_, record.session);
-  const bool acted =
-      action_ ? action_->toMessage(&record.action, sizeof record.action, nullptr)
-              : CTarnFWRuleActionAccept().toMessage(&record.action, sizeof record.action, nullptr);
-  if (!acted || !writeAddress(source_.get(), record.source, kRuleHasSource, flags) ||
-      !writeAddress(destination_.get(), record.destination, kRuleHasDestination, flags)) {
-    return false;
-  }
-
-  unsigned int af = af_;
-  if (af == FW_AF_NONE) {
-    if (!written_) TARNFW_TRACE(FW_COMPONENT_RULE, 0, "    fixing af\n");
-    if (eitherIs<&CTarnFWAddress::isIPv4Address>(source_.get(), destination_.get()))
-      af = FW_AF_INET;
-    if (eitherIs<&CTarnFWAddress::isIPv6Address>(source_.get(), destination_.get()))
-      af = FW_AF_INET6;
-    if (af != FW_AF_NONE) record.origin = kRuleAFDerived;
-  }
-  record.flags = static_cast<std::uint8_t>(flags | (af & 1) << kRuleAFLowShift);
-  record.moreFlags = static_cast<std::uint8_t>((af >> 1) & kRuleAFHigh);
-
-  writeSpecs(sourcePorts_, record.sourcePorts);
-  writeSpecs(destinationPorts_, record.destinationPorts);
-
-  unsigned int mode = 0;
-  if (extendedSource_) {
-    mode |= kProfileExtendedSource;
-    writeProfile(extendedSource_.get(), record.extendedSource);
-  }
-  if (attributeProfile_) {
-    mode |= kProfileAttribute;
-    writeProfile(attributeProfile_.get(), record.attributeProfile);
-  }
-  if (mode == 0) mode = kProfileNone;
-  record.profileMode = mode;
-  if (isDefaultRule(record)) {
-    if (!written_)
-      TARNFW_TRACE(FW_COMPONENT_RULE, 0, "     rule qualifies as default rule, set copy mode\n\n");
-    record.profileMode = kProfileCopy;
-  }
+  if (!writeRuleRecord(parts_, record)) return false;
+  if (written_) return true;
+  if (parts_.af == FW_AF_NONE) TARNFW_TRACE(FW_COMPONENT_RULE, 0, "    fixing af\n");
+  if (record.profileMode == kProfileCopy)
+    TARNFW_TRACE(FW_COMPONENT_RULE, 0, "     rule qualifies as default rule, set copy mode\n\n");
   return true;
-}
-
-bool CTarnFWRule::isDefaultRule(const FWRule_& record) const {
-  const unsigned int parts = kRuleHasSource | kRuleHasDestination | kRuleHasProtocol;
-  return (record.flags & (parts | kRuleLayer3)) == kRuleLayer3 &&
-         record.profileMode == kProfileNone && record.action.action == FW_ACTION_ACCEPT;
 }
 
 void CTarnFWRule::keepWritten() {
@@ -375,9 +259,9 @@ bool CTarnFWRule::toMessage(void* buffer, unsigned int size, unsigned int* writt
     storeRecord(buffer, record);
   }
   if (written_) {
-    TARNFW_TRACE(FW_COMPONENT_RULE, 0, "    copy cached rule: %d.\n", static_cast<int>(id_));
+    TARNFW_TRACE(FW_COMPONENT_RULE, 0, "    copy cached rule: %d.\n", static_cast<int>(parts_.id));
   } else {
-    TARNFW_TRACE(FW_COMPONENT_RULE, 0, "    wrote rule: %d.\n", static_cast<int>(id_));
+    TARNFW_TRACE(FW_COMPONENT_RULE, 0, "    wrote rule: %d.\n", static_cast<int>(parts_.id));
   }
   written_ = true;
   if (written != nullptr) *written = sizeof(FWRule_);

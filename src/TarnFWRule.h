@@ -4,14 +4,8 @@
 #include <memory>
 #include <string>
 
-#include "TarnFWAddress.h"
-#include "TarnFWContainerID.h"
 #include "TarnFWObject.h"
-#include "TarnFWProtocol.h"
-#include "TarnFWProtocolSpecList.h"
-#include "TarnFWRuleAction.h"
-#include "TarnFWRuleRecord.h"
-#include "TarnFWTypes.h"
+#include "TarnFWRuleParts.h"
 
 namespace TarnFirewall {
 
@@ -25,17 +19,10 @@ class CTarnFWRule : public ITarnFWObject {
  public:
   static constexpr int kType = 21;
 
-  /// Takes all objects over when the rule is accepted; they stay the caller's when an exception is
-  /// thrown. A null address means any, a null action accept; a list may be empty. Throws
-  /// CUnsupportedException for parts that don't go together.
-  CTarnFWRule(unsigned int id, int position, FWRuleDirection_t direction,
-              const CTarnFWProtocol& protocol, CTarnFWProtocolSpecList&& connection,
-              std::unique_ptr<CTarnFWAddress>&& source, CTarnFWProtocolSpecList&& sourcePorts,
-              std::unique_ptr<CTarnFWAddress>&& destination,
-              CTarnFWProtocolSpecList&& destinationPorts,
-              std::unique_ptr<CTarnFWRuleAction>&& action,
-              std::unique_ptr<CTarnFWContainerID>&& extendedSource,
-              std::unique_ptr<CTarnFWContainerID>&& attributeProfile);
+  /// Takes all parts over when the rule is accepted; they stay the caller's when an exception is
+  /// thrown. A null action means accept. The address family is not taken: `setAF` judges it. Throws
+  /// CUnsupportedException for parts that don't go together, and without a protocol.
+  explicit CTarnFWRule(FWRuleParts&& parts);
 
   unsigned int getMsgSize() const override { return sizeof(FWRule_); }
   int getType() const override { return kType; }
@@ -48,28 +35,28 @@ class CTarnFWRule : public ITarnFWObject {
 
   /// Throws CInvalidRuleDirectionException for a value above 2.
   void setDirection(FWRuleDirection_t direction);
-  FWRuleDirection_t getDirection() const { return direction_; }
+  FWRuleDirection_t getDirection() const { return parts_.direction; }
 
   /// Throws CUnsupportedException with status 57 for a value above 2 and for a family that an
   /// address is not of.
   void setAF(FWRuleAF_t af);
 
-  /// Keeps the first 31 characters.
+  /// Keeps the first 31 characters; null is no tag.
   void setTag(const char* tag);
 
   /// Marks the rule as made by the system. The kernel sets this mark; it is never written.
-  void setInternal() { internal_ = true; }
+  void setInternal() { parts_.internal = true; }
 
   /// Makes connections of the rule tracked strictly or not. The one change that reaches the wire of
   /// a rule that was written already. Switching it on again after switching it off throws
   /// CDuplicateProtocolSpecException, see CTarnFWProtocolSpecList::deleteSpec.
   void setTCPStrict(bool on);
 
-  bool isLayer3() const { return protocol_.isLayer3(); }
+  bool isLayer3() const { return protocol().isLayer3(); }
   bool hasAttributeProfile() const { return (profileMode_ & kProfileAttribute) != 0; }
   bool hasExtSrcProfile() const { return (profileMode_ & kProfileExtendedSource) != 0; }
-  const CTarnFWContainerID* getAttributeProfile() const { return attributeProfile_.get(); }
-  const CTarnFWContainerID* getExtSrcProfile() const { return extendedSource_.get(); }
+  const CTarnFWContainerID* getAttributeProfile() const { return parts_.attributeProfile.get(); }
+  const CTarnFWContainerID* getExtSrcProfile() const { return parts_.extendedSource.get(); }
 
   /// Throws CUnsupportedException when the specs don't go with the protocol or with each other.
   void validateProtocolSpec() const;
@@ -79,26 +66,12 @@ class CTarnFWRule : public ITarnFWObject {
   std::uint32_t profileMode_ = kProfileNone;
 
  private:
+  const CTarnFWProtocol& protocol() const { return *parts_.protocol; }
   bool encode(FWRule_& record);
-  bool isDefaultRule(const FWRule_& record) const;
   void keepWritten();
 
-  std::uint32_t id_;
-  std::int32_t position_;
-  FWRuleAF_t af_ = FW_AF_NONE;
-  FWRuleDirection_t direction_;
-  CTarnFWProtocol protocol_;
-  std::unique_ptr<CTarnFWRuleAction> action_;
-  std::unique_ptr<CTarnFWAddress> source_;
-  std::unique_ptr<CTarnFWAddress> destination_;
-  CTarnFWProtocolSpecList sourcePorts_;
-  CTarnFWProtocolSpecList destinationPorts_;
-  CTarnFWProtocolSpecList connection_;
-  std::unique_ptr<CTarnFWContainerID> attributeProfile_;
-  std::unique_ptr<CTarnFWContainerID> extendedSource_;
+  FWRuleParts parts_;              // always with a protocol
   std::unique_ptr<FWRule_> kept_;  // what was written, once the rule differs from it
-  char tag_[32] = {};
-  bool internal_ = false;
   bool written_ = false;
 };
 

@@ -12,9 +12,14 @@ CTarnFWRuleActionJumpto::CTarnFWRuleActionJumpto(const char* name) {
   text.copy(id_.text, text.size());
 }
 
+CTarnFWRuleActionJumpto::CTarnFWRuleActionJumpto(const FWRuleSetID_t* id) : id_(*id) {
+  const std::size_t length = fieldLength(id_.text, sizeof id_.text);
+  if (length == sizeof id_.text) throw CIDTooLongException(std::string_view(id_.text, length));
+}
+
 void CTarnFWRuleActionJumpto::appendData(std::string& text) const {
   text += ' ';
-  text.append(id_.text, fieldLength(id_.text, sizeof id_.text));
+  text += id_.text;
 }
 
 void CTarnFWRuleActionJumpto::writeData(fw_rule_action_& record) { storeRecord(record.data, id_); }

@@ -10,7 +10,8 @@ class CTarnFWRuleActionJumpto final : public CTarnFWRuleAction {
  public:
   /// Throws CIDTooLongException for a name of 64 characters and more.
   explicit CTarnFWRuleActionJumpto(const char* name);
-  explicit CTarnFWRuleActionJumpto(const FWRuleSetID_t* id) : id_(*id) {}
+  /// The same for an id that fills its field without a NUL.
+  explicit CTarnFWRuleActionJumpto(const FWRuleSetID_t* id);
 
   FWRuleAction_t getAction() const override { return FW_ACTION_JUMPTO; }
 

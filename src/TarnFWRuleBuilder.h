@@ -5,13 +5,8 @@
 #include <string>
 #include <utility>
 
-#include "TarnFWContainerID.h"
-#include "TarnFWProtocol.h"
-#include "TarnFWProtocolSpecList.h"
 #include "TarnFWRule.h"
-#include "TarnFWRuleAction.h"
-#include "TarnFWRuleRecord.h"
-#include "TarnFWTypes.h"
+#include "TarnFWRuleParts.h"
 
 namespace TarnFirewall {
 
@@ -21,13 +16,13 @@ namespace TarnFirewall {
 /// The setters throw what the objects throw that they make, and leave the builder as it was then.
 class CTarnFWRuleBuilder {
  public:
-  void setId(unsigned int id) { id_ = id; }
-  void setPosition(int position) { position_ = position; }
+  void setId(unsigned int id) { parts_.id = id; }
+  void setPosition(int position) { parts_.position = position; }
   /// Throws CInvalidRuleDirectionException for a value above 2.
   void setDirection(FWRuleDirection_t direction);
   /// IPv6 for true, IPv4 for false.
-  void setInetAF(bool inet6) { af_ = inet6 ? FW_AF_INET6 : FW_AF_INET; }
-  void setInternal() { internal_ = true; }
+  void setInetAF(bool inet6) { parts_.af = inet6 ? FW_AF_INET6 : FW_AF_INET; }
+  void setInternal() { parts_.internal = true; }
   /// Keeps the first 31 characters and warns of the rest. The tag outlives the rule: the next one
   /// has it too unless another is set.
   void setTag(const std::string& tag);
@@ -37,14 +32,11 @@ class CTarnFWRuleBuilder {
   /// CUnsupportedException otherwise.
   void setType(bool layer3);
   void setProtocol(unsigned short number, bool negated);
-  void setProtocol(const CTarnFWProtocol& protocol) {
-    protocol_ = protocol;
-    hasProtocol_ = true;
-  }
+  void setProtocol(const CTarnFWProtocol& protocol) { parts_.protocol = protocol; }
   /// False while there is no protocol.
-  bool isLayer3() const { return hasProtocol_ && protocol_.isLayer3(); }
+  bool isLayer3() const { return parts_.protocol && parts_.protocol->isLayer3(); }
 
-  void setAction(std::unique_ptr<CTarnFWRuleAction> action) { action_ = std::move(action); }
+  void setAction(std::unique_ptr<CTarnFWRuleAction> action) { parts_.action = std::move(action); }
   /// Makes the actions without data and, with the key policy, encrypt and pbr. Any other action is
   /// left out without an error: the caller makes those.
   void setAction(FWRuleAction_t action, std::string keyPolicy);
@@ -61,25 +53,27 @@ class CTarnFWRuleBuilder {
   /// network order with its prefix, the 16 bytes of an IPv6 address with its prefix, a MAC address
   /// in the low 6 bytes in memory order, the 6 bytes of a MAC address.
   void setSource(std::unique_ptr<CTarnFWAddress> address) {
-    source_ = makeAddress(std::move(address));
+    parts_.source = makeAddress(std::move(address));
   }
-  void setSource(const char* setName) { source_ = makeAddress(setName); }
-  void setSource(unsigned int ip, unsigned char prefix) { source_ = makeAddress(ip, prefix); }
+  void setSource(const char* setName) { parts_.source = makeAddress(setName); }
+  void setSource(unsigned int ip, unsigned char prefix) { parts_.source = makeAddress(ip, prefix); }
   void setSource(const unsigned int* ip6, unsigned char prefix) {
-    source_ = makeAddress(ip6, prefix);
+    parts_.source = makeAddress(ip6, prefix);
   }
-  void setSource(unsigned long mac) { source_ = makeAddress(mac); }
-  void setSource(const unsigned char* mac) { source_ = makeAddress(mac); }
+  void setSource(unsigned long mac) { parts_.source = makeAddress(mac); }
+  void setSource(const unsigned char* mac) { parts_.source = makeAddress(mac); }
   void setDest(std::unique_ptr<CTarnFWAddress> address) {
-    destination_ = makeAddress(std::move(address));
+    parts_.destination = makeAddress(std::move(address));
   }
-  void setDest(const char* setName) { destination_ = makeAddress(setName); }
-  void setDest(unsigned int ip, unsigned char prefix) { destination_ = makeAddress(ip, prefix); }
+  void setDest(const char* setName) { parts_.destination = makeAddress(setName); }
+  void setDest(unsigned int ip, unsigned char prefix) {
+    parts_.destination = makeAddress(ip, prefix);
+  }
   void setDest(const unsigned int* ip6, unsigned char prefix) {
-    destination_ = makeAddress(ip6, prefix);
+    parts_.destination = makeAddress(ip6, prefix);
   }
-  void setDest(unsigned long mac) { destination_ = makeAddress(mac); }
-  void setDest(const unsigned char* mac) { destination_ = makeAddress(mac); }
+  void setDest(unsigned long mac) { parts_.destination = makeAddress(mac); }
+  void setDest(const unsigned char* mac) { parts_.destination = makeAddress(mac); }
   void setRuleAddress(bool isSource, std::unique_ptr<CTarnFWAddress> address) {
     end(isSource) = makeAddress(std::move(address));
   }
@@ -93,18 +87,18 @@ class CTarnFWRuleBuilder {
   void setRuleAddress(bool isSource, unsigned long mac) { end(isSource) = makeAddress(mac); }
   void setRuleAddress(bool isSource, const unsigned char* mac) { end(isSource) = makeAddress(mac); }
   /// These do nothing while there is no address.
-  void negateSource() { negate(source_); }
-  void negateDest() { negate(destination_); }
+  void negateSource() { negate(parts_.source); }
+  void negateDest() { negate(parts_.destination); }
   void negateRuleAddress(bool isSource) { negate(end(isSource)); }
 
   /// Ports of an end: a spec, a range or a single port.
   void setSourcePort(std::unique_ptr<CTarnFWProtocolSpec> port) {
-    sourcePort_.setSpec(std::move(port));
+    parts_.sourcePorts.setSpec(std::move(port));
   }
   void setSourcePort(unsigned short low, unsigned short high, bool negated);
   void setSourcePort(unsigned short port, bool negated);
   void setDestPort(std::unique_ptr<CTarnFWProtocolSpec> port) {
-    destPort_.setSpec(std::move(port));
+    parts_.destinationPorts.setSpec(std::move(port));
   }
   void setDestPort(unsigned short low, unsigned short high, bool negated);
   void setDestPort(unsigned short port, bool negated);
@@ -128,10 +122,10 @@ class CTarnFWRuleBuilder {
   void addTCPFlags(unsigned char flags, bool negated);
 
   void setExtendedSource(std::unique_ptr<CTarnFWContainerID> id) {
-    extendedSource_ = std::move(id);
+    parts_.extendedSource = std::move(id);
   }
   void setAttributeProfile(std::unique_ptr<CTarnFWContainerID> id) {
-    attributeProfile_ = std::move(id);
+    parts_.attributeProfile = std::move(id);
   }
 
   /// Both throw CUnsupportedException. Weaker than the checks of the rule itself: a strict rule
@@ -146,8 +140,8 @@ class CTarnFWRuleBuilder {
   /// Back to the start, but for the tag.
   void init();
 
-  /// Reads a record into an empty builder. Throws what the readers of its parts throw. Not read
-  /// back, and meant so: DSCP; TCP options, whose length word is taken for a spec's header.
+  /// Reads a record into an empty builder, see `readRuleRecord`. Throws what the readers of its
+  /// parts throw.
   void init(const FWRule_* record);
 
  private:
@@ -157,29 +151,14 @@ class CTarnFWRuleBuilder {
   static std::unique_ptr<CTarnFWAddress> makeAddress(const unsigned int* ip6, unsigned char prefix);
   static std::unique_ptr<CTarnFWAddress> makeAddress(unsigned long mac);
   static std::unique_ptr<CTarnFWAddress> makeAddress(const unsigned char* mac);
-  std::unique_ptr<CTarnFWAddress>& end(bool isSource) { return isSource ? source_ : destination_; }
+  std::unique_ptr<CTarnFWAddress>& end(bool isSource) {
+    return isSource ? parts_.source : parts_.destination;
+  }
   static void negate(std::unique_ptr<CTarnFWAddress>& address);
 
-  const CTarnFWProtocol& requireProtocol() const;
   CTarnFWRuleAction& requireAction() const;
-  void initHead();
 
-  std::uint32_t id_ = 0;
-  bool internal_ = false;
-  std::int32_t position_ = 0;
-  FWRuleDirection_t direction_ = FW_DIRECTION_INOUT;
-  bool hasProtocol_ = false;
-  CTarnFWProtocol protocol_{true};  // means nothing while there is none
-  std::unique_ptr<CTarnFWRuleAction> action_;
-  std::unique_ptr<CTarnFWAddress> source_;
-  std::unique_ptr<CTarnFWAddress> destination_;
-  FWRuleAF_t af_ = FW_AF_NONE;
-  CTarnFWProtocolSpecList sourcePort_{FW_SPEC_DIR_SOURCE};     // one spec at most
-  CTarnFWProtocolSpecList destPort_{FW_SPEC_DIR_DESTINATION};  // one spec at most
-  CTarnFWProtocolSpecList connection_{FW_SPEC_DIR_BOTH};
-  std::unique_ptr<CTarnFWContainerID> extendedSource_;
-  std::unique_ptr<CTarnFWContainerID> attributeProfile_;
-  std::string tag_;
+  FWRuleParts parts_;  // at most one spec in a list of ports
 };
 
 }  // namespace TarnFirewall

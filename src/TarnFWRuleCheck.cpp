@@ -2,10 +2,7 @@
 
 #include <netinet/in.h>
 
-#include "TarnFWAddress.h"
 #include "TarnFWException.h"
-#include "TarnFWProtocol.h"
-#include "TarnFWProtocolSpecList.h"
 
 namespace TarnFirewall {
 
@@ -20,15 +17,20 @@ bool isIP(const CTarnFWAddress* address) { return address != nullptr && address-
 
 }  // namespace
 
-void checkRuleParts(const CTarnFWProtocol& protocol, FWRuleAction_t action,
-                    FWRuleDirection_t direction, const CTarnFWAddress* source,
-                    const CTarnFWAddress* destination) {
-  const bool layer3 = protocol.isLayer3();
+const CTarnFWProtocol& requireProtocol(const FWRuleParts& parts) {
+  if (!parts.protocol) throw CUnsupportedException("no protocol is defined");
+  return *parts.protocol;
+}
+
+void checkRuleParts(const FWRuleParts& parts, FWRuleAction_t action) {
+  const bool layer3 = requireProtocol(parts).isLayer3();
+  const CTarnFWAddress* const source = parts.source.get();
+  const CTarnFWAddress* const destination = parts.destination.get();
   // A load balancer is treated as a translation here.
   const bool translates =
       action == FW_ACTION_SNAT || action == FW_ACTION_DNAT || action == FW_ACTION_LB;
   if (translates && !layer3) throw CUnsupportedException("cannot accept layer2 NAT rule!");
-  if (action == FW_ACTION_SNAT && direction != FW_DIRECTION_OUT)
+  if (action == FW_ACTION_SNAT && parts.direction != FW_DIRECTION_OUT)
     throw CUnsupportedException("SNAT rule direction is not out!");
   if (layer3) {
     if (isMAC(source)) refuseAddress("layer3 rule src address is MAC");

@@ -2,21 +2,18 @@
 
 #include <cstdint>
 
-#include "TarnFWRuleAction.h"
-#include "TarnFWTypes.h"
+#include "TarnFWRuleParts.h"
 
 namespace TarnFirewall {
 
-class CTarnFWAddress;
-class CTarnFWProtocol;
-
-/// What a rule's protocol, action and addresses must have to do with each other, in the one order
-/// in which the builder and the rule both look. Addresses may be null.
+/// Checks that protocol, direction and addresses of the parts go together with each other and with
+/// the action, in the one order in which the builder and the rule both look.
 ///
 /// Throws CUnsupportedException: status 53 where an address is at fault, else 7.
-void checkRuleParts(const CTarnFWProtocol& protocol, FWRuleAction_t action,
-                    FWRuleDirection_t direction, const CTarnFWAddress* source,
-                    const CTarnFWAddress* destination);
+void checkRuleParts(const FWRuleParts& parts, FWRuleAction_t action);
+
+/// Throws CUnsupportedException without a protocol.
+const CTarnFWProtocol& requireProtocol(const FWRuleParts& parts);
 
 /// A set of spec kinds, one bit each.
 using SpecKinds = std::uint32_t;
@@ -25,7 +22,7 @@ constexpr SpecKinds specKind(unsigned int kind) { return SpecKinds{1} << kind; }
 
 inline constexpr SpecKinds kPortKinds = specKind(1) | specKind(2) | specKind(3);
 
-/// What the specs of a rule must have to do with its protocol. `connection` are the kinds of the
+/// Checks that the specs of a rule go with its protocol. `connection` are the kinds of the
 /// connection specs, `directionPorts` says that a port stands at source or destination, `tcpOnly`
 /// are the kinds that only TCP has. Throws CUnsupportedException.
 void checkRuleSpecs(const CTarnFWProtocol& protocol, SpecKinds connection, bool directionPorts,

@@ -11,8 +11,7 @@ std::unique_ptr<CTarnFWRule> CTarnFWRuleFactory::newFromMsgBuf(const FWRule_* re
   std::unique_ptr<CTarnFWRule> rule = builder.buildRule();
   if (!rule) return nullptr;
   if ((record->origin & kRuleInternal) != 0) rule->setInternal();
-  const unsigned int af =
-      ((record->flags >> kRuleAFLowShift) & 1u) | ((record->moreFlags & kRuleAFHigh) << 1);
+  const unsigned int af = ruleAF(*record);
   if (af != 0) {
     if ((record->origin & kRuleAFDerived) != 0) {
       TARNFW_TRACE(FW_COMPONENT_RULE, 0, "ignoring rule af: %d\n", static_cast<int>(af));

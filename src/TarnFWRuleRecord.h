@@ -228,6 +228,11 @@ inline constexpr unsigned int kProfileCopy = 0x2;
 inline constexpr unsigned int kProfileExtendedSource = 0x4;
 inline constexpr unsigned int kProfileAttribute = 0x8;
 
+/// The address family of a record.
+inline unsigned int ruleAF(const FWRule_& record) {
+  return ((record.flags >> kRuleAFLowShift) & 1u) | ((record.moreFlags & kRuleAFHigh) << 1);
+}
+
 /// The number of a record: an IP protocol is in host order, an ethertype in network order.
 inline std::uint16_t ruleProtocolNumber(std::uint16_t stored, bool layer3) {
   return layer3 ? stored : wire::networkToHost(stored);

@@ -960,8 +960,18 @@ Single_Rule:
     RULE NUMBER Rule_Position Rule_Direction Optional_Rule_AF Rule_Protocol Optional_Protocol_Spec
     Src_Addr_Spec Optional_Port_Spec Dst_Addr_Spec Optional_Port_Spec Optional_ExtSrc_Profile_Spec
     Optional_Attribute_Profile_Spec Rule_Action Optional_Rule_Tag  /* 233 */
-    { TRY($$ = buildRule(PARSE, $1, {$2, $3, $4, $5, own($6), own($7), own($8), own($9), own($10),
-                                     own($11), own($12), own($13), own($14), $15}).release()); }
+    { TRY($$ = buildRule(PARSE, $1, $2, $3, $15,
+                         {.direction = $4,
+                          .af = $5,
+                          .protocol = takeProtocol(own($6)),
+                          .connection = takeSpecs(own($7), FW_SPEC_DIR_BOTH),
+                          .source = own($8),
+                          .sourcePorts = takeSpecs(own($9), FW_SPEC_DIR_SOURCE),
+                          .destination = own($10),
+                          .destinationPorts = takeSpecs(own($11), FW_SPEC_DIR_DESTINATION),
+                          .action = own($14),
+                          .extendedSource = own($12),
+                          .attributeProfile = own($13)}).release()); }
     ;
 
 Optional_Protocol_Spec:

@@ -10,8 +10,10 @@
 inline std::unique_ptr<TarnFirewall::CTarnFWRule> plainRule(
     unsigned int id, int position, TarnFirewall::FWRuleDirection_t direction) {
   using namespace TarnFirewall;
-  return std::make_unique<CTarnFWRule>(
-      id, position, direction, CTarnFWProtocol(true), CTarnFWProtocolSpecList(FW_SPEC_DIR_BOTH),
-      nullptr, CTarnFWProtocolSpecList(FW_SPEC_DIR_SOURCE), nullptr,
-      CTarnFWProtocolSpecList(FW_SPEC_DIR_DESTINATION), nullptr, nullptr, nullptr);
+  FWRuleParts parts;
+  parts.id = id;
+  parts.position = position;
+  parts.direction = direction;
+  parts.protocol.emplace(true);
+  return std::make_unique<CTarnFWRule>(std::move(parts));
 }

@@ -167,8 +167,13 @@ TEST(TarnFWRuleActionFactory, BadDataIsRefusedByTheActionsClass) {
 TEST(TarnFWRuleActionFactory, TextsWithoutANulEndWithTheirField) {
   EXPECT_EQ(read(record(11).text(293, std::string(37, 'k')))->toString(),
             "encrypt keypolicy " + std::string(37, 'k'));
-  EXPECT_EQ(read(record(4).text(0, std::string(70, 'r')))->toString(),
-            "jumpto " + std::string(64, 'r'));
+}
+
+TEST(TarnFWRuleActionFactory, AJumpTargetWithoutANulIsRefused) {
+  EXPECT_EQ(read(record(4).text(0, std::string(63, 'r')))->toString(),
+            "jumpto " + std::string(63, 'r'));
+  EXPECT_THROW_WITH(read(record(4).text(0, std::string(64, 'r'))), CIDTooLongException, 32,
+                    "id is too long: " + std::string(64, 'r'));
 }
 
 TEST(TarnFWRuleActionFactory, ABufferHoldsARecordFrom330Bytes) {

@@ -28,10 +28,14 @@ TEST(TarnFWRuleActionJumpto, ANameOf64CharactersIsTooLong) {
                     "id is too long: " + over);
 }
 
-TEST(TarnFWRuleActionJumpto, AnIDWithoutANulEndsWithItsField) {
-  FWRuleSetID_t id;
-  std::memset(id.text, 'r', sizeof id.text);
+TEST(TarnFWRuleActionJumpto, AnIDThatFillsItsFieldWithoutANulIsTooLong) {
+  FWRuleSetID_t id{};
+  std::memset(id.text, 'r', sizeof id.text - 1);
   CTarnFWRuleActionJumpto action(&id);
-  EXPECT_EQ(action.toString(), "jumpto " + std::string(64, 'r'));
-  EXPECT_EQ(messageOf(action), Bytes(330).text(0, std::string(64, 'r')).at(290, {4}));
+  EXPECT_EQ(action.toString(), "jumpto " + std::string(63, 'r'));
+  EXPECT_EQ(messageOf(action), Bytes(330).text(0, std::string(63, 'r')).at(290, {4}));
+  id.text[63] = 'r';
+  const FWRuleSetID_t* const endless = &id;
+  EXPECT_THROW_WITH(CTarnFWRuleActionJumpto{endless}, CIDTooLongException, 32,
+                    "id is too long: " + std::string(64, 'r'));
 }

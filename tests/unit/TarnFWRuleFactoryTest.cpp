@@ -171,6 +171,94 @@ TEST(TarnFWRuleFactory, ASpecAtAPortPlaceThatIsNoPortIsLostOnTheWire) {
   EXPECT_EQ(messageOf(*rule), tcpRecord());
 }
 
+namespace {
+
+/// A protocol as it stands in a record: the flags at 790 and the two bytes at 794, and what it
+/// counts as for the checks.
+struct ProtocolRow {
+  int flags, low, high;
+  bool tcp, udp, icmp;
+};
+
+constexpr ProtocolRow kProtocolRows[] = {
+    {0x10, 0, 0, false, false, false},        // protocol any
+    {0x14, 6, 0, true, false, false},         // tcp
+    {0x14, 17, 0, false, true, false},        // udp
+    {0x14, 1, 0, false, false, true},         // icmp
+    {0x14, 58, 0, false, false, true},        // icmpv6
+    {0x14, 47, 0, false, false, false},       // gre
+    {0x1c, 6, 0, false, false, false},        // not tcp
+    {0x1c, 17, 0, false, false, false},       // not udp
+    {0x1c, 1, 0, false, false, false},        // not icmp
+    {0x00, 0, 0, false, false, false},        // ethertype any
+    {0x04, 0, 6, false, false, false},        // ethertype 6
+    {0x04, 0x08, 0x06, false, false, false},  // ethertype 0x806
+    {0x0c, 0x08, 0x06, false, false, false},  // not ethertype 0x806
+};
+
+/// A good body of each kind of spec, from 0 to 6.
+const std::vector<std::uint8_t> kSpecBodies[] = {{0, 0},    {0, 80}, {0, 80, 0, 90}, {1, 0, 0, 80},
+                                                 {0x47, 0}, {0, 0},  {1, 0, 0, 0, 8}};
+
+/// What a record with one spec at an offset is refused for; empty when it is a rule. Of ports, a
+/// place at 300 or 338 counts whatever it holds; the places at 800 and 810 are judged by kind.
+std::string expectedRefusal(const ProtocolRow& protocol, int offset, int kind) {
+  if (kind == 0) return "";
+  const bool atEnd = offset == 300 || offset == 338;
+  if (!atEnd && kind == 6 && !protocol.icmp)
+    return "cannot accept icmp type while icmp protocol is not specified";
+  if ((atEnd || kind <= 3) && !protocol.tcp && !protocol.udp)
+    return "cannot accept tcp/udp port while tcp/udp protocol is not specified";
+  if (!atEnd && (kind == 4 || kind == 5) && !protocol.tcp)
+    return "cannot accept tcp flags/options while tcp protocol is not specified";
+  return "";
+}
+
+}  // namespace
+
+TEST(TarnFWRuleFactory, ARecordIsARuleWhenTheChecksOfBuilderAndRuleBothPass) {
+  for (const ProtocolRow& protocol : kProtocolRows) {
+    for (const int offset : {300, 338, 800, 810}) {
+      for (int kind = 0; kind <= 6; ++kind) {
+        // The 36 bytes of a port's place are too few for TCP options.
+        if (kind == 5 && offset < 800) continue;
+        const auto place = static_cast<std::size_t>(offset);
+        Bytes bytes = tcpRecord()
+                          .at(790, {protocol.flags, 0, 0, 0, protocol.low, protocol.high})
+                          .at(place, {kind << 3, 0});
+        std::copy(kSpecBodies[kind].begin(), kSpecBodies[kind].end(), bytes.begin() + offset + 2);
+        LogCapture log;
+        const auto rule = read(bytes);
+        const std::string refusal = expectedRefusal(protocol, offset, kind);
+        const std::string what = "flags " + std::to_string(protocol.flags) + " number " +
+                                 std::to_string(protocol.low) + " offset " +
+                                 std::to_string(offset) + " kind " + std::to_string(kind);
+        EXPECT_EQ(rule == nullptr, !refusal.empty()) << what;
+        if (!refusal.empty()) {
+          EXPECT_TRUE(log.has(3, "buildRule error 7: " + refusal + "\n")) << what;
+        } else {
+          EXPECT_TRUE(log.lines().empty()) << what;
+        }
+      }
+    }
+  }
+}
+
+TEST(TarnFWRuleFactory, ASpecAtAPortPlaceThatIsNoPortMakesNoRuleOfAnyProtocol) {
+  LogCapture log;
+  EXPECT_EQ(read(Bytes(892).at(750, {1}).at(790, {0x10}).at(300, {0x20, 0, 0x47})), nullptr);
+  EXPECT_TRUE(log.has(3,
+                      "buildRule error 7: cannot accept tcp/udp port while tcp/udp protocol is not "
+                      "specified\n"));
+}
+
+TEST(TarnFWRuleFactory, AJumpTargetThatFillsItsFieldIsRefused) {
+  EXPECT_EQ(textOf(tcpRecord().text(460, std::string(63, 'r')).at(750, {4})),
+            kHead + "from any to any jumpto " + std::string(63, 'r') + ";");
+  EXPECT_THROW_WITH(read(tcpRecord().text(460, std::string(64, 'r')).at(750, {4})),
+                    CIDTooLongException, 32, "id is too long: " + std::string(64, 'r'));
+}
+
 TEST(TarnFWRuleFactory, BadActionsOfARecordAreRefused) {
   EXPECT_THROW_WITH(read(tcpRecord().at(750, {0})), CInvalidRuleActionException, 37,
                     "invalid rule action: 0");

@@ -37,22 +37,14 @@ using namespace TarnFirewall;
 namespace {
 
 /// The parts of a rule, by default of one that accepts everything on layer 3.
-struct Parts {
-  unsigned int id = 7;
-  int position = -1;
-  FWRuleDirection_t direction = FW_DIRECTION_INOUT;
-  CTarnFWProtocol protocol{true};
-  CTarnFWProtocolSpecList connection{0};
-  std::unique_ptr<CTarnFWAddress> source;
-  CTarnFWProtocolSpecList sourcePorts{1};
-  std::unique_ptr<CTarnFWAddress> destination;
-  CTarnFWProtocolSpecList destinationPorts{2};
-  std::unique_ptr<CTarnFWRuleAction> action = std::make_unique<CTarnFWRuleActionAccept>();
-  std::unique_ptr<CTarnFWContainerID> extendedSource;
-  std::unique_ptr<CTarnFWContainerID> attributeProfile;
-
-  Parts() = default;
-  explicit Parts(unsigned short ipProtocol) { layer3(ipProtocol); }
+struct Parts : FWRuleParts {
+  Parts() {
+    id = 7;
+    position = -1;
+    protocol.emplace(true);
+    action = std::make_unique<CTarnFWRuleActionAccept>();
+  }
+  explicit Parts(unsigned short ipProtocol) : Parts() { layer3(ipProtocol); }
 
   Parts& layer3(unsigned short number, bool negated = false) {
     protocol = CTarnFWProtocol(true, number, negated);
@@ -91,9 +83,7 @@ struct Parts {
   }
   template <typename Rule = CTarnFWRule>
   Rule make() {
-    return Rule(id, position, direction, protocol, std::move(connection), std::move(source),
-                std::move(sourcePorts), std::move(destination), std::move(destinationPorts),
-                std::move(action), std::move(extendedSource), std::move(attributeProfile));
+    return Rule(std::move(*this));
   }
 
  private:

@@ -37,12 +37,15 @@ CommandPtr createRuleSet() {
       static_cast<unsigned char>(2), static_cast<unsigned short>(443), false));
   auto drop = std::make_unique<CTarnFWRuleActionDrop>();
   drop->enableLogPacket();
-  auto rule = std::make_unique<CTarnFWRule>(
-      0x01020304, 5, FW_DIRECTION_IN, CTarnFWProtocol(true, static_cast<unsigned short>(6), false),
-      CTarnFWProtocolSpecList(FW_SPEC_DIR_BOTH),
-      std::make_unique<CTarnFWAddressIPv4>("10.1.2.3", true),
-      CTarnFWProtocolSpecList(FW_SPEC_DIR_SOURCE), nullptr, std::move(port), std::move(drop),
-      nullptr, nullptr);
+  FWRuleParts parts;
+  parts.id = 0x01020304;
+  parts.position = 5;
+  parts.direction = FW_DIRECTION_IN;
+  parts.protocol.emplace(true, static_cast<unsigned short>(6), false);
+  parts.source = std::make_unique<CTarnFWAddressIPv4>("10.1.2.3", true);
+  parts.destinationPorts = std::move(port);
+  parts.action = std::move(drop);
+  auto rule = std::make_unique<CTarnFWRule>(std::move(parts));
   rule->setTag("seen");
   auto list = std::make_unique<CTarnFWRuleList>(false);
   list->addRule(std::move(rule));

@@ -1,0 +1,165 @@
+#include "TarnFWRuleParts.h"
+
+#include "TarnFWAddressFactory.h"
+#include "TarnFWException.h"
+#include "TarnFWProtocolSpecFactory.h"
+#include "TarnFWProtocolSpecSloppy.h"
+#include "TarnFWProtocolSpecStateless.h"
+#include "TarnFWProtocolSpecStrict.h"
+#include "TarnFWRuleActionAccept.h"
+#include "TarnFWRuleActionFactory.h"
+
+namespace TarnFirewall {
+
+namespace {
+
+// ---- writing
+
+/// An address of type "any" is left out, since the kernel has no record for it.
+bool writeAddress(CTarnFWAddress* address, FWAddress_& record, unsigned int bit,
+                  unsigned int& flags) {
+  if (address == nullptr || address->getType() == FW_ADDRESS_ANY) return true;
+  flags |= bit;
+  unsigned int written = 0;
+  return address->toMessage(&record, sizeof record, &written);
+}
+
+/// Into a cleared block.
+template <typename Block>
+void writeSpecs(CTarnFWProtocolSpecList& list, Block& block) {
+  if (!list.empty()) list.toMessage(&block, sizeof block, nullptr);
+}
+
+bool writeAction(CTarnFWRuleAction* action, fw_rule_action_& record) {
+  if (action != nullptr) return action->toMessage(&record, sizeof record, nullptr);
+  return CTarnFWRuleActionAccept().toMessage(&record, sizeof record, nullptr);
+}
+
+/// The mode bit of a container reference that is there, and its name in the record.
+unsigned int writeProfile(const CTarnFWContainerID* id, FWRuleProfile_& record, unsigned int bit) {
+  if (id == nullptr) return 0;
+  id->getContainerID().copy(record.name.text, sizeof record.name.text - 1);
+  return bit;
+}
+
+/// Whether the record is that of a rule that accepts everything of layer 3.
+bool isDefaultRule(const FWRule_& record) {
+  const unsigned int parts = kRuleHasSource | kRuleHasDestination | kRuleHasProtocol;
+  return (record.flags & (parts | kRuleLayer3)) == kRuleLayer3 &&
+         record.profileMode == kProfileNone && record.action.action == FW_ACTION_ACCEPT;
+}
+
+// ---- reading
+
+std::unique_ptr<CTarnFWProtocolSpec> readPorts(const FWPortBlock_& block) {
+  return CTarnFWProtocolSpecFactory::newFromMsgBuf(&block, sizeof block);
+}
+
+/// The spec whose header stands at this offset of the record, with `size` bytes for both.
+std::unique_ptr<CTarnFWProtocolSpec> readSpec(const FWRule_& record, std::size_t offset,
+                                              std::size_t size) {
+  const auto* const bytes = reinterpret_cast<const std::uint8_t*>(&record);
+  return CTarnFWProtocolSpecFactory::newFromMsgBuf(bytes + offset, static_cast<unsigned int>(size));
+}
+
+void addSpec(FWRuleParts& parts, std::unique_ptr<CTarnFWProtocolSpec> spec) {
+  if (spec) parts.connection.addSpec(std::move(spec));
+}
+
+void readSession(const FWRule_& record, FWRuleParts& parts) {
+  constexpr std::size_t flags = offsetof(FWSessionBlock_, flagsHeader);
+  constexpr std::size_t options = offsetof(FWSessionBlock_, options);
+  const unsigned int bits = record.session.flags;
+  if ((bits & kSessionStateless) != 0)
+    addSpec(parts, std::make_unique<CTarnFWProtocolSpecStateless>());
+  if ((bits & kSessionSloppy) != 0) addSpec(parts, std::make_unique<CTarnFWProtocolSpecSloppy>());
+  if ((bits & kSessionStrict) != 0) addSpec(parts, std::make_unique<CTarnFWProtocolSpecStrict>());
+  addSpec(parts,
+          readSpec(record, offsetof(FWRule_, session) + flags, sizeof record.session - flags));
+  // The writer puts the header of TCP options in front of their field; here the length word with
+  // which the field begins is taken for the header, and the body reaches into the tag. Programs
+  // that list rules depend on what the rules of the kernel have been read as from the start.
+  addSpec(parts, readSpec(record, offsetof(FWRule_, session) + options,
+                          sizeof(FWSpecHeader_) + sizeof record.session.options));
+}
+
+/// Container ids of a record are taken as they stand.
+std::unique_ptr<CTarnFWContainerID> readProfile(const FWRuleProfile_& record) {
+  return std::make_unique<CTarnFWContainerID>(record.name);
+}
+
+}  // namespace
+
+FWRuleDirection_t checkedDirection(FWRuleDirection_t direction) {
+  if (direction > FW_DIRECTION_OUT)
+    throw CInvalidRuleDirectionException(static_cast<int>(direction));
+  return direction;
+}
+
+bool writeRuleRecord(FWRuleParts& parts, FWRule_& record) {
+  record.id = parts.id;
+  record.position = parts.position;
+  std::memcpy(record.tag, parts.tag.text, sizeof record.tag);
+
+  unsigned int flags = (parts.direction & kRuleDirectionMask) << kRuleDirectionShift;
+  const CTarnFWProtocol& protocol = *parts.protocol;
+  if (protocol.isLayer3()) flags |= kRuleLayer3;
+  if (protocol.isDefined()) {
+    flags |= kRuleHasProtocol;
+    record.protocol = ruleProtocolNumber(protocol.getNumber(), protocol.isLayer3());
+    if (protocol.isNegated()) flags |= kRuleProtocolNegated;
+  }
+  writeSpecs(parts.connection, record.session);
+  if (!writeAction(parts.action.get(), record.action) ||
+      !writeAddress(parts.source.get(), record.source, kRuleHasSource, flags) ||
+      !writeAddress(parts.destination.get(), record.destination, kRuleHasDestination, flags)) {
+    return false;
+  }
+
+  unsigned int af = parts.af;
+  if (af == FW_AF_NONE) {
+    if (eitherAddressIs<&CTarnFWAddress::isIPv4Address>(parts)) af = FW_AF_INET;
+    if (eitherAddressIs<&CTarnFWAddress::isIPv6Address>(parts)) af = FW_AF_INET6;
+    if (af != FW_AF_NONE) record.origin = kRuleAFDerived;
+  }
+  record.flags = static_cast<std::uint8_t>(flags | (af & 1) << kRuleAFLowShift);
+  record.moreFlags = static_cast<std::uint8_t>((af >> 1) & kRuleAFHigh);
+
+  writeSpecs(parts.sourcePorts, record.sourcePorts);
+  writeSpecs(parts.destinationPorts, record.destinationPorts);
+  const unsigned int mode =
+      writeProfile(parts.extendedSource.get(), record.extendedSource, kProfileExtendedSource) |
+      writeProfile(parts.attributeProfile.get(), record.attributeProfile, kProfileAttribute);
+  record.profileMode = mode != 0 ? mode : kProfileNone;
+  if (isDefaultRule(record)) record.profileMode = kProfileCopy;
+  return true;
+}
+
+void readRuleRecord(const FWRule_& record, FWRuleParts& parts) {
+  const unsigned int flags = record.flags;
+  parts.direction = checkedDirection(
+      static_cast<FWRuleDirection_t>(flags >> kRuleDirectionShift & kRuleDirectionMask));
+  parts.position = record.position;
+  parts.id = record.id;
+  const bool layer3 = (flags & kRuleLayer3) != 0;
+  parts.protocol.emplace(layer3);
+  if ((flags & kRuleHasProtocol) != 0) {
+    parts.protocol->setProtocol(ruleProtocolNumber(record.protocol, layer3),
+                                (flags & kRuleProtocolNegated) != 0);
+  }
+  if ((flags & kRuleHasSource) != 0)
+    parts.source = CTarnFWAddressFactory::newFromMsgBuf(&record.source);
+  if ((flags & kRuleHasDestination) != 0)
+    parts.destination = CTarnFWAddressFactory::newFromMsgBuf(&record.destination);
+  parts.sourcePorts.setSpec(readPorts(record.sourcePorts));
+  parts.destinationPorts.setSpec(readPorts(record.destinationPorts));
+  readSession(record, parts);
+  parts.action = CTarnFWRuleActionFactory::newFromMsgBuf(&record.action);
+  const unsigned int mode = record.profileMode;
+  if ((mode & kProfileExtendedSource) != 0)
+    parts.extendedSource = readProfile(record.extendedSource);
+  if ((mode & kProfileAttribute) != 0)
+    parts.attributeProfile = readProfile(record.attributeProfile);
+}
+
+}  // namespace TarnFirewall
