@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <new>
 
 #include "TarnFWCmdConfig.h"
 #include "TarnFWCmdList.h"
@@ -48,8 +49,11 @@ class Load {
   FWStatus_t fromString(const char* text, fwlibhandle_** channel, fwconfigfile_** handle) {
     // The scanner counts its buffer in an int.
     if (std::strlen(text) > INT_MAX - 2 || !start()) return FW_STATUS_OUT_OF_MEMORY;
-    buffer_ = yy_scan_string(text, scanner_);
-    if (buffer_ == nullptr) return FW_STATUS_OUT_OF_MEMORY;
+    try {
+      buffer_ = yy_scan_string(text, scanner_);
+    } catch (const std::bad_alloc&) {
+      return FW_STATUS_OUT_OF_MEMORY;
+    }
     yyset_lineno(1, scanner_);
     if (!parse(kCommandLine)) {
       TARNFW_TRACE(FW_COMPONENT_API, 0, "failed to parse config string.\n");

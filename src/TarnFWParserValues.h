@@ -11,6 +11,7 @@
 #include "TarnFWAddress.h"
 #include "TarnFWParserArena.h"
 #include "TarnFWProtocolNames.h"
+#include "TarnFWScannerInput.h"
 #include "TarnFWTypes.h"
 
 namespace TarnFirewall {
@@ -46,8 +47,8 @@ struct FWEtherPair {
   fw_ether_ second;
 };
 
-/// A virtual machine's or switch's identifier in the form of the host's configuration files, with
-/// the port behind it.
+/// A virtual machine's or switch's identifier in the form of the host's configuration files, and
+/// the port that follows it.
 struct FWIdPort {
   char text[64];
   std::uint32_t port;
@@ -59,11 +60,13 @@ struct FWIPPort {
   std::uint16_t port;
 };
 
-/// What one parse carries beside the scanner: the scanner's first failure, and the memory of the
-/// tokens. The caller of the parser owns it and value-initialises it before the parse.
+/// What one parse carries beside the scanner: the scanner's first failure and its input, and the
+/// memory of the tokens. The caller of the parser owns it and value-initialises it before the parse.
 struct fw_lex_extra_ {
   FWStatus_t status = FW_STATUS_OK;  // 0, or the status of the first failure of the scanner
   char message[256] = {};            // its text, always terminated
+  bool unclosed = false;             // a comment is not closed, and so is none after it
+  CTarnFWScannerInput input;
   CTarnFWParserArena arena;
   CTarnFWProtocolNames protocols;
 };

@@ -28,7 +28,7 @@ TarnFirewall::fw_lex_extra_* yyget_extra(void* scanner);
 /// Selects a stream, which stays the caller's. Without one, standard input is read.
 void yyset_in(std::FILE* stream, void* scanner);
 
-/// Makes a copy of the text the input. Null without memory.
+/// Makes a copy of the text the input. Throws `std::bad_alloc`.
 yy_buffer_state* yy_scan_string(const char* text, void* scanner);
 void yy_delete_buffer(yy_buffer_state* buffer, void* scanner);
 
@@ -37,6 +37,7 @@ void yy_delete_buffer(yy_buffer_state* buffer, void* scanner);
 void yyset_lineno(int line, void* scanner);
 int yyget_lineno(void* scanner);
 
-/// The next token's code, 0 at the end of the input and after a failure, which then stands in the
-/// extra record. The location is kept for the parser's sake and never filled.
+/// The next token's code, 0 at the end of the input and after a failure of the text, which then
+/// stands in the extra record. Where memory or the stream fails, the token is one that no parse
+/// accepts. The location is kept for the parser's sake and never filled.
 int yylex(YYSTYPE* value, YYLTYPE* location, void* scanner);

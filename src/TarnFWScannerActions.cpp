@@ -8,9 +8,10 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <new>
 #include <string_view>
 
-#include "TarnFWLog.h"
+#include "TarnFWException.h"
 
 namespace TarnFirewall {
 
@@ -28,8 +29,14 @@ __attribute__((format(printf, 3, 4))) int fail(fw_lex_extra_* extra, FWStatus_t 
   return 0;
 }
 
+/// A failure that is none of the text: the parser refuses the token wherever it stands.
+int failHard(fw_lex_extra_* extra, FWStatus_t status, const char* message) {
+  fail(extra, status, "%s", message);
+  return TK_YYUNDEF;
+}
+
 int outOfMemory(fw_lex_extra_* extra) {
-  return fail(extra, FW_STATUS_OUT_OF_MEMORY, "out of memory");
+  return failHard(extra, FW_STATUS_OUT_OF_MEMORY, "out of memory");
 }
 
 constexpr std::uint8_t hexDigit(char c) {
@@ -81,6 +88,35 @@ int scanQuoted(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text) {
   }
   // A NUL inside the quotes ends the text: names are C texts from here on.
   return scanText(extra, value, {body.data, strnlen(body.data, body.length)}, TK_STRING);
+}
+
+int refuseLongQuoted(fw_lex_extra_* extra) {
+  return fail(extra, FW_STATUS_NAME_TOO_LONG, "identifier too long - %s",
+              extra->input.held().c_str());
+}
+
+int refuseLostComment(fw_lex_extra_* extra) {
+  return fail(extra, FW_STATUS_PARSING_ERROR, "comment is not closed");
+}
+
+int refuseInput(fw_lex_extra_* extra) {
+  try {
+    throw;
+  } catch (const CTarnFWException& e) {
+    return failHard(extra, static_cast<FWStatus_t>(e.retcode()), e.what());
+  } catch (const std::bad_alloc&) {
+    return outOfMemory(extra);
+  }
+}
+
+void throwScannerError(const char* message) {
+  const std::string_view text(message);
+  // The generated code has two words for it. The second also stands for a match of 2 GB.
+  if (text.find("out of dynamic memory") != text.npos ||
+      text.find("buffer overflow") != text.npos) {
+    throw std::bad_alloc();
+  }
+  throw CTarnFWException(message, static_cast<int>(FW_STATUS_INTERNAL_ERROR));
 }
 
 int scanIdentifier(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text) {

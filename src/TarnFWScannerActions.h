@@ -10,7 +10,7 @@
 
 namespace TarnFirewall {
 
-/// The matched text: `length` characters with a NUL behind them.
+/// The matched text: `length` characters with a NUL after them.
 struct ScannedText {
   const char* data;
   std::size_t length;
@@ -21,8 +21,8 @@ int scanQuoted(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text);
 int scanIdentifier(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text);
 int scanDecimal(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text);
 
-/// Does not clear errno first: an error that earlier work left there fails a good number. Decimal
-/// numbers do clear it. The asymmetry is meant.
+/// Does not clear errno first, as decimal numbers do: an error that earlier work left there fails a
+/// good number. Programs on the host have met this since the language began.
 int scanHexadecimal(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text);
 
 /// Both bounds are cut to 32 bits and not compared: `separator` is '-' or ':'.
@@ -35,6 +35,20 @@ int scanIPv6Range(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text);
 
 /// `separator` is ':' or '.'.
 int scanIdPort(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text, char separator);
+
+/// Refuses the quoted text that is held: with the status and message of any name that is too long.
+int refuseLongQuoted(fw_lex_extra_* extra);
+
+/// Refuses a text whose comment is not closed and too long to be scanned as words.
+int refuseLostComment(fw_lex_extra_* extra);
+
+/// Refuses the input for the exception that is being handled. The result is a token that the parser
+/// refuses wherever it stands, so that no load passes for a good one between two statements.
+int refuseInput(fw_lex_extra_* extra);
+
+/// Throws what the generated scanner cannot go on after: `std::bad_alloc` for want of memory, else
+/// `CTarnFWException` with status 6.
+[[noreturn]] void throwScannerError(const char* message);
 
 int scanEther(YYSTYPE* value, ScannedText text);
 int scanEtherRange(YYSTYPE* value, ScannedText text);

@@ -1,9 +1,13 @@
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <functional>
 #include <memory>
 
 #include "FakeKernel.h"
@@ -53,6 +57,79 @@ struct ApiLevel {
   ApiLevel() { FW_SetLibVerboseLevel(FW_COMPONENT_API, 1); }
   ~ApiLevel() { FW_SetLibVerboseLevel(FW_COMPONENT_API, 0); }
 };
+
+/// A text that is made while it is read: a head, many bytes of a fill, a tail.
+class MadeText {
+ public:
+  MadeText(std::string head, std::size_t count, char fill, std::string tail)
+      : head_(std::move(head)), count_(count), fill_(fill), tail_(std::move(tail)) {
+    cookie_io_functions_t functions = {};
+    functions.read = [](void* self, char* buffer, std::size_t room) {
+      return static_cast<MadeText*>(self)->read(buffer, room);
+    };
+    stream_ = fopencookie(this, "r", functions);
+  }
+  ~MadeText() { std::fclose(stream_); }
+  MadeText(const MadeText&) = delete;
+  MadeText& operator=(const MadeText&) = delete;
+
+  std::FILE* stream() const { return stream_; }
+  std::size_t bytesRead() const { return place_; }
+
+ private:
+  ssize_t read(char* buffer, std::size_t room) {
+    std::size_t made = 0;
+    for (; made < room && place_ < head_.size() + count_ + tail_.size(); ++made, ++place_) {
+      if (place_ < head_.size()) {
+        buffer[made] = head_[place_];
+      } else if (place_ - head_.size() < count_) {
+        buffer[made] = fill_;
+      } else {
+        buffer[made] = tail_[place_ - head_.size() - count_];
+      }
+    }
+    return static_cast<ssize_t>(made);
+  }
+
+  std::string head_;
+  std::size_t count_;
+  char fill_;
+  std::string tail_;
+  std::size_t place_ = 0;
+  std::FILE* stream_ = nullptr;
+};
+
+constexpr std::size_t kMuch = 64000000;
+
+/// What a child process returns from `work`, which is at most 255.
+int inAChild(const std::function<int()>& work) {
+  const pid_t child = fork();
+  if (child == 0) _exit(work());
+  int status = 0;
+  EXPECT_EQ(waitpid(child, &status, 0), child);
+  EXPECT_TRUE(WIFEXITED(status)) << status;
+  return WEXITSTATUS(status);
+}
+
+/// By how many megabytes a load of the text grows its process at its peak. It must end with the
+/// status, and a good one with one command.
+int growthOfLoad(MadeText&& text, FWStatus_t status) {
+  const int growth = inAChild([&] {
+    rusage before{};
+    rusage after{};
+    Loaded result;
+    getrusage(RUSAGE_SELF, &before);
+    const FWStatus_t is =
+        FW_LoadConfigFile2(text.stream(), "made", &result.channel, &result.config);
+    getrusage(RUSAGE_SELF, &after);
+    if (is != status || (result.config != nullptr) != (is == FW_STATUS_OK)) return 255;
+    if (result.config != nullptr && result.list()->size() != 1) return 254;
+    return static_cast<int>(std::min((after.ru_maxrss - before.ru_maxrss) / 1024, 253L));
+  });
+  EXPECT_NE(growth, 255) << "another status";
+  EXPECT_NE(growth, 254) << "another number of commands";
+  return growth;
+}
 
 fwconfigfile_* const kUntouched = reinterpret_cast<fwconfigfile_*>(16);
 
@@ -277,3 +354,94 @@ TEST(TarnFWLoadConfig, TracesItsSteps) {
   EXPECT_TRUE(log.has(7, "failed to parse config string.\n"));
   EXPECT_TRUE(log.has(7, "failed to parse config file.\n"));
 }
+
+TEST(TarnFWLoadConfig, NeedsNoMemoryForBlanksAndComments) {
+  const std::string head = "create ruleset ";
+  const std::string tail = " \"a\";";
+  // A load takes 2 MB; of a comment 4 MiB are held, in case that it is not closed.
+  EXPECT_LT(growthOfLoad(MadeText(head, kMuch, ' ', tail), FW_STATUS_OK), 6);
+  EXPECT_LT(growthOfLoad(MadeText(head, kMuch, '\n', tail), FW_STATUS_OK), 6);
+  EXPECT_LT(growthOfLoad(MadeText(head, kMuch, '\r', tail), FW_STATUS_OK), 6);
+  EXPECT_LT(growthOfLoad(MadeText(head + "#", kMuch, 'x', "\n" + tail), FW_STATUS_OK), 6);
+  EXPECT_LT(growthOfLoad(MadeText(head + "/*", kMuch, 'x', "*/" + tail), FW_STATUS_OK), 16);
+  EXPECT_LT(growthOfLoad(MadeText(head + "/*", kMuch, '*', "*/" + tail), FW_STATUS_OK), 16);
+  EXPECT_LT(growthOfLoad(MadeText(head + "/*", kMuch, '\n', "*/" + tail), FW_STATUS_OK), 16);
+}
+
+TEST(TarnFWLoadConfig, RefusesACommentOfAnyLengthThatIsNotClosed) {
+  EXPECT_LT(growthOfLoad(MadeText("create ruleset /*", kMuch, 'x', ""), FW_STATUS_PARSING_ERROR),
+            16);
+  EXPECT_LT(growthOfLoad(MadeText("create ruleset a; /*", kMuch, 'x', ""), FW_STATUS_PARSING_ERROR),
+            16);
+  LogCapture log;
+  Loaded result;
+  MadeText text("create ruleset\n\n/*", kMuch / 10, '\n', "");
+  EXPECT_EQ(FW_LoadConfigFile2(text.stream(), "made", &result.channel, &result.config), 16u);
+  EXPECT_TRUE(log.has(3, "[made:3] comment is not closed\n"));
+}
+
+TEST(TarnFWLoadConfig, ReadsANameNoFurtherThanItIsLegal) {
+  MadeText name("create ruleset ", kMuch, 'x', ";");
+  Loaded result;
+  EXPECT_EQ(FW_LoadConfigFile2(name.stream(), "made", &result.channel, &result.config), 31u);
+  EXPECT_LT(name.bytesRead(), 100000u);
+  EXPECT_LT(growthOfLoad(MadeText("create ruleset ", kMuch, 'x', ";"), FW_STATUS_NAME_TOO_LONG), 6);
+  EXPECT_LT(growthOfLoad(MadeText("create ruleset \"", kMuch, 'x', "\";"), FW_STATUS_NAME_TOO_LONG),
+            16);
+}
+
+TEST(TarnFWLoadConfig, RefusesAStreamThatCannotBeReadWhereverItFails) {
+  for (const char* const text : {"", "create ruleset a;", "create ruleset "}) {
+    std::string left = text;
+    cookie_io_functions_t functions = {};
+    functions.read = [](void* self, char* buffer, std::size_t room) -> ssize_t {
+      auto& rest = *static_cast<std::string*>(self);
+      if (rest.empty()) {
+        errno = EIO;
+        return -1;
+      }
+      const std::size_t count = rest.copy(buffer, room);
+      rest.erase(0, count);
+      return static_cast<ssize_t>(count);
+    };
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> stream(fopencookie(&left, "r", functions),
+                                                                 &std::fclose);
+    LogCapture log;
+    Loaded result;
+    EXPECT_EQ(FW_LoadConfigFile2(stream.get(), "made", &result.channel, &result.config), 12u)
+        << text;
+    EXPECT_EQ(result.config, nullptr);
+    EXPECT_TRUE(log.has(3, "[made:1] cannot read the configuration\n")) << text;
+  }
+  Loaded folder;
+  EXPECT_EQ(FW_LoadConfigFile("/", &folder.channel, &folder.config), 12u);
+}
+
+#if !defined(__SANITIZE_ADDRESS__) && \
+    !defined(__SANITIZE_THREAD__)  // which limit memory themselves
+TEST(TarnFWLoadConfig, EndsWithAStatusWhenTheScannersMemoryIsUsedUp) {
+  for (const std::string& head : {"create ruleset a; ", "describe list of ruleset from "}) {
+    MadeText number(head, std::size_t{1} << 30, '0', ";");
+    EXPECT_EQ(inAChild([&] {
+                rlimit limit = {std::size_t{128} << 20, std::size_t{128} << 20};
+                if (setrlimit(RLIMIT_AS, &limit) != 0) return 99;
+                Loaded result;
+                return static_cast<int>(
+                    FW_LoadConfigFile2(number.stream(), "made", &result.channel, &result.config));
+              }),
+              8);
+  }
+}
+
+TEST(TarnFWLoadConfig, EndsWithAStatusWhenThereIsNoMemoryForACopyOfTheText) {
+  const std::string text(std::size_t{100} << 20, ' ');
+  EXPECT_EQ(
+      inAChild([&] {
+        rlimit limit = {std::size_t{200} << 20, std::size_t{200} << 20};
+        if (setrlimit(RLIMIT_AS, &limit) != 0) return 99;
+        Loaded result;
+        return static_cast<int>(FW_LoadConfigString(text.c_str(), &result.channel, &result.config));
+      }),
+      8);
+}
+#endif

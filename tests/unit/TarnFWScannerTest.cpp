@@ -570,6 +570,66 @@ TEST(TarnFWScanner, TakesIdentifiersOf255BytesAndRefusesLongerOnes) {
   EXPECT_EQ(failure(limit + "a"), "31|identifier is too long - " + std::string(230, 'a'));
 }
 
+TEST(TarnFWScanner, TakesALongTextWithoutItsCloseForWords) {
+  const std::string words(300, ' ');
+  for (const char quote : {'"', '\''}) {
+    testing::internal::CaptureStderr();
+    Scan scan("a\n" + (quote + words) + "b\nc");
+    EXPECT_EQ(scan.all(), (Tokens{"STRING(a)", "STRING(b)", "STRING(c)"}));
+    EXPECT_EQ(scan.line(), 3);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              std::string("Unrecognized token:  ") + quote + "\n");
+  }
+}
+
+TEST(TarnFWScanner, FindsUnclosedTextsInsideOfOneAnother) {
+  const std::string words(300, ' ');
+  testing::internal::CaptureStderr();
+  Scan scan("a \"" + words + "b\n'" + words + "c\n/*" + words + "d\n/* e # f");
+  EXPECT_EQ(scan.all(), (Tokens{"STRING(a)", "STRING(b)", "STRING(c)", "STRING(/)", "STRING(d)",
+                                "STRING(/)", "STRING(e)"}));
+  EXPECT_EQ(scan.line(), 4);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "Unrecognized token:  \"\nUnrecognized token:  '\nUnrecognized token:  *\n"
+            "Unrecognized token:  *\n");
+}
+
+TEST(TarnFWScanner, RefusesALongQuotedTextOnTheLineOfItsClose) {
+  Scan scan("a\n\"" + std::string(300, 'x') + "\n\n\" b");
+  EXPECT_EQ(scan.all(), Tokens{"STRING(a)"});
+  EXPECT_EQ(scan.extra.status, FW_STATUS_NAME_TOO_LONG);
+  EXPECT_EQ(scan.line(), 4);
+}
+
+TEST(TarnFWScanner, DropsCommentsAndBlanksOfEveryLength) {
+  for (const std::size_t length : {0, 1, 63, 64, 65, 127, 128, 129, 255, 256, 257, 20000}) {
+    const std::string stars(length, '*');
+    EXPECT_EQ(scan("a /*" + stars + "*/b"), (Tokens{"STRING(a)", "STRING(b)"})) << length;
+    EXPECT_EQ(scan("a /*" + std::string(length, 'x') + "*/b"), (Tokens{"STRING(a)", "STRING(b)"}));
+    EXPECT_EQ(scan("a" + std::string(length, ' ') + "\tb"), (Tokens{"STRING(a)", "STRING(b)"}));
+    Scan line("a #" + std::string(length, '#') + "\nb");
+    EXPECT_EQ(line.all(), (Tokens{"STRING(a)", "STRING(b)"}));
+    EXPECT_EQ(line.line(), 2);
+  }
+}
+
+TEST(TarnFWScanner, RefusesTheRestOfACommentThatIsNotClosedAndTooLongToBeWords) {
+  Scan scan("a\n/*" + std::string(CTarnFWScannerInput::kHeldLimit, '\n'));
+  EXPECT_EQ(scan.all(), (Tokens{"STRING(a)", "STRING(/)"}));
+  EXPECT_EQ(scan.extra.status, FW_STATUS_PARSING_ERROR);
+  EXPECT_STREQ(scan.extra.message, "comment is not closed");
+  EXPECT_EQ(scan.line(), 2);
+  Scan closed("a /*" + std::string(CTarnFWScannerInput::kHeldLimit, '\n') + "*/ b");
+  EXPECT_EQ(closed.all(), (Tokens{"STRING(a)", "STRING(b)"}));
+}
+
+TEST(TarnFWScanner, RefusesAQuotedTextThatIsTooLongToBeHeldWithoutItsClose) {
+  Scan scan("a '" + std::string(CTarnFWScannerInput::kHeldLimit, 'x') + " b");
+  EXPECT_EQ(scan.all(), Tokens{"STRING(a)"});
+  EXPECT_EQ(scan.extra.status, FW_STATUS_NAME_TOO_LONG);
+  EXPECT_EQ(std::string(scan.extra.message), "identifier too long - '" + std::string(232, 'x'));
+}
+
 TEST(TarnFWScanner, EndsTheInputAtAFailure) {
   Scan scan("a 10.0.0.256-9 b");
   EXPECT_EQ(scan.all(), Tokens{"STRING(a)"});
@@ -595,7 +655,7 @@ TEST(TarnFWScanner, ReadsAStreamWithATokenLongerThanItsBuffer) {
 TEST(TarnFWScanner, ScansACopyOfTheString) {
   std::string text = "before";
   Scan scan(text);
-  text.assign("behind");
+  text.assign("after!");
   EXPECT_EQ(scan.all(), Tokens{"STRING(before)"});
 }
 
@@ -694,14 +754,12 @@ TEST(TarnFWScanner, TracesEveryKeywordByItsWordInCapitalsButForSixOddOnes) {
   }
 }
 
-TEST(TarnFWScannerDeathTest, EndsTheProcessWithStatus2WhenTheInputCannotBeRead) {
-  EXPECT_EXIT(
-      {
-        std::FILE* folder = std::fopen("/", "r");
-        Scan scan(folder);
-        scan.next();
-      },
-      testing::ExitedWithCode(2), "^input in flex scanner failed\n$");
+TEST(TarnFWScanner, GivesATokenThatNoParseAcceptsWhenTheInputCannotBeRead) {
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> folder(std::fopen("/", "r"), &std::fclose);
+  Scan scan(folder.get());
+  EXPECT_EQ(scan.next(), TK_YYUNDEF);
+  EXPECT_EQ(scan.extra.status, FW_STATUS_CANNOT_LOAD_FILE);
+  EXPECT_STREQ(scan.extra.message, "cannot read the configuration");
 }
 
 TEST(TarnFWScanner, TracesTheSlashOfAnUnclosedCommentAsAnIdentifier) {
