@@ -23,7 +23,7 @@ std::unique_ptr<CTarnFWCmd> createRuleSetOfOne(const dvs_port_* port, const FWPa
                                                std::unique_ptr<CTarnFWRule> rule);
 std::unique_ptr<CTarnFWCmd> createEmptyRuleSet(const dvs_port_* port, const FWParserText& name);
 
-/// The layer-2 root is the set of this name with "_L2" behind it.
+/// The layer-2 root is the set of this name followed by "_L2".
 std::unique_ptr<CTarnFWCmd> setRootRuleSet(const dvs_port_* port, const FWParserText& name);
 std::unique_ptr<CTarnFWCmd> setRootRuleSets(const dvs_port_* port, const FWParserText& layer3,
                                             const FWParserText& layer2);

@@ -1,7 +1,7 @@
 #pragma once
 
 /// Short-lived memory of one parse: the texts of tokens and the plain values that are too large for
-/// the parser's value stack. Freed from behind, or all at once; nothing in it has a destructor.
+/// the parser's value stack. Freed from its end, or all at once; nothing in it has a destructor.
 ///
 /// A token's text lives here instead of in an allocation of its own, so that a rule of a large
 /// configuration costs no call of the allocator for its words. Marks are taken where a rule begins
@@ -45,7 +45,7 @@ class CTarnFWParserArena {
     return allocate(sizeof(Value), alignof(Value));
   }
 
-  /// A copy of `length` characters with a NUL behind them. Null without memory.
+  /// A copy of `length` characters with a NUL after them. Null without memory.
   const char* copy(const char* text, std::size_t length) {
     auto* room = static_cast<char*>(allocate(length + 1));
     if (room == nullptr) return nullptr;
@@ -56,10 +56,10 @@ class CTarnFWParserArena {
 
   Mark mark() const { return {index_, used_}; }
 
-  /// Frees everything that was allocated behind the mark. The memory is kept for what comes next.
+  /// Frees everything that was allocated after the mark. The memory is kept for what comes next.
   void release(Mark mark);
 
-  /// Frees a text of `copy` if nothing was allocated behind it, and does nothing otherwise.
+  /// Frees a text of `copy` if nothing was allocated after it, and does nothing otherwise.
   void releaseLast(const char* text, std::size_t length) {
     if (current_ != nullptr && text + length + 1 == current_->bytes + used_) {
       used_ -= static_cast<std::uint32_t>(length + 1);

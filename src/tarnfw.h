@@ -122,8 +122,9 @@ FWStatus_t FW_LoadConfigFile2(FILE* file, const char* fileName, fwlibhandle_** c
 FWStatus_t FW_LoadConfigFile(const char* path, fwlibhandle_** channel, fwconfigfile_** handle);
 
 /// Sends the commands in their order, up to the first that fails, whose status it gives; `port`
-/// replaces their selectors unless it is null. May be repeated. 3 for a null handle, of either
-/// kind.
+/// replaces their selectors unless it is null. Without a `port`, a command that fails with 21
+/// ("switch port not found") is passed over, and the next is sent; the last one's 21 is given. What
+/// was carried out stays so. May be repeated. 3 for a null handle, of either kind.
 FWStatus_t FW_EvaluateConfigFile(fwlibhandle_* handle, fwconfigfile_* config, dvs_port_* port,
                                  void* context);
 

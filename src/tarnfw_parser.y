@@ -1,7 +1,7 @@
 /* Grammar of the configuration language.
  *
  * The order of the tokens and of the productions is fixed: a token's code is 255 plus its position,
- * a token's name is what syntax messages print, and the number behind a production is its number
+ * a token's name is what syntax messages print, and the number after a production is its number
  * in the generated parser. The grammar has no conflict. No production takes the error token: the
  * first error ends the parse.
  */
