@@ -61,7 +61,8 @@ struct FWIPPort {
 };
 
 /// What one parse carries beside the scanner: the scanner's first failure and its input, and the
-/// memory of the tokens. The caller of the parser owns it and value-initialises it before the parse.
+/// memory of the tokens. The caller of the parser owns it and value-initialises it before the
+/// parse.
 struct fw_lex_extra_ {
   FWStatus_t status = FW_STATUS_OK;  // 0, or the status of the first failure of the scanner
   char message[256] = {};            // its text, always terminated

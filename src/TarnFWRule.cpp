@@ -78,7 +78,7 @@ void appendEnd(std::string& text, const char* label, const CTarnFWAddress* addre
   appendAddress(text, address);
   const bool excluded = address != nullptr && address->isNegated();
   if (excluded) {
-    // The last "not" of all lines so far goes, wherever it stands: scripts read it so.
+    // The last "not" of all lines so far goes, wherever it stands: scripts read such lines.
     const std::size_t place = text.rfind("not");
     if (place != text.npos) text.erase(place, 4);
   }
@@ -159,7 +159,7 @@ void CTarnFWRule::setTCPStrict(bool on) {
 void CTarnFWRule::appendTo(std::string& text) const {
   if (parts_.internal) text += "# internal # ";
   text += "rule ";
-  appendDecimal(text, static_cast<std::int32_t>(parts_.id));  // signed: scripts read it so
+  appendDecimal(text, static_cast<std::int32_t>(parts_.id));  // signed: scripts expect that
   if (parts_.position != -1) {
     text += " at ";
     appendDecimal(text, parts_.position);

@@ -24,7 +24,7 @@ bool CTarnFWRuleList::addRule(std::unique_ptr<CTarnFWRule> rule) {
 
 unsigned int CTarnFWRuleList::getMsgSize() const {
   if (rules_.size() > std::numeric_limits<std::uint32_t>::max() / sizeof(FWRule_)) {
-    // Spelled as scripts know it.
+    // Scripts match this spelling.
     throw CIntegerOverflowException("too manu rules", static_cast<int>(rules_.size()));
   }
   return static_cast<unsigned int>(rules_.size() * sizeof(FWRule_));
