@@ -420,7 +420,7 @@ TEST(TarnFWLoadConfig, RefusesAStreamThatCannotBeReadWhereverItFails) {
 #if !defined(__SANITIZE_ADDRESS__) && \
     !defined(__SANITIZE_THREAD__)  // which limit memory themselves
 TEST(TarnFWLoadConfig, EndsWithAStatusWhenTheScannersMemoryIsUsedUp) {
-  for (const std::string& head : {"create ruleset a; ", "describe list of ruleset from "}) {
+  for (const char* const head : {"create ruleset a; ", "describe list of ruleset from "}) {
     MadeText number(head, std::size_t{1} << 30, '0', ";");
     EXPECT_EQ(inAChild([&] {
                 rlimit limit = {std::size_t{128} << 20, std::size_t{128} << 20};
