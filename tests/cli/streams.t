@@ -27,8 +27,8 @@ What is printed never gets into a file that is opened behind it.
 Configuration is not read from a device in the place of a closed standard input.
 
   $ config -f $filter -l - <&-
-  input in flex scanner failed
-  [2]
+  ERROR: Could not load config `-': cannot load file
+  [1]
 
 The command is carried out. Its status is its own, but output that is lost is no success.
 
