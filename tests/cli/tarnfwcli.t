@@ -107,10 +107,11 @@ What is wrong is told with its place; nothing of the text is sent.
   [1]
   $ mkdir folder.conf
   $ lab tarnioctl tarnfwcli -Override -f $filter -l folder.conf
-  err| input in flex scanner failed
+  err| ERROR: Could not load config `folder.conf': cannot load file
   log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initializing tarn library.\n\n
   log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initialized tarn library\n\n
-  [2]
+  log| tarnioctl <83> tarnfw: tarnfw_parser:yyerror():N [folder.conf:1] cannot read the configuration\n
+  [1]
   $ lab tarnioctl tarnfwcli -Override -f $filter -c 'set connection;'
   err| ERROR: Could not load config `set connection;': not supported
   log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initializing tarn library.\n\n
