@@ -193,7 +193,7 @@ std::vector<Form> foreignForms() {
        {{shown(translating(8).at(742, {1 << 2}))},
         {shown(translating(8).at(742, {3 << 2}))},
         {shown(translating(8).at(742, {6 << 2}))}}},
-      {"`poolopt` behind an IP address or a single port",
+      {"`poolopt` after an IP address or a single port",
        " dnat (addrset [^ ]+ port [0-9]+|ip .*) poolopt",
        {{shown(translating(8).at(742, {2 << 2}))},
         {shown(translating(8)
