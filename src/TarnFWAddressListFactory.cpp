@@ -1,5 +1,6 @@
 #include "TarnFWAddressListFactory.h"
 
+#include "TarnFWAddressFactory.h"
 #include "TarnFWAddressIPList.h"
 #include "TarnFWAddressMACList.h"
 #include "TarnFWAddressSIDList.h"
@@ -18,6 +19,13 @@ std::unique_ptr<CTarnFWAddressList> CTarnFWAddressListFactory::newFromArray(
       return std::make_unique<CTarnFWAddressSIDList>(id, records, count);
     default:
       throw CInvalidAddressException("unknown address type", static_cast<unsigned int>(type));
+  }
+}
+
+void CTarnFWAddressListFactory::append(CTarnFWAddressList& list, const FWAddress_* records,
+                                       unsigned int count) {
+  for (unsigned int i = 0; i < count; ++i) {
+    list.addAddress(CTarnFWAddressFactory::newFromMsgBuf(records + i));
   }
 }
 

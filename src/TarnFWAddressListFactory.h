@@ -16,6 +16,10 @@ class CTarnFWAddressListFactory {
   static std::unique_ptr<CTarnFWAddressList> newFromArray(int type, const FWAddrSetID_t& id,
                                                           const FWAddress_* records,
                                                           unsigned int count);
+
+  /// Adds the addresses of `count` records to a list that owns its members. Throws what the
+  /// address factory throws; those before that one are in the list then.
+  static void append(CTarnFWAddressList& list, const FWAddress_* records, unsigned int count);
 };
 
 }  // namespace TarnFirewall

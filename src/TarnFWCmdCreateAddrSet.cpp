@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "TarnFWAddrSetHead.h"
-#include "TarnFWAddressFactory.h"
+#include "TarnFWAddressListFactory.h"
 
 namespace TarnFirewall {
 
@@ -46,9 +46,7 @@ CTarnFWCmdCreateAddrSet::CTarnFWCmdCreateAddrSet(const dvs_port_* port, const ch
     : CTarnFWCmdCreateAddrSet(port, idOf(name), type, std::move(list)) {}
 
 bool CTarnFWCmdCreateAddrSet::addAddress(const FWAddress_* addresses, unsigned int count) {
-  for (unsigned int i = 0; i < count; ++i) {
-    list_->addAddress(CTarnFWAddressFactory::newFromMsgBuf(addresses + i));
-  }
+  CTarnFWAddressListFactory::append(*list_, addresses, count);
   return true;
 }
 

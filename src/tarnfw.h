@@ -18,8 +18,9 @@
 /// Two threads may use one handle, as far as its channel allows it. Where a function is not for
 /// that, it says so.
 ///
-/// This header, TarnFWRecords.h, TarnFWRuleRecord.h, TarnFWTypes.h and TarnFWWire.h are what is
-/// installed. What stands between the two visibility lines is what the shared library exports.
+/// This header, TarnFWRecords.h, TarnFWRuleRecord.h, TarnFWSettingsRecords.h, TarnFWTypes.h and
+/// TarnFWWire.h are what is installed. What stands between the two visibility lines is what the
+/// shared library exports.
 
 #if __cplusplus < 202002L
 // A file that is not there is the one error after which a compiler stops; after #error it would go
@@ -31,6 +32,7 @@
 
 #include "TarnFWRecords.h"
 #include "TarnFWRuleRecord.h"
+#include "TarnFWSettingsRecords.h"
 #include "TarnFWTypes.h"
 
 using TarnFirewall::dvs_port_;
@@ -46,6 +48,10 @@ using TarnFirewall::fwconfigfile_;
 using TarnFirewall::FWContainerType;
 using TarnFirewall::FWDlbRule_;
 using TarnFirewall::FWFailPolicy_t;
+using TarnFirewall::FWFloodCfg_;
+using TarnFirewall::FWFloodRow_;
+using TarnFirewall::FWFloodStat_;
+using TarnFirewall::FWInstTimeout_;
 using TarnFirewall::FWIoctlFrame;
 using TarnFirewall::FWIOType_t;
 using TarnFirewall::FWLibGenericIO_;
@@ -338,6 +344,87 @@ FWStatus_t FW_SetFailPolicy(fwlibhandle_* handle, const dvs_port_* port, void* c
                             FWFailPolicy_t policy);
 FWStatus_t FW_GetFailPolicy(fwlibhandle_* handle, const dvs_port_* port, void* context,
                             FWFailPolicy_t* policy);
+
+/// How much the kernel's firewall logs: 1 the data path, 2 the control path; level 0 to 15. 7 for
+/// another component or level, which is not sent.
+FWStatus_t FW_EnableVerboseLog(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                               unsigned int component, unsigned int level);
+
+/// The same for one component, 0 to 20, or for all with 255.
+FWStatus_t FW_DebugComponent(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                             unsigned int component, unsigned int level);
+
+/// Prints the level of every component.
+FWStatus_t FW_DebugStatus(fwlibhandle_* handle, const dvs_port_* port, void* context);
+
+/// The timeouts that are marked in the record, in the order of their numbers. What is read is
+/// printed and comes back in the record, with the marks that the kernel set. 3 for a null record.
+FWStatus_t FW_SetTimeout(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                         const FWInstTimeout_* timeouts);
+FWStatus_t FW_GetTimeout(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                         FWInstTimeout_* timeouts);
+
+/// Protection against floods. A state is asked for with a cleared record, in which `zeroCounters`
+/// 1 zeroes the counters and `rowSize` 24 with `rowCount` 512 asks for the rows; `rowCount` never
+/// comes back above 512. 3 for a null record.
+FWStatus_t FW_SetFloodCfg(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                          const FWFloodCfg_* configuration);
+FWStatus_t FW_GetFloodStat(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                           FWFloodStat_* stat);
+
+/// The version in which a filter's state is exported. What is read is printed too. 3 for a null
+/// result.
+FWStatus_t FW_SetSkifferExportver(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                                  unsigned int version);
+FWStatus_t FW_GetSkifferExportver(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                                  unsigned int* version);
+
+/// Whether ICMP errors are dropped.
+FWStatus_t FW_ConfigICMPErrPktDrop(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                                   int enable);
+
+// --- Spoof guard of a filter
+//
+// A MAC address is six bytes, first octet first.
+
+/// Binds a MAC address to `count` addresses: IP addresses, or one reference to an address set. 3
+/// for a null argument, 33 for a record that makes no address; nothing is sent then.
+FWStatus_t FW_CreateSpoofGuard(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                               const FWAddress_* addresses, unsigned int count,
+                               const std::uint8_t* mac);
+
+/// `mac` may be null: then it is the filter's own.
+FWStatus_t FW_DeleteSpoofGuard(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                               const std::uint8_t* mac);
+
+/// Whether the guard is on (1) or off (0), the MAC address and the addresses; they are printed too.
+/// `*count` holds the room at `addresses`, which is filled as far as it goes, and receives how many
+/// there are: at most 1024, and more than the room where that was less. 3 for a null argument;
+/// `addresses` may be null when the room is 0.
+FWStatus_t FW_CheckSpoofGuard(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                              unsigned int* enabled, std::uint8_t* mac, unsigned int* count,
+                              FWAddress_* addresses);
+
+/// Prints what the guard has seen.
+FWStatus_t FW_GetSpoofGuardStat(fwlibhandle_* handle, const dvs_port_* port, void* context);
+
+// --- Interface of a filter
+
+/// Prints the counters that are not 0; zeroes all.
+FWStatus_t FW_GetKifStat(fwlibhandle_* handle, const dvs_port_* port, void* context);
+FWStatus_t FW_ClearKifStat(fwlibhandle_* handle, const dvs_port_* port, void* context);
+
+/// Whether the interface takes the fast path, 0 or 1: mode 0 sets `*value`, mode 1 reads it. It
+/// receives the kernel's value in both. 3 for a null value.
+FWStatus_t FW_FpFlag(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                     unsigned int* value, unsigned int mode);
+
+/// Prints the flags.
+FWStatus_t FW_GetKifFlags(fwlibhandle_* handle, const dvs_port_* port, void* context);
+
+/// Sets a flag. Of the name 39 characters are sent, of the value eight bits. 3 for a null name.
+FWStatus_t FW_SetKifFlags(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                          const char* name, unsigned int value);
 
 // --- Records as text
 

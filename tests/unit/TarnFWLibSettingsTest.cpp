@@ -61,8 +61,8 @@ TEST_F(TarnFWLibSettings, WhatIsRefusedSendsNothing) {
 }
 
 TEST_F(TarnFWLibSettings, AFailPolicyComesBackAsTheKernelHasIt) {
-  for (const std::uint8_t answered : {0, 1, 255}) {
-    kernel.answer(0, Bytes({answered}));
+  for (const unsigned int answered : {0u, 1u, 255u}) {
+    kernel.answer(0, Bytes(1, static_cast<std::uint8_t>(answered)));
     EXPECT_EQ(FW_GetFailPolicy(handle, &port, nullptr, &policy), 0u);
     EXPECT_EQ(policy, answered);
   }

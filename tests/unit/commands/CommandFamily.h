@@ -69,13 +69,15 @@ struct Creation {
 };
 
 /// Every class of the family stands in `goldens` or in `later`; a class that is built has its reply
-/// in `replies`, `creations` or a test of its own.
+/// in `replies`, `creations` or a test of its own. Those in `cutRequest` write more than the
+/// catalogue calls their request, so that a peer on a socket does not get the rest.
 struct CommandFamily {
   std::vector<Golden> goldens;
   std::vector<ReplyRow> replies;
   std::vector<Creation> creations;
   std::set<std::string> ownReplyTest;
   std::set<std::string> later;
+  std::set<std::string> cutRequest = {};
 };
 
 CommandFamily ruleSetCommands();
