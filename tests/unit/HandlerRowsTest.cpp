@@ -53,6 +53,10 @@ std::vector<Case> casesWithOptions() {
 }
 
 class HandlerRows : public testing::TestWithParam<Case> {
+ public:
+  // A handler that ends early leaves its printer to the process.
+  void TearDown() override { FW_SetLibPrettyPrinting(nullptr, nullptr); }
+
  protected:
   const HandlerRow& row = GetParam().row;
   const std::string& word = GetParam().word;
