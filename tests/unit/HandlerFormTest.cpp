@@ -254,6 +254,7 @@ TEST(OnFilter, VerbosityIsPrintedAndReachesTheLibraryAsTheHandlerWants) {
 TEST(OnFilter, ThePrinterStaysOrGoesAsTheHandlerWants) {
   const LogCapture log;
   const HandlerKernel kernel;
+  FW_SetLibPrettyPrinting(nullptr, nullptr);
   const auto there = [](Target&) { return printerIsThere() ? 1 : 0; };
   HandlerForm printing = form("f:");
   EXPECT_EQ(run({"-f", "x"}, printing, there).status, 0);

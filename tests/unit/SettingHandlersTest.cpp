@@ -23,12 +23,6 @@ const char kSetUsage[] =
     "    -v<number>  : enable verbose log\n"
     "    -p<fail_policy> : fail policy (0: fail_open, 1: fail_close)\n"
     "    -h          : this help message\n";
-const char kGetUsage[] =
-    "Get fail policy.\n\n"
-    "Usage: tarnioctl getfailpolicy <options>\n"
-    "    -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2\n"
-    "    -v<number>  : enable verbose log\n"
-    "    -h          : this help message\n";
 
 /// Keeps the policy that it was sent.
 class PolicyKernel : public HandlerKernel {
@@ -42,10 +36,7 @@ class PolicyKernel : public HandlerKernel {
 
 }  // namespace
 
-TEST(SetFailPolicy, SaysWhatIsMissing) {
-  EXPECT_EQ(runCommand({"setfailpolicy", "-h"}), (CommandResult{0, kSetUsage, ""}));
-  EXPECT_EQ(runCommand({"setfailpolicy", "-p1"}),
-            (CommandResult{1, kSetUsage, "ERROR: filter is missing.\n"}));
+TEST(SetFailPolicy, NeedsAPolicy) {
   EXPECT_EQ(runCommand({"setfailpolicy", "-f", kFilter}),
             (CommandResult{1, kSetUsage, "ERROR: fail policy is missing.\n"}));
 }
@@ -92,10 +83,7 @@ TEST(GetFailPolicy, PrintsWhatTheKernelHas) {
   }
 }
 
-TEST(GetFailPolicy, SaysWhatIsMissingAndWhatFails) {
-  EXPECT_EQ(runCommand({"getfailpolicy", "-h"}), (CommandResult{0, kGetUsage, ""}));
-  EXPECT_EQ(runCommand({"getfailpolicy"}),
-            (CommandResult{1, kGetUsage, "ERROR: filter is missing.\n"}));
+TEST(GetFailPolicy, ReportsWhatTheKernelRefuses) {
   PolicyKernel kernel;
   kernel.fail(35, 21);
   EXPECT_EQ(runCommand({"getfailpolicy", "-f", kFilter}),
