@@ -265,9 +265,13 @@ void CTarnFWRuleBuilder::init() {
 
 void CTarnFWRuleBuilder::init(const FWRule_* record) {
   init();
-  readRuleRecord(*record, parts_);
-  if (record->tag[0] != '\0')
-    setTag(std::string(record->tag, fieldLength(record->tag, sizeof record->tag)));
+  read(*record);
+}
+
+void CTarnFWRuleBuilder::read(const FWRule_& record) {
+  readRuleRecord(record, parts_);
+  if (record.tag[0] != '\0')
+    setTag(std::string(record.tag, fieldLength(record.tag, sizeof record.tag)));
 }
 
 }  // namespace TarnFirewall

@@ -16,6 +16,10 @@ namespace TarnFirewall {
 /// The setters throw what the objects throw that they make, and leave the builder as it was then.
 class CTarnFWRuleBuilder {
  public:
+  CTarnFWRuleBuilder() = default;
+  /// A builder into which a record is read, as by `init`.
+  explicit CTarnFWRuleBuilder(const FWRule_* record) { read(*record); }
+
   void setId(unsigned int id) { parts_.id = id; }
   void setPosition(int position) { parts_.position = position; }
   /// Throws CInvalidRuleDirectionException for a value above 2.
@@ -157,6 +161,7 @@ class CTarnFWRuleBuilder {
   static void negate(std::unique_ptr<CTarnFWAddress>& address);
 
   CTarnFWRuleAction& requireAction() const;
+  void read(const FWRule_& record);
 
   FWRuleParts parts_;  // at most one spec in a list of ports
 };

@@ -6,8 +6,7 @@
 namespace TarnFirewall {
 
 std::unique_ptr<CTarnFWRule> CTarnFWRuleFactory::newFromMsgBuf(const FWRule_* record) {
-  CTarnFWRuleBuilder builder;
-  builder.init(record);
+  CTarnFWRuleBuilder builder(record);
   std::unique_ptr<CTarnFWRule> rule = builder.buildRule();
   if (!rule) return nullptr;
   if ((record->origin & kRuleInternal) != 0) rule->setInternal();
