@@ -36,7 +36,7 @@ void CTarnFWCmdSetRootRuleSet::addJump(bool layer3, const FWRuleSetID_t& target)
   FWRuleParts parts;
   parts.id = id;
   parts.position = static_cast<int>(id);
-  parts.protocol.emplace(layer3);
+  parts.protocol.emplace(protocolLayer(layer3));
   parts.connection.addSpec(std::make_unique<CTarnFWProtocolSpecStateless>());
   parts.action = std::make_unique<CTarnFWRuleActionJumpto>(fieldText(target.text).c_str());
   ownRules().addRule(std::make_unique<CTarnFWRule>(std::move(parts)));

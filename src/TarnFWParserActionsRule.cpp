@@ -112,18 +112,18 @@ std::unique_ptr<CTarnFWProtocol> protocolOfName(const FWParse& parse, const FWPa
     throw CParseFailure(formatText("unknown protocol (%s)", name.data),
                         FW_STATUS_UNKNOWN_PROTOCOL_NAME);
   }
-  return std::make_unique<CTarnFWProtocol>(true, static_cast<unsigned short>(number), true,
+  return std::make_unique<CTarnFWProtocol>(FWProtocolLayer::ip, static_cast<unsigned short>(number),
                                            negated);
 }
 
 std::unique_ptr<CTarnFWProtocol> protocolOfNumber(std::int64_t number, bool negated) {
   const auto value = numberUpTo<std::uint8_t>(number, 0xff, "ip protocol value overflows");
-  return std::make_unique<CTarnFWProtocol>(true, value, true, negated);
+  return std::make_unique<CTarnFWProtocol>(FWProtocolLayer::ip, value, negated);
 }
 
 std::unique_ptr<CTarnFWProtocol> etherType(std::int64_t number, bool negated) {
   const auto value = numberUpTo<std::uint16_t>(number, 0xffff, "ether type value overflows");
-  return std::make_unique<CTarnFWProtocol>(true, value, false, negated);
+  return std::make_unique<CTarnFWProtocol>(FWProtocolLayer::ethernet, value, negated);
 }
 
 std::uint16_t portNumber(std::int64_t number) {

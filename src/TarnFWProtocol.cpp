@@ -54,8 +54,9 @@ bool appendName(std::string& text, unsigned short number) {
 
 }  // namespace
 
-CTarnFWProtocol::CTarnFWProtocol(bool defined, unsigned short number, bool layer3, bool negated)
-    : number_(number), layer3_(layer3), negated_(negated), defined_(defined) {
+CTarnFWProtocol::CTarnFWProtocol(bool defined, unsigned short number, FWProtocolLayer layer,
+                                 bool negated)
+    : number_(number), layer_(layer), negated_(negated), defined_(defined) {
   if (!defined && negated)
     throw CUnsupportedException("protocol is not defined but not protocol flag is set");
 }
@@ -69,10 +70,10 @@ void CTarnFWProtocol::setProtocol(unsigned short number, bool negated) {
 void CTarnFWProtocol::appendWith(std::string& text, const char* protocolWord,
                                  const char* ethertypeWord) const {
   if (negated_) text += "not ";
-  text += layer3_ ? protocolWord : ethertypeWord;
+  text += isLayer3() ? protocolWord : ethertypeWord;
   if (!defined_) {
     text += " any";
-  } else if (layer3_) {
+  } else if (isLayer3()) {
     text += ' ';
     if (!appendName(text, number_)) appendDecimal(text, number_);
   } else {

@@ -7,6 +7,17 @@
 
 namespace TarnFirewall {
 
+/// What the number of a protocol means.
+enum class FWProtocolLayer : bool {
+  ethernet = false,  // an ethertype
+  ip = true,         // an IP protocol
+};
+
+/// The layer of a flag that is set for layer 3, as the rule record has it.
+constexpr FWProtocolLayer protocolLayer(bool layer3) {
+  return layer3 ? FWProtocolLayer::ip : FWProtocolLayer::ethernet;
+}
+
 /// What a rule matches above its addresses: one IP protocol (layer 3) or one ethertype (layer 2),
 /// or any of them. It has no wire form of its own: the rule record holds its number and flags.
 class CTarnFWProtocol final : public ITarnFWObject {
@@ -14,11 +25,14 @@ class CTarnFWProtocol final : public ITarnFWObject {
   static constexpr int kType = 19;
 
   /// Any protocol of the layer.
-  explicit CTarnFWProtocol(bool layer3) : layer3_(layer3) {}
-  CTarnFWProtocol(bool layer3, unsigned short number, bool negated)
-      : number_(number), layer3_(layer3), negated_(negated), defined_(true) {}
-  /// Throws CUnsupportedException when negated without being defined.
-  CTarnFWProtocol(bool defined, unsigned short number, bool layer3, bool negated);
+  explicit CTarnFWProtocol(FWProtocolLayer layer) : layer_(layer) {}
+
+  /// One protocol, or every other.
+  CTarnFWProtocol(FWProtocolLayer layer, unsigned short number, bool negated)
+      : number_(number), layer_(layer), negated_(negated), defined_(true) {}
+
+  /// Either. Throws CUnsupportedException when negated without being defined.
+  CTarnFWProtocol(bool defined, unsigned short number, FWProtocolLayer layer, bool negated);
 
   unsigned int getMsgSize() const override { return 0; }
   int getType() const override { return kType; }
@@ -35,18 +49,18 @@ class CTarnFWProtocol final : public ITarnFWObject {
 
   /// IP protocol number or ethertype, host order; 0 when not defined.
   unsigned short getNumber() const { return number_; }
-  bool isLayer3() const { return layer3_; }
+  bool isLayer3() const { return layer_ == FWProtocolLayer::ip; }
   bool isNegated() const { return negated_; }
   bool isDefined() const { return defined_; }
 
   /// The number when exactly one IP protocol is matched: defined, layer 3 and not negated; else -1.
-  int getIPProtocol() const { return defined_ && layer3_ && !negated_ ? number_ : -1; }
+  int getIPProtocol() const { return defined_ && isLayer3() && !negated_ ? number_ : -1; }
 
  private:
   void appendWith(std::string& text, const char* protocolWord, const char* ethertypeWord) const;
 
   std::uint16_t number_ = 0;
-  bool layer3_;
+  FWProtocolLayer layer_;
   bool negated_ = false;
   bool defined_ = false;
 };

@@ -67,7 +67,9 @@ void CTarnFWRuleBuilder::setTag(const std::string& tag) {
 
 void CTarnFWRuleBuilder::setTag(const char* tag) { setTag(std::string(tag != nullptr ? tag : "")); }
 
-void CTarnFWRuleBuilder::setType(bool layer3) { setProtocol(CTarnFWProtocol(layer3)); }
+void CTarnFWRuleBuilder::setType(bool layer3) {
+  setProtocol(CTarnFWProtocol(protocolLayer(layer3)));
+}
 
 void CTarnFWRuleBuilder::setProtocol(unsigned short number, bool negated) {
   requireProtocol(parts_);

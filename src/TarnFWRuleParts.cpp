@@ -142,7 +142,7 @@ void readRuleRecord(const FWRule_& record, FWRuleParts& parts) {
   parts.position = record.position;
   parts.id = record.id;
   const bool layer3 = (flags & kRuleLayer3) != 0;
-  parts.protocol.emplace(layer3);
+  parts.protocol.emplace(protocolLayer(layer3));
   if ((flags & kRuleHasProtocol) != 0) {
     parts.protocol->setProtocol(ruleProtocolNumber(record.protocol, layer3),
                                 (flags & kRuleProtocolNegated) != 0);

@@ -1007,7 +1007,7 @@ Optional_Rule_Tag:
 
 Rule_Protocol:
     PROTOCOL ANY  /* 244 */
-      { TRY($$ = new CTarnFWProtocol(false, 0, true, false)); }
+      { TRY($$ = new CTarnFWProtocol(FWProtocolLayer::ip)); }
   | PROTOCOL STRING  /* 245 */
       { TRY($$ = protocolOfName(PARSE, $2, false).release()); }
   | NOT PROTOCOL STRING  /* 246 */
@@ -1017,7 +1017,7 @@ Rule_Protocol:
   | NOT PROTOCOL NUMBER  /* 248 */
       { TRY($$ = protocolOfNumber($3, true).release()); }
   | ETHERTYPE ANY  /* 249 */
-      { TRY($$ = new CTarnFWProtocol(false, 0, false, false)); }
+      { TRY($$ = new CTarnFWProtocol(FWProtocolLayer::ethernet)); }
   | ETHERTYPE NUMBER  /* 250 */
       { TRY($$ = etherType($2, false).release()); }
   | NOT ETHERTYPE NUMBER  /* 251 */

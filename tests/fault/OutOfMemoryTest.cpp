@@ -190,7 +190,7 @@ TEST(OutOfMemory, AChainIsReadWholeOrTheReadingThrows) {
 }
 
 TEST(OutOfMemory, TheTextsOfAProtocolLeaveItAsItWas) {
-  const CTarnFWProtocol protocol(false, 0x86dd, true);
+  const CTarnFWProtocol protocol(FWProtocolLayer::ethernet, 0x86dd, true);
   expectUnharmed([&] { return protocol.toString(); });
   expectUnharmed([&] { return protocol.toString2(); });
 }

@@ -14,6 +14,6 @@ inline std::unique_ptr<TarnFirewall::CTarnFWRule> plainRule(
   parts.id = id;
   parts.position = position;
   parts.direction = direction;
-  parts.protocol.emplace(true);
+  parts.protocol.emplace(FWProtocolLayer::ip);
   return std::make_unique<CTarnFWRule>(std::move(parts));
 }

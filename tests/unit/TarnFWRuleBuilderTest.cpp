@@ -98,7 +98,8 @@ TEST(TarnFWRuleBuilder, IsLayer3AsItsProtocol) {
   EXPECT_FALSE(builder.isLayer3());
   builder.setType(true);
   EXPECT_TRUE(builder.isLayer3());
-  builder.setProtocol(CTarnFWProtocol(false, static_cast<unsigned short>(0x806), false));
+  builder.setProtocol(
+      CTarnFWProtocol(FWProtocolLayer::ethernet, static_cast<unsigned short>(0x806), false));
   EXPECT_FALSE(builder.isLayer3());
 }
 

@@ -41,17 +41,17 @@ struct Parts : FWRuleParts {
   Parts() {
     id = 7;
     position = -1;
-    protocol.emplace(true);
+    protocol.emplace(FWProtocolLayer::ip);
     action = std::make_unique<CTarnFWRuleActionAccept>();
   }
   explicit Parts(unsigned short ipProtocol) : Parts() { layer3(ipProtocol); }
 
   Parts& layer3(unsigned short number, bool negated = false) {
-    protocol = CTarnFWProtocol(true, number, negated);
+    protocol = CTarnFWProtocol(FWProtocolLayer::ip, number, negated);
     return *this;
   }
   Parts& layer2(unsigned short number, bool negated = false) {
-    protocol = CTarnFWProtocol(false, number, negated);
+    protocol = CTarnFWProtocol(FWProtocolLayer::ethernet, number, negated);
     return *this;
   }
   template <typename Spec, typename... Arguments>
@@ -152,7 +152,7 @@ TEST(TarnFWRule, OnlyAPlainLayer3AcceptIsADefaultRule) {
   CTarnFWRule destination = Parts().dst<SetID>("s", false).make();
   EXPECT_EQ(messageOf(destination)[884], 1);
   Parts ethernet;
-  ethernet.protocol = CTarnFWProtocol(false);
+  ethernet.protocol = CTarnFWProtocol(FWProtocolLayer::ethernet);
   CTarnFWRule layer2 = ethernet.make();
   EXPECT_EQ(messageOf(layer2), plainRecord().at(790, {0x00}).at(884, {1}));
   Parts profiled;

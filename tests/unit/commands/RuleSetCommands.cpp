@@ -41,7 +41,7 @@ CommandPtr createRuleSet() {
   parts.id = 0x01020304;
   parts.position = 5;
   parts.direction = FW_DIRECTION_IN;
-  parts.protocol.emplace(true, static_cast<unsigned short>(6), false);
+  parts.protocol.emplace(FWProtocolLayer::ip, static_cast<unsigned short>(6), false);
   parts.source = std::make_unique<CTarnFWAddressIPv4>("10.1.2.3", true);
   parts.destinationPorts = std::move(port);
   parts.action = std::move(drop);
