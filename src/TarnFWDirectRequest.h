@@ -10,6 +10,8 @@
 ///
 /// Records are written by the caller, cleared first; the kernel writes its reply over them.
 
+#include <sys/ioctl.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <type_traits>
@@ -45,7 +47,10 @@ class DeviceLine {
   constexpr explicit DeviceLine(Call call) : call_(call) {}
   constexpr explicit DeviceLine(int descriptor) : descriptor_(descriptor) {}
 
-  int send(std::uint32_t number, void* argument) const;
+  int send(std::uint32_t number, void* argument) const {
+    return call_ != nullptr ? call_(static_cast<int>(number), argument)
+                            : ioctl(descriptor_, number, argument);
+  }
 
  private:
   Call call_ = nullptr;
@@ -71,9 +76,20 @@ struct InsertionDevice : DeviceLine {
 /// there, and the frame's status after the call is given back, also when the call has failed: a
 /// kernel that did not write it has left it. Without it the frame starts with status 0, and what
 /// the kernel writes there is not read: most commands succeed whatever the frame says, and scripts
-/// depend on that.
-int directRequest(const FirewallDevice& device, std::uint32_t number, RequestMemory body,
-                  std::uint32_t* frameStatus = nullptr);
+/// depend on that. Every message of a command goes through here, so it is expanded in place.
+inline int directRequest(const FirewallDevice& device, std::uint32_t number, RequestMemory body,
+                         std::uint32_t* frameStatus = nullptr) {
+  FWIoctlFrame frame{};
+  frame.command = number;
+  frame.bodyLength = body.size;
+  frame.body = addressOf(body.at);
+  if (frameStatus == nullptr) return device.send(number, &frame);
+
+  frame.status = *frameStatus;
+  const int result = device.send(number, &frame);
+  *frameStatus = frame.status;
+  return result;
+}
 
 /// The same with a record as the body.
 template <typename Record>
@@ -91,7 +107,15 @@ int directRequest(const TableDevice& device, std::uint32_t number, Record& recor
 /// A request to the service insertion device, with an input, an output or both:
 ///
 ///     directRequest(kInsertion, 12, {}, memoryOf(count));
-int directRequest(const InsertionDevice& device, std::uint32_t number, RequestMemory input,
-                  RequestMemory output);
+inline int directRequest(const InsertionDevice& device, std::uint32_t number, RequestMemory input,
+                         RequestMemory output) {
+  SIIoctlFrame frame{};
+  frame.command = number;
+  frame.inputLength = input.size;
+  frame.outputLength = output.size;
+  frame.input = addressOf(input.at);
+  frame.output = addressOf(output.at);
+  return device.send(number, &frame);
+}
 
 }  // namespace TarnFirewall
