@@ -18,9 +18,9 @@
 /// Two threads may use one handle, as far as its channel allows it. Where a function is not for
 /// that, it says so.
 ///
-/// This header, TarnFWRecords.h, TarnFWRuleRecord.h, TarnFWSettingsRecords.h, TarnFWTypes.h and
-/// TarnFWWire.h are what is installed. What stands between the two visibility lines is what the
-/// shared library exports.
+/// This header, TarnFWConnectionRecord.h, TarnFWRecords.h, TarnFWRuleRecord.h,
+/// TarnFWSettingsRecords.h, TarnFWTypes.h and TarnFWWire.h are what is installed. What stands
+/// between the two visibility lines is what the shared library exports.
 
 #if __cplusplus < 202002L
 // A file that is not there is the one error after which a compiler stops; after #error it would go
@@ -30,6 +30,7 @@
 
 #include <stdio.h>
 
+#include "TarnFWConnectionRecord.h"
 #include "TarnFWRecords.h"
 #include "TarnFWRuleRecord.h"
 #include "TarnFWSettingsRecords.h"
@@ -45,6 +46,7 @@ using TarnFirewall::FWAddrSetOperation_t;
 using TarnFirewall::FWAddrSetStat_;
 using TarnFirewall::FWAddrSetType_t;
 using TarnFirewall::fwconfigfile_;
+using TarnFirewall::FWConnection_;
 using TarnFirewall::FWContainerType;
 using TarnFirewall::FWDlbRule_;
 using TarnFirewall::FWFailPolicy_t;
