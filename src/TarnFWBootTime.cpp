@@ -17,7 +17,7 @@ std::uint64_t nanoseconds(clockid_t clock) {
          static_cast<std::uint64_t>(now.tv_nsec);
 }
 
-/// When the host was started. The clocks behind `time` and the uptime of `sysinfo` are subtracted
+/// When the host was started. The clocks of `time` and of `sysinfo` are subtracted
 /// before they are cut to seconds: cut first, they do not turn to the next second together, and the
 /// difference would be another one in a part of each second.
 std::uint64_t bootTime() {

@@ -18,7 +18,7 @@ CTarnFWCmdSetFailPolicy::CTarnFWCmdSetFailPolicy(const dvs_port_* port, FWFailPo
   if (policy > FW_FAIL_CLOSE) throw CUnsupportedException("invalid fail policy");
 }
 
-// The blank in front is meant: logs are searched for this text.
+// Begins with a blank: logs are searched for this text.
 std::string CTarnFWCmdSetFailPolicy::toString() const {
   return std::string(" failure policy: ") + failPolicyName(policy_);
 }

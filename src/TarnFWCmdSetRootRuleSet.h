@@ -5,8 +5,8 @@
 namespace TarnFirewall {
 
 /// Sets the root of a filter: the unnamed rule set with a rule that sends all IP traffic to the
-/// layer-3 set and one that sends all Ethernet traffic to the layer-2 set. Nothing else tells the
-/// layers apart. Sent as the creation of a rule set, number 3, though its object type is 28.
+/// layer-3 set and one that sends all Ethernet traffic to the layer-2 set. Nothing else separates
+/// the layers. Sent as the creation of a rule set, number 3, though its object type is 28.
 class CTarnFWCmdSetRootRuleSet final : public CTarnFWRuleSetCreateCmd {
  public:
   static constexpr int kType = 28;

@@ -14,7 +14,7 @@ namespace TarnFirewall {
 /// transaction id in the reply. One message holds the whole set; nothing splits it.
 class CTarnFWCreateCmd : public CTarnFWCmd {
  public:
-  /// Where the head keeps its flags, and behind them the transaction id.
+  /// Where the head keeps its flags, and after them the transaction id.
   struct Layout {
     unsigned int head;
     std::size_t flags;

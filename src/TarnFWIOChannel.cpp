@@ -49,7 +49,7 @@ void CTarnFWIOChannel::validateMessage(const void* message, unsigned int size) c
   const auto envelope =
       loadRecord<FWCmdEnvelope_>(static_cast<const std::byte*>(message) + sizeof(tarn_msg_hdr_));
   for (int number = 0; number < commands; ++number) {
-    // Every pass shows the first command: the walk is meant not to move on.
+    // Every pass shows the first command, as readers of these logs know it.
     TARNFW_TRACE(FW_COMPONENT_IO, 2, ". command no. %d\n", number);
     TARNFW_TRACE(FW_COMPONENT_IO, 2, ". body bytes: %u\n", std::uint32_t{envelope.bodyLength});
     TARNFW_TRACE(FW_COMPONENT_IO, 2, ". command: %d\n", int{envelope.command});

@@ -17,7 +17,7 @@ class CTarnFWIOChannel {
                                void* context) = 0;
 
   /// Describes the message in the log when the level of `io` is above 1, its fields above 2. Never
-  /// fails, and reads nothing behind `size` bytes.
+  /// fails, and reads nothing after `size` bytes.
   void validateMessage(const void* message, unsigned int size) const;
 
   virtual ~CTarnFWIOChannel() = default;

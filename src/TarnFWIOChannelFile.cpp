@@ -30,7 +30,7 @@ CTarnFWIOChannelFile::~CTarnFWIOChannelFile() {
 }
 
 void CTarnFWIOChannelFile::write(const void* bytes, std::size_t size) {
-  // A short write is meant to pass: the file is for inspection, and only a failure is reported.
+  // A short write is no failure: the file is for people who inspect messages.
   if (::write(descriptor_, bytes, size) < 0) {
     const int error = errno;
     throw CIoctlException(errorText(error), error);

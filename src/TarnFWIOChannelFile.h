@@ -1,6 +1,6 @@
 #pragma once
 
-/// A channel that writes messages into a file, one behind the other without a separator.
+/// A channel that writes messages into a file, one after the other without a separator.
 
 #include <string>
 

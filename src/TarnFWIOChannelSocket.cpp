@@ -60,7 +60,7 @@ FWStatus_t CTarnFWIOChannelSocket::sendIOCTL(dvs_port_*, void* message, unsigned
   }
   try {
     // For a command from the catalogue this is 20 bytes more than header, envelope and request
-    // take: the peer reads by the header's length behind the header.
+    // take: after the header the peer reads as many bytes as the header says.
     const std::size_t total = std::size_t{header.bodyLength} + kMsgHeaderSize;
     const std::size_t owned = std::min(total, size + kMsgSlack);
     socket_->SendAll(bytes, owned);

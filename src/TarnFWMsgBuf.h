@@ -11,7 +11,7 @@ namespace TarnFirewall {
 /// Header in front of every message. Integers in host order.
 struct tarn_msg_hdr_ {
   char signature[4];         //  +0  "TARN"
-  host32 bodyLength;         //  +4  bytes behind the header: the sum of the commands' sizes
+  host32 bodyLength;         //  +4  bytes after the header: the sum of the commands' sizes
   host32 sequence;           //  +8  the owner's counter when the buffer was obtained
   std::uint8_t major;        // +12  always 1
   std::uint8_t minor;        // +13  1; not looked at in a reply
@@ -30,11 +30,11 @@ static_assert(offsetof(tarn_msg_hdr_, bodyLength) == 4 && offsetof(tarn_msg_hdr_
 inline constexpr unsigned int kMsgHeaderSize = sizeof(tarn_msg_hdr_);
 inline constexpr char kMsgSignature[4] = {'T', 'A', 'R', 'N'};
 
-/// Zeroed bytes that every buffer owns behind its body. The socket channel sends 20 bytes more than
+/// Zeroed bytes that every buffer owns after its body. The socket channel sends 20 bytes more than
 /// the message takes; they come from here.
 inline constexpr std::size_t kMsgSlack = 20;
 
-/// Owner of message memory. Callers hold a pointer to the body, the first byte behind the header;
+/// Owner of message memory. Callers hold a pointer to the body, the first byte after the header;
 /// a reply comes back in the same memory. Buffers are not tracked: who got one gives it back.
 /// Sizes are bytes of the body. False is failure, with a log line that says why.
 class CTarnFWMsgBuf {

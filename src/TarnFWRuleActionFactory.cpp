@@ -92,7 +92,8 @@ std::unique_ptr<CTarnFWRuleAction> CTarnFWRuleActionFactory::newFromMsgBuf(
   if ((flags & kActionCopy) != 0) action->enableCopyPacket();
   if ((flags & kActionNoFlow) != 0) action->enableNoFlow();
   if ((flags & kActionRtt) != 0) action->enableRtt();
-  // The record's own flags of the application are not read, the one-argument table decides: meant.
+  // The application's flags come from the table of applications and not from the record, so that
+  // scripts see one text for an application, whoever wrote the record.
   if ((flags & kActionDynamic) != 0) action->enableDynamic((record->dynamicApp >> 4) & 0xffu);
   if ((flags & kActionLBRule) != 0) action->enableLBRule();
   return action;
