@@ -27,6 +27,16 @@ const DirectKind* findDirect(Device device, std::uint32_t number) {
   return nullptr;
 }
 
+void fillHost(const Store& store, const Host& host) {
+  JournalEntry unwritten;
+  for (std::size_t i = 0; i < host.filterCount(); ++i) {
+    const SelectedFilter target{SelectorMatch::filter, i, Host::folderOf(i)};
+    for (const Family* family : families()) {
+      if (family->fill != nullptr) family->fill({store, host, target, unwritten});
+    }
+  }
+}
+
 const Setting* findSetting(std::string_view name) {
   for (const Family* family : families()) {
     for (const Setting& setting : family->settings) {

@@ -13,6 +13,9 @@ struct Family {
   std::span<const CommandKind> commands = {};
   std::span<const DirectKind> requests = {};
   std::span<const Setting> settings = {};
+
+  /// Gives a filter of a new host what it does not have as usual; most have nothing such.
+  void (*fill)(const CommandContext& context) = nullptr;
 };
 
 // Every family, one line each.
@@ -20,11 +23,16 @@ struct Family {
   FAMILY(addrSetConfigFamily)    \
   FAMILY(addrSetFamily)          \
   FAMILY(addrSetReadingFamily)   \
+  FAMILY(debugFamily)            \
   FAMILY(filterListFamily)       \
   FAMILY(filterSettingsFamily)   \
+  FAMILY(floodFamily)            \
+  FAMILY(kifFamily)              \
   FAMILY(messageFamily)          \
   FAMILY(ruleReadingFamily)      \
-  FAMILY(ruleSetFamily)
+  FAMILY(ruleSetFamily)          \
+  FAMILY(spoofGuardFamily)       \
+  FAMILY(timeoutFamily)
 
 #define TARNLAB_DECLARE_FAMILY(name) extern const Family name;
 TARNLAB_FAMILIES(TARNLAB_DECLARE_FAMILY)
@@ -37,6 +45,9 @@ std::span<const Family* const> families();
 /// does not know it.
 const CommandKind* findCommand(std::uint32_t number);
 const DirectKind* findDirect(Device device, std::uint32_t number);
+
+/// Fills every filter of a new host, or of one that is to be as new. Hold the lock.
+void fillHost(const Store& store, const Host& host);
 
 /// What the filter of a command, or the agent's shared sets, or without a filter the host, is set
 /// to.

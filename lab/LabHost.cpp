@@ -53,6 +53,15 @@ std::string_view Host::agent(std::size_t index) const {
   return getText(slot(index), FilterRecord::agent, FilterRecord::agentSize);
 }
 
+bool Host::isLogical(std::size_t index) const {
+  return !getText(record(index), FilterRecord::vif, FilterRecord::vifSize).empty();
+}
+
+std::uint64_t Host::load(std::size_t index) const {
+  constexpr std::size_t notIp = 18;  // the host's maker counts two of them for each unit of load
+  return get64(record(index), FilterRecord::counters + 8 * notIp) / 2;
+}
+
 std::string_view Host::switchId(std::size_t index) const {
   return getText(slot(index), slotSwitch, slotSwitchSize);
 }

@@ -60,6 +60,12 @@ class Host {
   std::string_view name(std::size_t index) const;
   std::string_view agent(std::size_t index) const;
 
+  /// Whether the virtual NIC is plugged into a logical switch; otherwise into a plain port group.
+  bool isLogical(std::size_t index) const;
+
+  /// How much traffic the filter has seen. The models make their counters of it.
+  std::uint64_t load(std::size_t index) const;
+
   /// The id and the port of the switch that the virtual NIC is plugged into.
   std::string_view switchId(std::size_t index) const;
   std::uint32_t switchPort(std::size_t index) const;

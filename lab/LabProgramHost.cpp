@@ -1,6 +1,7 @@
 // tarnlab init and tarnlab reset.
 #include <cerrno>
 
+#include "LabFamily.h"
 #include "LabHost.h"
 #include "LabJournal.h"
 #include "LabProgram.h"
@@ -35,6 +36,7 @@ int runInit(const Store& store, Arguments arguments) {
   Host host = machines ? Host::generated(static_cast<unsigned>(*machines)) : Host::sample();
   if (memory) host.setMemory(*memory);
   host.save(store);
+  fillHost(store, host);
   std::printf("Made a lab with %zu filters at %s.\n", host.filterCount(), store.folder().c_str());
   return exitOk;
 }
@@ -45,6 +47,7 @@ int runReset(const Store& store, Arguments arguments) {
   const StoreLock lock(store);
   for (const char* folder : {"filters", "shared"}) store.removeTree(folder);
   for (const char* file : {"faults", "settings"}) store.remove(file);
+  fillHost(store, Host::load(store));
   Journal(store).clear();
   return exitOk;
 }

@@ -151,7 +151,9 @@ std::vector<std::string> Settings::lines() const {
         continue;
       }
       if (setting.kind == Setting::Kind::text) value = "\"" + value + "\"";
-      if (setting.kind == Setting::Kind::bytes && value.size() > shownDigits) {
+      if (setting.words != nullptr) {
+        value = setting.words(bytesOf(value).value_or(ByteVector()));
+      } else if (setting.kind == Setting::Kind::bytes && value.size() > shownDigits) {
         value = value.substr(0, shownDigits) + format("... (%zu bytes)", value.size() / 2);
       }
       shown.push_back(std::string(setting.name) + ": " + value);

@@ -2,6 +2,7 @@
 #ifndef TARNLAB_SETTINGS_H
 #define TARNLAB_SETTINGS_H
 
+#include <array>
 #include <map>
 #include <string>
 
@@ -12,11 +13,12 @@ namespace TarnLab {
 /// One setting as its family declares it, with the value that it has until it is set.
 struct Setting {
   enum class Kind : std::uint8_t { flag, number, text, bytes };
-  std::string_view name;  // letters, digits, dots and dashes
+  std::string_view name;  // letters, digits, dots, dashes and underlines
   Kind kind = Kind::flag;
   std::uint64_t number = 0;        // the usual value of a flag or a number
   std::string_view text = {};      // the usual value of a text; bytes are usually none
   const char* sentence = nullptr;  // for a flag that is on, as "tarnlab show" prints it
+  std::string (*words)(ConstBytes bytes) = nullptr;  // for bytes, in the place of their digits
 };
 
 struct FlagSetting : Setting {
@@ -35,8 +37,22 @@ struct TextSetting : Setting {
 };
 
 struct BytesSetting : Setting {
-  constexpr explicit BytesSetting(std::string_view called) : Setting{called, Kind::bytes} {}
+  constexpr explicit BytesSetting(std::string_view called,
+                                  std::string (*toText)(ConstBytes bytes) = nullptr)
+      : Setting{called, Kind::bytes, 0, {}, nullptr, toText} {}
 };
+
+/// The settings of one table after the other, as a family declares them.
+template <typename... Kinds, std::size_t... counts>
+constexpr auto settingsIn(const std::array<Kinds, counts>&... tables) {
+  std::array<Setting, (counts + ...)> all{};
+  std::size_t count = 0;
+  const auto append = [&](const auto& table) {
+    for (const Setting& setting : table) all[count++] = setting;
+  };
+  (append(tables), ...);
+  return all;
+}
 
 /// The setting of that name; null when no family has it.
 const Setting* findSetting(std::string_view name);

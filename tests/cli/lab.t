@@ -231,8 +231,22 @@ Showing
     agent kelpco-sfw, vnic 0, slow path 0, vif 8d0c7a10-55f4-4c1e-9b02-000070120000
   filter nic-998214-eth0-kelpco-sfw.2
     agent kelpco-sfw, vnic 0, slow path 3
+    flood.udp: 0
+    flood.icmp: 0
+    flood.tcp: 0
+    flood.other: 0
+    flood.syncache: off
+    flood.rst-spoofing: off
+    kif.fast-path: off
+    spoofguard.addresses: ip 10.20.9.14, ip fd00:20:9::14, addrset backup-addresses
   filter nic-998214-eth0-kelpco-spoof.guard.1
     agent kelpco-spoof.guard, vnic 0, slow path 0
+    flood.other: 0
+    flood.rst-spoofing: off
+    kif.fast-path: off
+    spoof guard is on
+    spoofguard.addresses: ip 10.20.9.14, ip fd00:20:9::14, addrset backup-addresses
+    addrset backup-addresses: 2 addresses, generation 1
   $ run tarnlab show nowhere
   err| tarnlab: there is no filter nowhere
   [1]
