@@ -73,6 +73,10 @@ bool decimalOption(const char* text, int* value) {
   return true;
 }
 
+long boundedOption(const char* text, long least, long most) {
+  return std::clamp(std::strtol(text, nullptr, 10), least, most);
+}
+
 int GetAgentFromFilterName(const char* name, char* agent) {
   constexpr std::size_t kAgentSize = 99;
   constexpr char kSharedPrefix[] = "shared-addrset-filter-";

@@ -88,6 +88,16 @@ class Options {
 /// Reads a whole decimal number that an int can hold; false leaves `value` alone.
 bool decimalOption(const char* text, int* value);
 
+/// The number that a text begins with, 0 when there is none, moved into the bounds: one with more
+/// bits than its field must not turn into another one.
+long boundedOption(const char* text, long least, long most);
+
+// Long options that handlers share; `kLastWord` ends a list of them.
+inline constexpr option kFilterWord{"filter", required_argument, nullptr, 'f'};
+inline constexpr option kHelpWord{"help", no_argument, nullptr, 'h'};
+inline constexpr option kVerboseWord{"verbose", optional_argument, nullptr, 'v'};
+inline constexpr option kLastWord{nullptr, 0, nullptr, 0};
+
 // --- The filter
 
 /// Agent of a filter whose name has none.

@@ -24,6 +24,15 @@ OwnOption::OwnOption(char which, const char** text, std::size_t most, const char
         return kGoOn;
       }) {}
 
+OwnOption::OwnOption(char which, std::optional<bool>* choice, const char* bad)
+    : OwnOption(which, [=](const char* value, const Target& target) {
+        int number = 0;
+        if (!decimalOption(value, &number) || number < 0 || number > 1)
+          return printWith(stderr, bad, value), target.usage(1);
+        *choice = number == 1;
+        return kGoOn;
+      }) {}
+
 OwnOptions::OwnOptions(std::initializer_list<OwnOption> options)
     : count_(std::min(options.size(), kMost)) {
   assert(options.size() <= kMost);

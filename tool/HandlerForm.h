@@ -37,6 +37,7 @@
 #include <array>
 #include <cstddef>
 #include <initializer_list>
+#include <optional>
 
 #include "Callback.h"
 #include "HandlerCommon.h"
@@ -82,6 +83,10 @@ struct OwnOption {
   /// The same for a text of at most `most` characters. A longer one ends the handler with
   /// `tooLong`, which has the text in the place of its one "%s", and status 1.
   OwnOption(char which, const char** text, std::size_t most, const char* tooLong);
+
+  /// Keeps a choice: 0 or 1. Another value ends the handler with `bad`, which has the text in the
+  /// place of its "%s", the usage text and status 1.
+  OwnOption(char which, std::optional<bool>* choice, const char* bad);
 
   OwnOption() = default;
 

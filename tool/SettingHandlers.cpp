@@ -1,5 +1,4 @@
-#include <algorithm>
-#include <cstdlib>
+#include <strings.h>
 
 #include "HandlerForm.h"
 #include "Handlers.h"
@@ -15,10 +14,13 @@ constexpr char kSetFailPolicyUsage[] =
 constexpr char kGetFailPolicyUsage[] =
     "Get fail policy.\n\n" USAGE_OPTIONS USAGE_FILTER USAGE_VERBOSE USAGE_HELP;
 
-/// The value of -p: what `strtol` makes of it. The library refuses a number that is no policy; one
-/// of more than 32 bits must not turn into one that is.
+constexpr char kSetVerboseUsage[] = "Set log level.\n\n" USAGE_OPTIONS USAGE_FILTER
+                                    "    -c <comp>   : component, DP or CP\n"
+                                    "    -v <number> : verbose level, from 0 to 3\n" USAGE_HELP;
+
+/// The value of -p. The library refuses a number that is no policy.
 FWFailPolicy_t failPolicy(const char* text) {
-  return static_cast<FWFailPolicy_t>(std::clamp(std::strtol(text, nullptr, 10), -1L, 2L));
+  return static_cast<FWFailPolicy_t>(boundedOption(text, -1, 2));
 }
 
 }  // namespace
@@ -50,5 +52,30 @@ int GetFailPolicy(const char* cmd, int argc, char** argv) {
                     FWFailPolicy_t policy;
                     return outcome(FW_GetFailPolicy(target.handle, target.port, nullptr, &policy),
                                    "ERROR: failed to get fail policy: %s\n");
+                  });
+}
+
+int SetVerbose(const char* cmd, int argc, char** argv) {
+  unsigned int component = 0;
+  unsigned int level = 0;
+  const auto takeComponent = [&](const char* value, const Target&) {
+    if (strcasecmp(value, "DP") != 0 && strcasecmp(value, "CP") != 0) return kNotTaken;
+    component = strcasecmp(value, "DP") == 0 ? 1 : 2;
+    return kGoOn;
+  };
+  const auto takeLevel = [&](const char* value, const Target&) {
+    level = static_cast<unsigned int>(boundedOption(value, -1, 16));  // 15 is the library's highest
+    return kGoOn;
+  };
+  // Neither the component nor the filter is looked for: the library and the kernel refuse without.
+  return onFilter(cmd, argc, argv,
+                  {.usage = kSetVerboseUsage,
+                   .letters = "hc:v:f:",
+                   .own = {{'c', takeComponent}, {'v', takeLevel}},
+                   .needsFilter = false},
+                  [&](const Target& target) {
+                    return outcome(
+                        FW_EnableVerboseLog(target.handle, target.port, nullptr, component, level),
+                        "ERROR: failed to set verbose log: %s\n");
                   });
 }

@@ -4,7 +4,7 @@
 #include "HandlerFuzz.h"
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static constexpr const char* kCommands[] = {"setfailpolicy", "getfailpolicy"};
+  static constexpr const char* kCommands[] = {"setfailpolicy", "getfailpolicy", "setverbose"};
   requireReason(runInput(kCommands, {data, size}));
   return 0;
 }

@@ -67,6 +67,8 @@ HandlerKernel::HandlerKernel() : handle_(kernel_.handle()) {
       [this](std::uint8_t* message, unsigned int size) { return answer(message, size); });
 }
 
+HandlerKernel::~HandlerKernel() { FW_SetLibPrettyPrinting(nullptr, nullptr); }
+
 void HandlerKernel::fail(unsigned int command, FWStatus_t status, int nth) {
   const auto before = answers_.find(command);
   const Answer otherwise = before != answers_.end() ? before->second : Answer{};

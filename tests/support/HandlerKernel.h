@@ -38,6 +38,9 @@ class HandlerKernel {
 
   HandlerKernel();
 
+  /// Takes away the printer that a handler leaves to its process.
+  ~HandlerKernel();
+
   /// How a command is answered from now on.
   void on(unsigned int command, Answer answer) { answers_[command] = std::move(answer); }
 

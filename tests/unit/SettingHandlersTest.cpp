@@ -101,3 +101,68 @@ TEST(FailPolicy, VerbosityIsPrintedAndDoesNotReachTheLibrary) {
   FW_GetLibVerboseLevel(0, &level);
   EXPECT_EQ(level, 0u);
 }
+
+// --- What a filter writes to the kernel's log
+
+namespace {
+
+/// Keeps component and level as they were sent.
+class VerboseKernel : public HandlerKernel {
+ public:
+  VerboseKernel() {
+    on(32, [this](Body& body) {
+      EXPECT_EQ(body.size, 4u);
+      component = body.word(0) & 0xffffff;
+      level = body.at[3];
+      return 0;
+    });
+  }
+  unsigned int component = 99;
+  unsigned int level = 99;
+};
+
+}  // namespace
+
+TEST(SetVerbose, SendsComponentAndLevel) {
+  VerboseKernel kernel;
+  EXPECT_EQ(runCommand({"setverbose", "-c", "DP", "-v", "3", "-f", kFilter}),
+            (CommandResult{0, "", ""}));
+  EXPECT_EQ(kernel.component, 1u);
+  EXPECT_EQ(kernel.level, 3u);
+  EXPECT_STREQ(kernel.kernel().last().port->identifier, kFilter);
+  EXPECT_EQ(runCommand({"setverbose", "-f", kFilter, "-ccp"}), (CommandResult{0, "", ""}));
+  EXPECT_EQ(kernel.component, 2u);
+  EXPECT_EQ(kernel.level, 0u);
+  EXPECT_EQ(runCommand({"setverbose", "-f", kFilter, "-cdp", "-v15"}), (CommandResult{0, "", ""}));
+  EXPECT_EQ(kernel.level, 15u) << "the kernel's own levels end here";
+}
+
+TEST(SetVerbose, RefusesWhatIsNoComponentOrLevel) {
+  const VerboseKernel kernel;
+  const CommandResult help = runCommand({"setverbose", "-h"});
+  for (const char* const text : {"", "D", "DPX", "1"}) {
+    EXPECT_EQ(runCommand({"setverbose", "-f", kFilter, "-c", text}),
+              (CommandResult{1, help.out, ""}));
+  }
+  for (const char* const text : {"16", "-1", "4294967297", "99999999999999999999"}) {
+    const LogCapture log;
+    EXPECT_EQ(runCommand({"setverbose", "-f", kFilter, "-c", "DP", "-v", text}),
+              (CommandResult{1, "", "ERROR: failed to set verbose log: not supported\n"}))
+        << text;
+  }
+  const LogCapture log;
+  EXPECT_EQ(runCommand({"setverbose", "-f", kFilter, "-v1"}),
+            (CommandResult{1, "", "ERROR: failed to set verbose log: not supported\n"}))
+      << "without a component";
+  EXPECT_TRUE(kernel.asked().empty());
+}
+
+TEST(SetVerbose, WithoutAFilterTheKernelDecides) {
+  const LogCapture log;
+  FakeKernel kernel;
+  const DefaultHandle handle(kernel.handle());
+  kernel.answer(21);
+  EXPECT_EQ(runCommand({"setverbose", "-c", "DP", "-v1"}),
+            (CommandResult{1, "", "ERROR: failed to set verbose log: switch port not found\n"}));
+  EXPECT_FALSE(kernel.last().port.has_value());
+}
