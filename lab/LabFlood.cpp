@@ -134,7 +134,8 @@ std::uint32_t statistics(Context context, Body& body) {
     putFlows(body, otherLimit, otherActive, otherDenied, settings.get(otherMost), load,
              6 * counted);
     const bool on = settings.get(caching);
-    const auto used = static_cast<std::uint32_t>(on ? settings.get(buckets) : 0);
+    const auto used = static_cast<std::uint32_t>(
+        on ? std::min<std::uint64_t>(settings.get(buckets), mostRows) : 0);
     syncache.put(body, on ? 1 : 0);
     syncacheFirst.put(body, used);
     syncacheSecond.put(body, on ? depth : 0);

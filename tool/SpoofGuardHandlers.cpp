@@ -1,6 +1,7 @@
 #include <arpa/inet.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 
 #include "AddrSetDisplay.h"
@@ -19,10 +20,10 @@ constexpr option kWords[] = {
 
 constexpr unsigned int kMostAddresses = 1024;
 
-void printAddress(const char* title, int family, const FWAddress_& address) {
-  char text[INET6_ADDRSTRLEN];
-  inet_ntop(family, address.value, text, sizeof text);
-  std::printf("%s%s\n", title, text);
+std::array<char, INET6_ADDRSTRLEN> ipText(int family, const FWAddress_& address) {
+  std::array<char, INET6_ADDRSTRLEN> text{};
+  inet_ntop(family, address.value, text.data(), text.size());
+  return text;
 }
 
 /// An address set with its members while the guard works; its name otherwise. What cannot be read
@@ -40,14 +41,12 @@ void printSet(const Target& target, const FWAddrSetID_t& id, bool enabled) {
 }
 
 void printEntry(const Target& target, const FWAddress_& address, bool enabled) {
-  switch (address.type) {
-    case FW_ADDRESS_IPV4:
-      return printAddress("IPv4 Address : ", AF_INET, address);
-    case FW_ADDRESS_IPV6:
-      return printAddress("IPv6 Address : ", AF_INET6, address);
-    default:
-      return printSet(target, loadRecord<FWAddrSetID_t>(address.value), enabled);
-  }
+  if (address.type == FW_ADDRESS_IPV4)
+    std::printf("IPv4 Address : %s\n", ipText(AF_INET, address).data());
+  else if (address.type == FW_ADDRESS_IPV6)
+    std::printf("IPv6 Address : %s\n", ipText(AF_INET6, address).data());
+  else
+    printSet(target, loadRecord<FWAddrSetID_t>(address.value), enabled);
 }
 
 int showGuard(const Target& target) {

@@ -474,11 +474,21 @@ Help, wherever it is asked for
 Fresh again
 
   $ tarnlab fault delay 1
+  $ tarnlab run tarnioctl setfloodconfig -f nic-998214-eth0-kelpco-spoof.guard.1 -o 5 -u 6
   $ run tarnlab reset now
   err| tarnlab: reset: takes no arguments
   err| Try "tarnlab reset --help".
   [2]
   $ run tarnlab reset
+  $ tarnlab show nic-998214-eth0-kelpco-spoof.guard.1
+  filter nic-998214-eth0-kelpco-spoof.guard.1
+    agent kelpco-spoof.guard, vnic 0, slow path 0
+    flood.other: 0
+    flood.rst-spoofing: off
+    kif.fast-path: off
+    spoof guard is on
+    spoofguard.addresses: ip 10.20.9.14, ip fd00:20:9::14, addrset backup-addresses
+    addrset backup-addresses: 2 addresses, generation 1
   $ run tarnlab fault
   no faults
   $ run tarnlab log

@@ -350,6 +350,17 @@ TEST(DecimalOption, RefusesTheRestAndKeepsTheValue) {
   }
 }
 
+TEST(BoundedOption, TakesTheBeginningAndStaysBetweenItsBounds) {
+  EXPECT_EQ(boundedOption("12", -1, 16), 12);
+  EXPECT_EQ(boundedOption(" 7seven", -1, 16), 7);
+  EXPECT_EQ(boundedOption("-1", -1, 16), -1);
+  for (const char* text : {"", "seven", "-"}) EXPECT_EQ(boundedOption(text, -1, 16), 0) << text;
+  for (const char* text : {"16", "17", "4294967296", "99999999999999999999"})
+    EXPECT_EQ(boundedOption(text, -1, 16), 16) << text;
+  for (const char* text : {"-2", "-4294967296", "-99999999999999999999"})
+    EXPECT_EQ(boundedOption(text, -1, 16), -1) << text;
+}
+
 // --- Texts and the library
 
 TEST(Usage, GoesToStandardOutputWithTheWordAndGivesTheStatus) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -159,6 +160,24 @@ TEST(OnFilter, AnOwnOptionReplacesASharedOne) {
       run({"-v", "3", "-f", "x"}, own, [](Target& target) { return target.verbose() ? 1 : 0; }),
       (CommandResult{0, "", ""}));
   EXPECT_STREQ(level, "3");
+}
+
+TEST(OwnOptions, AChoiceIsZeroOrOneAndRefusesAnythingElse) {
+  std::optional<bool> choice;
+  HandlerForm own = form("c:");
+  own.own = {{'c', &choice, "ERROR: bad choice %s\n"}};
+  own.needsFilter = false;
+  own.opensLibrary = false;
+  run({}, own);
+  EXPECT_FALSE(choice.has_value());
+  run({"-c1"}, own);
+  EXPECT_EQ(choice, std::optional(true));
+  run({"-c1", "-c", "0"}, own);
+  EXPECT_EQ(choice, std::optional(false)) << "the last one counts";
+  for (const char* const text : {"2", "-1", "4294967296", "", "on", "1x", "0x1"}) {
+    EXPECT_EQ(run({"-c", text}, own),
+              (CommandResult{1, kUsage, std::string("ERROR: bad choice ") + text + "\n"}));
+  }
 }
 
 // --- What is missing

@@ -100,6 +100,18 @@ TEST_F(LabFlood, ZeroingFollowsTheReading) {
   EXPECT_EQ(get64(reply, 80), 0u);
 }
 
+TEST_F(LabFlood, ASettingsFileWithMoreBucketsThanThereAreRowsIsCut) {
+  {
+    const StoreLock lock(store);
+    store.replace(
+        "filters/0/settings",
+        {std::as_bytes(std::span<const char>("flood.buckets 18446744073709551615\n", 35))});
+  }
+  ASSERT_EQ(command(79, asked(0, 512)), 0u);
+  EXPECT_EQ(get32(reply, 40), 512u);
+  EXPECT_EQ(get32(reply, 132), 512u);
+}
+
 TEST_F(LabFlood, RefusesWhatIsWrong) {
   const std::vector<std::pair<Record, std::string>> rows = {
       {configuration({{4, 0x80000000}}), "negative limit of icmp"},

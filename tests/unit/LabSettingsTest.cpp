@@ -118,6 +118,31 @@ TEST_F(LabSettings, WhatACommandSetsIsInTheFileAndIsShown) {
   EXPECT_EQ(written(), "none");
 }
 
+TEST_F(LabSettings, BytesAreShownInTheWordsOfTheirSetting) {
+  write("spoofguard.mac 02000a0b0cff\nspoofguard.addresses 01000000" + std::string(280, '0') +
+        "\n");
+  EXPECT_EQ(Settings::load(store, ofWeb).lines(),
+            (std::vector<std::string>{"spoofguard.mac: 02:00:0a:0b:0c:ff",
+                                      "spoofguard.addresses: ip 0.0.0.0"}));
+  write("spoofguard.mac 02\nspoofguard.addresses 0100\n");
+  EXPECT_EQ(Settings::load(store, ofWeb).lines(),
+            (std::vector<std::string>{"spoofguard.mac: 02", "spoofguard.addresses: "}));
+  std::string many;
+  for (int i = 0; i < 1024; ++i) many += "01000000" + std::string(280, '0');
+  write("spoofguard.addresses " + many + "\n");
+  const std::string line = Settings::load(store, ofWeb).lines().at(0);
+  EXPECT_EQ(line.substr(line.rfind(',')), ", ... (1024 addresses)");
+}
+
+TEST_F(LabSettings, ATableIsDeclaredAsOneAfterTheOther) {
+  constexpr auto all = settingsIn(std::array{number}, std::array{onOff, usuallyOn});
+  static_assert(all.size() == 3);
+  EXPECT_EQ(all[0].name, "test.number");
+  EXPECT_EQ(all[0].number, 7u);
+  EXPECT_EQ(all[2].name, "test.on");
+  EXPECT_STREQ(all[2].sentence, "it is on");
+}
+
 TEST_F(LabSettings, ADamagedFileIsRefusedByItsPath) {
   const std::string refusal = "damaged file " + store.path("filters/0/settings");
   for (const char* content :
