@@ -23,10 +23,12 @@ struct Family {
   FAMILY(addrSetConfigFamily)    \
   FAMILY(addrSetFamily)          \
   FAMILY(addrSetReadingFamily)   \
+  FAMILY(connectionFamily)       \
   FAMILY(debugFamily)            \
   FAMILY(filterListFamily)       \
   FAMILY(filterSettingsFamily)   \
   FAMILY(floodFamily)            \
+  FAMILY(flowFamily)             \
   FAMILY(kifFamily)              \
   FAMILY(messageFamily)          \
   FAMILY(ruleReadingFamily)      \

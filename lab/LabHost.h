@@ -80,6 +80,13 @@ class Host {
   std::uint64_t memory() const { return memory_; }
   void setMemory(std::uint64_t bytes) { memory_ = bytes; }
 
+  /// How many flows a filter of a fresh host has: those of the usual host as much as befits its
+  /// traffic.
+  static constexpr std::uint32_t usualFlows = 0xffffffff;
+  static constexpr std::uint32_t flowLimit = 1000000;
+  std::uint32_t flows() const { return flows_; }
+  void setFlows(std::uint32_t ofEachFilter) { flows_ = ofEachFilter; }
+
  private:
   friend class HostMaker;
   static constexpr std::size_t slotSize = 1024;
@@ -90,6 +97,7 @@ class Host {
 
   ByteVector slots_;
   std::uint64_t memory_ = std::uint64_t{1} << 30;
+  std::uint32_t flows_ = 0;
 };
 
 }  // namespace TarnLab

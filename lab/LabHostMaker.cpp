@@ -124,6 +124,7 @@ Host Host::sample() {
       {998214, "eth0", "kelpco-spoof.guard", 1, 0x0451, 0, 0, false, "", 0x20, 12},
   };
   Host host;
+  host.setFlows(usualFlows);
   HostMaker maker(host);
   for (const NewFilter& filter : filters) maker.add(filter);
   return host;

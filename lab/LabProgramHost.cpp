@@ -1,4 +1,5 @@
 // tarnlab init and tarnlab reset.
+#include <algorithm>
 #include <cerrno>
 
 #include "LabFamily.h"
@@ -9,21 +10,61 @@
 
 namespace TarnLab {
 
-int runInit(const Store& store, Arguments arguments) {
-  std::optional<unsigned long long> machines;
-  std::optional<unsigned long long> memory;
+namespace {
+
+/// A host with more flows than this would fill the disk.
+constexpr std::uint64_t flowsOfHost = 10000000;
+
+/// The numbers that the options of "init" give.
+struct Wishes {
+  std::optional<unsigned long long> machines, memory, flows;
+};
+
+struct NumberOption {
+  std::string_view name;
+  std::optional<unsigned long long> Wishes::*value;
+  std::uint64_t limit;
+  std::uint64_t least;
+};
+
+constexpr NumberOption numberOptions[] = {
+    {"--machines", &Wishes::machines, Host::machineLimit, 1},
+    {"--memory", &Wishes::memory, std::uint64_t{1} << 40, 1},
+    {"--flows", &Wishes::flows, Host::flowLimit, 0},
+};
+
+/// 0, or the exit status of a complaint.
+int readWishes(Arguments arguments, Wishes& wishes) {
   for (; !arguments.empty(); arguments = arguments.subspan(2)) {
     const std::string option = arguments[0];
-    if (option != "--machines" && option != "--memory") {
+    const auto* found = std::find_if(std::begin(numberOptions), std::end(numberOptions),
+                                     [&](const auto& each) { return each.name == option; });
+    if (found == std::end(numberOptions)) {
       return misused("init", "unknown argument " + printable(option));
     }
     if (arguments.size() < 2) return misused("init", option + " needs a number");
-    const bool ofMachines = option == "--machines";
-    auto& value = ofMachines ? machines : memory;
-    value = parseNumber(arguments[1], ofMachines ? Host::machineLimit : std::uint64_t{1} << 40);
-    if (!value || *value == 0) {
+    auto& value = wishes.*found->value;
+    value = parseNumber(arguments[1], found->limit);
+    if (!value || *value < found->least) {
       return misused("init", option + ": bad number " + printable(arguments[1]));
     }
+  }
+  return exitOk;
+}
+
+}  // namespace
+
+int runInit(const Store& store, Arguments arguments) {
+  Wishes wishes;
+  if (const int status = readWishes(arguments, wishes); status != exitOk) return status;
+  Host host =
+      wishes.machines ? Host::generated(static_cast<unsigned>(*wishes.machines)) : Host::sample();
+  if (wishes.memory) host.setMemory(*wishes.memory);
+  if (wishes.flows) host.setFlows(static_cast<std::uint32_t>(*wishes.flows));
+  if (wishes.flows && host.filterCount() * *wishes.flows > flowsOfHost) {
+    return misused("init",
+                   format("--flows: more than %llu flows for %zu filters",
+                          static_cast<unsigned long long>(flowsOfHost), host.filterCount()));
   }
 
   store.create();
@@ -33,8 +74,6 @@ int runInit(const Store& store, Arguments arguments) {
              " already: \"tarnlab reset\" makes it fresh again");
     return exitFailed;
   }
-  Host host = machines ? Host::generated(static_cast<unsigned>(*machines)) : Host::sample();
-  if (memory) host.setMemory(*memory);
   host.save(store);
   fillHost(store, host);
   std::printf("Made a lab with %zu filters at %s.\n", host.filterCount(), store.folder().c_str());

@@ -5,6 +5,7 @@
 #include "LabAddressRecord.h"
 #include "LabChain.h"
 #include "LabFaults.h"
+#include "LabFlowFile.h"
 #include "LabHost.h"
 #include "LabProgram.h"
 #include "LabRuleRecord.h"
@@ -55,6 +56,28 @@ void showSettings(const Store& store, const std::string& folder) {
   }
 }
 
+/// How many flows there are of each kind.
+void showFlows(const Store& store, const std::string& folder) {
+  static constexpr const char* words[] = {"of other kinds", "active",  "inactive",
+                                          "dropped",        "L2 pass", "L2 drop"};
+  const auto file = FlowFile::open(store, folder);
+  if (!file) return;
+  std::array<unsigned, std::size(words)> counts{};
+  for (std::size_t group = 0; group < flowGroups; ++group) {
+    for (std::size_t i = 0; i < file->count(group); ++i) {
+      const unsigned kind = FlowRecord::kind.get(file->record(group, i));
+      ++counts[kind < counts.size() ? kind : 0];
+    }
+  }
+  std::string text;
+  for (std::size_t i = 0; i < counts.size(); ++i) {
+    const std::size_t kind = (i + 1) % counts.size();
+    if (counts[kind] == 0) continue;
+    text += (text.empty() ? "" : ", ") + format("%u %s", counts[kind], words[kind]);
+  }
+  std::printf("  flows: %s\n", text.empty() ? "none" : text.c_str());
+}
+
 void showFilter(const Store& store, const Host& host, std::size_t index) {
   const ConstBytes record = host.record(index);
   const std::string vif(getText(record, FilterRecord::vif, FilterRecord::vifSize));
@@ -62,6 +85,7 @@ void showFilter(const Store& store, const Host& host, std::size_t index) {
   std::printf("  agent %s, vnic %u, slow path %u%s%s\n", printable(host.agent(index)).c_str(),
               get32(record, FilterRecord::vnicIndex), get32(record, FilterRecord::slowPath),
               vif.empty() ? "" : ", vif ", printable(vif).c_str());
+  showFlows(store, Host::folderOf(index));
   showSettings(store, Host::folderOf(index));
   showSets(store, Host::folderOf(index));
 }

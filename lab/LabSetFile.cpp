@@ -1,11 +1,7 @@
 #include "LabSetFile.h"
 
-#include <sys/mman.h>
-#include <sys/stat.h>
-
 #include <cerrno>
 #include <ctime>
-#include <utility>
 
 #include "LabAddressRecord.h"
 #include "LabChain.h"
@@ -81,44 +77,26 @@ SetHead SetHead::decode(ConstBytes bytes) {
 }
 
 std::optional<SetFile> SetFile::open(const Store& store, const std::string& file) {
-  const Descriptor opened = store.open(file);
-  if (!opened.valid()) return std::nullopt;
-  struct stat status;
-  if (::fstat(opened.get(), &status) != 0) throw StoreError("cannot read " + file, errno);
-  const auto size = static_cast<std::size_t>(status.st_size);
-  if (size < SetHead::size) throw StoreError("damaged file " + store.path(file), EINVAL);
-  void* map = ::mmap(nullptr, size, PROT_READ, MAP_PRIVATE, opened.get(), 0);
-  if (map == MAP_FAILED) throw StoreError("cannot read " + store.path(file), errno);
-  const ConstBytes bytes(static_cast<const std::byte*>(map), size);
-  SetFile set(SetHead::decode(bytes), bytes.data(), size);
-  const std::uint64_t rest = size - SetHead::size;
-  if (getText(bytes, 0, magic.size()) != magic || set.head_.entryBytes > rest ||
-      markBytes(set.head_) != rest - set.head_.entryBytes || !countsAgree(set.head_)) {
-    throw StoreError("damaged file " + store.path(file), EINVAL);
+  auto mapped = MappedFile::open(store, file);
+  if (!mapped) return std::nullopt;
+  const ConstBytes bytes = mapped->bytes();
+  const StoreError damaged("damaged file " + store.path(file), EINVAL);
+  if (bytes.size() < SetHead::size) throw damaged;
+  SetHead head = SetHead::decode(bytes);
+  const std::uint64_t rest = bytes.size() - SetHead::size;
+  if (getText(bytes, 0, magic.size()) != magic || head.entryBytes > rest ||
+      markBytes(head) != rest - head.entryBytes || !countsAgree(head)) {
+    throw damaged;
   }
-  return set;
-}
-
-SetFile::SetFile(SetFile&& other) noexcept
-    : head_(std::move(other.head_)), map_(std::exchange(other.map_, nullptr)), size_(other.size_) {}
-
-SetFile& SetFile::operator=(SetFile&& other) noexcept {
-  std::swap(head_, other.head_);
-  std::swap(map_, other.map_);
-  std::swap(size_, other.size_);
-  return *this;
-}
-
-SetFile::~SetFile() {
-  if (map_ != nullptr) ::munmap(const_cast<std::byte*>(map_), size_);
+  return SetFile(std::move(head), std::move(*mapped));
 }
 
 ConstBytes SetFile::entries() const {
-  return {map_ + SetHead::size, static_cast<std::size_t>(head_.entryBytes)};
+  return part(file_.bytes(), SetHead::size, static_cast<std::size_t>(head_.entryBytes));
 }
 
 ConstBytes SetFile::marks() const {
-  return {map_ + SetHead::size + head_.entryBytes, static_cast<std::size_t>(markBytes(head_))};
+  return file_.bytes().subspan(SetHead::size + static_cast<std::size_t>(head_.entryBytes));
 }
 
 void SetFile::save(const Store& store, const std::string& file, const SetHead& head,

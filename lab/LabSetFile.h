@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "LabStore.h"
+#include "LabMappedFile.h"
 
 namespace TarnLab {
 
@@ -40,10 +40,6 @@ class SetFile {
   /// Nothing when there is no such set. Throws StoreError for a damaged file.
   static std::optional<SetFile> open(const Store& store, const std::string& file);
 
-  SetFile(SetFile&& other) noexcept;
-  SetFile& operator=(SetFile&& other) noexcept;
-  ~SetFile();
-
   const SetHead& head() const { return head_; }
 
   /// Rules or addresses one after the other, or a container's chain.
@@ -57,12 +53,10 @@ class SetFile {
                    ConstBytes entries, ConstBytes marks = {});
 
  private:
-  SetFile(SetHead head, const std::byte* map, std::size_t size)
-      : head_(std::move(head)), map_(map), size_(size) {}
+  SetFile(SetHead head, MappedFile file) : head_(std::move(head)), file_(std::move(file)) {}
 
   SetHead head_;
-  const std::byte* map_;
-  std::size_t size_;
+  MappedFile file_;
 };
 
 /// Seconds since the machine was started, as realization times count.

@@ -13,7 +13,7 @@ namespace {
 
 constexpr ProgramCommand commands[] = {
     {"init", "make a lab: a fresh host with a few machines and their filters",
-     "Usage: tarnlab init [--machines N] [--memory BYTES]\n"
+     "Usage: tarnlab init [--machines N] [--memory BYTES] [--flows N]\n"
      "\n"
      "Makes a lab in the folder that TARNLAB_HOME names, by default .tarnlab in the\n"
      "current folder. There must be none yet: \"tarnlab reset\" makes one fresh again.\n"
@@ -21,6 +21,8 @@ constexpr ProgramCommand commands[] = {
      "  --machines N    a host of N like machines (1 to 100000) in place of the usual one\n"
      "  --memory BYTES  the largest rule set or address set that the host has memory for;\n"
      "                  1073741824 without this option\n"
+     "  --flows N       N flows in every filter (0 to 1000000, 10000000 in all); without it,\n"
+     "                  some hundred in the usual host's and none in those of --machines\n"
      "  --help          this text\n",
      runInit},
     {"run", "run a program in the lab",

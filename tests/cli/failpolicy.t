@@ -52,6 +52,7 @@ What one command sets the other reads, and the filter next to it keeps its own.
   $ tarnlab show $filter
   filter nic-1002672-eth0-kelpco-sfw.2
     agent kelpco-sfw, vnic 0, slow path 1, vif 8d0c7a10-55f4-4c1e-9b02-0000632a0000
+    flows: 244 active, 97 inactive, 96 dropped, 16 L2 pass, 16 L2 drop, 1 of other kinds
     traffic is dropped while rules cannot be enforced
   $ tarnlab log | tail -3 | sed 's/.*message 0: //'
   SetFailPolicy(policy 1) = ok

@@ -115,6 +115,7 @@ Flags by name. The level of verbosity is printed twice.
   $ tarnlab show $filter
   filter nic-1002672-eth0-kelpco-sfw.2
     agent kelpco-sfw, vnic 0, slow path 1, vif 8d0c7a10-55f4-4c1e-9b02-0000632a0000
+    flows: 244 active, 97 inactive, 96 dropped, 16 L2 pass, 16 L2 drop, 1 of other kinds
     kif.reassemble: off
     kif.drop-ip-options: on
   $ tarnlab log -s -v -n 1
@@ -197,6 +198,7 @@ What a filter writes to the kernel's log.
   $ tarnlab show $filter
   filter nic-1002672-eth0-kelpco-sfw.2
     agent kelpco-sfw, vnic 0, slow path 1, vif 8d0c7a10-55f4-4c1e-9b02-0000632a0000
+    flows: 244 active, 97 inactive, 96 dropped, 16 L2 pass, 16 L2 drop, 1 of other kinds
     verbose.dp: 3
     verbose.cp: 1
     kif.reassemble: off
@@ -205,6 +207,7 @@ What a filter writes to the kernel's log.
   $ tarnlab show $filter
   filter nic-1002672-eth0-kelpco-sfw.2
     agent kelpco-sfw, vnic 0, slow path 1, vif 8d0c7a10-55f4-4c1e-9b02-0000632a0000
+    flows: 244 active, 97 inactive, 96 dropped, 16 L2 pass, 16 L2 drop, 1 of other kinds
     verbose.cp: 1
     kif.reassemble: off
     kif.drop-ip-options: on

@@ -120,7 +120,7 @@ Without a lab
 Making one
 
   $ run tarnlab init --help
-  Usage: tarnlab init [--machines N] [--memory BYTES]
+  Usage: tarnlab init [--machines N] [--memory BYTES] [--flows N]
   
   Makes a lab in the folder that TARNLAB_HOME names, by default .tarnlab in the
   current folder. There must be none yet: "tarnlab reset" makes one fresh again.
@@ -128,6 +128,8 @@ Making one
     --machines N    a host of N like machines (1 to 100000) in place of the usual one
     --memory BYTES  the largest rule set or address set that the host has memory for;
                     1073741824 without this option
+    --flows N       N flows in every filter (0 to 1000000, 10000000 in all); without it,
+                    some hundred in the usual host's and none in those of --machines
     --help          this text
   $ run tarnlab init --machines
   err| tarnlab: init: --machines needs a number
@@ -145,6 +147,27 @@ Making one
   err| tarnlab: init: --memory: bad number 12x
   err| Try "tarnlab init --help".
   [2]
+  $ run tarnlab init --flows 1000001
+  err| tarnlab: init: --flows: bad number 1000001
+  err| Try "tarnlab init --help".
+  [2]
+  $ run tarnlab init --machines 2000 --flows 5001
+  err| tarnlab: init: --flows: more than 10000000 flows for 2000 filters
+  err| Try "tarnlab init --help".
+  [2]
+  $ tarnlab --home few init --flows 7 > made
+  $ tarnlab --home few show nic-1003120-eth0-kelpco-sfw.2
+  filter nic-1003120-eth0-kelpco-sfw.2
+    agent kelpco-sfw, vnic 0, slow path 0, vif 8d0c7a10-55f4-4c1e-9b02-000070120000
+    flows: 3 active, 2 inactive, 2 dropped
+  $ tarnlab --home none init --flows 0 > made
+  $ tarnlab --home none show nic-1002672-eth0-kelpco-sfw.2
+  filter nic-1002672-eth0-kelpco-sfw.2
+    agent kelpco-sfw, vnic 0, slow path 1, vif 8d0c7a10-55f4-4c1e-9b02-0000632a0000
+  $ tarnlab --home fleet init --machines 2 > made
+  $ tarnlab --home fleet show nic-1000001-eth0-kelpco-sfw.2
+  filter nic-1000001-eth0-kelpco-sfw.2
+    agent kelpco-sfw, vnic 0, slow path 1, vif 8d0c7a10-55f4-4c1e-9b02-000000010000
   $ run tarnlab init extra
   err| tarnlab: init: unknown argument extra
   err| Try "tarnlab init --help".
@@ -219,18 +242,24 @@ Showing
   lab HOME
   filter nic-1002672-eth0-kelpco-sfw.2
     agent kelpco-sfw, vnic 0, slow path 1, vif 8d0c7a10-55f4-4c1e-9b02-0000632a0000
+    flows: 244 active, 97 inactive, 96 dropped, 16 L2 pass, 16 L2 drop, 1 of other kinds
   filter nic-1002672-eth0-kelpco-inspect.4
     agent kelpco-inspect, vnic 0, slow path 0, vif 8d0c7a10-55f4-4c1e-9b02-0000632a0000
+    flows: 246 active, 97 inactive, 96 dropped, 16 L2 pass, 16 L2 drop, 1 of other kinds
   filter nic-1002731-eth0-kelpco-sfw.2
     agent kelpco-sfw, vnic 0, slow path 1, vif 8d0c7a10-55f4-4c1e-9b02-0000632b0000
+    flows: 264 active, 102 inactive, 100 dropped, 16 L2 pass, 16 L2 drop, 1 of other kinds
   filter nic-1003044-eth0-kelpco-sfw.2
     agent kelpco-sfw, vnic 0, slow path 2, vif 8d0c7a10-55f4-4c1e-9b02-000070110000
+    flows: 208 active, 85 inactive, 84 dropped, 12 L2 pass, 12 L2 drop, 1 of other kinds
   filter nic-1003044-eth1-kelpco-sfw.2
     agent kelpco-sfw, vnic 1, slow path 2, vif 8d0c7a10-55f4-4c1e-9b02-000070110001
+    flows: 208 active, 85 inactive, 84 dropped, 12 L2 pass, 12 L2 drop, 1 of other kinds
   filter nic-1003120-eth0-kelpco-sfw.2
     agent kelpco-sfw, vnic 0, slow path 0, vif 8d0c7a10-55f4-4c1e-9b02-000070120000
   filter nic-998214-eth0-kelpco-sfw.2
     agent kelpco-sfw, vnic 0, slow path 3
+    flows: 219 active, 97 inactive, 96 dropped, 16 L2 pass, 15 L2 drop, 1 of other kinds
     flood.udp: 0
     flood.icmp: 0
     flood.tcp: 0
@@ -241,6 +270,7 @@ Showing
     spoofguard.addresses: ip 10.20.9.14, ip fd00:20:9::14, addrset backup-addresses
   filter nic-998214-eth0-kelpco-spoof.guard.1
     agent kelpco-spoof.guard, vnic 0, slow path 0
+    flows: 219 active, 97 inactive, 96 dropped, 15 L2 pass, 15 L2 drop, 1 of other kinds
     flood.other: 0
     flood.rst-spoofing: off
     kif.fast-path: off

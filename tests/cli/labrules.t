@@ -41,6 +41,7 @@ The lab's own text of what it stores, beside the program's.
   $ tarnlab show $filter
   filter nic-1002672-eth0-kelpco-sfw.2
     agent kelpco-sfw, vnic 0, slow path 1, vif 8d0c7a10-55f4-4c1e-9b02-0000632a0000
+    flows: 244 active, 97 inactive, 96 dropped, 16 L2 pass, 16 L2 drop, 1 of other kinds
     ruleset forms: 17 rules, 2 snat, 5 dnat, generation 1
     addrset clients: 4 addresses, generation 1
     addrset hosts: 2 addresses, generation 1

@@ -20,6 +20,7 @@ Large loads: 100,000 rules and 500,000 addresses, each in one message.
   $ tarnlab show $filter
   filter nic-1002672-eth0-kelpco-sfw.2
     agent kelpco-sfw, vnic 0, slow path 1, vif 8d0c7a10-55f4-4c1e-9b02-0000632a0000
+    flows: 244 active, 97 inactive, 96 dropped, 16 L2 pass, 16 L2 drop, 1 of other kinds
     root: 1 rules, 0 snat, 0 dnat, generation 1
     ruleset large: 100000 rules, 0 snat, 0 dnat, generation 1
     addrset clients: 500000 addresses, generation 2
@@ -39,7 +40,7 @@ statement in its first line, not the one that the mistake is in.
   > }
   $ state > before
   $ grep -c filters/0/ before
-  3
+  4
   $ destroy='destroy all ruleset; destroy all addrset;'
   $ { echo "$destroy"; sed -n '/^create ruleset/,/^  rule 100000 /p' rules.conf
   >   echo '  rule 100001 inout protocol tcp from any to any port 70000 accept; };'; } > bad-rules.conf

@@ -110,6 +110,7 @@ What is set is read, and the filter next to it keeps its own.
   $ tarnlab show $filter
   filter nic-1002672-eth0-kelpco-sfw.2
     agent kelpco-sfw, vnic 0, slow path 1, vif 8d0c7a10-55f4-4c1e-9b02-0000632a0000
+    flows: 244 active, 97 inactive, 96 dropped, 16 L2 pass, 16 L2 drop, 1 of other kinds
     dfw.udp.single: 36
     dfw.ip.frag: 0
   $ tarnlab log -s -v | sed -n '/SetTimeout/,$p' | sed 's/.*message 0: //' | head -5
