@@ -513,6 +513,7 @@ Fresh again
   $ tarnlab show nic-998214-eth0-kelpco-spoof.guard.1
   filter nic-998214-eth0-kelpco-spoof.guard.1
     agent kelpco-spoof.guard, vnic 0, slow path 0
+    flows: 219 active, 97 inactive, 96 dropped, 15 L2 pass, 15 L2 drop, 1 of other kinds
     flood.other: 0
     flood.rst-spoofing: off
     kif.fast-path: off
