@@ -117,9 +117,9 @@ inline constexpr FWCmdRow_ kCmdCatalogue[kCmdCount] = {
     {"SetDnsConfigProfile", 13, {{"CTarnFWCmdSetDnsConfigProfile", kVaries}}},  // 83
     {"GetDnsConfigProfile", 13, {{"CTarnFWCmdGetDnsConfigProfile", 13}}},  // 84
     {"ConfigL7CopyMode", 4, {{"CTarnFWCmdConfigL7CopyMode", 4}}},  // 85
-    {"GetLBConfig", 81, {{"CTarnFWCmdGetLBConfig", 81}}},  // 86
+    {"GetLBConfig", 81, {{"CTarnFWCmdGetLBConfig", kVaries}}},  // 86
     {"GetLBConfigSize", 12077, {{"CTarnFWCmdGetLBConfigSize", 12077}}},  // 87
-    {"GetLBStat", 4141, {{"CTarnFWCmdGetLBStat", 4141}}},  // 88
+    {"GetLBStat", 4141, {{"CTarnFWCmdGetLBStat", kVaries}}},  // 88
     {"GetLBStatSize", 4141, {{"CTarnFWCmdGetLBStatSize", 4141}}},  // 89
     {"ClearLBStat", 4141, {{"CTarnFWCmdClearLBStat", 4141}}},  // 90
     {"GetRTTData", 16},  // 91

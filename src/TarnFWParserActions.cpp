@@ -3,6 +3,7 @@
 #include "TarnFWCmdConfig.h"
 #include "TarnFWCmdList.h"
 #include "TarnFWScanner.h"
+#include "TarnFWText.h"
 #include "tarnfw_parser.h"
 
 namespace TarnFirewall {
@@ -32,8 +33,15 @@ void reportParseFailure(const FWParse& parse) {
 }
 
 std::uint32_t number32(std::int64_t number, const char* message) {
-  if (number < 0 || number > 0xffffffff) throw CParseFailure(message, FW_STATUS_INTEGER_TOO_LARGE);
-  return static_cast<std::uint32_t>(number);
+  return numberUpTo<std::uint32_t>(number, 0xffffffff, message);
+}
+
+std::uint16_t portNumber(std::int64_t number) {
+  if (number < 0 || number > 0xffff) {
+    throw CParseFailure(formatText("TCP/UDP port number (%d) is invalid", static_cast<int>(number)),
+                        FW_STATUS_INVALID_L4_PORT);
+  }
+  return static_cast<std::uint16_t>(number);
 }
 
 }  // namespace TarnFirewall

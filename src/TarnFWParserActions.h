@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <utility>
 
 #include "TarnFWException.h"
@@ -70,8 +71,21 @@ bool attempt(const FWParse& parse, Action&& action) {
   }
 }
 
-/// The number in 32 bits; throws `CParseFailure` with status 17 and the message for any other.
+/// The number as a `Value` of at most `limit`; throws `CParseFailure` with status 17 and the
+/// message for any other.
+template <typename Value>
+Value numberUpTo(std::int64_t number, Value limit, const char* message) {
+  if (number < 0 || number > limit) throw CParseFailure(message, FW_STATUS_INTEGER_TOO_LARGE);
+  return static_cast<Value>(number);
+}
+
+/// The number in 32 bits, as `numberUpTo`.
 std::uint32_t number32(std::int64_t number, const char* message);
+
+/// A port, or `CParseFailure` with status 38.
+std::uint16_t portNumber(std::int64_t number);
+
+inline std::string asString(const FWParserText& text) { return {text.data, text.length}; }
 
 /// A copy of a name with its NUL in a field that is longer than it.
 template <typename Name>

@@ -22,13 +22,6 @@ namespace {
 constexpr std::size_t kNormalUuidLength = 36;
 constexpr std::int64_t kMaxTCPFlags = 0x1ff;
 
-/// The number as a `Value`; throws `CParseFailure` with status 17 and the message for any other.
-template <typename Value>
-Value numberUpTo(std::int64_t number, Value limit, const char* message) {
-  if (number < 0 || number > limit) throw CParseFailure(message, FW_STATUS_INTEGER_TOO_LARGE);
-  return static_cast<Value>(number);
-}
-
 struct PortBounds {
   std::uint16_t low;
   std::uint16_t high;
@@ -124,14 +117,6 @@ std::unique_ptr<CTarnFWProtocol> protocolOfNumber(std::int64_t number, bool nega
 std::unique_ptr<CTarnFWProtocol> etherType(std::int64_t number, bool negated) {
   const auto value = numberUpTo<std::uint16_t>(number, 0xffff, "ether type value overflows");
   return std::make_unique<CTarnFWProtocol>(FWProtocolLayer::ethernet, value, negated);
-}
-
-std::uint16_t portNumber(std::int64_t number) {
-  if (number < 0 || number > 0xffff) {
-    throw CParseFailure(formatText("TCP/UDP port number (%d) is invalid", static_cast<int>(number)),
-                        FW_STATUS_INVALID_L4_PORT);
-  }
-  return static_cast<std::uint16_t>(number);
 }
 
 std::unique_ptr<CTarnFWProtocolSpec> port(std::int64_t number, bool negated) {

@@ -26,9 +26,6 @@ std::unique_ptr<CTarnFWProtocol> etherType(std::int64_t number, bool negated);
 
 // --- Ports
 
-/// A port, or `CParseFailure` with status 38.
-std::uint16_t portNumber(std::int64_t number);
-
 std::unique_ptr<CTarnFWProtocolSpec> port(std::int64_t number, bool negated);
 
 /// The low bound must be below the high one: equal bounds are refused, with status 16.

@@ -21,6 +21,7 @@
 
 %code requires {
 #include "TarnFWParserActionsAddress.h"
+#include "TarnFWParserActionsAttribute.h"
 #include "TarnFWParserActionsRule.h"
 #include "TarnFWParserActionsRuleSet.h"
 }
@@ -36,11 +37,14 @@ void yyerror(YYLTYPE* location, TarnFirewall::FWStatus_t* status, void* scanner,
 %code {
 #include "TarnFWAddressAny.h"
 #include "TarnFWAttributeUtils.h"
+#include "TarnFWCmdCheckSpoofGuard.h"
 #include "TarnFWCmdClearAddrSet.h"
+#include "TarnFWCmdClearKifStat.h"
 #include "TarnFWCmdClearRootRuleSet.h"
 #include "TarnFWCmdClearRuleSet.h"
 #include "TarnFWCmdClearRuleSetJump.h"
 #include "TarnFWCmdConfigSharedAddrSet.h"
+#include "TarnFWCmdDeleteSpoofGuard.h"
 #include "TarnFWCmdDestroyAddrSet.h"
 #include "TarnFWCmdDestroyAllAddrSet.h"
 #include "TarnFWCmdDestroyAllRuleSet.h"
@@ -48,15 +52,23 @@ void yyerror(YYLTYPE* location, TarnFirewall::FWStatus_t* status, void* scanner,
 #include "TarnFWCmdGetAddrSetCount.h"
 #include "TarnFWCmdGetAddrSetInfo.h"
 #include "TarnFWCmdGetAddrSetTypeAndSize.h"
+#include "TarnFWCmdGetKifStat.h"
+#include "TarnFWCmdGetLBConfig.h"
+#include "TarnFWCmdGetLBStat.h"
 #include "TarnFWCmdGetRootRuleSet.h"
 #include "TarnFWCmdGetRuleCountOfRuleSet.h"
 #include "TarnFWCmdGetRuleSetCount.h"
 #include "TarnFWCmdGetRuleSetInfo.h"
 #include "TarnFWCmdGetRuleSetJump.h"
 #include "TarnFWCmdGetSharedAddrSet.h"
+#include "TarnFWCmdGetSkifferExportver.h"
+#include "TarnFWCmdGetSpoofGuardStat.h"
+#include "TarnFWCmdGetTimeout.h"
 #include "TarnFWCmdList.h"
+#include "TarnFWCmdSetSkifferExportver.h"
 #include "TarnFWLog.h"
 #include "TarnFWParserActionsSelector.h"
+#include "TarnFWParserActionsSetting.h"
 #include "TarnFWParserActionsStatement.h"
 #include "TarnFWProtocolSpecSloppy.h"
 #include "TarnFWProtocolSpecStateless.h"
@@ -118,11 +130,16 @@ using namespace TarnFirewall;
   TarnFirewall::CTarnFWContainerID* containerID;
   TarnFirewall::CTarnFWRule* rule;
   TarnFirewall::CTarnFWRuleList* ruleList;
+  TarnFirewall::FWTexts* texts;
+  TarnFirewall::FWNumbers* numbers;
+  TarnFirewall::FWNamedUuid* namedUuid;  /* in the arena */
+  TarnFirewall::FWNamedUuids* namedUuids;
+  TarnFirewall::FWL7Attributes* attributes;
 }
 
 %destructor { delete $$; }
   <command> <address> <addressList> <idList> <protocol> <spec> <portSet> <specList> <action>
-  <containerID> <rule> <ruleList>
+  <containerID> <rule> <ruleList> <texts> <numbers> <namedUuids> <attributes>
 
 %token COMMENT "TK_COMMENT"
 %token CREATE "keyword create"
@@ -311,7 +328,12 @@ using namespace TarnFirewall;
 %nterm <poolOption> Pool_Option
 %nterm <direction> Rule_Direction
 %nterm <af> Optional_Rule_AF
-%nterm <number> Rule_Position
+%nterm <number> Rule_Position Export_Version
+%nterm <texts> L7AttrStringValueList
+%nterm <numbers> L7AttrIntValueList
+%nterm <namedUuid> L7AttrUUIDValue
+%nterm <namedUuids> L7AttrUUIDValueList
+%nterm <attributes> L7AttributeList Single_L7Attribute_Or_List
 
 %start Firewall
 
@@ -544,22 +566,22 @@ Cmd_Clear_All_Connection:
 
 Cmd_Get_Exportver:
     DESCRIBE EXPORTVER Optional_DVS_Port  /* 102 */
-      { TRY($$ = unavailable("describe exportver")); }
+      { TRY($$ = new CTarnFWCmdGetSkifferExportver($3)); }
     ;
 
 Cmd_Set_Exportver:
     SET EXPORTVER Export_Version Optional_DVS_Port  /* 103 */
-      { TRY($$ = unavailable("set exportver")); }
+      { TRY($$ = new CTarnFWCmdSetSkifferExportver($4, static_cast<std::uint32_t>($3))); }
     ;
 
 Cmd_Create_AttrProfile:
     CREATE ATTRPROFILE STRING Optional_DVS_Port WITH LBRACE Single_L7Attribute_Or_List RBRACE  /* 104 */
-      { TRY($$ = unavailable("create attrprofile")); }
+      { TRY($$ = createAttrProfile($4, $3, own($7)).release()); }
     ;
 
 Cmd_Delete_AttrProfile:
     DELETE ATTRPROFILE STRING Optional_DVS_Port  /* 105 */
-      { TRY($$ = unavailable("delete attrprofile")); }
+      { TRY($$ = new CTarnFWCmdDestroyAddrSet($4, addrSetName($3))); }
     ;
 
 Cmd_Add_Domain_IP_Map:
@@ -569,12 +591,12 @@ Cmd_Add_Domain_IP_Map:
 
 Cmd_Set_Uid2Sid_Mapping:
     SET UID2SIDMAP Optional_DVS_Port STRING LBRACE L7AttrStringValueList RBRACE  /* 107 */
-      { TRY($$ = unavailable("set uid2sidmap")); }
+      { TRY(own($6); $$ = unavailable("set uid2sidmap")); }
     ;
 
 Cmd_Set_Connection_Attr:
     SET CONNATTR Optional_DVS_Port Optional_ConnSpec Optional_StateID WITH LBRACE Single_L7Attribute_Or_List RBRACE  /* 108 */
-      { TRY($$ = unavailable("set connattr")); }
+      { TRY(own($8); $$ = unavailable("set connattr")); }
     ;
 
 Cmd_Create_AddrSet:
@@ -643,46 +665,46 @@ Cmd_Get_AddrSet_List:
 
 Cmd_Create_SpoofGuard:
     CREATE SPOOFGUARD WITH IP Single_IP_Or_List AND MAC Single_MAC_Address Optional_DVS_Port  /* 127 */
-      { TRY(own($5); own($8); $$ = unavailable("create spoofguard")); }
+      { TRY($$ = createSpoofGuard($9, own($5), own($8)).release()); }
   | CREATE SPOOFGUARD WITH ADDRSET STRING AND MAC Single_MAC_Address Optional_DVS_Port  /* 128 */
-      { TRY(own($8); $$ = unavailable("create spoofguard")); }
+      { TRY($$ = createSpoofGuard($9, addressSet($5), own($8)).release()); }
     ;
 
 Cmd_Delete_SpoofGuard:
     DELETE SPOOFGUARD Optional_DVS_Port  /* 129 */
-      { TRY($$ = unavailable("delete spoofguard")); }
+      { TRY($$ = new CTarnFWCmdDeleteSpoofGuard($3, nullptr)); }
   | DELETE SPOOFGUARD WITH MAC Single_MAC_Address Optional_DVS_Port  /* 130 */
-      { TRY(own($5); $$ = unavailable("delete spoofguard")); }
+      { TRY($$ = deleteSpoofGuard($6, own($5)).release()); }
     ;
 
 Cmd_Check_SpoofGuard:
     DESCRIBE SPOOFGUARD Optional_DVS_Port  /* 131 */
-      { TRY($$ = unavailable("describe spoofguard")); }
+      { TRY($$ = new CTarnFWCmdCheckSpoofGuard($3)); }
     ;
 
 Cmd_Get_SpoofGuard_Stat:
     DESCRIBE STAT OF SPOOFGUARD Optional_DVS_Port  /* 132 */
-      { TRY($$ = unavailable("describe stat of spoofguard")); }
+      { TRY($$ = new CTarnFWCmdGetSpoofGuardStat($5)); }
     ;
 
 Cmd_Get_Kif_Stat:
     DESCRIBE STAT OF KIF Optional_DVS_Port  /* 133 */
-      { TRY($$ = unavailable("describe stat of kif")); }
+      { TRY($$ = new CTarnFWCmdGetKifStat($5)); }
     ;
 
 Cmd_Clear_Kif_Stat:
     CLEAR STAT OF KIF Optional_DVS_Port  /* 134 */
-      { TRY($$ = unavailable("clear stat of kif")); }
+      { TRY($$ = new CTarnFWCmdClearKifStat($5)); }
     ;
 
 Cmd_Get_LB_Config:
     DESCRIBE CONFIG OF LB Optional_DVS_Port  /* 135 */
-      { TRY($$ = unavailable("describe config of lb")); }
+      { TRY($$ = new CTarnFWCmdGetLBConfig($5)); }
     ;
 
 Cmd_Get_LB_Stat:
     DESCRIBE STAT OF LB Optional_DVS_Port  /* 136 */
-      { TRY($$ = unavailable("describe stat of lb")); }
+      { TRY($$ = new CTarnFWCmdGetLBStat($5)); }
     ;
 
 Cmd_Config:
@@ -697,19 +719,19 @@ Cmd_Config:
   | CONFIG DEFAULT AGENT STRING AND DVS_Port  /* 141 */
       { setDefaultSelector($4, *$6); $$ = nullptr; }
   | ENABLE STRING STRICT Optional_DVS_Port  /* 142 */
-      { TRY($$ = unavailable("enable strict")); }
+      { TRY($$ = configTCPStrict($4, $2, true).release()); }
   | DISABLE STRING STRICT Optional_DVS_Port  /* 143 */
-      { TRY($$ = unavailable("disable strict")); }
+      { TRY($$ = configTCPStrict($4, $2, false).release()); }
   | DESCRIBE STRING STRICT Optional_DVS_Port  /* 144 */
-      { TRY($$ = unavailable("describe strict")); }
+      { TRY($$ = getTCPStrict($4, $2).release()); }
   | SET TIMEOUT STRING TO NUMBER Optional_DVS_Port  /* 145 */
-      { TRY($$ = unavailable("set timeout")); }
+      { TRY($$ = setTimeout($6, $3, $5).release()); }
   | SET TIMEOUT TO STRING Optional_DVS_Port  /* 146 */
-      { TRY($$ = unavailable("set timeout")); }
+      { TRY($$ = setTimeouts($5, $4).release()); }
   | DESCRIBE TIMEOUT STRING Optional_DVS_Port  /* 147 */
-      { TRY($$ = unavailable("describe timeout")); }
+      { TRY($$ = new CTarnFWCmdGetTimeout($4, $3.data)); }
   | DESCRIBE TIMEOUT Optional_DVS_Port  /* 148 */
-      { TRY($$ = unavailable("describe timeout")); }
+      { TRY($$ = getTimeouts($3).release()); }
   | ENABLE SHARED ADDRSET Optional_DVS_Port  /* 149 */
       { TRY($$ = new CTarnFWCmdConfigSharedAddrSet($4, true)); }
   | DISABLE SHARED ADDRSET Optional_DVS_Port  /* 150 */
@@ -720,7 +742,7 @@ Cmd_Config:
 
 Cmd_Debug:
     DEBUG STRING NUMBER Optional_DVS_Port  /* 152 */
-      { TRY($$ = unavailable("debug")); }
+      { TRY($$ = debug($4, $2, $3).release()); }
     ;
 
 Single_IP_Address:
@@ -843,33 +865,45 @@ Optional_Single_Attribute_Or_List:
 
 L7AttrStringValueList:
     STRING  /* 192 */
+      { TRY($$ = withValue({}, $1).release()); }
   | L7AttrStringValueList COMMA STRING  /* 193 */
+      { TRY($$ = withValue(own($1), $3).release()); }
     ;
 
 L7AttrIntValueList:
     NUMBER  /* 194 */
+      { TRY($$ = withValue({}, $1).release()); }
   | L7AttrIntValueList COMMA NUMBER  /* 195 */
+      { TRY($$ = withValue(own($1), $3).release()); }
     ;
 
 L7AttrUUIDValue:
     STRING UUID STRING  /* 196 */
+      { TRY($$ = namedUuid(PARSE, $1, $3)); }
   | UUID STRING  /* 197 */
+      { TRY($$ = namedUuid(PARSE, {"", 0}, $2)); }
     ;
 
 L7AttrUUIDValueList:
     L7AttrUUIDValue  /* 198 */
+      { TRY($$ = withValue({}, *$1).release()); }
   | L7AttrUUIDValueList COMMA L7AttrUUIDValue  /* 199 */
+      { TRY($$ = withValue(own($1), *$3).release()); }
     ;
 
 L7AttributeList:
     LBRACKET STRING COLON L7AttrStringValueList RBRACKET  /* 200 */
+      { TRY($$ = l7Attributes($2, own($4)).release()); }
   | LBRACKET STRING COLON L7AttrIntValueList RBRACKET  /* 201 */
+      { TRY($$ = l7Attributes($2, own($4)).release()); }
   | LBRACKET STRING COLON L7AttrUUIDValueList RBRACKET  /* 202 */
+      { TRY($$ = l7Attributes($2, own($4)).release()); }
     ;
 
 Single_L7Attribute_Or_List:
     L7AttributeList  /* 203 */
   | Single_L7Attribute_Or_List COMMA L7AttributeList  /* 204 */
+      { TRY($$ = joined(own($1), own($3)).release()); }
     ;
 
 Optional_ConnSpec:
@@ -1257,6 +1291,7 @@ Optional_Persist_Timeout:
 
 Export_Version:
     NUMBER  /* 353 */
+      { TRY($$ = number32($1, "export version value overflows")); }
     ;
 
 Single_Rule_Action:

@@ -105,9 +105,9 @@ const Row kRows[] = {
     {"SetDnsConfigProfile", 13, "SetDnsConfigProfile varies"},  // 83
     {"GetDnsConfigProfile", 13, "GetDnsConfigProfile 13"},  // 84
     {"ConfigL7CopyMode", 4, "ConfigL7CopyMode 4"},  // 85
-    {"GetLBConfig", 81, "GetLBConfig 81"},  // 86
+    {"GetLBConfig", 81, "GetLBConfig varies"},  // 86
     {"GetLBConfigSize", 12077, "GetLBConfigSize 12077"},  // 87
-    {"GetLBStat", 4141, "GetLBStat 4141"},  // 88
+    {"GetLBStat", 4141, "GetLBStat varies"},  // 88
     {"GetLBStatSize", 4141, "GetLBStatSize 4141"},  // 89
     {"ClearLBStat", 4141, "ClearLBStat 4141"},  // 90
     {"GetRTTData", 16, ""},  // 91

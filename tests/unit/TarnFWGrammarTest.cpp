@@ -95,6 +95,14 @@ TEST(TarnFWGrammar, AcceptsEveryFormOfAStatement) {
            "describe count of ruleset;",
            "describe list of ruleset;",
            "describe list of ruleset from 5;",
+           // 102 to 105
+           "describe exportver;",
+           "set exportver 2 of filter f;",
+           "create attrprofile p of filter f with { [ APP_ID : APP_HTTP, APP_DNS ] };",
+           "create attrprofile p with { [ TLS_VERSION : 770, 771 ], [ APP_ID : APP_DNS ] };",
+           "create attrprofile p with { [ FQDN : uuid 12345678-1234-1234-1234-123456789012, n uuid "
+           "12345678-1234-1234-1234-123456789012 ] };",
+           "delete attrprofile p;",
            // 110 to 126
            "create APP_ID attrset a;",
            "create addrset a with any;",
@@ -114,12 +122,31 @@ TEST(TarnFWGrammar, AcceptsEveryFormOfAStatement) {
            "describe count of addrset;",
            "describe list of addrset;",
            "describe list of addrset from 10;",
-           // 137 to 141, 149 to 151
+           // 127 to 136
+           "create spoofguard with ip { 10.0.0.1 } and mac 00:11:22:33:44:55 of filter f;",
+           "create spoofguard with addrset a and mac 00:11:22:33:44:55;",
+           "delete spoofguard;",
+           "delete spoofguard with mac 00:11:22:33:44:55;",
+           "describe spoofguard;",
+           "describe stat of spoofguard;",
+           "describe stat of kif;",
+           "clear stat of kif;",
+           "describe config of lb;",
+           "describe stat of lb of filter f;",
+           // 137 to 152
            "config device \"/dev/x\";",
            "config file \"/tmp/x\" save to \"/tmp/y\";",
            "config socket 127.0.0.1:7000;",
            "config ribs 127.0.0.1:7000 save to \"/tmp/y\";",
            "config default agent \"\" and filter \"\";",
+           "enable tcp strict;",
+           "disable TCP strict of filter f;",
+           "describe tcp strict;",
+           "set timeout dfw.interval to 30;",
+           "set timeout to '1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17 18 19 20 21 22';",
+           "describe timeout dfw.interval;",
+           "describe timeout;",
+           "debug dp 1;",
            "enable shared addrset;",
            "disable shared addrset of filter f;",
            "describe shared addrset;",
@@ -304,7 +331,7 @@ TEST(TarnFWGrammar, AllowsOneTrailingCommaInSomeListsOnly) {
             "[name:1] syntax error, unexpected \",\", expecting } or decimal\n");
   EXPECT_EQ(syntax("set connection with { from any:1 to any:2, };"),
             "[name:1] syntax error, unexpected }, expecting keyword from\n");
-  EXPECT_EQ(syntax("create attrprofile p with { [ a : b ], };"),
+  EXPECT_EQ(syntax("create attrprofile p with { [ APP_ID : APP_DNS ], };"),
             "[name:1] syntax error, unexpected }, expecting [\n");
   EXPECT_EQ(syntax(rule("inout protocol any from any to any drop") + ","),
             "[name:1] syntax error, unexpected \",\", expecting end of file\n");

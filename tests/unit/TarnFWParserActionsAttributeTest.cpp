@@ -1,0 +1,150 @@
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "Expect.h"
+#include "ParseText.h"
+#include "TarnFWLog.h"
+#include "TarnFWParserActionsAttribute.h"
+
+using namespace TarnFirewall;
+
+namespace {
+
+const std::string kUuid = "00010203-0405-0607-0809-0a0b0c0d0e0f";
+const std::string kOther = "10010203-0405-0607-0809-0a0b0c0d0e0f";
+
+/// Attributes of the profile that a statement creates, as its text has them.
+std::string attributes(const std::string& list) {
+  const ParseText parse("create attrprofile p of filter f with { " + list + " };");
+  EXPECT_EQ(parse.failure(), "") << list;
+  if (parse.count() != 1) return "(no command)";
+  EXPECT_EQ(parse.command().getCommand(), 75);
+  EXPECT_STREQ(parse.command().currentPort().identifier, "f");
+  const std::string text = parse.text();
+  return text.substr(text.find(" with ") + 6);
+}
+
+std::string attributesFailure(const std::string& list) {
+  return parseFailure("create attrprofile p with { " + list + " };");
+}
+
+}  // namespace
+
+TEST(TarnFWParserActionsAttribute, MakesOneAttributeOfEachValue) {
+  const ParseText parse(
+      "create attrprofile \"web apps\" with { [ TLS_VERSION : TLS_V12 ], "
+      "[ TLS_VERSION : 770 ] };");
+  ASSERT_EQ(parse.failure(), "");
+  const std::vector<std::uint8_t> body = parse.body();
+  // The head of 86 bytes, the chain's head of 12, and for each attribute 8 and its record of 18.
+  Bytes golden(86 + 12 + 2 * 26);
+  golden.text(0, "web apps").at(46, {2}).at(50, {2}).at(54, {64}).at(58, {3});
+  golden.at(86, {2, 0, 0, 0, 2, 0, 0, 0, 52, 0, 0, 0});
+  golden.at(98, {1, 0, 0, 0, 18, 0, 0, 0, 1, 0, 2, 0, 18, 0, 0, 0, 0, 0, 0x02, 3});
+  golden.at(124, {1, 0, 0, 0, 18, 0, 0, 0, 1, 0, 2, 0, 18, 0, 0, 0, 0, 0, 0x03, 3});
+  EXPECT_EQ(Bytes(body.begin(), body.end()), golden);
+}
+
+TEST(TarnFWParserActionsAttribute, TakesTextsNumbersAndIdentifiers) {
+  EXPECT_EQ(attributes("[ APP_ID : APP_HTTP ]"), attributes("[ \"APP_ID\" : \"APP_HTTP\" ]"));
+  EXPECT_EQ(attributes("[ TLS_VERSION : 771 ]"), attributes("[ TLS_VERSION : TLS_V12 ]"));
+  EXPECT_EQ(attributes("[ FQDN : www.example.com uuid " + kUuid + " ]"),
+            "p with {\n[ FQDN : www.example.com]\n}");
+  EXPECT_EQ(attributes("[ WIN_SID : \"S-1-5-21-1\" ]"), "p with {\n[ WIN_SID : S-1-5-21-1]\n}");
+}
+
+TEST(TarnFWParserActionsAttribute, JoinsTheListsInTheirOrderAndDropsDuplicates) {
+  EXPECT_EQ(attributes("[ TLS_VERSION : TLS_V12, TLS_V11 ], [ TLS_VERSION : TLS_V13 ], "
+                       "[ FTP_COMMAND : 1 ], [ TLS_VERSION : 771 ]"),
+            attributes("[ FTP_COMMAND : 1 ], [ TLS_VERSION : TLS_V11, TLS_V12, TLS_V13 ]"));
+}
+
+TEST(TarnFWParserActionsAttribute, LogsEveryElementThatAProfileGets) {
+  for (const int level : {0, 1}) {
+    LogCapture log;
+    g_tarnfw_verbose[FW_COMPONENT_PARSER].level = level;
+    auto list = std::make_unique<FWL7Attributes>();
+    for (const long version : {769L, 770L}) {
+      list->push_back(std::make_unique<CTarnFWL7Attribute>(FW_ATTR_KEY_TLS_VERSION, version));
+    }
+    createAttrProfile(nullptr, {"p", 1}, std::move(list));
+    const std::string line =
+        "7|tarnfw:parser TarnFWParserActionsAttribute:createAttrProfile():N adding element\n";
+    EXPECT_EQ(log.normalized(), std::vector<std::string>(level == 0 ? 0 : 2, line));
+  }
+}
+
+TEST(TarnFWParserActionsAttribute, RefusesANameThatIsNoKey) {
+  EXPECT_EQ(attributesFailure("[ nonesuch : a ]"), "16|invalid key nonesuch");
+  EXPECT_EQ(attributesFailure("[ nonesuch : 1 ]"), "16|invalid key nonesuch");
+  EXPECT_EQ(attributesFailure("[ \"\" : uuid " + kUuid + " ]"), "16|invalid key ");
+  EXPECT_EQ(attributesFailure("[ app_id : APP_HTTP ]"), "16|invalid key app_id");
+  EXPECT_EQ(attributesFailure("[ APP_ID : APP_HTTP ], [ nonesuch : a ]"),
+            "16|invalid key nonesuch");
+}
+
+TEST(TarnFWParserActionsAttribute, RefusesAValueThatItsKeyDoesNotTake) {
+  EXPECT_EQ(attributesFailure("[ TLS_VERSION : TLS_V9 ]"),
+            "67|invalid attribute value TLS_VERSION : TLS_V9");
+  EXPECT_EQ(attributesFailure("[ TLS_VERSION : TLS_V12, 1 ]").substr(0, 26),
+            "16|syntax error, unexpecte");
+  EXPECT_EQ(attributesFailure("[ WIN_SID : a ]"), "67|invalid attribute value WIN_SID : a");
+  EXPECT_EQ(attributesFailure("[ FQDN : a ]"),
+            "67|invalid attribute value invalid type for key: FQDN value: a");
+  EXPECT_EQ(attributesFailure("[ PROCESS_HASH : 1 ]"),
+            "67|invalid attribute value invalid type for PROCESS_HASH : 1");
+  EXPECT_EQ(attributesFailure("[ APP_ID : uuid " + kUuid + " ]").substr(0, 34),
+            "67|invalid attribute value APP_ID ");
+}
+
+TEST(TarnFWParserActionsAttribute, RefusesANumberThatNamesNothing) {
+  // The second is 771 in its low 32 bits. The table of the key has logged it before.
+  for (const std::string number : {"5", "4294968067", "-1"}) {
+    const ParseText parse("create attrprofile p with { [ TLS_VERSION : " + number + " ] };");
+    EXPECT_EQ(parse.result, 1);
+    EXPECT_EQ(parse.status, 67u);
+    EXPECT_EQ(parse.list, nullptr);
+    EXPECT_TRUE(parse.log.has(3, "TLS_VERSION : failed to find value\n\n"));
+    EXPECT_TRUE(
+        parse.log.has(3, "[name:1] invalid attribute value TLS_VERSION : " + number + "\n"));
+  }
+}
+
+TEST(TarnFWParserActionsAttribute, RefusesATextThatIsNoIdentifier) {
+  EXPECT_EQ(attributesFailure("[ FQDN : uuid nonesuch ]"), "16|invalid uuid value nonesuch");
+  EXPECT_EQ(attributesFailure("[ FQDN : a uuid \"\" ]"), "16|invalid uuid value ");
+  EXPECT_EQ(attributesFailure("[ FQDN : uuid " + kUuid + ", b uuid x ]"),
+            "16|invalid uuid value x");
+}
+
+TEST(TarnFWParserActionsAttribute, LeavesNothingOfAListThatASyntaxErrorEnds) {
+  for (const std::string& text :
+       {std::string("[ APP_ID : a, b"), std::string("[ APP_ID : 1, 2"),
+        "[ FQDN : uuid " + kUuid + ", uuid " + kOther, std::string("[ APP_ID : APP_HTTP ]"),
+        "[ APP_ID : APP_HTTP ], [ FQDN : a uuid " + kUuid + " ], ["}) {
+    EXPECT_EQ(parseFailure("create attrprofile p with { " + text + ";").substr(0, 16),
+              "16|syntax error,")
+        << text;
+  }
+}
+
+TEST(TarnFWParserActionsAttribute, TakesProfileNamesOf37Characters) {
+  const std::string name(37, 'n');
+  EXPECT_EQ(parseFailure("create attrprofile " + name + " with { [ APP_ID : APP_HTTP ] };"), "");
+  EXPECT_EQ(parseFailure("create attrprofile " + name + "n with { [ APP_ID : APP_HTTP ] };")
+                .substr(0, 29),
+            "69|invalid container name: nn");
+}
+
+TEST(TarnFWParserActionsAttribute, DeletesAProfileAsAnAddressSet) {
+  const ParseText parse("delete attrprofile \"web apps\" of filter f;");
+  ASSERT_EQ(parse.failure(), "");
+  EXPECT_EQ(parse.command().getCommand(), 14);
+  EXPECT_EQ(parse.field(0), "web apps");
+  EXPECT_EQ(parse.body().size(), 42u);
+  EXPECT_EQ(parse.text(), "destroy addrset web apps of filter f");
+  const std::string name(38, 'n');
+  EXPECT_EQ(parseFailure("delete attrprofile " + name + ";"),
+            "32|addrset name (" + name + ") is too long");
+}
