@@ -25,7 +25,7 @@ constexpr option kGetFlagsWords[] = {kFilterWord, kHelpWord, kVerboseWord, kLast
 constexpr option kSetFlagsWords[] = {
     {"enable", required_argument, nullptr, 'e'}, kFilterWord, kHelpWord, kVerboseWord, kLastWord};
 
-/// Both commands on flags print the level a second time: scripts count the lines.
+/// Both commands on flags print the level a second time: scripts that read the output expect both.
 void printLevelAgain(const Target& target) {
   if (target.verbose()) std::printf("verbose level : %d\n", target.verbosity.level);
 }

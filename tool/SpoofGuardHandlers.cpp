@@ -69,7 +69,7 @@ int showGuard(const Target& target) {
 int showStatistics(const Target& target) {
   FW_SetLibPrettyPrinting(pretty_printing, stdout);
   if (FW_GetSpoofGuardStat(target.handle, target.port, nullptr) != FW_STATUS_OK)
-    return error("ERROR: Failed to get Spoofguard stat\n");  // the printer stays
+    return error("ERROR: Failed to get Spoofguard stat\n");  // the printer stays in this case only
   FW_SetLibPrettyPrinting(nullptr, nullptr);
   return 0;
 }
@@ -78,7 +78,7 @@ int showStatistics(const Target& target) {
 
 int GetSpoofGuard(const char* cmd, int argc, char** argv) {
   bool statistics = false;
-  // A command that ends with 0 without a filter: scripts walk over lists with empty places.
+  // Without a filter it ends with 0, unlike its neighbours: scripts depend on it.
   return onFilter(cmd, argc, argv,
                   {.usage = kUsage,
                    .letters = "hv::m:f:s",
