@@ -33,8 +33,9 @@ std::time_t bootsec2time(std::uint64_t seconds) {
   return static_cast<std::time_t>(bootTime() + seconds);
 }
 
-FWLocalTime_ bootsec2local(std::uint64_t seconds) {
-  const std::time_t time = bootsec2time(seconds);
+FWLocalTime_ bootsec2local(std::uint64_t seconds) { return localTimeOf(bootsec2time(seconds)); }
+
+FWLocalTime_ localTimeOf(std::time_t time) {
   std::tm local{};
   if (localtime_r(&time, &local) == nullptr) local = std::tm{};
   const long year = std::min<long>(local.tm_year + 1900L, INT_MAX);

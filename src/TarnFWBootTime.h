@@ -21,7 +21,10 @@ struct FWLocalTime_ {
   int second;
 };
 
-/// `bootsec2time` in local time. A time beyond the calendar gives the year 1900, month 1, day 0.
+/// A time in local time. One beyond the calendar gives the year 1900, month 1, day 0.
+FWLocalTime_ localTimeOf(std::time_t time);
+
+/// `bootsec2time` in local time.
 FWLocalTime_ bootsec2local(std::uint64_t seconds);
 
 }  // namespace TarnFirewall

@@ -7,6 +7,7 @@
 /// failure may leave outputs partly written: callers refuse the whole input.
 
 #include "TarnFWUtilAddress.h"
+#include "TarnFWUtilFlow.h"
 #include "TarnFWUtilIdentifier.h"
 #include "TarnFWUtilList.h"
 #include "TarnFWUtilNumber.h"

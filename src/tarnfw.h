@@ -18,7 +18,7 @@
 /// Two threads may use one handle, as far as its channel allows it. Where a function is not for
 /// that, it says so.
 ///
-/// This header, TarnFWConnectionRecord.h, TarnFWRecords.h, TarnFWRuleRecord.h,
+/// This header, TarnFWConnectionRecord.h, TarnFWFlowRecords.h, TarnFWRecords.h, TarnFWRuleRecord.h,
 /// TarnFWSettingsRecords.h, TarnFWTypes.h and TarnFWWire.h are what is installed. What stands
 /// between the two visibility lines is what the shared library exports.
 
@@ -31,6 +31,7 @@
 #include <stdio.h>
 
 #include "TarnFWConnectionRecord.h"
+#include "TarnFWFlowRecords.h"
 #include "TarnFWRecords.h"
 #include "TarnFWRuleRecord.h"
 #include "TarnFWSettingsRecords.h"
@@ -47,12 +48,14 @@ using TarnFirewall::FWAddrSetStat_;
 using TarnFirewall::FWAddrSetType_t;
 using TarnFirewall::fwconfigfile_;
 using TarnFirewall::FWConnection_;
+using TarnFirewall::FWConnFilter_;
 using TarnFirewall::FWContainerType;
 using TarnFirewall::FWDlbRule_;
 using TarnFirewall::FWFailPolicy_t;
 using TarnFirewall::FWFloodCfg_;
 using TarnFirewall::FWFloodRow_;
 using TarnFirewall::FWFloodStat_;
+using TarnFirewall::FWFlowRecord_;
 using TarnFirewall::FWInstTimeout_;
 using TarnFirewall::FWIoctlFrame;
 using TarnFirewall::FWIOType_t;
@@ -337,6 +340,39 @@ FWStatus_t FW_GetSharedAddrSet(fwlibhandle_* handle, const dvs_port_* port, void
 /// statistics (0 unset, 1 enabled, else disabled).
 FWStatus_t FW_SetAddrSetCfg(fwlibhandle_* handle, const dvs_port_* port, void* context,
                             FWAddrSetCfg_* configuration);
+
+// --- Connections of a filter
+//
+// 3 for a null result. A connection stands in a `FWConnection_`; the addresses and ports in it are
+// in network order.
+
+/// How many there are; it is printed too. `filter` may be null and has no effect.
+FWStatus_t FW_GetConnectionCount(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                                 const FWConnFilter_* filter, unsigned int* count);
+
+/// Up to `count` connections with flow ids from `cursor` on, 0 for the first; they are printed too.
+/// `records` has room for as many `FWFlowRecord_`, 251 bytes each and without attributes. The next
+/// call's cursor is the flow id of the last one plus 1. `*got` is read as the `returned` of rule
+/// sets. 3 for a `count` of 0 or a null argument, 17 for a `count` whose size needs more than 32
+/// bits; nothing is sent then.
+FWStatus_t FW_GetConnectionStat(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                                unsigned int count, unsigned long cursor, void* records,
+                                unsigned int* got);
+
+/// Sets the connections that a block chooses, those of a list, all of them; how is the kernel's
+/// matter. `count` and `result` are what it answers. Connections that stand twice in the list are
+/// sent once. 3 for a null argument or an empty list.
+FWStatus_t FW_SetConnectionByFilter(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                                    const FWConnFilter_* filter, unsigned int* count);
+FWStatus_t FW_SetConnectionByList(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                                  unsigned int count, const FWConnection_* list,
+                                  unsigned int* result);
+FWStatus_t FW_SetAllConnection(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                               unsigned int* count);
+
+/// Ends all connections. How many there were is printed too.
+FWStatus_t FW_ClearAllConnection(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                                 unsigned int* count);
 
 // --- Settings of a filter
 
