@@ -145,8 +145,8 @@ enum FWFlowKind : std::uint8_t {
   FW_FLOW_L2_DROP = 5,
 };
 
-/// Values of `FWFlowRecord_::family`. The second is what the host calls IPv6: only the printed reply
-/// of command 24 knows it.
+/// Values of `FWFlowRecord_::family`. The second is what the host calls IPv6: only the printed
+/// reply of command 24 knows it.
 enum FWFlowFamily : std::uint8_t {
   FW_FLOW_IPV4 = 2,
   FW_FLOW_IPV6_HOST = 10,
