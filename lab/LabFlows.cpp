@@ -57,8 +57,9 @@ bool isCollected(std::uint32_t flowFlags, unsigned kind) {
 }
 
 std::string fault(const Body& body) {
-  if (selectorType.get(body) != Selector::filter) {
-    return format("flows of a selector of type %u", selectorType.get(body));
+  if (const unsigned type = selectorType.get(body);
+      type != Selector::filter && type != Selector::vif) {
+    return format("flows of a selector of type %u", type);
   }
   const unsigned wanted = operation.get(body);
   if (wanted != readCounts && wanted != readRecords) return format("flow operation %u", wanted);

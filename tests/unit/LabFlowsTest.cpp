@@ -387,6 +387,17 @@ TEST_F(LabFlows, ResettingRoundTripsSetsThemToZeroAfterTheyWereRead) {
   EXPECT_EQ(allFlows().size(), 470u);
 }
 
+TEST_F(LabFlows, AFilterIsFoundByItsVifAsWell) {
+  ByteVector body =
+      Record().bytes(query(1, "8d0c7a10-55f4-4c1e-9b02-0000632a0000", {})).set(199, 8);
+  const ByteVector byName = counts();
+  ASSERT_EQ(direct(22, body), 0) << note();
+  EXPECT_EQ(ByteVector(body.begin() + 216, body.end()),
+            ByteVector(byName.begin() + 216, byName.end()));
+  body = Record().bytes(query(1, "8d0c7a10-55f4-4c1e-9b02-0000632a0001", {})).set(199, 8);
+  EXPECT_EQ(direct(22, body), ENOENT);
+}
+
 TEST_F(LabFlows, WhatTheFiltersFlagsSwitchOffIsNotCollected) {
   std::map<unsigned, int> kinds;
   for (const ByteVector& record : allFlows(noInactive)) ++kinds[kindOf(record)];
@@ -704,7 +715,7 @@ TEST_F(LabFlows, RequestsThatAreWrongInTheirFormFail) {
   fails(Record().bytes(counting).set(204, 1), EINVAL, "count of flows with 1 bytes of room");
   fails(Record().bytes(counting).set(263, 1), EINVAL, "count of flows with counts set");
   fails(Record().bytes(counting).set(164, 'k'), EINVAL, "flows with reserved bytes set");
-  fails(Record().bytes(counting).set(199, 8), EINVAL, "flows of a selector of type 8");
+  fails(Record().bytes(counting).set(199, 2), EINVAL, "flows of a selector of type 2");
   fails(Record().bytes(counting).set(99, 'x'), EINVAL, "agent name is not padded with zeros");
   fails(Record().bytes(counting).set(163, 'x'), EINVAL, "filter name is not padded with zeros");
   fails(Record().zero(263), EINVAL, "body of 263 bytes in place of 264");
