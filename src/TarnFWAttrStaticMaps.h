@@ -12,24 +12,11 @@
 #include <cstdint>
 #include <string_view>
 
+#include "TarnFWIdentityRecords.h"
+
 namespace TarnFirewall {
 
-/// Keys of layer-7 attributes, as the kernel numbers them.
-enum FWAttrKeyID : int {
-  FW_ATTR_KEY_APP_ID = 0,
-  FW_ATTR_KEY_TLS_VERSION = 1,
-  FW_ATTR_KEY_TLS_CIPHER_SUITE = 2,
-  FW_ATTR_KEY_CIFS_SMB_VERSION = 3,
-  FW_ATTR_KEY_HTTP_METHOD = 4,
-  FW_ATTR_KEY_HTTP_PATH = 5,
-  FW_ATTR_KEY_FTP_COMMAND = 6,
-  FW_ATTR_KEY_FQDN = 7,
-  FW_ATTR_KEY_WIN_SID = 8,
-  FW_ATTR_KEY_USER_SID = 9,
-  FW_ATTR_KEY_PROCESS_HASH = 10,
-  FW_ATTR_KEY_CTX_PROFILE_ID = 11,
-  FW_ATTR_KEY_NONE = 12,  // no such key
-};
+/// How many keys there are, `FWAttrKeyID`.
 inline constexpr unsigned int kFWAttrKeys = 12;
 
 /// What the management side adds to a key's number.

@@ -17,7 +17,7 @@
 
 namespace TarnFirewall {
 
-/// A command whose body size is known when it is made.
+/// A command whose body size is known before it is sent.
 class CTarnFWBodyCmd : public CTarnFWCmd {
  public:
   unsigned int getMsgSize() const final { return size_; }
@@ -34,6 +34,9 @@ class CTarnFWBodyCmd : public CTarnFWCmd {
  protected:
   CTarnFWBodyCmd(const dvs_port_* port, std::uint16_t number, unsigned int size)
       : CTarnFWCmd(port), size_(size), number_(number) {}
+
+  /// For a command that is built in steps: what was added has changed its size.
+  void setMsgSize(unsigned int size) { size_ = size; }
 
  private:
   /// Writes the request into a zeroed body of `getMsgSize()` bytes. Nothing by default.

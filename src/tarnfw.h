@@ -18,9 +18,10 @@
 /// Two threads may use one handle, as far as its channel allows it. Where a function is not for
 /// that, it says so.
 ///
-/// This header, TarnFWConnectionRecord.h, TarnFWFlowRecords.h, TarnFWRecords.h, TarnFWRuleRecord.h,
-/// TarnFWSettingsRecords.h, TarnFWTypes.h and TarnFWWire.h are what is installed. What stands
-/// between the two visibility lines is what the shared library exports.
+/// This header, TarnFWConnectionRecord.h, TarnFWFlowRecords.h, TarnFWIdentityRecords.h,
+/// TarnFWRecords.h, TarnFWRuleRecord.h, TarnFWSettingsRecords.h, TarnFWTypes.h and TarnFWWire.h are
+/// what is installed. What stands between the two visibility lines is what the shared library
+/// exports.
 
 #if __cplusplus < 202002L
 // A file that is not there is the one error after which a compiler stops; after #error it would go
@@ -32,6 +33,7 @@
 
 #include "TarnFWConnectionRecord.h"
 #include "TarnFWFlowRecords.h"
+#include "TarnFWIdentityRecords.h"
 #include "TarnFWRecords.h"
 #include "TarnFWRuleRecord.h"
 #include "TarnFWSettingsRecords.h"
@@ -46,16 +48,23 @@ using TarnFirewall::FWAddrSetID_t;
 using TarnFirewall::FWAddrSetOperation_t;
 using TarnFirewall::FWAddrSetStat_;
 using TarnFirewall::FWAddrSetType_t;
+using TarnFirewall::fwattr_sid;
+using TarnFirewall::FWAttrKeyID;
+using TarnFirewall::FWAttrOpType;
 using TarnFirewall::fwconfigfile_;
+using TarnFirewall::fwconnattr_;
 using TarnFirewall::FWConnection_;
 using TarnFirewall::FWConnFilter_;
 using TarnFirewall::FWContainerType;
 using TarnFirewall::FWDlbRule_;
+using TarnFirewall::fwdomain2ip_;
+using TarnFirewall::FWDPIInfo_;
 using TarnFirewall::FWFailPolicy_t;
 using TarnFirewall::FWFloodCfg_;
 using TarnFirewall::FWFloodRow_;
 using TarnFirewall::FWFloodStat_;
 using TarnFirewall::FWFlowRecord_;
+using TarnFirewall::FWFqdnEntry_;
 using TarnFirewall::FWInstTimeout_;
 using TarnFirewall::FWIoctlFrame;
 using TarnFirewall::FWIOType_t;
@@ -69,7 +78,9 @@ using TarnFirewall::FWRuleDirection_t;
 using TarnFirewall::FWRuleSetID_t;
 using TarnFirewall::FWRuleStat_;
 using TarnFirewall::FWStatus_t;
+using TarnFirewall::FWUuidItem_;
 using TarnFirewall::SIIoctlFrame;
+using TarnFirewall::Uid2SidOp_t;
 
 #pragma GCC visibility push(default)
 extern "C" {
@@ -463,6 +474,118 @@ FWStatus_t FW_GetKifFlags(fwlibhandle_* handle, const dvs_port_* port, void* con
 /// Sets a flag. Of the name 39 characters are sent, of the value eight bits. 3 for a null name.
 FWStatus_t FW_SetKifFlags(fwlibhandle_* handle, const dvs_port_* port, void* context,
                           const char* name, unsigned int value);
+
+// --- Fully qualified names of a filter
+
+/// Forgets all addresses of names. `*result` is the kernel's return code. 3 for a null result.
+FWStatus_t FW_DeleteFqdnTree(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                             int* result);
+
+/// How many addresses of names there are, and how many identifiers in all of them.
+FWStatus_t FW_GetFqdnCount(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                           unsigned int* entries, unsigned int* uuids);
+
+/// The entry after the one of this address and family. A cleared address of family 0 asks for the
+/// first; what comes next is asked for with the address and the family of the entry before, by the
+/// first function for family 0 and 2 and by the second for every other. 57 for a family of the
+/// other one.
+FWStatus_t FW_GetFqdnEntriesV4(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                               FWAddress_ before, std::uint8_t family, FWFqdnEntry_* entry);
+FWStatus_t FW_GetFqdnEntriesV6(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                               FWAddress_ before, std::uint8_t family, FWFqdnEntry_* entry);
+
+/// The identifiers of an entry, into memory for `max` of them, each closed with a NUL. `*returned`
+/// is how many came. 3 for a null argument and a `max` of 0, 17 for more than a message holds.
+FWStatus_t FW_GetUuid(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                      const FWAddress_* address, unsigned int max, FWUuidItem_* items,
+                      unsigned int* returned);
+
+// --- Attributes of connections
+//
+// A connection is named by its description, or by its id when that is null. The id stands in the
+// request as it is given.
+
+/// How many attributes a connection has, and their size in a message.
+FWStatus_t FW_GetConnAttrInfo(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                              const FWConnection_* connection, std::uint64_t id,
+                              unsigned int* count, unsigned int* size);
+
+/// Makes a command that attaches attributes to a connection. Nothing is sent. The handle is the
+/// caller's until `FW_ReleaseConnectionAttr`; one thread at a time uses it. Whatever takes such a
+/// handle gives 3 for one that is null, foreign or released.
+FWStatus_t FW_CreateConnectionAttr(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                                   const FWConnection_* connection, std::uint64_t id,
+                                   FWAttrOpType operation, fwconnattr_** command);
+
+/// Add an attribute; one that the command has already is dropped. 66 for a number that is not a
+/// key, 67 for a value that the key does not take. An identifier is 16 bytes; its text may be null.
+FWStatus_t FW_AddAttrSTR(fwconnattr_* command, FWAttrKeyID key, const char* value);
+FWStatus_t FW_AddAttrINT(fwconnattr_* command, FWAttrKeyID key, std::int64_t value);
+FWStatus_t FW_AddAttrUUID(fwconnattr_* command, FWAttrKeyID key, const std::uint8_t* uuid,
+                          const char* text);
+
+/// Add security identifiers: of groups, one or several, and of the user. 67 for one without a text;
+/// none is added then.
+FWStatus_t FW_AddAttrSID(fwconnattr_* command, const fwattr_sid* sid);
+FWStatus_t FW_AddAttrMultiSID(fwconnattr_* command, const fwattr_sid* sids, unsigned int count);
+FWStatus_t FW_AddAttrUserSID(fwconnattr_* command, const fwattr_sid* sid);
+
+FWStatus_t FW_AddAttrProcessHash(fwconnattr_* command, std::uint64_t hash);
+
+/// Sends the command; it may be sent again. `port` replaces its selector unless it is null. 70 when
+/// the kernel knows no security identifiers of the user, 19 for another failure that it reports.
+FWStatus_t FW_SetConnectionAttr(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                                fwconnattr_* command);
+FWStatus_t FW_ReleaseConnectionAttr(fwconnattr_* command);
+
+// --- Addresses of a domain
+
+/// Makes a command that binds a domain to its addresses, in the same steps. The identifier is 16
+/// bytes; the name may be null.
+FWStatus_t FW_CreateDomain2IPHandle(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                                    const std::uint8_t* uuid, const char* name,
+                                    fwdomain2ip_** domain);
+
+/// Adds an IP address. The request has no field for its time to live, which is ignored. 33 for
+/// another address.
+FWStatus_t FW_AddIPAddress(fwdomain2ip_* domain, const FWAddress_* address,
+                           unsigned int timeToLive);
+FWStatus_t FW_SetDomain2IP(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                           fwdomain2ip_* domain);
+FWStatus_t FW_ReleaseDomain2IPHandle(fwdomain2ip_* domain);
+
+// --- Users of a filter
+
+/// Add security identifiers to a user, or delete them. 3 for a null user, and for null identifiers
+/// unless `count` is 0.
+FWStatus_t FW_AddAttrUid2MultiSid(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                                  const fwattr_sid* uid, const fwattr_sid* sids,
+                                  unsigned int count);
+FWStatus_t FW_DelAttrUid2Sid(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                             const fwattr_sid* uid, const fwattr_sid* sids, unsigned int count);
+
+/// How many users have security identifiers and how large their listing is; the listing itself,
+/// which is printed only.
+FWStatus_t FW_GetUid2SidMapSize(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                                unsigned int* count, unsigned int* size);
+FWStatus_t FW_GetUid2SidMap(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                            unsigned int count, unsigned int size);
+
+/// A security identifier from its text, "S-1-...", and back. 67 for what is none, 9 when `size` is
+/// too small; 185 bytes hold every text.
+FWStatus_t FW_SIDStringToBinary(const char* text, fwattr_sid* sid);
+FWStatus_t FW_BinaryToSIDString(const fwattr_sid* sid, char* text, unsigned int size);
+
+// --- State of deep inspection
+
+/// The states of `count` connections, up to 100, by their ids, into memory for `max` records; those
+/// that were not answered are cleared. 3 for a null argument and for another `count`.
+FWStatus_t FW_GetConnectionDPIInfo(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                                   const std::uint64_t* ids, unsigned int count,
+                                   FWDPIInfo_* records, unsigned int max);
+
+/// Name of an inspection state, "UNKNOWN" for one without a name.
+const char* FW_DPIStateToString(unsigned int state);
 
 // --- Records as text
 
