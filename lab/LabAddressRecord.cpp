@@ -57,12 +57,6 @@ bool isMasked(ConstBytes address, unsigned prefix) {
   return true;
 }
 
-std::string ipText(ConstBytes address) {
-  char text[INET6_ADDRSTRLEN] = "";
-  ::inet_ntop(address.size() == 4 ? AF_INET : AF_INET6, address.data(), text, sizeof text);
-  return text;
-}
-
 std::string macText(ConstBytes mac) {
   std::string text;
   for (std::size_t i = 0; i < 6; ++i) text += format(i == 0 ? "%02x" : ":%02x", get8(mac, i));
@@ -70,6 +64,12 @@ std::string macText(ConstBytes mac) {
 }
 
 }  // namespace
+
+std::string ipText(ConstBytes address) {
+  char text[INET6_ADDRSTRLEN] = "";
+  ::inet_ntop(address.size() == 4 ? AF_INET : AF_INET6, address.data(), text, sizeof text);
+  return text;
+}
 
 std::string fault(ConstBytes record) {
   const unsigned kind = get16(record, type);

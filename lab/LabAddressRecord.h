@@ -26,6 +26,9 @@ std::string fault(ConstBytes record);
 
 /// The address as the configuration language writes it.
 std::string text(ConstBytes record);
+
+/// An address of 4 or 16 bytes.
+std::string ipText(ConstBytes address);
 }  // namespace AddressRecord
 
 }  // namespace TarnLab

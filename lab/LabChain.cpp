@@ -1,5 +1,6 @@
 #include "LabChain.h"
 
+#include "LabSid.h"
 #include "LabText.h"
 
 namespace TarnLab::Chain {
@@ -15,7 +16,7 @@ constexpr std::size_t keyCount = sizeof keyTypes / sizeof keyTypes[0];
 
 // An attribute's value: key, type, length of the whole, two bytes of zero, and the value itself.
 constexpr std::size_t atKey = 0, atType = 2, atLength = 4, atValue = 10;
-constexpr std::size_t atStringLength = 26, atString = 28, sidSize = 72;
+constexpr std::size_t atStringLength = 26, atString = 28;
 
 std::string valueFault(ConstBytes value) {
   if (value.size() < atValue) return format("attribute of %zu bytes", value.size());
@@ -34,19 +35,11 @@ std::string valueFault(ConstBytes value) {
                                                              : "attribute string without an end";
     }
     case 4:
-      if (value.size() != atValue + sidSize) return "attribute with another length";
-      return get8(value, atValue + 4) == 1 && get8(value, atValue + 5) <= 15 ? "" : "bad SID";
+      if (value.size() != atValue + Sid::size) return "attribute with another length";
+      return Sid::fault(part(value, atValue, Sid::size));
     default:
       return value.size() == atValue + 8 ? "" : "attribute with another length";
   }
-}
-
-std::string sidText(ConstBytes sid) {
-  std::uint64_t authority = 0;
-  for (std::size_t i = 6; i < 12; ++i) authority = authority << 8 | get8(sid, i);
-  std::string text = format("S-1-%llu", static_cast<unsigned long long>(authority));
-  for (unsigned i = 0; i < get8(sid, 5); ++i) text += format("-%u", get32(sid, 12 + 4 * i));
-  return text;
 }
 
 std::string valueText(ConstBytes value) {
@@ -63,7 +56,7 @@ std::string valueText(ConstBytes value) {
       return name + " : " + std::string(getText(value, atString, length)) + "(" + uuid + ")";
     }
     case 4:
-      return name + " : " + sidText(part(value, atValue, sidSize));
+      return name + " : " + Sid::text(part(value, atValue, Sid::size));
     default:
       return name + format(" : %lld", static_cast<long long>(get64(value, atValue)));
   }

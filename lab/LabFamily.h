@@ -6,6 +6,7 @@
 #include "LabCommand.h"
 #include "LabDirect.h"
 #include "LabSettings.h"
+#include "LabTable.h"
 
 namespace TarnLab {
 
@@ -16,25 +17,32 @@ struct Family {
 
   /// Gives a filter of a new host what it does not have as usual; most have nothing such.
   void (*fill)(const CommandContext& context) = nullptr;
+
+  std::span<const Table> tables = {};
 };
 
 // Every family, one line each.
-#define TARNLAB_FAMILIES(FAMILY) \
-  FAMILY(addrSetConfigFamily)    \
-  FAMILY(addrSetFamily)          \
-  FAMILY(addrSetReadingFamily)   \
-  FAMILY(connectionFamily)       \
-  FAMILY(debugFamily)            \
-  FAMILY(filterListFamily)       \
-  FAMILY(filterSettingsFamily)   \
-  FAMILY(floodFamily)            \
-  FAMILY(flowFamily)             \
-  FAMILY(kifFamily)              \
-  FAMILY(messageFamily)          \
-  FAMILY(ruleReadingFamily)      \
-  FAMILY(ruleSetFamily)          \
-  FAMILY(spoofGuardFamily)       \
-  FAMILY(timeoutFamily)
+#define TARNLAB_FAMILIES(FAMILY)    \
+  FAMILY(addrSetConfigFamily)       \
+  FAMILY(addrSetFamily)             \
+  FAMILY(addrSetReadingFamily)      \
+  FAMILY(connectionAttributeFamily) \
+  FAMILY(connectionFamily)          \
+  FAMILY(debugFamily)               \
+  FAMILY(discoveryFamily)           \
+  FAMILY(filterListFamily)          \
+  FAMILY(filterSettingsFamily)      \
+  FAMILY(floodFamily)               \
+  FAMILY(flowFamily)                \
+  FAMILY(kifFamily)                 \
+  FAMILY(memoryFamily)              \
+  FAMILY(messageFamily)             \
+  FAMILY(nameFamily)                \
+  FAMILY(ruleReadingFamily)         \
+  FAMILY(ruleSetFamily)             \
+  FAMILY(spoofGuardFamily)          \
+  FAMILY(timeoutFamily)             \
+  FAMILY(userFamily)
 
 #define TARNLAB_DECLARE_FAMILY(name) extern const Family name;
 TARNLAB_FAMILIES(TARNLAB_DECLARE_FAMILY)

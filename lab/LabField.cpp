@@ -1,5 +1,6 @@
 #include "LabField.h"
 
+#include "LabSid.h"
 #include "LabText.h"
 
 namespace TarnLab {
@@ -34,6 +35,8 @@ std::string valueText(const Field& field, ConstBytes body) {
                     static_cast<unsigned long long>(get64(bytes, 8)));
     case As::mac:
       return digits(bytes, ":");
+    case As::sid:
+      return Sid::text(bytes);
     case As::reserved:
       break;
   }

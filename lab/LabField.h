@@ -21,6 +21,7 @@ enum class As : std::uint8_t {
   bytes,    // printed as hexadecimal digits; not printed when they are all zero
   id,       // 16 bytes, two numbers in host order; not printed when they are all zero
   mac,      // 6 bytes
+  sid,      // a security identifier, 72 bytes
   reserved  // bytes or bits that a request has to leave zero; not printed
 };
 

@@ -70,6 +70,13 @@ std::string_view Host::switchId(std::size_t index) const {
 
 std::uint32_t Host::switchPort(std::size_t index) const { return get32(slot(index), slotPort); }
 
+std::optional<std::size_t> Host::find(std::string_view wanted, std::size_t room) const {
+  for (std::size_t i = 0; i < filterCount(); ++i) {
+    if (name(i).substr(0, room) == wanted) return i;
+  }
+  return std::nullopt;
+}
+
 std::string Host::folderOf(std::size_t index) { return format("filters/%zu", index); }
 
 SelectedFilter Host::select(ConstBytes selector) const {

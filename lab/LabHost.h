@@ -70,6 +70,13 @@ class Host {
   std::string_view switchId(std::size_t index) const;
   std::uint32_t switchPort(std::size_t index) const;
 
+  /// The filter of that name, which may be cut to as many characters as a request has room for;
+  /// nothing when there is none.
+  std::optional<std::size_t> find(std::string_view wanted, std::size_t room) const;
+
+  /// Whether it is the filter of the usual host that has one of everything.
+  bool isShowpiece(std::size_t index) const { return name(index) == showpiece; }
+
   /// Folder of the filter's state in the lab.
   static std::string folderOf(std::size_t index);
 
@@ -88,6 +95,7 @@ class Host {
   void setFlows(std::uint32_t ofEachFilter) { flows_ = ofEachFilter; }
 
  private:
+  static constexpr std::string_view showpiece = "nic-1002672-eth0-kelpco-sfw.2";
   friend class HostMaker;
   static constexpr std::size_t slotSize = 1024;
   Bytes slot(std::size_t index) { return part(Bytes(slots_), index * slotSize, slotSize); }

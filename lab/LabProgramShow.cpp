@@ -4,6 +4,7 @@
 
 #include "LabAddressRecord.h"
 #include "LabChain.h"
+#include "LabFamily.h"
 #include "LabFaults.h"
 #include "LabFlowFile.h"
 #include "LabHost.h"
@@ -172,21 +173,51 @@ int showContents(const Store& store, const Host& host, bool rules, Arguments arg
   return exitOk;
 }
 
+/// The tables of a filter that are not empty, with what is in them; with a name, that one only.
+int showTables(const Store& store, const Host& host, Arguments arguments) {
+  const std::string folder = folderOfFilter(store, host, arguments[0]);
+  const bool one = arguments.size() > 1;
+  bool found = false;
+  for (const Family* family : families()) {
+    for (const Table& table : family->tables) {
+      if (one && table.name != arguments[1]) continue;
+      found = true;
+      const Table::Records records = table.load(store, folder);
+      if (records.empty()) continue;
+      std::printf("%s {\n", std::string(table.name).c_str());
+      for (const ByteVector& record : records) {
+        std::string text = table.text(record);
+        for (std::size_t at = text.find('\n'); at != std::string::npos;
+             at = text.find('\n', at + 1)) {
+          text.insert(at + 1, "  ");
+        }
+        std::printf("  %s\n", text.c_str());
+      }
+      std::puts("}");
+    }
+  }
+  if (one && !found) throw std::runtime_error("there is no table " + printable(arguments[1]));
+  return exitOk;
+}
+
 }  // namespace
 
 int runShow(const Store& store, Arguments arguments) {
   const std::string_view option = arguments.empty() ? "" : arguments[0];
-  const bool contents = option == "--rules" || option == "--addrsets";
+  const bool tables = option == "--tables";
+  const bool contents = option == "--rules" || option == "--addrsets" || tables;
   if (!contents && option.starts_with('-')) {
     return misused("show", "unknown argument " + printable(option));
   }
   if (contents && (arguments.size() < 2 || arguments.size() > 3)) {
-    return misused("show", std::string(option) + " needs a filter and takes the name of a set");
+    return misused("show", std::string(option) + " needs a filter and takes the name of a " +
+                               (tables ? "table" : "set"));
   }
   if (!contents && arguments.size() > 1) return misused("show", "takes one filter");
 
   requireLab(store);
   const Host host = Host::load(store);
+  if (tables) return showTables(store, host, arguments.subspan(1));
   if (contents) return showContents(store, host, option == "--rules", arguments.subspan(1));
   return arguments.empty() ? showAll(store, host) : showOne(store, host, arguments[0]);
 }

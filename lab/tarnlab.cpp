@@ -53,6 +53,7 @@ constexpr ProgramCommand commands[] = {
      "Usage: tarnlab show [FILTER]\n"
      "       tarnlab show --rules FILTER [RULESET]\n"
      "       tarnlab show --addrsets FILTER [ADDRSET]\n"
+     "       tarnlab show --tables FILTER [TABLE]\n"
      "\n"
      "Shows the host's filters, what each of them holds, and the faults in force; with a\n"
      "FILTER, that one only. An agent's shared address sets are shown and named as the\n"
@@ -62,6 +63,8 @@ constexpr ProgramCommand commands[] = {
      "                  language writes them\n"
      "  --addrsets      the addresses and elements of every address set and container, or\n"
      "                  of the one\n"
+     "  --tables        what the filter has learnt or was given, table by table, or of the one:\n"
+     "                  attributes, inspections, discovered, names, users\n"
      "  --help          this text\n",
      runShow},
     {"log", "show what was asked of the devices",

@@ -228,6 +228,7 @@ Showing
   Usage: tarnlab show [FILTER]
          tarnlab show --rules FILTER [RULESET]
          tarnlab show --addrsets FILTER [ADDRSET]
+         tarnlab show --tables FILTER [TABLE]
   
   Shows the host's filters, what each of them holds, and the faults in force; with a
   FILTER, that one only. An agent's shared address sets are shown and named as the
@@ -237,6 +238,8 @@ Showing
                     language writes them
     --addrsets      the addresses and elements of every address set and container, or
                     of the one
+    --tables        what the filter has learnt or was given, table by table, or of the one:
+                    attributes, inspections, discovered, names, users
     --help          this text
   $ tarnlab show | sed "s|$TARNLAB_HOME|HOME|"
   lab HOME
@@ -299,6 +302,15 @@ Showing
   $ run tarnlab show --addrsets nic-1002672-eth0-kelpco-sfw.2 web
   err| tarnlab: there is no address set web
   [1]
+  $ run tarnlab show --tables nic-1002672-eth0-kelpco-sfw.2
+  $ run tarnlab show --tables nic-1002731-eth0-kelpco-sfw.2
+  $ run tarnlab show --tables nic-1002672-eth0-kelpco-sfw.2 nothing
+  err| tarnlab: there is no table nothing
+  [1]
+  $ run tarnlab show --tables
+  err| tarnlab: show: --tables needs a filter and takes the name of a table
+  err| Try "tarnlab show --help".
+  [2]
   $ run tarnlab show --rules nowhere
   err| tarnlab: there is no filter nowhere
   [1]
