@@ -131,9 +131,9 @@ int readMemory(Request& request, Body& body) {
 
 std::string heapText(ConstBytes block) {
   using namespace HeapBlock;
-  std::string text = fieldsText(
-      {name, megabytes, allocations, frees, inUse, mostInUse, mostObjects, overhead, zoneCount},
-      block);
+  std::string text = std::string(name.get(block)) + " ";
+  text += fieldsText(
+      {megabytes, allocations, frees, inUse, mostInUse, mostObjects, overhead, zoneCount}, block);
   const std::uint32_t zones = std::min(zoneCount.get(block), mostZones);
   for (std::size_t i = 0; i < zones; ++i) {
     const ConstBytes zone = part(block, zonesAt + i * zoneSize, zoneSize);

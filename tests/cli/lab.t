@@ -303,6 +303,49 @@ Showing
   err| tarnlab: there is no address set web
   [1]
   $ run tarnlab show --tables nic-1002672-eth0-kelpco-sfw.2
+  inspections {
+    id 1001, state 0
+    id 1002, state 1
+    id 1003, state 2
+    id 1004, state 3
+    id 1005, state 4
+  }
+  discovered {
+    adds 19, deletes 12, updated 5400
+    ip 10.20.1.40 vlan 101, mac 00:50:56:99:2b:26, source 1
+    ip 10.20.1.41 vlan 102, mac 00:50:56:99:2b:27, source 2
+    ip 10.20.1.42 vlan 103, mac 00:50:56:99:2b:28, source 2
+    ip 10.20.1.43 vlan 104, mac 00:50:56:99:2b:29, source 3
+    ip fd00:20:1::40 vlan 105, mac 00:50:56:99:2b:26, source 3
+    ip fe80::250:56ff:fe99:2b27 vlan 106, mac 00:50:56:99:2b:27, source 4
+    ip fd00:20:1::42 vlan 107, mac 00:50:56:99:2b:28, source 1
+  }
+  names {
+    ip 10.20.5.10 since 120, for 300 seconds
+      6f1c2b90-4d3e-4a57-8c61-000000000001 shop1.kelpco.example
+    ip 10.20.5.11 since 260, stays
+      6f1c2b90-4d3e-4a57-8c61-000000000002 shop2.kelpco.example
+      6f1c2b90-4d3e-4a57-8c61-000000000003 shop3.kelpco.example
+    ip 10.20.5.12 since 380, for 60 seconds
+    ip fd00:20:5::10 since 540, for 86400 seconds
+      6f1c2b90-4d3e-4a57-8c61-000000000004 shop4.kelpco.example
+    ip fd00:20:5::11 since 660, stays
+      6f1c2b90-4d3e-4a57-8c61-000000000005 shop5.kelpco.example
+      6f1c2b90-4d3e-4a57-8c61-000000000006 shop6.kelpco.example
+      6f1c2b90-4d3e-4a57-8c61-000000000007 shop7.kelpco.example
+  }
+  users {
+    S-1-5-21-1004336348-1177238915-1101 active, 7 connections
+      S-1-5-21-1004336348-1177238915-513
+      S-1-5-21-1004336348-1177238915-514
+      S-1-5-21-1004336348-1177238915-515
+    S-1-5-21-1004336348-1177238915-1102 inactive, 0 connections
+      S-1-5-21-1004336348-1177238915-523
+      S-1-5-21-1004336348-1177238915-524
+    S-1-5-21-1004336348-1177238915-1103 active, 9 connections
+      S-1-5-21-1004336348-1177238915-533
+    S-1-5-21-1004336348-1177238915-1104 inactive, 0 connections
+  }
   $ run tarnlab show --tables nic-1002731-eth0-kelpco-sfw.2
   $ run tarnlab show --tables nic-1002672-eth0-kelpco-sfw.2 nothing
   err| tarnlab: there is no table nothing

@@ -1,4 +1,5 @@
 #include "LabBench.h"
+#include "LabDecode.h"
 #include "LabFamily.h"
 
 namespace TarnLab {
@@ -100,7 +101,7 @@ TEST_F(LabConnectionAttributes, AttributesOfAConnectionAreKeptByItsId) {
 TEST_F(LabConnectionAttributes, AConnectionIsFoundByItsAddressesAsGiven) {
   ASSERT_EQ(command(73, request(0, connection(), 1, 0, {number(0, 3)})), 0u) << note();
   EXPECT_EQ(count(2, connection(), 0), (std::pair{1u, 12 + 26u}));
-  EXPECT_EQ(count(2, Record().bytes(connection()).set(34, 1), 0), (std::pair{0u, 12u}));
+  EXPECT_EQ(count(2, Record().bytes(connection()).set(35, 0xbc), 0), (std::pair{0u, 12u}));
 }
 
 TEST_F(LabConnectionAttributes, AttributesAreDeletedOneByOneOrAllAtOnce) {
@@ -187,6 +188,15 @@ TEST_F(LabConnectionAttributes, InspectionRequestsAreCheckedByTheirCounts) {
   EXPECT_EQ(command(77, Record().u32(1).u32(0).u64(1).u8(1).zero(7)), 25u);
   EXPECT_EQ(note(), "entry 0 with reserved bytes set");
   EXPECT_EQ(command(77, Record().zero(7)), 25u);
+}
+
+TEST_F(LabConnectionAttributes, TheLogShowsAttributesAndInspections) {
+  ASSERT_EQ(setById(5, {number(0, 3), userSid(1101)}), 0u);
+  EXPECT_EQ(decodeRecords(journal().back()),
+            "    APP_ID : 3\n"
+            "    USER_SID : S-1-5-21-1004336348-1177238915-1101\n");
+  ASSERT_EQ(command(77, Record().u32(2).u32(0).u32(0).u16(0).u8(0x10).u8(3).u64(0).zero(16)), 0u);
+  EXPECT_EQ(decodeRecords(journal().back()), "    id 1003 found, state 2\n    id 0\n");
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include <cerrno>
 
 #include "LabBench.h"
+#include "LabDecode.h"
 #include "LabFamily.h"
 
 namespace TarnLab {
@@ -168,6 +169,24 @@ TEST_F(LabDiscovery, RequestsThatMakeNoSenseAreRefused) {
   ASSERT_EQ(count(), 0);
   EXPECT_EQ(get32(body, 101), 4u) << "what was refused changed nothing";
   EXPECT_EQ(get32(body, 149), 32u);
+}
+
+TEST_F(LabDiscovery, TheLogShowsTheEntries) {
+  ASSERT_EQ(read(3, 2 * 26), 0) << note();
+  const JournalEntry entry = journal().back();
+  EXPECT_EQ(decodeRequest(entry),
+            "firewall 31: discovered addresses(filter \"nic-1002672-eth0-kelpco-sfw.2\", "
+            "operation 3, room 52) = ok {ipv4 2, ipv6 0, features 0xf, adds 19, deletes 12, "
+            "updated 5400, arp entries 32, other entries 96, arp timeout 7200}");
+  EXPECT_EQ(decodeRecords(entry),
+            "    ip 10.20.1.40 vlan 101, mac 00:50:56:99:2b:26, source 1\n"
+            "    ip 10.20.1.41 vlan 102, mac 00:50:56:99:2b:27, source 2\n");
+  ASSERT_EQ(configure(3, 40, 88, 600), 0);
+  EXPECT_EQ(decodeRequest(journal().back()),
+            "firewall 32: discovery of addresses(filter \"nic-1002672-eth0-kelpco-sfw.2\", "
+            "operation 5, features 0x3, arp entries 40, other entries 88, arp timeout 600) = ok");
+  ASSERT_EQ(count(), 0);
+  EXPECT_EQ(decodeRecords(journal().back()), "");
 }
 
 }  // namespace

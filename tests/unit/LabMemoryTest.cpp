@@ -1,6 +1,7 @@
 #include <cerrno>
 
 #include "LabBench.h"
+#include "LabDecode.h"
 #include "LabFamily.h"
 
 namespace TarnLab {
@@ -122,6 +123,16 @@ TEST_F(LabMemory, RequestsThatMakeNoSenseAreRefused) {
     EXPECT_EQ(note(), "memory with reserved bytes set");
   }
   EXPECT_EQ(read(Record().bytes(body()).u8(0)), EINVAL);
+}
+
+TEST_F(LabMemory, TheLogShowsTheHeaps) {
+  ASSERT_EQ(read(body(1, 1)), 0);
+  const JournalEntry entry = journal().back();
+  EXPECT_EQ(decodeRequest(entry), "firewall 37: memory(version 1, heaps 1) = ok {heaps 1}");
+  EXPECT_EQ(decodeRecords(entry),
+            "    tarn-config megabytes 512, allocations 5013, frees 5000, "
+            "in use 6240, most in use 7200, most objects 15, overhead 16, zones 1; "
+            "filter 866 x 8\n");
 }
 
 }  // namespace

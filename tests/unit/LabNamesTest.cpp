@@ -1,4 +1,5 @@
 #include "LabBench.h"
+#include "LabDecode.h"
 #include "LabFamily.h"
 
 namespace TarnLab {
@@ -44,7 +45,7 @@ class LabNames : public LabBench {
     Record bytes;
     bytes.u16(1).u16(0).u32(length).u16(key).u16(3).u32(length).u16(0);
     for (unsigned i = 0; i < 16; ++i) bytes.u8(identifier);
-    return bytes.u16(name.size() + 1).text(name, name.size() + 1);
+    return bytes.u16(static_cast<unsigned>(name.size()) + 1).text(name, name.size() + 1);
   }
 
   std::uint32_t add(const ByteVector& domain, const std::vector<ByteVector>& addresses) {
@@ -173,6 +174,22 @@ TEST_F(LabNames, KeysThatMakeNoSenseAreRefused) {
   EXPECT_EQ(command(71, Record().zero(20).u8(1).to(170)), 25u);
   EXPECT_EQ(command(71, Record().zero(166).u8(1).to(170)), 25u);
   EXPECT_EQ(command(71, Record().zero(169)), 25u);
+}
+
+TEST_F(LabNames, TheLogShowsIdentifiersAndDomains) {
+  ASSERT_EQ(identifiers(ipv6(0x10), 1), 0u);
+  EXPECT_EQ(decodeRecords(journal().back()),
+            "    6f1c2b90-4d3e-4a57-8c61-000000000004 shop4.kelpco.example\n");
+  ASSERT_EQ(add(domain(0xab, "db.kelpco.example"), {ipv4("10.9.9.9"), ipv6(9)}), 0u);
+  EXPECT_EQ(decodeRecords(journal().back()),
+            "    FQDN : db.kelpco.example(abababab-abab-abab-abab-abababababab)\n"
+            "    ip 10.9.9.9\n"
+            "    ip fd00:20:5::9\n");
+  ASSERT_EQ(add(Record().u32(1), {}), 35u);
+  EXPECT_EQ(decodeRecords(journal().back()), "    ? 1 elements counted, 0 found\n");
+  ASSERT_EQ(command(69, Record().u32(0)), 0u);
+  EXPECT_NE(decodeRequest(journal().back()).find(": DeleteFqdnTree() = ok {result 0}"),
+            std::string::npos);
 }
 
 }  // namespace

@@ -65,7 +65,7 @@ TEST_F(LabTable, NoTwoTablesHaveTheSameName) {
   std::vector<std::string_view> names;
   for (const Family* family : families()) {
     for (const Table& each : family->tables) {
-      for (const std::string_view other : names) EXPECT_NE(each.name, other);
+      for (const std::string_view before : names) EXPECT_NE(each.name, before);
       EXPECT_NE(each.text, nullptr) << each.name;
       EXPECT_GT(each.least, 0u) << each.name;
       names.push_back(each.name);

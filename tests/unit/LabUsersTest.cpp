@@ -1,4 +1,5 @@
 #include "LabBench.h"
+#include "LabDecode.h"
 #include "LabFamily.h"
 
 namespace TarnLab {
@@ -119,6 +120,23 @@ TEST_F(LabUsers, ChangesThatMakeNoSenseAreRefused) {
   EXPECT_EQ(command(81, Record().zero(84).set(12, 1)), 25u);
   EXPECT_EQ(command(80, Record().zero(83)), 25u);
   EXPECT_EQ(count().first, 4u);
+}
+
+TEST_F(LabUsers, TheLogShowsUsersAndSids) {
+  ASSERT_EQ(read(2, 304 + 232), 0u);
+  EXPECT_EQ(decodeRecords(journal().back()),
+            "    S-1-5-21-1004336348-1177238915-1101 active, 7 connections\n"
+            "      S-1-5-21-1004336348-1177238915-513\n"
+            "      S-1-5-21-1004336348-1177238915-514\n"
+            "      S-1-5-21-1004336348-1177238915-515\n"
+            "    S-1-5-21-1004336348-1177238915-1102 inactive, 0 connections\n"
+            "      S-1-5-21-1004336348-1177238915-523\n"
+            "      S-1-5-21-1004336348-1177238915-524\n");
+  ASSERT_EQ(command(80, change(0, sid(1), {sid(7)})), 0u);
+  EXPECT_NE(decodeRequest(journal().back())
+                .find("SetUid2SidMapping(operation 0, sids 1, uid S-1-5-21-1) = ok"),
+            std::string::npos);
+  EXPECT_EQ(decodeRecords(journal().back()), "    S-1-5-21-7\n");
 }
 
 }  // namespace
