@@ -16,7 +16,7 @@ using namespace TarnFirewall;
 
 namespace {
 
-constexpr std::size_t kBody = 32;   // behind the message's header and the envelope
+constexpr std::size_t kBody = 32;   // after the message's header and the envelope
 constexpr std::size_t kHead = 168;  // of the rules in the message that creates a set
 
 std::vector<FWRule_> g_rules;

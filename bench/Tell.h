@@ -8,7 +8,7 @@
 #include <cstdio>
 #include <cstring>
 
-/// The most memory that the process has had resident, in kilobytes; 0 where the host doesn't tell.
+/// The most memory that the process has had resident, in kilobytes; 0 where the host doesn't say.
 ///
 /// A parent's resource usage of its child would count the parent too, in whose memory the child was
 /// born.

@@ -4,7 +4,7 @@ target_compile_options(
   tarnfw_warnings INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wformat=2
                             -Wnon-virtual-dtor -Werror)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
-  # Our printf-like macros pass a literal behind a literal prefix through __VA_OPT__.
+  # Our printf-like macros pass a literal after a literal prefix through __VA_OPT__.
   target_compile_options(tarnfw_warnings INTERFACE -Wno-gnu-zero-variadic-macro-arguments)
 endif()
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)

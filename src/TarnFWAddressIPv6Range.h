@@ -14,7 +14,7 @@ class CTarnFWAddressIPv6Range final
 
  private:
   /// By last, unswapped word by word from the last word on; of equal ones, when any word of first
-  /// is less. Meant in this order.
+  /// is less. The kernel keeps its sets in this order.
   bool valueLess(const CTarnFWAddress& other) const override;
 };
 

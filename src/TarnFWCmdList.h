@@ -24,7 +24,7 @@ class CTarnFWCmdList final : public ITarnFWObject {
   unsigned int getMsgSize() const override;
   int getType() const override;
 
-  /// Each command's text with ";\n" behind it.
+  /// Each command's text with ";\n" after it.
   std::string toString() const override;
 
   /// Throws `CUnsupportedException`: a list is evaluated, not written.

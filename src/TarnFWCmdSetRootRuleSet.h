@@ -21,7 +21,7 @@ class CTarnFWCmdSetRootRuleSet final : public CTarnFWRuleSetCreateCmd {
   int getType() const override { return kType; }
 
   /// "set root ruleset A and B", an empty name as two quotation marks. " and B" is left out when B
-  /// is A with "_L2" behind it, in any case.
+  /// is A with "_L2" after it, in any case.
   std::string toString() const override;
 
  private:

@@ -1,5 +1,5 @@
 // The C++ side of the C program: tarnfw.h is C++20, so that the integers of its records convert by
-// themselves. What a C program needs stands behind functions of its own, as here.
+// themselves. What a C program needs is wrapped in functions of its own, as here.
 
 #include "firewall.h"
 

@@ -2,7 +2,7 @@ A host without the firewall's device.
 
   $ . "$TESTDIR/setup"
 
-The list is then empty, since only the kernel's own status counts; the log tells why.
+The list is then empty, since only the kernel's own status counts; the log says why.
 
   $ run tarnioctl getfilters
   err| ERROR: there is no filter for agent 

@@ -231,7 +231,7 @@ The old name of the device.
   Total number of kernel filters: 8
 
 Requests that fail: the first looks like a host without filters, the second like filters without
-names, since only the kernel's own status counts. The log tells more.
+names, since only the kernel's own status counts. The log says more.
 
   $ tarnlab fault errno EPERM --count 1 --only 20
   $ lab tarnioctl getfilters

@@ -98,7 +98,7 @@ The lab's own text of what it stores, beside the program's.
     ip 10.0.0.1-10.0.0.9,
   }
 
-What the log tells of a message.
+What the log has of a message.
 
   $ cli -c 'create ruleset "small" with rule 1 inout protocol any from any to any accept; describe size of addrset "one";'
   addrset type : 1

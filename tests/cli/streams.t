@@ -5,7 +5,7 @@ Standard streams that the caller has closed, and one that takes nothing.
   $ filter=nic-1002672-eth0-kelpco-sfw.2
   $ config() { tarnlab run tarnioctl tarnfwcli -Override "$@"; }
 
-What is printed never gets into a file that is opened behind it.
+What is printed never gets into a file that is opened after it.
 
   $ text='config file "message"; destroy all ruleset;'
   $ config -c "$text" -c nonsense

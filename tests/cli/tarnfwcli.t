@@ -85,7 +85,7 @@ A selector in the text does without the option.
   log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initialized tarn library\n\n
   log| tarnioctl <85> Filter  was configured with `describe count of ruleset of vif 8d0c7a10-55f4-4c1e-9b02-0000632a0000;'.\n
 
-What is wrong is told with its place; nothing of the text is sent.
+What is wrong is reported with its place; nothing of the text is sent.
 
   $ lab tarnioctl tarnfwcli -Override -f $filter -c 'destroy all ruleset; destroy;'
   err| ERROR: Could not load config `destroy all ruleset; destroy;': parsing error
@@ -140,7 +140,7 @@ What the kernel refuses ends the evaluation.
   log| tarnioctl <84> tarnfw: TarnFWCmd:execute():N failed to execute command DestroyRuleSet: no ruleset\n\n
   [1]
 
-Another channel takes the messages of its text and of those behind it.
+Another channel takes the messages of its text and of those after it.
 
   $ lab tarnioctl tarnfwcli -Override -f $filter -c 'config file "out.bin"; destroy ruleset "web";' -c 'destroy all addrset;'
   log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initializing tarn library.\n\n

@@ -80,7 +80,7 @@ struct Begun {
   std::vector<FWStatus_t> outcomes;  // of its sends, one by one
 };
 
-/// Watches one evaluation: the commands tell what they are asked, the channel what it carries.
+/// Watches one evaluation: the commands note what they are asked, the channel what it carries.
 class Watch {
  public:
   Watch(unsigned int settings) : settings_(settings) {}
@@ -225,7 +225,7 @@ class WatchedCmd final : public CTarnFWCmd {
   void checkCmdReply(const void* reply, unsigned int size) override {
     require(size == getMsgSize());
     watch_.reads(reply, size);
-    // In memory of its own, so that reading on behind it is seen.
+    // In memory of its own, so that reading on after it is seen.
     const auto* bytes = static_cast<const std::byte*>(reply);
     const std::vector<std::byte> copy(bytes, bytes + size);
     try {
@@ -243,7 +243,7 @@ class WatchedCmd final : public CTarnFWCmd {
 
 // --- Channels
 
-/// The host behind a generic channel.
+/// The host at the other end of a generic channel.
 struct GenericHost {
   FuzzHost& host;
   int users = 0;
@@ -375,7 +375,7 @@ constexpr CommandPtr (*kMakers[])() = {
 constexpr unsigned int kMostBody = 1 << 20;
 constexpr unsigned int kNoBody = 0xffffff00;
 
-/// One of the above, or a command of any number, 16 bits, and any size, 32 bits. A byte of 1 behind
+/// One of the above, or a command of any number, 16 bits, and any size, 32 bits. A byte of 1 after
 /// them leaves its body unwritten, one of 2 makes it claim a byte less, one of 3 lets it refuse its
 /// reply.
 CommandPtr newCommand(Input& input) {

@@ -284,10 +284,10 @@ struct FuzzHostCalls {
 
   static ssize_t recv(void* buffer, std::size_t size) {
     if (!g_host->answers()) return -1;
-    const std::size_t told = g_host->number(2);
-    if (g_host->hostile_ && told == 0xffff)
+    const std::size_t claimed = g_host->number(2);
+    if (g_host->hostile_ && claimed == 0xffff)
       return g_host->fail(static_cast<int>(g_host->number(1)));
-    const auto bytes = g_host->take(std::min(told, size));
+    const auto bytes = g_host->take(std::min(claimed, size));
     if (g_host->hostile_) {
       std::copy(bytes.begin(), bytes.end(), static_cast<std::uint8_t*>(buffer));
       return static_cast<ssize_t>(bytes.size());

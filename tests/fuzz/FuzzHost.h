@@ -38,8 +38,8 @@
 ///                               4  112 bytes over the block of the request; another part follows
 ///                               5  a byte: what the call itself gives; the reply is complete
 ///     another request         such parts of its frame, which has 32 bytes
-///     send, write             255 fails with the errno of the byte behind it
-///     recv                    65535 bytes: fails with the errno of the byte behind it
+///     send, write             255 fails with the errno of the byte after it
+///     recv                    65535 bytes: fails with the errno of the byte after it
 ///
 /// The device of the filter tables is never there on a hostile host, so that no run finds it open.
 class FuzzHost {
@@ -69,7 +69,7 @@ class FuzzHost {
   int error() const { return error_; }
 
   /// The reply to a message that came in another way than by an ioctl: writes it over the message
-  /// and tells what the call gives.
+  /// and says what the call gives.
   int answer(std::span<std::uint8_t> message);
 
  private:

@@ -20,7 +20,7 @@ void openDefaultHandle() {
   require(FW_GetDefaultLibHandle() != nullptr);
 }
 
-/// A word with nothing in the memory behind its NUL.
+/// A word with nothing in the memory after its NUL.
 std::vector<char> wordOf(const std::string& text) {
   return {text.c_str(), text.c_str() + text.size() + 1};
 }

@@ -8,7 +8,7 @@ namespace {
 
 constexpr std::size_t kUuidLength = 36;
 
-/// The last line behind its last ": ".
+/// The last line after its last ": ".
 std::string lastResult(const HandlerRun& run) {
   require(run.out.ends_with('\n'));
   const std::size_t colon = run.out.rfind(": ");

@@ -26,7 +26,7 @@ namespace {
 
 constexpr std::size_t kFrameSize = 32;
 
-/// A log may leave any errno behind.
+/// A log may leave any errno.
 __attribute__((format(printf, 2, 0))) void format(int, const char* text, va_list arguments) {
   char line[1024];
   std::vsnprintf(line, sizeof line, text, arguments);

@@ -28,7 +28,7 @@ Files and folders in backquotes; what is built, and what stands for several, is 
   tool/
   lab/
 
-Scripts that a reader is told to run.
+Scripts that the documents have a reader run.
 
   $ scripts() { grep -ohE '^( {4})?(\./|bench/|tests/|examples/)[a-z./-]+' "$1" | tr -d ' '; }
   $ for document in $documents; do

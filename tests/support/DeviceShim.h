@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-/// Stands behind the control devices of the program it is linked into: it defines `open`, `ioctl`
+/// Stands in for the control devices of the program it is linked into: it defines `open`, `ioctl`
 /// and `close`, so that the library's ordinary calls reach it. A device is a name under "/dev/"
 /// that a test has put there; every other file and descriptor passes through untouched.
 namespace DeviceShim {
@@ -37,7 +37,7 @@ const std::vector<Call>& calls();
 void failNextCalloc();
 
 /// The next lock of a mutex by the library fails with `EINVAL`; so does the next making of one, and
-/// the next unlock, although the mutex is free behind it.
+/// the next unlock, although the mutex is free after it.
 void failNextLock();
 void failNextMutex();
 void failNextUnlock();

@@ -30,7 +30,7 @@ extern "C" unsigned int sleep(unsigned int seconds) {
 const std::vector<unsigned int>& Sleeps::seen() { return g_sleeps; }
 void Sleeps::clear() { g_sleeps.clear(); }
 
-/// The functions behind the generic channel; the context is the kernel.
+/// The functions of the generic channel; the context is the kernel.
 struct FakeKernelIO {
   static FWStatus_t init(void* argument, void** context) {
     *context = argument;
@@ -140,7 +140,7 @@ Bytes requestOf(CTarnFWCmd& command) {
     return Bytes(0);
   }
   EXPECT_EQ(written, size);
-  for (std::size_t i = size; i < body.size(); ++i) EXPECT_EQ(body[i], 0xcd) << "behind the room";
+  for (std::size_t i = size; i < body.size(); ++i) EXPECT_EQ(body[i], 0xcd) << "after the room";
   body.resize(size);
   if (size != 0) {
     std::uint8_t one = 0xcd;

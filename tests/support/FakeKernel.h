@@ -13,9 +13,9 @@
 #include "TarnFWIOChannel.h"
 #include "TarnFWLibHandle.h"
 
-/// A scripted kernel behind a generic IO channel: keeps every message that it gets and answers each
-/// with the next prepared answer. Without one it answers status 0 and leaves the bodies as they
-/// are.
+/// A scripted kernel at the end of a generic IO channel: keeps every message that it gets and
+/// answers each with the next prepared answer. Without one it answers status 0 and leaves the
+/// bodies as they are.
 class FakeKernel {
  public:
   struct Message {
@@ -104,7 +104,7 @@ TarnFirewall::FWStatus_t executeOnce(FakeKernel& kernel, TarnFirewall::CTarnFWCm
 /// What the command prints for a reply that starts with these bytes.
 std::string printedFor(TarnFirewall::CTarnFWCmd& command, const Bytes& reply);
 
-/// Replaces the only time in `text` by "TIME", and expects it to be that moment behind the host's
+/// Replaces the only time in `text` by "TIME", and expects it to be that moment after the host's
 /// boot, give or take the second in which the test runs.
 std::string maskTime(std::string text, std::uint64_t bootSeconds);
 

@@ -24,7 +24,7 @@ class FailingAddressTexts {
   FailingAddressTexts& operator=(const FailingAddressTexts&) = delete;
 };
 
-/// The host knows this protocol under this name, as `getprotobynumber_r` tells.
+/// The host knows this protocol under this name, as `getprotobynumber_r` gives it.
 class HostProtocol {
  public:
   HostProtocol(int number, const std::string& name);

@@ -24,7 +24,7 @@ class LogCapture {
   /// comparisons that a moved source line does not break.
   std::vector<std::string> normalized() const;
 
-  /// True when a line of this priority has `text` behind its place ("file:function():line ").
+  /// True when a line of this priority has `text` after its place ("file:function():line ").
   bool has(int priority, const std::string& text) const;
 
   void clear();

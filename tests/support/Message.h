@@ -9,7 +9,7 @@
 #include "TarnFWObject.h"
 
 /// The wire form of an object, written into a buffer of `fill` that has exactly the room it asks
-/// for. Fails the test when a byte behind that room changes or the reported size is another.
+/// for. Fails the test when a byte after that room changes or the reported size is another.
 inline Bytes messageOf(TarnFirewall::ITarnFWObject& object, std::uint8_t fill = 0xee) {
   const unsigned int size = object.getMsgSize();
   Bytes bytes(size + 64, fill);

@@ -260,7 +260,7 @@ std::string memberText(const Command& command) {
   return command.type == kAddrSetType ? "ip 10.0.0.1" : kSid1;
 }
 
-/// Lines about generation and time, which a container has behind its open line.
+/// Lines about generation and time, which a container has after its open line.
 std::string infoText(const Command& command) {
   return command.type == kAddrSetType ? "" : "# generation number: 42\n# realization time : TIME\n";
 }
@@ -476,7 +476,7 @@ TEST_P(SetCommand, TheNameOfStatisticsIsComparedInAllItsBytes) {
   const auto stats = kernel.answerTo(kTableStats);
   kernel.on(kTableStats, [stats](Body& body) {
     const auto status = stats(body);
-    body.at[16 + 5] = 'z';  // behind the NUL
+    body.at[16 + 5] = 'z';  // after the NUL
     return status;
   });
   EXPECT_EQ(

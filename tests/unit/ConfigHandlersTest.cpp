@@ -158,7 +158,7 @@ TEST(TarnFWCLI, WithoutAFilterAStatementWithoutOneIsPassedOverUnlessItIsTheLast)
 TEST(TarnFWCLI, SaysThatTheFormerChannelCannotBeGivenUp) {
   EXPECT_FRESH([] {
     Kernel kernel;
-    // The next lock behind the first text is that of the default handle, when it is given up.
+    // The next lock after the first text is that of the default handle, when it is given up.
     kernel.meanwhile[kDestroyAllRules] = DeviceShim::failNextLock;
     const EmptyFile file;
     const std::string text = "config file \"" + file.path() + "\"; destroy all addrset;";

@@ -9,7 +9,7 @@ using LabFilterSettings = LabBench;
 
 TEST_F(LabFilterSettings, AFilterKeepsItsOwnFailPolicy) {
   ASSERT_EQ(command(35, Record().u8(0)), 0u);
-  EXPECT_EQ(get8(reply, 0), 0u) << "filters fail open until they are told otherwise";
+  EXPECT_EQ(get8(reply, 0), 0u) << "filters fail open until that is changed";
   ASSERT_EQ(command(31, Record().u8(1)), 0u);
   ASSERT_EQ(command(35, Record().u8(0)), 0u);
   EXPECT_EQ(get8(reply, 0), 1u);

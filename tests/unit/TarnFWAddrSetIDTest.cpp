@@ -15,7 +15,7 @@ FWAddrSetID_t id(const std::string& name) {
   return id;
 }
 
-/// The name's field of 38 bytes behind the header.
+/// The name's field of 38 bytes after the header.
 AddressGolden golden(const std::string& name, bool negated) {
   std::vector<int> field(name.begin(), name.end());
   field.resize(38, 0);

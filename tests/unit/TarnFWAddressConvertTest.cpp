@@ -87,7 +87,7 @@ std::vector<Block> leastCover(unsigned int bits, std::uint64_t first, std::uint6
   return blocks;
 }
 
-/// Every block aligned, the first at `first`, each right behind the one before, the last at `last`.
+/// Every block aligned, the first at `first`, each right after the one before, the last at `last`.
 void expectExact(const std::vector<Block>& blocks, std::uint64_t first, std::uint64_t last) {
   ASSERT_FALSE(blocks.empty());
   std::uint64_t next = first;

@@ -65,7 +65,7 @@ TEST(TarnFWAddressEther, WritesAndReadsItsRecord) {
 TEST(TarnFWAddressEther, IsOrderedDownwardsByBytes) {
   const CTarnFWAddressEther low("01:00:00:00:00:ff", false);
   const CTarnFWAddressEther high("02:00:00:00:00:00", false);
-  EXPECT_TRUE(high < low);  // the reverse of the other layer-2 addresses, which is meant
+  EXPECT_TRUE(high < low);  // the reverse of the other layer-2 addresses, as the kernel sorts
   EXPECT_FALSE(low < high);
   EXPECT_FALSE(low < low);
 }

@@ -80,7 +80,7 @@ TEST(TarnFWAddressFactory, RefusesTypesWithoutAClass) {
 }
 
 TEST(TarnFWAddressFactory, AMacRangeIsWrittenAndNotReadBack) {
-  // Meant so: the kernel never sends one.
+  // The kernel never sends one.
   CTarnFWAddressEtherRange range("0:0:0:0:0:1-0:0:0:0:0:2", false);
   FWAddress_ record = AddressGolden{0, false, {}}.record();
   ASSERT_TRUE(range.toMessage(&record, sizeof record, nullptr));

@@ -53,7 +53,8 @@ TEST(TarnFWAddressIPv6Range, RefusesABadTextWithTheWholeText) {
 }
 
 TEST(TarnFWAddressIPv6Range, ATextThatIsAcceptedMayBeRefusedAsARecord) {
-  // The two tests differ, and that is meant: a text by its bytes, a record by any word.
+  // A text is judged by its bytes, which stored configurations rely on; a record by any word, as
+  // the kernel does.
   CTarnFWAddressIPv6Range range("2001:db8::ffff-2001:db9::1", false);
   FWAddress_ record = AddressGolden{4, false, {}}.record();
   ASSERT_TRUE(range.toMessage(&record, sizeof record, nullptr));

@@ -96,7 +96,8 @@ TEST(TarnFWAddressIPv6, WritesAndReadsItsRecord) {
 TEST(TarnFWAddressIPv6, IsLessWhenAnyWordIsLess) {
   const CTarnFWAddressIPv6 a("0:1::2:0", false);
   const CTarnFWAddressIPv6 b("0:2::1:0", false);
-  // Each has a word below the other's: both hold. No strict weak order, which is meant.
+  // Each has a word below the other's: both hold. Not a strict weak order:
+  // the kernel sorts sets this way.
   EXPECT_TRUE(a < b);
   EXPECT_TRUE(b < a);
   EXPECT_FALSE(a < a);

@@ -11,7 +11,7 @@ using namespace TarnFirewall;
 
 namespace {
 
-/// FNV-1a, 64 bits, over the rows with a newline behind each: changes with any name and any order.
+/// FNV-1a, 64 bits, over the rows with a newline after each: changes with any name and any order.
 std::uint64_t fingerprint(const FWAttrNames& names) {
   std::uint64_t hash = 0xcbf29ce484222325;
   const auto add = [&](char c) { hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001b3; };

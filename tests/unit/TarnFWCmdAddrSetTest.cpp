@@ -212,13 +212,13 @@ TEST_F(TarnFWCmdAddrSet, UntrueNumbersAreCutToWhatWasAskedFor) {
   CTarnFWCmdGetAddrSetStatList stats(nullptr, FW_ADDRSET_ANY, 2, 0);
   CTarnFWCmdGetAddrValidOfAddrSet valid(nullptr, id("web"), 2, 0);
   CTarnFWCmdGetAddressOfAddrSet addresses(nullptr, id("web"), 2, 0);
-  for (const auto& [told, shown] :
+  for (const auto& [claimed, shown] :
        {std::pair{0u, 0}, std::pair{2u, 2}, std::pair{3u, 2}, std::pair{0xffffffffu, 2}}) {
-    EXPECT_EQ(lines(printedForWord(names, 12, told)), shown);
-    EXPECT_EQ(lines(printedForWord(stats, 12, told)), 6 * shown);
+    EXPECT_EQ(lines(printedForWord(names, 12, claimed)), shown);
+    EXPECT_EQ(lines(printedForWord(stats, 12, claimed)), 6 * shown);
     // An address of type 0 is "any", which converts.
-    EXPECT_EQ(lines(printedForWord(valid, 50, told)), shown);
-    EXPECT_EQ(lines(printedForWord(addresses, 50, told)), 2 + shown);
+    EXPECT_EQ(lines(printedForWord(valid, 50, claimed)), shown);
+    EXPECT_EQ(lines(printedForWord(addresses, 50, claimed)), 2 + shown);
   }
 }
 

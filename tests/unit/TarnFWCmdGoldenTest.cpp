@@ -20,7 +20,7 @@ namespace {
 Bytes message(int number, const Bytes& body, int sequence) {
   Bytes bytes(32 + body.size());
   bytes.text(0, "TARN");
-  put32(bytes, 4, static_cast<std::uint32_t>(12 + body.size()));  // what is behind the header
+  put32(bytes, 4, static_cast<std::uint32_t>(12 + body.size()));  // what follows the header
   bytes.at(8, {sequence, 0, 0, 0});
   bytes.at(12, {1, 1});  // version 1.1
   bytes.at(14, {0, 1});  // a request, to the firewall

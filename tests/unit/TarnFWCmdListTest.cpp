@@ -147,10 +147,10 @@ TEST_F(TarnFWCmdList, ABatchHoldsAsManyCommandsAsFit) {
   EXPECT_EQ(commandCount(kernel.messages()[1]), 48);
   ASSERT_EQ(log.lines().size(), 2u);
   EXPECT_EQ(log.lines()[0].priority, 6);
-  for (const auto& [line, told] :
+  for (const auto& [line, wanted] :
        {std::pair{0u, "execute pending cmd list of 252 commands and 255024 bytes in "},
         std::pair{1u, "execute pending cmd list of 48 commands and 48576 bytes in "}}) {
-    EXPECT_NE(log.lines()[line].text.find(told), std::string::npos) << log.lines()[line].text;
+    EXPECT_NE(log.lines()[line].text.find(wanted), std::string::npos) << log.lines()[line].text;
   }
   EXPECT_EQ(kernel.messages()[0].bytes[8], 0);
   EXPECT_EQ(kernel.messages()[1].bytes[8], 0) << "the buffer was reset: its sequence stays";
@@ -233,12 +233,12 @@ TEST_F(TarnFWCmdList, ABatchTellsTheSecondsThatItsSendingTook) {
   const std::time_t after = std::time(nullptr);
   ASSERT_EQ(log.lines().size(), 1u);
   const std::string& text = log.lines()[0].text;
-  const std::string told = "execute pending cmd list of 1 commands and 20 bytes in ";
-  const std::size_t place = text.find(told);
+  const std::string wanted = "execute pending cmd list of 1 commands and 20 bytes in ";
+  const std::size_t place = text.find(wanted);
   ASSERT_NE(place, std::string::npos) << text;
   long seconds = 0;
   char end = 0;
-  ASSERT_EQ(std::sscanf(text.c_str() + place + told.size(), "%ld seconds%c", &seconds, &end), 2);
+  ASSERT_EQ(std::sscanf(text.c_str() + place + wanted.size(), "%ld seconds%c", &seconds, &end), 2);
   EXPECT_EQ(end, '\n');
   EXPECT_GE(seconds, 1);
   EXPECT_LE(seconds, static_cast<long>(after - before));

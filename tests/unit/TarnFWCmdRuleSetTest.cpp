@@ -245,7 +245,7 @@ TEST_F(TarnFWCmdRuleSet, UntrueNumbersOfStatisticsAreCut) {
       Bytes reply(command.getMsgSize());
       put32(put32(reply, 64, ids), 76, entries);
       const std::string text = printedFor(command, reply);
-      // 136 bytes stand behind the head; the ids take four each, a record takes 64.
+      // 136 bytes stand after the head; the ids take four each, a record takes 64.
       const std::uint64_t room = std::uint64_t{ids} * 4 <= 136 ? 136 - std::uint64_t{ids} * 4 : 0;
       EXPECT_EQ(lines(text), static_cast<long>(std::min<std::uint64_t>({entries, 2, room / 64})))
           << ids << " ids, " << entries << " entries";
@@ -452,11 +452,11 @@ TEST_F(TarnFWCmdRuleSet, ARuleThatDoesNotConvertEndsThePrinting) {
   g_tarnfw_verbose[FW_COMPONENT_CMD].level = 1;
   const std::string text = printedFor(command, reply);
   EXPECT_TRUE(text.ends_with("\n" + ruleText(11) + "\n")) << text;
-  bool told = false;
+  bool logged = false;
   for (const LogCapture::Line& line : log.lines()) {
-    told = told || line.text.find("failed to convert rule #1: ") != std::string::npos;
+    logged = logged || line.text.find("failed to convert rule #1: ") != std::string::npos;
   }
-  EXPECT_TRUE(told);
+  EXPECT_TRUE(logged);
 }
 
 TEST_F(TarnFWCmdRuleSet, UntrueNumbersOfRulesAreCut) {

@@ -229,16 +229,16 @@ TEST_F(TarnFWCmdSettings, FloodCommandsHaveTheirTexts) {
 }
 
 TEST_F(TarnFWCmdSettings, FloodRowsAreCountedUpToWhatThereIsRoomFor) {
-  for (const auto& [told, counted] :
+  for (const auto& [claimed, counted] :
        {std::pair{0u, 0u}, std::pair{511u, 511u}, std::pair{512u, 512u}, std::pair{513u, 512u},
         std::pair{~0u, 512u}}) {
     Bytes reply(12424);
-    put32(reply, 132, told);
+    put32(reply, 132, claimed);
     const CTarnFWCmdReply view(reply.data(), reply.size());
     EXPECT_EQ(CTarnFWCmdGetFloodStat::stat(view).rowCount, counted);
     EXPECT_EQ(
-        log.has(4, "reply tells " + std::to_string(told) + " entries, only 512 can be read\n"),
-        told > 512);
+        log.has(4, "reply tells " + std::to_string(claimed) + " entries, only 512 can be read\n"),
+        claimed > 512);
   }
 }
 

@@ -77,7 +77,7 @@ Outcome expected(const ReplyRow& row, std::size_t size, bool printing) {
 }
 
 /// Hands the command a reply in a heap block of its own size, so that the address sanitizer sees a
-/// read behind it. The log tells everything, which reads as well.
+/// read after it. The log has everything, which reads as well.
 Outcome actual(CTarnFWCmd& command, const Bytes& reply, std::size_t size, bool printing) {
   const std::unique_ptr<std::uint8_t[]> block(new std::uint8_t[size]);
   std::fill_n(block.get(), size, std::uint8_t{0xee});

@@ -40,7 +40,7 @@ bool parse(CTarnFWContainer& container, const Bytes& bytes) {
                                  static_cast<unsigned int>(bytes.size()));
 }
 
-/// Bytes in a block of their own size, so that a read behind them is seen.
+/// Bytes in a block of their own size, so that a read after them is seen.
 Bytes cutTo(const Bytes& whole, std::size_t size) {
   Bytes cut(size);
   std::memcpy(cut.data(), whole.data(), size);

@@ -17,7 +17,7 @@ using namespace TarnFirewall;
 
 namespace {
 
-/// What a parse that fails logs behind its place, "" for a text that the grammar accepts.
+/// What a parse that fails logs after its place, "" for a text that the grammar accepts.
 std::string syntax(const std::string& text) {
   LogCapture log;
   fw_lex_extra_ extra;
@@ -157,7 +157,7 @@ TEST(TarnFWGrammar, AcceptsEveryFormOfAStatement) {
 }
 
 TEST(TarnFWGrammar, AcceptsEveryFormOfAnAttributeSet) {
-  // The values of the keys are refused behind the grammar, without a line.
+  // The values of the keys are refused after the grammar, without a line.
   for (const char* statement :
        {"create APP_ID attrset a of filter f with HTTP;", "create APP_ID attrset a with { HTTP };",
         "create APP_ID attrset a with { HTTP, DNS, };"}) {

@@ -15,7 +15,7 @@ using namespace TarnFirewall;
 
 namespace {
 
-/// A message of one command, with the 20 bytes of slack behind it.
+/// A message of one command, with the 20 bytes of slack after it.
 Bytes message(int command, int body, int commands = 1) {
   Bytes bytes(static_cast<std::size_t>(32 + body + 20));
   bytes.text(0, "TARN").at(4, {(12 + body) & 0xff, (12 + body) >> 8});
@@ -60,7 +60,7 @@ TEST_F(TarnFWIOChannelSocket, SendsTheRequestsSizeAndFiftyTwoBytesAndReceivesThe
 
   EXPECT_TRUE(std::equal(reply.begin(), reply.end(), bytes.begin()));
   EXPECT_TRUE(std::equal(before.begin() + 116, before.end(), bytes.begin() + 116))
-      << "nothing is received behind the message";
+      << "nothing is received after the message";
 }
 
 TEST_F(TarnFWIOChannelSocket, TheCatalogueReachesFromOneToNinetyOne) {

@@ -84,7 +84,7 @@ TEST(TarnFWIOChannel, ShowsTheFirstCommandOnEveryPass) {
 }
 
 TEST(TarnFWIOChannel, ReadsNothingBehindAShortMessage) {
-  // The heap block ends where the message does, so that a sanitizer sees a read behind it.
+  // The heap block ends where the message does, so that a sanitizer sees a read after it.
   for (unsigned int size = 0; size < 32; ++size) {
     Bytes cut = message();
     cut.resize(size);

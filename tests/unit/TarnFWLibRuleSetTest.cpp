@@ -329,7 +329,7 @@ TEST(TarnFWLibText, ABufferThatIsTooSmallIsRefusedWithItsSize) {
   const auto size = static_cast<unsigned int>(2 * one.size());
   std::vector<char> text(size, 'x');
   EXPECT_EQ(FW_GetRuleString(rules, 2, text.data(), size, 0), 9u);
-  EXPECT_EQ(text.data(), one) << "closed behind what fitted";
+  EXPECT_EQ(text.data(), one) << "closed after what fitted";
 }
 
 TEST(TarnFWLibText, NullAndZeroArgumentsAreRefused) {

@@ -218,8 +218,8 @@ TEST_F(TarnFWLibSettings, EveryFieldOfTheFloodStateIsAtItsPlace) {
   EXPECT_EQ(stat.rows[1].purged, 32u);
   EXPECT_EQ(stat.rows[1].notFound, 33u);
   EXPECT_EQ(stat.rows[511].notFound, 34u);
-  for (const std::uint32_t told : {513u, ~0u}) {
-    kernel.answer(0, put32(reply, 132, told));
+  for (const std::uint32_t claimed : {513u, ~0u}) {
+    kernel.answer(0, put32(reply, 132, claimed));
     EXPECT_EQ(FW_GetFloodStat(handle, &port, nullptr, &stat), 0u);
     EXPECT_EQ(stat.rowCount, 512u);
   }
@@ -248,12 +248,12 @@ TEST_F(TarnFWLibSettings, ASpoofGuardComesBackUpToTheRoomOfTheCaller) {
 TEST_F(TarnFWLibSettings, ASpoofGuardsCountIsBoundedByTheReply) {
   const auto room = std::make_unique<FWAddress_[]>(1025);
   room[1024].type = 0x7777;
-  for (const std::uint32_t told : {0u, 1024u, 1025u, ~0u}) {
+  for (const std::uint32_t claimed : {0u, 1024u, 1025u, ~0u}) {
     Bytes reply(147468);
-    kernel.answer(0, put32(reply, 8, told));
+    kernel.answer(0, put32(reply, 8, claimed));
     count = 1025;
     EXPECT_EQ(FW_CheckSpoofGuard(handle, &port, nullptr, &number, mac, &count, room.get()), 0u);
-    EXPECT_EQ(count, told == 0 ? 0u : 1024u);
+    EXPECT_EQ(count, claimed == 0 ? 0u : 1024u);
     EXPECT_EQ(room[1024].type, 0x7777u);
   }
 }

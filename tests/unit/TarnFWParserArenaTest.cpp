@@ -18,11 +18,11 @@ TEST(TarnFWParserArena, ReleasesToAMarkInAnEarlierBlockAndUsesTheRoomAgain) {
   CTarnFWParserArena arena;
   arena.copy("kept", 4);
   const auto mark = arena.mark();
-  const char* behind = arena.copy("a", 1);
+  const char* after = arena.copy("a", 1);
   const std::string filler(255, 'x');
   for (int i = 0; i < 100; ++i) arena.copy(filler.data(), filler.size());
   arena.release(mark);
-  EXPECT_EQ(arena.copy("b", 1), behind);
+  EXPECT_EQ(arena.copy("b", 1), after);
 }
 
 TEST(TarnFWParserArena, TheZeroMarkEmptiesIt) {

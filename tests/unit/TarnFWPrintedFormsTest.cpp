@@ -1,5 +1,5 @@
 /// Which printed rules the language takes back unchanged, and which it does not: what the two
-/// tables of docs/language.md tell its readers, line by line.
+/// tables of docs/language.md show its readers, line by line.
 
 #include <gtest/gtest.h>
 

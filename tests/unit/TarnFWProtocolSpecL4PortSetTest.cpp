@@ -178,7 +178,7 @@ TEST(TarnFWProtocolSpecL4PortSet, ReadsWireEntriesWithTheirRangeBits) {
             "not port {80-90, 7, 9, 443}");
   EXPECT_EQ(PortSet(1, std::span<const net16>(entries), 0x9, false).toString(),
             "port {7-9, 80-90, 443}");
-  // A bit behind the last entry means nothing.
+  // A bit after the last entry means nothing.
   EXPECT_EQ(PortSet(1, std::span<const net16>(entries, 2), 0xfffd, false).toString(),
             "port {80-90}");
 }

@@ -110,7 +110,7 @@ TEST(TarnFWRuleActionFactory, EveryKindCarriesEveryFlag) {
                {0x1f, 1, " with {log,copy,noflow,rtt,lbrule} as ftp"}};
   for (const Bytes& kind : kinds) {
     const std::string plain = read(kind)->toString();
-    // A key policy stands behind the flags, all other data in front of them.
+    // A key policy stands after the flags, all other data in front of them.
     const std::size_t place = std::min(plain.find(" keypolicy "), plain.size());
     for (const auto& flag : flags) {
       Bytes bytes = Bytes(kind).at(291, {flag.low, flag.high});

@@ -208,7 +208,7 @@ std::vector<ReplyRow> replies() {
                   {{68, "rule count       : 3\n"}, {84, "generation number: 42\n"}, {76, kTime}},
                   {}});
 
-  // Two records of zeros behind two ids, as an accepting rule that is called 0.
+  // Two records of zeros after two ids, as an accepting rule that is called 0.
   const std::string rule = "rule 0 at 0 inout ethertype any from any to any accept;\n";
   Bytes rules = Bytes(1888).at(64, {2}).at(76, {2}).at(104 + 750, {1}).at(996 + 750, {1});
   rows.push_back(
