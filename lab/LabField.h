@@ -79,14 +79,15 @@ using Net64 = NumberField<std::uint64_t, As::network>;
 using Hex32 = NumberField<std::uint32_t, As::hex>;
 using Hex64 = NumberField<std::uint64_t, As::hex>;
 
-/// The low bits of a byte, by their mask.
+/// Bits of a byte from the lowest on, by their mask. The byte's other bits stay as they are.
 struct Bits : Field {
   constexpr Bits(std::uint32_t at, std::uint8_t bits, const char* called)
       : Field{at, 1, As::number, bits, called} {}
   unsigned get(ConstBytes record) const { return get8(record, offset) & unsigned{mask}; }
   template <typename Target>
   void put(Target&& target, unsigned value) const {
-    putHost<std::uint8_t>(placeOf(target, *this), 0, static_cast<std::uint8_t>(value & mask));
+    const Bytes place = placeOf(target, *this);
+    put8(place, 0, static_cast<std::uint8_t>((get8(place, 0) & ~unsigned{mask}) | (value & mask)));
   }
 };
 
