@@ -101,4 +101,24 @@ static_assert(
     offsetof(FWFloodStat_, rstSent) == 120 && offsetof(FWFloodStat_, rowSize) == 128 &&
     offsetof(FWFloodStat_, rowCount) == 132 && offsetof(FWFloodStat_, rows) == 136);
 
+/// How long a filter keeps what it has learned from answers of name servers: the head of the
+/// profile. Addresses of servers follow it in a request.
+struct FWDnsConfigProfile_ {
+  std::uint8_t reserved[4];     //  +0  zero
+  std::uint8_t timeToLiveKind;  //  +4  `FWDnsTimeToLive_t`
+  host32 timeToLive;            //  +5  seconds
+  host32 addressCount;          //  +9
+};
+static_assert(sizeof(FWDnsConfigProfile_) == 13 && alignof(FWDnsConfigProfile_) == 1);
+static_assert(offsetof(FWDnsConfigProfile_, timeToLiveKind) == 4 &&
+              offsetof(FWDnsConfigProfile_, timeToLive) == 5 &&
+              offsetof(FWDnsConfigProfile_, addressCount) == 9);
+
+/// Values of `FWDnsConfigProfile_::timeToLiveKind`. With any other the seconds count.
+enum FWDnsTimeToLive_t : std::uint8_t {
+  FW_DNS_TTL_SECONDS = 0,
+  FW_DNS_TTL_INFINITE = 1,
+  FW_DNS_TTL_AUTOMATIC = 2,
+};
+
 }  // namespace TarnFirewall

@@ -432,6 +432,16 @@ FWStatus_t FW_GetSkifferExportver(fwlibhandle_* handle, const dvs_port_* port, v
 FWStatus_t FW_ConfigICMPErrPktDrop(fwlibhandle_* handle, const dvs_port_* port, void* context,
                                    int enable);
 
+/// How long a filter keeps what it has learned from answers of name servers: `mode` 1 for ever, 2
+/// as the answers say, 0 for the seconds. 7 for a mode above 255, which is not sent. What is read
+/// is printed.
+FWStatus_t FW_SetDnsConfigProfile(fwlibhandle_* handle, const dvs_port_* port, unsigned int mode,
+                                  unsigned int timeToLive);
+FWStatus_t FW_GetDnsConfigProfile(fwlibhandle_* handle, const dvs_port_* port);
+
+/// Whether a filter copies packets for the inspection of layer 7.
+FWStatus_t FW_SetL7CopyMode(fwlibhandle_* handle, const dvs_port_* port, unsigned int mode);
+
 // --- Spoof guard of a filter
 //
 // A MAC address is six bytes, first octet first.

@@ -86,6 +86,7 @@ CommandFamily connectionCommands();
 CommandFamily identityCommands();
 CommandFamily settingsCommands();
 CommandFamily loadBalancerCommands();
+CommandFamily profileCommands();
 
 /// All families.
 inline std::vector<CommandFamily> commandFamilies() {
@@ -96,6 +97,7 @@ inline std::vector<CommandFamily> commandFamilies() {
   families.push_back(identityCommands());
   families.push_back(settingsCommands());
   families.push_back(loadBalancerCommands());
+  families.push_back(profileCommands());
   return families;
 }
 

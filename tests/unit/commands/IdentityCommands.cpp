@@ -231,11 +231,6 @@ CommandFamily identityCommands() {
   family.replies = replies();
   family.ownReplyTest = {"CTarnFWCmdGetUuid", "CTarnFWCmdGetConnectionDPIInfo",
                          "CTarnFWCmdGetUid2SidMapping"};
-  family.later = {
-      "CTarnFWCmdSetDnsConfigProfile",  // 83
-      "CTarnFWCmdGetDnsConfigProfile",  // 84
-      "CTarnFWCmdConfigL7CopyMode",     // 85
-  };
   family.cutRequest = {"CTarnFWCmdGetUuid"};
   return family;
 }
