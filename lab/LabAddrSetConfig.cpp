@@ -34,6 +34,7 @@ std::uint32_t getShared(Context context, Body& body) {
 constexpr U32 operation{0, "operation"}, component{42, "component"};
 constexpr Name name{4, AddrSets::nameSize, "name", "address set"};
 constexpr Blob address{46, 16, "address"};
+constexpr Reserved addressRest{62, 124};
 constexpr U32 first{186, "first"}, second{190, "second"}, before{186, "old"}, after{190, "new"};
 
 // Operation 3 takes the choice for a set away again.
@@ -41,22 +42,27 @@ constexpr std::uint32_t enableStatistics = 1, disableStatistics = 2, showStatist
                         setValid = 5, clearValid = 6;
 constexpr std::uint32_t isUnset = 0, isEnabled = 1, isDisabled = 2;
 
-/// The place of an address in the set, or its count when the set does not hold it.
-std::size_t placeOfAddress(const SetFile& set, ConstBytes wanted) {
+/// The place of an address of that type in the set, or its count when the set does not hold it.
+std::size_t placeOfAddress(const SetFile& set, unsigned wantedType, ConstBytes wanted) {
   const std::size_t count = set.head().counts[0];
-  const bool shortAddress = isZero(wanted.subspan(4));
   for (std::size_t i = 0; i < count; ++i) {
     const ConstBytes entry = part(set.entries(), i * AddressRecord::size, AddressRecord::size);
     const unsigned type = get16(entry, AddressRecord::type);
-    const std::size_t size = type == AddressRecord::ipv4 ? 4 : type == AddressRecord::ipv6 ? 16 : 0;
-    if (size == 0 || (size == 4 && !shortAddress)) continue;
-    if (std::memcmp(&entry[AddressRecord::value], wanted.data(), size) == 0) return i;
+    const std::size_t size = type == AddressRecord::ipv4 ? 4 : 16;
+    if (type == wantedType && std::memcmp(&entry[AddressRecord::value], wanted.data(), size) == 0)
+      return i;
   }
   return count;
 }
 
 std::uint32_t mark(Context context, Body& body, const SetFile& set) {
-  const std::size_t place = placeOfAddress(set, address.get(body));
+  const std::uint32_t type = component.get(body);
+  const ConstBytes wanted = address.get(body);
+  if ((type != AddressRecord::ipv4 && type != AddressRecord::ipv6) ||
+      (type == AddressRecord::ipv4 && !isZero(wanted.subspan(4)))) {
+    return context.refuse(Status::invalidAddress, format("address of type %u", type));
+  }
+  const std::size_t place = placeOfAddress(set, type, wanted);
   if (place == set.head().counts[0]) {
     return context.refuse(Status::noAddress, "the address set does not hold the address");
   }
@@ -123,7 +129,7 @@ constexpr CommandKind commands[] = {
      .scope = CommandScope::sets,
      .least = 194,
      .answer = configure,
-     .request = {operation, name, component, address, first, second},
+     .request = {operation, name, component, address, addressRest, first, second},
      .reply = {before, after}},
 };
 

@@ -30,6 +30,7 @@ struct Family {
   FAMILY(connectionFamily)          \
   FAMILY(debugFamily)               \
   FAMILY(discoveryFamily)           \
+  FAMILY(filterFeatureFamily)       \
   FAMILY(filterListFamily)          \
   FAMILY(filterSettingsFamily)      \
   FAMILY(floodFamily)               \
@@ -41,6 +42,8 @@ struct Family {
   FAMILY(ruleReadingFamily)         \
   FAMILY(ruleSetFamily)             \
   FAMILY(spoofGuardFamily)          \
+  FAMILY(tableFamily)               \
+  FAMILY(thresholdFamily)           \
   FAMILY(timeoutFamily)             \
   FAMILY(userFamily)
 

@@ -1,4 +1,5 @@
-// Requests 20 and 21 of the firewall device: how many filters there are, and their records.
+// Requests 20, 21 and 27 of the firewall device: how many filters there are, their records, and
+// which flows of a filter are collected.
 #include <cerrno>
 
 #include "LabCallerMemory.h"
@@ -14,6 +15,11 @@ constexpr Text agent{0, 100, "agent"};
 constexpr U32 count{100, "count"}, room{104, "room"}, filled{104, "bytes"};
 constexpr U64 buffer{108, "buffer"};
 
+/// Which flows are not collected. Until it is set, what the host was made with counts.
+constexpr std::uint64_t asMade = ~0ull;
+constexpr NumberSetting flowFlags{"flows.not-collected", asMade};
+constexpr std::uint32_t knownFlags = 0x7f;
+
 /// Appends the filter's record in the size that was asked for.
 void appendRecord(ByteVector& records, const Request& request, std::size_t index,
                   std::size_t recordSize) {
@@ -22,6 +28,10 @@ void appendRecord(ByteVector& records, const Request& request, std::size_t index
   const bool configured = !request.store.list(Host::folderOf(index) + "/rulesets").empty();
   records.insert(records.end(), record.begin(),
                  record.begin() + static_cast<std::ptrdiff_t>(recordSize));
+  const std::uint64_t flags = Settings::load(request.store, Host::folderOf(index)).get(flowFlags);
+  if (flags != asMade) {
+    put32(records, at + FilterRecord::flowFlags, static_cast<std::uint32_t>(flags));
+  }
   if (recordSize == FilterRecord::oldSize) {
     // The older record ends inside the profile's field; what is cut off is not sent in part.
     const Bytes tail = part(Bytes(records), at + FilterRecord::profile,
@@ -68,6 +78,31 @@ int listFilters(Request& request, Body& body) {
   return 0;
 }
 
+/// The buffer has the record of one filter with its name and its flags.
+int setFlowFlags(Request& request, Body& body) {
+  if (room.get(body) != FilterRecord::size || count.get(body) != 0) {
+    return request.refuse(
+        EINVAL, format("buffer of %u bytes for %u filters", room.get(body), count.get(body)));
+  }
+  ByteVector record;
+  if (const int error =
+          request.readBuffer(buffer.get(body), FilterRecord::size, FilterRecord::size, record)) {
+    return error;
+  }
+  const std::string_view name = getText(record, FilterRecord::name, FilterRecord::nameSize);
+  const std::uint32_t flags = get32(record, FilterRecord::flowFlags);
+  request.entry.note = format("filter %s, flags 0x%x", printable(name).c_str(), flags);
+  if ((flags & ~knownFlags) != 0) return EINVAL;
+  for (std::size_t i = 0; i < request.host.filterCount(); ++i) {
+    if (request.host.name(i) != name || request.host.agent(i) != agent.get(body)) continue;
+    Settings settings = Settings::load(request.store, Host::folderOf(i));
+    settings.set(flowFlags, flags);
+    settings.save(request.store, Host::folderOf(i));
+    return 0;
+  }
+  return ENOENT;
+}
+
 std::string agentText(ConstBytes body) {
   const std::string_view wanted = agent.get(body);
   return wanted.empty() ? " of every agent" : " of " + printable(wanted);
@@ -92,10 +127,18 @@ constexpr DirectKind requests[] = {
      .answer = listFilters,
      .reply = {count, filled},
      .asked = listText},
+    {.device = Device::firewall,
+     .number = 27,
+     .title = "set flow collection",
+     .size = bodySize,
+     .answer = setFlowFlags,
+     .asked = agentText},
 };
 
 }  // namespace
 
-constinit const Family filterListFamily{.requests = requests};
+constexpr Setting settings[] = {flowFlags};
+
+constinit const Family filterListFamily{.requests = requests, .settings = settings};
 
 }  // namespace TarnLab

@@ -13,7 +13,7 @@ namespace {
 // id of its switch and at 944 its port.
 constexpr std::string_view magic = "TARNLAB1";
 constexpr std::size_t headSize = 64;
-constexpr std::size_t headCount = 8, headMemory = 16, headFlows = 24;
+constexpr std::size_t headCount = 8, headMemory = 16, headFlows = 24, headFirewallOff = 28;
 constexpr std::size_t slotSwitch = 880, slotSwitchSize = 64, slotPort = 944;
 
 constexpr std::string_view sharedPrefix = "shared-addrset-filter-";
@@ -32,6 +32,7 @@ Host Host::load(const Store& store) {
   Host host;
   host.memory_ = get64(bytes, headMemory);
   host.flows_ = get32(bytes, headFlows);
+  host.firewallOff_ = get8(bytes, headFirewallOff) != 0;
   host.slots_.assign(bytes.begin() + headSize, bytes.end());
   return host;
 }
@@ -42,6 +43,7 @@ void Host::save(const Store& store) const {
   put32(head, headCount, static_cast<std::uint32_t>(filterCount()));
   put64(head, headMemory, memory_);
   put32(head, headFlows, flows_);
+  put8(head, headFirewallOff, firewallOff_ ? 1 : 0);
   store.replace("host", {head, slots_});
 }
 

@@ -94,6 +94,10 @@ class Host {
   std::uint32_t flows() const { return flows_; }
   void setFlows(std::uint32_t ofEachFilter) { flows_ = ofEachFilter; }
 
+  /// Whether the distributed firewall is off: no agent includes every virtual NIC of the host.
+  bool firewallOff() const { return firewallOff_; }
+  void setFirewallOff(bool off) { firewallOff_ = off; }
+
  private:
   static constexpr std::string_view showpiece = "nic-1002672-eth0-kelpco-sfw.2";
   friend class HostMaker;
@@ -106,6 +110,7 @@ class Host {
   ByteVector slots_;
   std::uint64_t memory_ = std::uint64_t{1} << 30;
   std::uint32_t flows_ = 0;
+  bool firewallOff_ = false;
 };
 
 }  // namespace TarnLab

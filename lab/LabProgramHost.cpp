@@ -15,9 +15,10 @@ namespace {
 /// A host with more flows than this would fill the disk.
 constexpr std::uint64_t flowsOfHost = 10000000;
 
-/// The numbers that the options of "init" give.
+/// What the options of "init" give.
 struct Wishes {
   std::optional<unsigned long long> machines, memory, flows;
+  bool firewallOff = false;
 };
 
 struct NumberOption {
@@ -35,8 +36,13 @@ constexpr NumberOption numberOptions[] = {
 
 /// 0, or the exit status of a complaint.
 int readWishes(Arguments arguments, Wishes& wishes) {
-  for (; !arguments.empty(); arguments = arguments.subspan(2)) {
+  while (!arguments.empty()) {
     const std::string option = arguments[0];
+    if (option == "--firewall-off") {
+      wishes.firewallOff = true;
+      arguments = arguments.subspan(1);
+      continue;
+    }
     const auto* found = std::find_if(std::begin(numberOptions), std::end(numberOptions),
                                      [&](const auto& each) { return each.name == option; });
     if (found == std::end(numberOptions)) {
@@ -48,6 +54,7 @@ int readWishes(Arguments arguments, Wishes& wishes) {
     if (!value || *value < found->least) {
       return misused("init", option + ": bad number " + printable(arguments[1]));
     }
+    arguments = arguments.subspan(2);
   }
   return exitOk;
 }
@@ -60,6 +67,7 @@ int runInit(const Store& store, Arguments arguments) {
   Host host =
       wishes.machines ? Host::generated(static_cast<unsigned>(*wishes.machines)) : Host::sample();
   if (wishes.memory) host.setMemory(*wishes.memory);
+  host.setFirewallOff(wishes.firewallOff);
   if (wishes.flows) host.setFlows(static_cast<std::uint32_t>(*wishes.flows));
   if (wishes.flows && host.filterCount() * *wishes.flows > flowsOfHost) {
     return misused("init",

@@ -108,6 +108,7 @@ std::string folderOfFilter(const Store& store, const Host& host, std::string_vie
 
 int showAll(const Store& store, const Host& host) {
   std::printf("lab %s\n", store.folder().c_str());
+  if (host.firewallOff()) std::puts("  the distributed firewall is disabled");
   showSettings(store, Settings::ofHost);
   for (std::size_t i = 0; i < host.filterCount(); ++i) showFilter(store, host, i);
   for (const std::string& file : store.list("shared")) {

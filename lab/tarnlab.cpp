@@ -14,6 +14,7 @@ namespace {
 constexpr ProgramCommand commands[] = {
     {"init", "make a lab: a fresh host with a few machines and their filters",
      "Usage: tarnlab init [--machines N] [--memory BYTES] [--flows N]\n"
+     "                    [--firewall-off]\n"
      "\n"
      "Makes a lab in the folder that TARNLAB_HOME names, by default .tarnlab in the\n"
      "current folder. There must be none yet: \"tarnlab reset\" makes one fresh again.\n"
@@ -23,6 +24,8 @@ constexpr ProgramCommand commands[] = {
      "                  1073741824 without this option\n"
      "  --flows N       N flows in every filter (0 to 1000000, 10000000 in all); without it,\n"
      "                  some hundred in the usual host's and none in those of --machines\n"
+     "  --firewall-off  a host whose distributed firewall is disabled: its include table\n"
+     "                  does not have every virtual NIC\n"
      "  --help          this text\n",
      runInit},
     {"run", "run a program in the lab",

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <cerrno>
+
 #include "LabBench.h"
 
 namespace TarnLab {
@@ -122,6 +124,45 @@ TEST(LabHost, TheHostsMachinesCanBeMany) {
   const Host host = Host::generated(1000);
   EXPECT_EQ(host.filterCount(), 1000u);
   EXPECT_EQ(host.name(999), "nic-1000999-eth0-kelpco-sfw.2");
+}
+
+TEST_F(LabFilterList, ShowsTheFlowFlagsThatWereSet) {
+  ByteVector record = Record().text(other, 204).to(436).u32(0x41).to(866);
+  ByteVector body = listBody("kelpco-sfw", 0, &record);
+  ASSERT_EQ(direct(27, body), 0);
+  EXPECT_EQ(note(), "filter nic-1002731-eth0-kelpco-sfw.2, flags 0x41");
+  ByteVector records(8 * 866);
+  body = listBody("", 8, &records);
+  ASSERT_EQ(direct(21, body), 0);
+  EXPECT_EQ(get32(records, 436), 0u);
+  EXPECT_EQ(get32(records, 2 * 866 + 436), 0x41u);
+  EXPECT_EQ(get32(records, 4 * 866 + 436), 0x43u) << "as the host was made";
+
+  // No flag at all is a choice as well, in records of either size.
+  record = Record().text("nic-1003044-eth1-kelpco-sfw.2", 204).to(866);
+  body = listBody("kelpco-sfw", 0, &record);
+  ASSERT_EQ(direct(27, body), 0);
+  ByteVector old(8 * 734);
+  body = listBody("", 8, &old);
+  ASSERT_EQ(direct(21, body), 0);
+  EXPECT_EQ(get32(old, 4 * 734 + 436), 0u);
+}
+
+TEST_F(LabFilterList, RefusesFlowFlagsOfNoFilter) {
+  ByteVector record = Record().text(other, 204).to(866);
+  ByteVector body = listBody("kelpco-inspect", 0, &record);
+  EXPECT_EQ(direct(27, body), ENOENT);
+  record = Record().text("nobody", 204).to(866);
+  body = listBody("kelpco-sfw", 0, &record);
+  EXPECT_EQ(direct(27, body), ENOENT);
+  record = Record().text(other, 204).to(436).u32(0x80).to(866);
+  body = listBody("kelpco-sfw", 0, &record);
+  EXPECT_EQ(direct(27, body), EINVAL);
+  record.resize(865);
+  body = listBody("kelpco-sfw", 0, &record);
+  EXPECT_EQ(direct(27, body), EINVAL);
+  body = Record().text("kelpco-sfw", 100).u32(0).u32(866).u64(8);
+  EXPECT_EQ(direct(27, body), EFAULT);
 }
 
 }  // namespace
