@@ -29,22 +29,6 @@ UNAVAILABLE(GetMeminfoData)
 UNAVAILABLE(GetUid2SidMap)
 UNAVAILABLE(SetIpDisc)
 
-// settings
-UNAVAILABLE(GetDnsConfigProfile)
-UNAVAILABLE(GetFWStatus)
-UNAVAILABLE(GetSharedAddrSet)
-UNAVAILABLE(GetSkifferExportVersion)
-UNAVAILABLE(GetThresholds)
-UNAVAILABLE(SetAddrSetCfg)
-UNAVAILABLE(SetDnsConfigProfile)
-UNAVAILABLE(SetFilterFlags)
-UNAVAILABLE(SetICMPErrPktDrop)
-UNAVAILABLE(SetL7CopyMode)
-UNAVAILABLE(SetSharedAddrSet)
-UNAVAILABLE(SetSkifferExportVersion)
-UNAVAILABLE(SetSkifferExportVersionAllFilters)
-UNAVAILABLE(SetThresholds)
-
 // lifecycle of filters and agents, filter tables
 UNAVAILABLE(AddFilter)
 UNAVAILABLE(ClearAllFilters)

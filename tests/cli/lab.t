@@ -121,6 +121,7 @@ Making one
 
   $ run tarnlab init --help
   Usage: tarnlab init [--machines N] [--memory BYTES] [--flows N]
+                      [--firewall-off]
   
   Makes a lab in the folder that TARNLAB_HOME names, by default .tarnlab in the
   current folder. There must be none yet: "tarnlab reset" makes one fresh again.
@@ -130,6 +131,8 @@ Making one
                     1073741824 without this option
     --flows N       N flows in every filter (0 to 1000000, 10000000 in all); without it,
                     some hundred in the usual host's and none in those of --machines
+    --firewall-off  a host whose distributed firewall is disabled: its include table
+                    does not have every virtual NIC
     --help          this text
   $ run tarnlab init --machines
   err| tarnlab: init: --machines needs a number
@@ -160,6 +163,9 @@ Making one
   filter nic-1003120-eth0-kelpco-sfw.2
     agent kelpco-sfw, vnic 0, slow path 0, vif 8d0c7a10-55f4-4c1e-9b02-000070120000
     flows: 3 active, 2 inactive, 2 dropped
+    export.version: 1100
+    names.live: 0
+    names.live-seconds: 360
   $ tarnlab --home none init --flows 0 > made
   $ tarnlab --home none show nic-1002672-eth0-kelpco-sfw.2
   filter nic-1002672-eth0-kelpco-sfw.2
@@ -168,6 +174,8 @@ Making one
   $ tarnlab --home fleet show nic-1000001-eth0-kelpco-sfw.2
   filter nic-1000001-eth0-kelpco-sfw.2
     agent kelpco-sfw, vnic 0, slow path 1, vif 8d0c7a10-55f4-4c1e-9b02-000000010000
+    export.version: 1100
+    names.live: 1
   $ run tarnlab init extra
   err| tarnlab: init: unknown argument extra
   err| Try "tarnlab init --help".
@@ -249,17 +257,26 @@ Showing
   filter nic-1002672-eth0-kelpco-inspect.4
     agent kelpco-inspect, vnic 0, slow path 0, vif 8d0c7a10-55f4-4c1e-9b02-0000632a0000
     flows: 246 active, 97 inactive, 96 dropped, 16 L2 pass, 16 L2 drop, 1 of other kinds
+    export.version: 1100
+    names.live: 1
   filter nic-1002731-eth0-kelpco-sfw.2
     agent kelpco-sfw, vnic 0, slow path 1, vif 8d0c7a10-55f4-4c1e-9b02-0000632b0000
     flows: 264 active, 102 inactive, 100 dropped, 16 L2 pass, 16 L2 drop, 1 of other kinds
+    names.live: 0
+    names.live-seconds: 180
   filter nic-1003044-eth0-kelpco-sfw.2
     agent kelpco-sfw, vnic 0, slow path 2, vif 8d0c7a10-55f4-4c1e-9b02-000070110000
     flows: 208 active, 85 inactive, 84 dropped, 12 L2 pass, 12 L2 drop, 1 of other kinds
+    export.version: 1100
   filter nic-1003044-eth1-kelpco-sfw.2
     agent kelpco-sfw, vnic 1, slow path 2, vif 8d0c7a10-55f4-4c1e-9b02-000070110001
     flows: 208 active, 85 inactive, 84 dropped, 12 L2 pass, 12 L2 drop, 1 of other kinds
+    names.live: 1
   filter nic-1003120-eth0-kelpco-sfw.2
     agent kelpco-sfw, vnic 0, slow path 0, vif 8d0c7a10-55f4-4c1e-9b02-000070120000
+    export.version: 1100
+    names.live: 0
+    names.live-seconds: 360
   filter nic-998214-eth0-kelpco-sfw.2
     agent kelpco-sfw, vnic 0, slow path 3
     flows: 219 active, 97 inactive, 96 dropped, 16 L2 pass, 15 L2 drop, 1 of other kinds
@@ -274,6 +291,8 @@ Showing
   filter nic-998214-eth0-kelpco-spoof.guard.1
     agent kelpco-spoof.guard, vnic 0, slow path 0
     flows: 219 active, 97 inactive, 96 dropped, 15 L2 pass, 15 L2 drop, 1 of other kinds
+    export.version: 1100
+    names.live: 1
     flood.other: 0
     flood.rst-spoofing: off
     kif.fast-path: off
@@ -569,6 +588,8 @@ Fresh again
   filter nic-998214-eth0-kelpco-spoof.guard.1
     agent kelpco-spoof.guard, vnic 0, slow path 0
     flows: 219 active, 97 inactive, 96 dropped, 15 L2 pass, 15 L2 drop, 1 of other kinds
+    export.version: 1100
+    names.live: 1
     flood.other: 0
     flood.rst-spoofing: off
     kif.fast-path: off

@@ -14,12 +14,6 @@ Identity and discovery.
   err| ERROR: command getmeminfo is not available in this build.
   [1]
 
-Settings.
-
-  $ run tarnioctl getfwstatus
-  err| ERROR: command getfwstatus is not available in this build.
-  [1]
-
 Lifecycle of filters and agents, filter tables.
 
   $ run tarnioctl addfilter -Override -h

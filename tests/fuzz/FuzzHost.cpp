@@ -14,6 +14,7 @@
 #include <utility>
 
 #include "Fuzz.h"
+#include "TableRecords.h"
 #include "TarnFWFilter.h"
 #include "TarnFWIOChannelIOCTL.h"
 #include "TarnFWLog.h"
@@ -29,6 +30,9 @@ namespace {
 
 /// Of the thread that runs the input: the searching program has one of its own, which sleeps.
 thread_local FuzzHost* g_host = nullptr;
+
+/// The device of the filter tables, which stays open to the end of the process.
+int g_tables = -1;
 
 /// A small host. A message takes what the largest request needs; an array has as many items as the
 /// kernel says, and more than these bytes it does not get.
@@ -197,6 +201,27 @@ int FuzzHost::filterList(unsigned long request, void* block) {
   return result;
 }
 
+int FuzzHost::record(void* block) {
+  auto frame = loadRecord<FWIoctlFrame>(block);
+  std::optional<std::uint32_t> status;
+  const int result = reply({at<std::uint8_t>(frame.body), std::size_t{frame.bodyLength}}, &status);
+  frame.status = status.value_or(FW_STATUS_OK);
+  storeRecord(block, frame);
+  return result;
+}
+
+int FuzzHost::table(unsigned long request, void* block) {
+  std::optional<std::uint32_t> status;
+  if (request == WGT_REQUEST_INCLUDE_SIZE)
+    return reply({static_cast<std::uint8_t*>(block), sizeof(WGTSizeFrame)}, &status);
+  auto frame = loadRecord<WGTEntryFrame>(block);
+  const std::span<std::uint8_t> entries{at<std::uint8_t>(frame.entries), std::size_t{frame.size}};
+  frame.size = static_cast<std::uint32_t>(number(4));
+  const int result = reply(entries, &status);
+  storeRecord(block, frame);
+  return result;
+}
+
 // --- The program's calls, while a host lives
 
 extern "C" {
@@ -214,7 +239,11 @@ struct FuzzHostCalls {
 
   static int open(const char* path) {
     if (path[0] == '\0') return g_host->fail(ENOENT);
-    if (!g_host->hostile_) return descriptor();
+    if (!g_host->hostile_) {
+      const int opened = descriptor();
+      if (std::strcmp(path, CTarnWGTIoctl::ioctl_devname) == 0) g_tables = opened;
+      return opened;
+    }
     const int result = g_host->outcome();
     if (result == 0 && std::strcmp(path, CTarnWGTIoctl::ioctl_devname) == 0)
       return g_host->fail(ENOENT);
@@ -259,8 +288,9 @@ struct FuzzHostCalls {
     return made;
   }
 
-  static int ioctl(unsigned long request, void* argument) {
+  static int ioctl(int device, unsigned long request, void* argument) {
     if (!g_host->answers()) return -1;
+    if (device == g_tables) return g_host->table(request, argument);
     switch (request) {
       case kSendMessage:
         return g_host->message(argument);
@@ -268,7 +298,8 @@ struct FuzzHostCalls {
       case FW_REQUEST_FILTER_LIST:
         return g_host->filterList(request, argument);
     }
-    if (!g_host->hostile_ || argument == nullptr) return g_host->fail(ENOTTY);
+    if (argument == nullptr) return g_host->fail(ENOTTY);
+    if (!g_host->hostile_) return g_host->record(argument);
     std::optional<std::uint32_t> status;
     return g_host->reply({static_cast<std::uint8_t*>(argument), kFrameSize}, &status);
   }
@@ -383,7 +414,7 @@ int __wrap_ioctl(int descriptor, unsigned long request, ...) noexcept {
   void* const argument = va_arg(arguments, void*);
   va_end(arguments);
   if (g_host == nullptr) return __real_ioctl(descriptor, request, argument);
-  return FuzzHostCalls::ioctl(request, argument);
+  return FuzzHostCalls::ioctl(descriptor, request, argument);
 }
 
 int __real_socket(int family, int type, int protocol) noexcept;

@@ -22,6 +22,9 @@
 ///                               2  a byte, the kernel's status: the reply is complete
 ///                               3  a byte: the call itself fails with this errno
 ///     list of filters         32 bits count, 32 bits length, then parts, as above, of the buffer
+///     another request         parts, as above, of its body
+///     size of a table         parts, as above, of the frame
+///     entries of a table      32 bits length, then parts, as above, of the buffer
 ///     file, standard input    16 bits length and the content
 ///     connect                 a byte: errno, 0 for success
 ///     send                    a byte: 0 takes all, 255 is busy, else the most that is taken
@@ -84,6 +87,8 @@ class FuzzHost {
             std::span<std::uint8_t> request = {});
   int message(void* block);
   int filterList(unsigned long request, void* frame);
+  int record(void* frame);
+  int table(unsigned long request, void* frame);
 
   std::span<const std::uint8_t> bytes_;
   bool hostile_;

@@ -29,6 +29,9 @@ struct HandlerRow {
   // Options besides -f without which the handler does not come as far as the library.
   std::vector<const char*> needed = {};
 
+  // An operand at the end of the command line without which it does not come that far.
+  const char* operand = nullptr;
+
   // With -v2; null for a handler whose -v is another option, or that has none.
   const char* verbose = "verbose level : 2\nweirgate agent: kelpco-sfw\n";
   bool raisesLibraryLevel = true;
@@ -41,6 +44,7 @@ struct HandlerRow {
 // Rows by family, each in a file of its own.
 std::vector<HandlerRow> displayRows();
 std::vector<HandlerRow> exclusionRows();
+std::vector<HandlerRow> featureRows();
 std::vector<HandlerRow> flowRows();
 std::vector<HandlerRow> identityRows();
 std::vector<HandlerRow> insertionRows();

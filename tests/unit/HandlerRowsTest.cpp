@@ -15,8 +15,8 @@
 
 std::vector<HandlerRow> handlerRows() {
   std::vector<HandlerRow> all;
-  for (const auto family : {displayRows, exclusionRows, flowRows, identityRows, insertionRows,
-                            lifecycleRows, settingsRows, statisticsRows, traceRows})
+  for (const auto family : {displayRows, exclusionRows, featureRows, flowRows, identityRows,
+                            insertionRows, lifecycleRows, settingsRows, statisticsRows, traceRows})
     for (HandlerRow& row : family()) all.push_back(std::move(row));
   return all;
 }
@@ -69,10 +69,11 @@ class HandlerRows : public testing::TestWithParam<Case> {
     return runCommand(words);
   }
 
-  /// With the options that are needed in front.
+  /// With the options that are needed in front, and the operand after them.
   CommandResult runNeeded(const std::vector<std::string>& options) const {
     std::vector<std::string> words(row.needed.begin(), row.needed.end());
     words.insert(words.end(), options.begin(), options.end());
+    if (row.operand != nullptr) words.emplace_back(row.operand);
     return run(words);
   }
 
