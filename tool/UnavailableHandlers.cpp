@@ -21,14 +21,6 @@ UNAVAILABLE(GetConnectionCount)
 UNAVAILABLE(GetConnections)
 UNAVAILABLE(GetFWFlows)
 
-// identity and discovery
-UNAVAILABLE(ClearIpDisc)
-UNAVAILABLE(GetFqdnEntries)
-UNAVAILABLE(GetIpDisc)
-UNAVAILABLE(GetMeminfoData)
-UNAVAILABLE(GetUid2SidMap)
-UNAVAILABLE(SetIpDisc)
-
 // lifecycle of filters and agents, filter tables
 UNAVAILABLE(AddFilter)
 UNAVAILABLE(ClearAllFilters)

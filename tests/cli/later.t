@@ -8,12 +8,6 @@ Flows and connections.
   err| ERROR: command GetFlows is not available in this build.
   [1]
 
-Identity and discovery.
-
-  $ run tarnioctl getmeminfo
-  err| ERROR: command getmeminfo is not available in this build.
-  [1]
-
 Lifecycle of filters and agents, filter tables.
 
   $ run tarnioctl addfilter -Override -h

@@ -43,6 +43,13 @@ constexpr std::size_t kArrayMemory = 64 << 10;
 constexpr unsigned int kMaxCalls = 4096;
 
 constexpr unsigned long kSendMessage = 15;
+constexpr unsigned long kDiscoveredIps = 31;
+
+// Body of a request for discovered addresses, and where it names its buffer.
+constexpr std::size_t kDiscoveryBody = 161;
+constexpr std::size_t kDiscoveryLength = 137;
+constexpr std::size_t kDiscoveryBuffer = 141;
+
 constexpr std::size_t kEnvelopeStatus = kMsgHeaderSize + 8;
 constexpr std::size_t kBody = kMsgHeaderSize + 12;
 constexpr std::size_t kFrameSize = 32;  // of the requests that no record is known for
@@ -210,6 +217,19 @@ int FuzzHost::record(void* block) {
   return result;
 }
 
+int FuzzHost::discovered(void* block) {
+  auto frame = loadRecord<FWIoctlFrame>(block);
+  require(frame.bodyLength == kDiscoveryBody);
+  auto* const body = at<std::uint8_t>(frame.body);
+  const std::span<std::uint8_t> buffer{
+      at<std::uint8_t>(loadRecord<host64>(body + kDiscoveryBuffer)),
+      std::size_t{loadRecord<host32>(body + kDiscoveryLength)}};
+  const int result = record(block);
+  if (result != 0 || buffer.empty()) return result;
+  std::optional<std::uint32_t> status;
+  return reply(buffer, &status);
+}
+
 int FuzzHost::table(unsigned long request, void* block) {
   std::optional<std::uint32_t> status;
   if (request == WGT_REQUEST_INCLUDE_SIZE)
@@ -297,6 +317,8 @@ struct FuzzHostCalls {
       case FW_REQUEST_FILTER_COUNT:
       case FW_REQUEST_FILTER_LIST:
         return g_host->filterList(request, argument);
+      case kDiscoveredIps:
+        return g_host->discovered(argument);
     }
     if (argument == nullptr) return g_host->fail(ENOTTY);
     if (!g_host->hostile_) return g_host->record(argument);

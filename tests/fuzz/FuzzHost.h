@@ -23,6 +23,7 @@
 ///                               3  a byte: the call itself fails with this errno
 ///     list of filters         32 bits count, 32 bits length, then parts, as above, of the buffer
 ///     another request         parts, as above, of its body
+///     discovered addresses    the same, then parts of the buffer when there is one
 ///     size of a table         parts, as above, of the frame
 ///     entries of a table      32 bits length, then parts, as above, of the buffer
 ///     file, standard input    16 bits length and the content
@@ -88,6 +89,7 @@ class FuzzHost {
   int message(void* block);
   int filterList(unsigned long request, void* frame);
   int record(void* frame);
+  int discovered(void* frame);
   int table(unsigned long request, void* frame);
 
   std::span<const std::uint8_t> bytes_;

@@ -22,5 +22,58 @@ std::vector<HandlerRow> identityRows() {
        .takesFilter = false,
        .verbose = nullptr,
        .opensLibrary = false},
+      {.words = {"getdiscoveredips"},
+       .usage = "Get discovered IPs of a filter.\n\n"
+                "Usage: tarnioctl %s <options>\n"
+                "    -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2\n"
+                "    -h          : this help message\n",
+       .verbose = nullptr,
+       .opensLibrary = false},
+      {.words = {"setipdiscovery"},
+       .usage = "Set IP discovery related configuration of a filter.\n\n"
+                "Usage: tarnioctl %s <options>\n"
+                "    -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2\n"
+                "    -d          : enable DHCP based discovery\n"
+                "    -a          : enable ARP based discovery\n"
+                "    -t <number> : timeout for entries discoverd by ARP snooping in seconds"
+                " (default 2 hours, 7200)\n"
+                "    -l <number> : maximum number of ARP snooped entries permitted (max 128)\n"
+                "    -h          : this help message\n",
+       .badOption = 0,
+       .verbose = nullptr,
+       .opensLibrary = false},
+      {.words = {"cleardiscoveredips"},
+       .usage = "Clear discovered IPs of a filter.\n\n"
+                "Usage: tarnioctl %s <options>\n"
+                "    -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2\n"
+                "    -h          : this help message\n",
+       .badOption = 0,
+       .verbose = nullptr,
+       .opensLibrary = false},
+      {.words = {"getfqdnentries"},
+       .usage = "Get fqdn records of a filter.\n\n"
+                "Usage: tarnioctl %s <options>\n"
+                "    -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2\n"
+                "    -d          : delete all entries\n"
+                "    -v<number>  : enable verbose log\n"
+                "    -h          : this help message\n",
+       .libraryFailed = "ERROR: unable to open firewall library\n"
+                        "ERROR: Library handle init failure.\n"},
+      {.words = {"getsidcache"},
+       .usage = "print uid to sid mapping for a filter.\n\n"
+                "Usage: tarnioctl %s <options>\n"
+                "    -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2\n"
+                "    -v<number>  : enable verbose log\n"
+                "    -h          : this help message\n",
+       .missing = "ERROR: filter is missing\n",
+       .raisesLibraryLevel = false},
+      {.words = {"getmeminfo"},
+       .usage = "Get current memory usage data of datapath.\n\n"
+                "Usage: tarnioctl %s <options>\n"
+                "    -h          : this help message\n",
+       .valueOption = nullptr,
+       .takesFilter = false,
+       .verbose = nullptr,
+       .opensLibrary = false},
   };
 }

@@ -1,0 +1,11 @@
+// Options of the commands on discovered addresses, and replies of any kernel.
+
+#include "Fuzz.h"
+#include "HandlerFuzz.h"
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  static constexpr const char* kCommands[] = {"getdiscoveredips", "setipdiscovery",
+                                              "cleardiscoveredips"};
+  requireReason(runInput(kCommands, {data, size}));
+  return 0;
+}

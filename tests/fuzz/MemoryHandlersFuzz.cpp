@@ -1,0 +1,10 @@
+// The command that shows the data path's memory, and replies of any kernel.
+
+#include "Fuzz.h"
+#include "HandlerFuzz.h"
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  static constexpr const char* kCommands[] = {"getmeminfo"};
+  requireReason(runInput(kCommands, {data, size}));
+  return 0;
+}
