@@ -33,6 +33,7 @@ struct Family {
   FAMILY(filterFeatureFamily)       \
   FAMILY(filterListFamily)          \
   FAMILY(filterSettingsFamily)      \
+  FAMILY(filterTableFamily)         \
   FAMILY(floodFamily)               \
   FAMILY(flowFamily)                \
   FAMILY(kifFamily)                 \
@@ -42,7 +43,6 @@ struct Family {
   FAMILY(ruleReadingFamily)         \
   FAMILY(ruleSetFamily)             \
   FAMILY(spoofGuardFamily)          \
-  FAMILY(tableFamily)               \
   FAMILY(thresholdFamily)           \
   FAMILY(timeoutFamily)             \
   FAMILY(userFamily)

@@ -7,7 +7,7 @@
 namespace TarnLab {
 namespace {
 
-class LabTables : public LabBench {
+class LabFilterTables : public LabBench {
  protected:
   int ask(std::uint32_t number, ByteVector& frame) {
     return model.request(Device::filterTables, number,
@@ -21,7 +21,7 @@ class LabTables : public LabBench {
   }
 };
 
-TEST_F(LabTables, TheFirewallsAgentIncludesTheHost) {
+TEST_F(LabFilterTables, TheFirewallsAgentIncludesTheHost) {
   ByteVector frame = Record().text("kelpco-sfw", 40).u32(0);
   ASSERT_EQ(ask(8, frame), 0);
   EXPECT_EQ(get32(frame, 40), 47u);
@@ -45,7 +45,7 @@ TEST_F(LabTables, TheFirewallsAgentIncludesTheHost) {
   EXPECT_EQ(room[47], std::byte{0xee}) << "nothing after the entries is written";
 }
 
-TEST_F(LabTables, AHostWhoseFirewallIsOffHasNoEntryForTheHost) {
+TEST_F(LabFilterTables, AHostWhoseFirewallIsOffHasNoEntryForTheHost) {
   Host host = Host::load(store);
   host.setFirewallOff(true);
   host.save(store);
@@ -55,7 +55,7 @@ TEST_F(LabTables, AHostWhoseFirewallIsOffHasNoEntryForTheHost) {
   EXPECT_TRUE(Host::load(store).firewallOff());
 }
 
-TEST_F(LabTables, OtherAgentsHaveEmptyTablesOrNone) {
+TEST_F(LabFilterTables, OtherAgentsHaveEmptyTablesOrNone) {
   ByteVector frame = Record().text("kelpco-inspect", 40).u32(9);
   ASSERT_EQ(ask(8, frame), 0);
   EXPECT_EQ(get32(frame, 40), 0u);
@@ -68,7 +68,7 @@ TEST_F(LabTables, OtherAgentsHaveEmptyTablesOrNone) {
   EXPECT_EQ(note(), "no agent nobody");
 }
 
-TEST_F(LabTables, WhatIsWrongIsRefused) {
+TEST_F(LabFilterTables, WhatIsWrongIsRefused) {
   ByteVector room(46);
   ByteVector frame = entryFrame("kelpco-sfw", room);
   EXPECT_EQ(ask(9, frame), EINVAL);

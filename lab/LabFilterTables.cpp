@@ -100,6 +100,6 @@ constexpr DirectKind requests[] = {
 
 }  // namespace
 
-constinit const Family tableFamily{.requests = requests};
+constinit const Family filterTableFamily{.requests = requests};
 
 }  // namespace TarnLab
