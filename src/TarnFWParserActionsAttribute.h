@@ -4,7 +4,9 @@
 
 #include <vector>
 
+#include "TarnFWAddressList.h"
 #include "TarnFWCmd.h"
+#include "TarnFWConnectionRecord.h"
 #include "TarnFWL7Attribute.h"
 #include "TarnFWParserActions.h"
 
@@ -48,5 +50,20 @@ std::unique_ptr<FWL7Attributes> joined(std::unique_ptr<FWL7Attributes> first,
 
 std::unique_ptr<CTarnFWCmd> createAttrProfile(const dvs_port_* port, const FWParserText& name,
                                               std::unique_ptr<FWL7Attributes> attributes);
+
+/// The domain is an attribute of the key FQDN.
+std::unique_ptr<CTarnFWCmd> addDomainAddresses(const dvs_port_* port, const FWNamedUuid& domain,
+                                               std::unique_ptr<CTarnFWAddressList> addresses);
+
+/// Throws `CParseFailure` for a text that is no security identifier.
+std::unique_ptr<CTarnFWCmd> setUserMap(const dvs_port_* port, const FWParserText& user,
+                                       std::unique_ptr<FWTexts> sids);
+
+/// For the connection, or without one (null) for the state id, which is 64 bits. With neither (0)
+/// the parse ends silently.
+std::unique_ptr<CTarnFWCmd> setConnectionAttributes(const dvs_port_* port,
+                                                    const FWConnection_* connection,
+                                                    std::int64_t state,
+                                                    std::unique_ptr<FWL7Attributes> attributes);
 
 }  // namespace TarnFirewall

@@ -2,7 +2,6 @@
 
 #include "TarnFWCmdConfig.h"
 #include "TarnFWCmdList.h"
-#include "TarnFWText.h"
 
 namespace TarnFirewall {
 
@@ -30,11 +29,6 @@ CTarnFWCmd* setChannel(const FWParse& parse, FWIOType_t type, const FWIPPort& ad
                        const FWParserText& saveTo) {
   return keepChannel(parse, std::make_unique<CTarnFWCmdConfig>(
                                 type == FW_IO_SOCKET, address.address, address.port, saveTo.data));
-}
-
-CTarnFWCmd* unavailable(const char* statement) {
-  throw CParseFailure(formatText("statement '%s' is not available in this build", statement),
-                      FW_STATUS_NOT_SUPPORTED);
 }
 
 }  // namespace TarnFirewall

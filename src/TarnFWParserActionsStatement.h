@@ -18,7 +18,4 @@ CTarnFWCmd* setChannel(const FWParse& parse, FWIOType_t type, const FWParserText
 CTarnFWCmd* setChannel(const FWParse& parse, FWIOType_t type, const FWIPPort& address,
                        const FWParserText& saveTo);
 
-/// Refuses a statement that nothing compiles, with status 7.
-[[noreturn]] CTarnFWCmd* unavailable(const char* statement);
-
 }  // namespace TarnFirewall

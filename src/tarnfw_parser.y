@@ -22,6 +22,7 @@
 %code requires {
 #include "TarnFWParserActionsAddress.h"
 #include "TarnFWParserActionsAttribute.h"
+#include "TarnFWParserActionsConnection.h"
 #include "TarnFWParserActionsRule.h"
 #include "TarnFWParserActionsRuleSet.h"
 }
@@ -39,6 +40,7 @@ void yyerror(YYLTYPE* location, TarnFirewall::FWStatus_t* status, void* scanner,
 #include "TarnFWAttributeUtils.h"
 #include "TarnFWCmdCheckSpoofGuard.h"
 #include "TarnFWCmdClearAddrSet.h"
+#include "TarnFWCmdClearAllConnection.h"
 #include "TarnFWCmdClearKifStat.h"
 #include "TarnFWCmdClearRootRuleSet.h"
 #include "TarnFWCmdClearRuleSet.h"
@@ -52,6 +54,7 @@ void yyerror(YYLTYPE* location, TarnFirewall::FWStatus_t* status, void* scanner,
 #include "TarnFWCmdGetAddrSetCount.h"
 #include "TarnFWCmdGetAddrSetInfo.h"
 #include "TarnFWCmdGetAddrSetTypeAndSize.h"
+#include "TarnFWCmdGetConnectionCount.h"
 #include "TarnFWCmdGetKifStat.h"
 #include "TarnFWCmdGetLBConfig.h"
 #include "TarnFWCmdGetLBStat.h"
@@ -65,6 +68,9 @@ void yyerror(YYLTYPE* location, TarnFirewall::FWStatus_t* status, void* scanner,
 #include "TarnFWCmdGetSpoofGuardStat.h"
 #include "TarnFWCmdGetTimeout.h"
 #include "TarnFWCmdList.h"
+#include "TarnFWCmdSetAllConnection.h"
+#include "TarnFWCmdSetConnectionByFilter.h"
+#include "TarnFWCmdSetConnectionByList.h"
 #include "TarnFWCmdSetSkifferExportver.h"
 #include "TarnFWLog.h"
 #include "TarnFWParserActionsSelector.h"
@@ -122,6 +128,8 @@ using namespace TarnFirewall;
   TarnFirewall::CTarnFWAddress* address;
   TarnFirewall::CTarnFWAddressList* addressList;
   TarnFirewall::CTarnFWIDList* idList;
+  TarnFirewall::FWConnection_* connection;  /* in the arena */
+  TarnFirewall::CTarnFWConnectionList* connectionList;
   TarnFirewall::CTarnFWProtocol* protocol;
   TarnFirewall::CTarnFWProtocolSpec* spec;
   TarnFirewall::CTarnFWProtocolSpecL4PortSet* portSet;
@@ -139,7 +147,7 @@ using namespace TarnFirewall;
 
 %destructor { delete $$; }
   <command> <address> <addressList> <idList> <protocol> <spec> <portSet> <specList> <action>
-  <containerID> <rule> <ruleList> <texts> <numbers> <namedUuids> <attributes>
+  <containerID> <rule> <ruleList> <connectionList> <texts> <numbers> <namedUuids> <attributes>
 
 %token COMMENT "TK_COMMENT"
 %token CREATE "keyword create"
@@ -328,7 +336,9 @@ using namespace TarnFirewall;
 %nterm <poolOption> Pool_Option
 %nterm <direction> Rule_Direction
 %nterm <af> Optional_Rule_AF
-%nterm <number> Rule_Position Export_Version
+%nterm <number> Rule_Position Export_Version Optional_StateID
+%nterm <connection> Single_Connection Optional_ConnSpec
+%nterm <connectionList> Connection_List
 %nterm <texts> L7AttrStringValueList
 %nterm <numbers> L7AttrIntValueList
 %nterm <namedUuid> L7AttrUUIDValue
@@ -532,36 +542,36 @@ Cmd_Get_RuleSet_List:
 
 Cmd_Get_Connection_Count:
     DESCRIBE CONNECTION COUNT Optional_DVS_Port  /* 94 */
-      { TRY($$ = unavailable("describe connection count")); }
+      { TRY($$ = new CTarnFWCmdGetConnectionCount($4, nullptr)); }
     ;
 
 Cmd_Set_Connection_By_Filter:
     SET CONNECTION Optional_DVS_Port  /* 95 */
-      { TRY($$ = unavailable("set connection")); }
+      { TRY($$ = new CTarnFWCmdSetConnectionByFilter($3, nullptr)); }
     ;
 
 Cmd_Set_Connection_By_List:
     SET CONNECTION Optional_DVS_Port WITH LBRACE Connection_List RBRACE  /* 96 */
-      { TRY($$ = unavailable("set connection")); }
+      { TRY($$ = new CTarnFWCmdSetConnectionByList($3, own($6))); }
   | SET CONNECTION Optional_DVS_Port WITH Single_Connection  /* 97 */
-      { TRY($$ = unavailable("set connection")); }
+      { TRY($$ = new CTarnFWCmdSetConnectionByList($3, withConnection({}, *$5))); }
     ;
 
 Cmd_Set_All_Connection:
     SET ALL CONNECTION Optional_DVS_Port  /* 98 */
-      { TRY($$ = unavailable("set all connection")); }
+      { TRY($$ = new CTarnFWCmdSetAllConnection($4)); }
     ;
 
 Cmd_Get_Connection_Stat:
     DESCRIBE CONNECTION STAT Optional_DVS_Port  /* 99 */
-      { TRY($$ = unavailable("describe connection stat")); }
+      { TRY($$ = getConnections($4, 0).release()); }
   | DESCRIBE CONNECTION STAT FROM NUMBER Optional_DVS_Port  /* 100 */
-      { TRY($$ = unavailable("describe connection stat")); }
+      { TRY($$ = getConnections($6, $5).release()); }
     ;
 
 Cmd_Clear_All_Connection:
     CLEAR ALL CONNECTION Optional_DVS_Port  /* 101 */
-      { TRY($$ = unavailable("clear all connection")); }
+      { TRY($$ = new CTarnFWCmdClearAllConnection($4)); }
     ;
 
 Cmd_Get_Exportver:
@@ -586,17 +596,17 @@ Cmd_Delete_AttrProfile:
 
 Cmd_Add_Domain_IP_Map:
     ADD DOMAIN2IP Optional_DVS_Port L7AttrUUIDValue WITH LBRACE Single_IP_Or_List RBRACE  /* 106 */
-      { TRY(own($7); $$ = unavailable("add domain2ip")); }
+      { TRY($$ = addDomainAddresses($3, *$4, own($7)).release()); }
     ;
 
 Cmd_Set_Uid2Sid_Mapping:
     SET UID2SIDMAP Optional_DVS_Port STRING LBRACE L7AttrStringValueList RBRACE  /* 107 */
-      { TRY(own($6); $$ = unavailable("set uid2sidmap")); }
+      { TRY($$ = setUserMap($3, $4, own($6)).release()); }
     ;
 
 Cmd_Set_Connection_Attr:
     SET CONNATTR Optional_DVS_Port Optional_ConnSpec Optional_StateID WITH LBRACE Single_L7Attribute_Or_List RBRACE  /* 108 */
-      { TRY(own($8); $$ = unavailable("set connattr")); }
+      { TRY($$ = setConnectionAttributes($3, $4, $5, own($8)).release()); }
     ;
 
 Cmd_Create_AddrSet:
@@ -908,12 +918,14 @@ Single_L7Attribute_Or_List:
 
 Optional_ConnSpec:
     %empty  /* 205 */
+      { $$ = nullptr; }
   | Single_IP_Address NUMBER Single_IP_Address NUMBER STRING STRING  /* 206 */
-      { own($1); own($3); }
+      { TRY($$ = connectionSpec(PARSE, {own($1), $2}, {own($3), $4}, $5, $6)); }
     ;
 
 Optional_StateID:
     %empty  /* 207 */
+      { $$ = 0; }
   | NUMBER  /* 208 */
     ;
 
@@ -945,14 +957,16 @@ Optional_DVS_Port:
 
 Single_Connection:
     FROM Single_IP_Address_Or_Any PORT NUMBER TO Single_IP_Address_Or_Any PORT NUMBER  /* 219 */
-      { own($2); own($6); }
+      { TRY($$ = connection(PARSE, {own($2), $4}, {own($6), $8})); }
   | FROM Single_IP_Or_Any_Port TO Single_IP_Or_Any_Port  /* 220 */
-      { }
+      { TRY($$ = connection(PARSE, $2, $4)); }
     ;
 
 Connection_List:
     Single_Connection  /* 221 */
+      { TRY($$ = withConnection({}, *$1).release()); }
   | Connection_List COMMA Single_Connection  /* 222 */
+      { TRY($$ = withConnection(own($1), *$3).release()); }
     ;
 
 ID_List:

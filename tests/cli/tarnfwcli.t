@@ -112,11 +112,11 @@ What is wrong is reported with its place; nothing of the text is sent.
   log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initialized tarn library\n\n
   log| tarnioctl <83> tarnfw: tarnfw_parser:yyerror():N [folder.conf:1] cannot read the configuration\n
   [1]
-  $ lab tarnioctl tarnfwcli -Override -f $filter -c 'set connection;'
-  err| ERROR: Could not load config `set connection;': not supported
+  $ lab tarnioctl tarnfwcli -Override -f $filter -c 'debug dp 16;'
+  err| ERROR: Could not load config `debug dp 16;': integer too large
   log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initializing tarn library.\n\n
   log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initialized tarn library\n\n
-  log| tarnioctl <83> tarnfw: tarnfw_parser:yyerror():N [<cmd>:1] statement 'set connection' is not available in this build\n
+  log| tarnioctl <83> tarnfw: tarnfw_parser:yyerror():N [<cmd>:1] debug level value overflows\n
   [1]
   $ lab tarnioctl tarnfwcli -Override -f $filter -c 'create nonesuch attrset "a" with x;'
   err| ERROR: Failed to eval config `create nonesuch attrset "a" with x;': invalid argument

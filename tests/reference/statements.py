@@ -13,6 +13,25 @@ NAME_CHARS = 'abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_.-'
 STRING_CHARS = NAME_CHARS + ' :;,{}()#*/+$%'
 
 
+TIMEOUTS = [
+    'dfw.tcp.first_packet', 'dfw.tcp.opening', 'dfw.tcp.established', 'dfw.tcp.closing',
+    'dfw.tcp.fin_wait', 'dfw.tcp.closed', 'dfw.udp.first_packet', 'dfw.udp.single',
+    'dfw.udp.multiple', 'dfw.icmp.first_packet', 'dfw.icmp.error_reply', 'dfw.other.first_packet',
+    'dfw.other.single', 'dfw.other.multiple', 'dfw.ip.frag', 'dfw.interval', 'dfw.adaptive_start',
+    'dfw.adaptive_end', 'dfw.src_node', 'dfw.ts_diff', 'dfw.invalid_state', 'dfw.invalid_l7']
+
+
+def halved(members):
+    """The members with each block of all IPv4 addresses as its two halves."""
+    halves = []
+    for kind, value in members:
+        if kind == 'cidr4' and value[1] == 0:
+            halves += [('cidr4', ('0.0.0.0', 1)), ('cidr4', ('128.0.0.0', 1))]
+        else:
+            halves.append((kind, value))
+    return halves
+
+
 class Generator:
     def __init__(self, rng):
         self.r = rng
@@ -447,15 +466,9 @@ class Generator:
             for _, kind, value in items:
                 members += wire.split(kind, value) if kind in ('range4', 'range6') \
                     else [(kind, value)]
-        halves = []
-        for kind, value in members:
-            if kind == 'cidr4' and value[1] == 0:
-                halves += [('cidr4', ('0.0.0.0', 1)), ('cidr4', ('128.0.0.0', 1))]
-            else:
-                halves.append((kind, value))
         if body and self.chance(0.7):
             words.append('with')
-        return words + body, [(13, wire.address_set(name, halves), selector)]
+        return words + body, [(13, wire.address_set(name, halved(members)), selector)]
 
     def named(self, words, command, name_size, size, limit=None):
         """A statement with one name whose request is the name in a zeroed body."""
@@ -538,14 +551,213 @@ class Generator:
                     'action': {'word': 'jumpto', 'name': target}})
         return words + where, [(3, wire.rule_set('', rules), selector)]
 
+    # --- settings
+
+    def ip_members(self, in_braces):
+        """(words, members) of a list of IP addresses as the kernel gets it."""
+        if in_braces:
+            items = [self.ip_address() for _ in range(self.r.randint(1, 4))]
+            words = self.comma([item[0] for item in items])
+            members = []
+            for _, kind, value in items:
+                members += wire.split(kind, value) if kind in ('range4', 'range6') \
+                    else [(kind, value)]
+        else:
+            words, kind, value = self.ip_address()
+            members = [(kind, value)]
+        return words, halved(members)
+
+    def setting(self):
+        """(words, command, body) of a statement that ends with its selector."""
+        kind = self.r.randint(0, 9)
+        if kind == 0:
+            version = self.r.getrandbits(32)
+            return ['set', 'exportver', str(version)], 54, struct.pack('<I', version)
+        if kind == 1:
+            mac = self.mac()
+            words = ['create', 'spoofguard', 'with']
+            if self.chance(0.3):
+                name = self.name(37)
+                words += ['addrset', self.quoted(name)]
+                members = [('set', name)]
+            else:
+                list_words, members = self.ip_members(self.chance(0.6))
+                words += ['ip'] + list_words
+            return words + ['and', 'mac', mac], 25, wire.spoof_guard(mac, members)
+        if kind == 2:
+            mac = self.mac()
+            return ['delete', 'spoofguard', 'with', 'mac', mac], 26, wire.mac(mac) + bytes(2)
+        if kind == 3:
+            verb, command, number = self.r.choice(
+                [('enable', 58, 1), ('disable', 58, 0), ('describe', 59, 0)])
+            tcp = self.pick('tcp', 'TCP', '"Tcp"')
+            return [verb, tcp, 'strict'], command, struct.pack('<I', number)
+        if kind in (4, 5):
+            number, value = self.r.randrange(22), self.r.getrandbits(32)
+            name = self.quoted(self.pick(str, str.upper)(TIMEOUTS[number]))
+            body = bytearray(112)
+            body[88 + number] = 1
+            if kind == 5:
+                return ['describe', 'timeout', name], 42, body
+            struct.pack_into('<I', body, 4 * number, value)
+            return ['set', 'timeout', name, 'to', str(value)], 41, body
+        if kind == 6:
+            values = [self.r.getrandbits(32) for _ in range(22)]
+            text = self.pick(' ', ',', ':', '\t').join(str(value) for value in values)
+            body = struct.pack('<22I', *values) + b'\1' * 22 + bytes(2)
+            return ['set', 'timeout', 'to', self.quoted(text)], 41, body
+        if kind == 7:
+            word, half = self.r.choice([('dp', 1), ('"DP"', 1), ('pf', 1), ('Cp', 2)])
+            level = self.r.randint(0, 15)
+            return ['debug', word, str(level)], 32, bytes((half, 0, 0, level))
+        if kind == 8:
+            name = self.name(37)
+            words, attributes = self.attributes()
+            # The selector stands in the middle of this one.
+            return ['create', 'attrprofile', self.quoted(name), None, 'with', '{'] + words + ['}'], \
+                75, wire.attribute_profile(name, attributes)
+        words, command, body = self.r.choice([
+            (['describe', 'exportver'], 55, bytes(4)),
+            (['delete', 'spoofguard'], 26, bytes(8)),
+            (['describe', 'stat', 'of', 'spoofguard'], 28, bytes(56)),
+            (['describe', 'stat', 'of', 'kif'], 29, bytes(1642)),
+            (['clear', 'stat', 'of', 'kif'], 30, bytes(1642)),
+            (['describe', 'timeout'], 42, bytes(88) + b'\1' * 22 + bytes(2)),
+            (['describe', 'config', 'of', 'lb'], 86, struct.pack('<I', 81) + bytes(77)),
+            (['describe', 'stat', 'of', 'lb'], 88, bytes(4141))])
+        return words, command, body
+
+    # --- attributes and connections
+
+    def sid(self):
+        numbers = [self.r.getrandbits(48)] + [self.r.getrandbits(32)
+                                              for _ in range(self.r.randint(0, 15))]
+        return '-'.join(['S', '1'] + [str(number) for number in numbers])
+
+    def named_uuid(self):
+        """(words, (16 bytes, name))"""
+        raw = bytes(self.r.getrandbits(8) for _ in range(16))
+        h = raw.hex()
+        text = '-'.join((h[:8], h[8:12], h[12:16], h[16:20], h[20:]))
+        name = self.name(40) if self.chance(0.5) else ''
+        return ([self.quoted(name)] if name else []) + ['uuid', self.quoted(text)], (raw, name)
+
+    def attributes(self):
+        """(words, attributes) of one or more pairs of brackets."""
+        words, made = [], []
+        for i in range(self.r.randint(1, 3)):
+            kind = self.pick('name', 'number', 'sid', 'uuid')
+            key = {'name': 'TLS_VERSION', 'number': 'TLS_VERSION'}.get(kind) or \
+                (self.pick('WIN_SID', 'USER_SID') if kind == 'sid' else
+                 self.pick('HTTP_PATH', 'FQDN', 'CTX_PROFILE_ID'))
+            words += ([','] if i else []) + ['[', self.quoted(key), ':']
+            for j in range(self.r.randint(1, 3)):
+                words += [','] if j else []
+                if kind == 'uuid':
+                    value_words, value = self.named_uuid()
+                    words += value_words
+                elif kind == 'sid':
+                    value = self.sid()
+                    words.append(self.quoted(value))
+                else:
+                    value = self.r.randint(769, 772)
+                    words.append(str(value) if kind == 'number' else 'TLS_V1%d' % (value - 769))
+                made.append((key, 'number' if kind == 'name' else kind, value))
+            words.append(']')
+        return words, made
+
+    def port_number(self):
+        return self.r.getrandbits(16)
+
+    def single_connection(self):
+        """(words, 40 bytes)"""
+        words, ends = [], []
+        with_colon = self.chance(0.5)
+        for word in ('from', 'to'):
+            text = 'any' if self.chance(0.2) else self.v4()
+            port = self.port_number()
+            words += [word, '%s:%d' % (text, port)] if with_colon else \
+                [word, text, 'port', str(port)]
+            ends.append(('255.255.255.255' if text == 'any' else text, port))
+        (source, first), (destination, second) = ends
+        return words, wire.connection(source, destination, struct.pack('<HH', first, second))
+
+    def connection_statement(self):
+        kind = self.r.randint(0, 6)
+        where, selector = self.selector()
+        if kind < 4:
+            words, command, body = [
+                (['describe', 'connection', 'count'], 23, bytes(16)),
+                (['set', 'connection'], 66, bytes(84)),
+                (['set', 'all', 'connection'], 67, bytes(4)),
+                (['clear', 'all', 'connection'], 43, bytes(4))][kind]
+            return words + where, [(command, body, selector)]
+        if kind == 4:
+            words, record = self.single_connection()
+            records = [record]
+        else:
+            words, records = ['{'], []
+            for i in range(self.r.randint(1, 4)):
+                more, record = self.single_connection()
+                words += ([','] if i else []) + more
+                records.append(record)
+            words.append('}')
+        return ['set', 'connection'] + where + ['with'] + words, \
+            [(37, wire.connection_list(records), selector)]
+
+    def identity_statement(self):
+        where, selector = self.selector()
+        kind = self.r.randint(0, 2)
+        if kind == 0:
+            uuid_words, (raw, name) = self.named_uuid()
+            words, members = self.ip_members(self.chance(0.6))
+            return ['add', 'domain2ip'] + where + uuid_words + ['with', '{'] + words + ['}'], \
+                [(76, wire.domain_addresses(raw, name, members), selector)]
+        if kind == 1:
+            user, sids = self.sid(), [self.sid() for _ in range(self.r.randint(1, 4))]
+            listed = [self.quoted(sids[0])]
+            for text in sids[1:]:
+                listed += [',', self.quoted(text)]
+            return ['set', 'uid2sidmap'] + where + [self.quoted(user), '{'] + listed + ['}'], \
+                [(80, wire.user_map(user, sids), selector)]
+        words, attributes = self.attributes()
+        record, state, description = None, 0, []
+        if self.chance(0.6):
+            six = self.chance(0.5)
+            source, destination = (self.v6(), self.v6()) if six else (self.v4(), self.v4())
+            first, second = self.port_number(), self.port_number()
+            protocol = self.r.choice(sorted(PROTOCOLS))
+            direction, bits = self.r.choice([('dir_in', 2), ('dir_out', 4), ('both', 0)])
+            record = wire.connection(source, destination, struct.pack('>HH', first, second),
+                                     bits | six, PROTOCOLS[protocol])
+            description = [source, str(first), destination, str(second), self.quoted(protocol),
+                           direction]
+        else:
+            state = self.r.getrandbits(63) or 1
+            description = [str(state)]
+        return ['set', 'connattr'] + where + description + ['with', '{'] + words + ['}'], \
+            [(73, wire.connection_attributes(record, state, attributes), selector)]
+
+    def with_selector(self, words, command, body):
+        """The statement with its selector at the end, or where None stands."""
+        where, selector = self.selector()
+        at = words.index(None) if None in words else len(words)
+        return words[:at] + where + words[at + 1:], [(command, bytes(body), selector)]
+
     def statement(self):
         kind = self.r.random()
-        if kind < 0.55:
+        if kind < 0.45:
             words, messages = self.create_rule_set()
-        elif kind < 0.8:
+        elif kind < 0.65:
             words, messages = self.create_address_set()
-        else:
+        elif kind < 0.8:
             words, messages = self.simple()
+        elif kind < 0.9:
+            words, messages = self.with_selector(*self.setting())
+        elif kind < 0.95:
+            words, messages = self.connection_statement()
+        else:
+            words, messages = self.identity_statement()
         return self.text(words + [';']), messages
 
 

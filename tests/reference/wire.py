@@ -258,6 +258,96 @@ def address_set(name, members):
     return bytes(body) + b''.join(address(kind, value) for kind, value in members)
 
 
+ATTRIBUTE_KEY = {'TLS_VERSION': 1, 'HTTP_PATH': 5, 'FQDN': 7, 'WIN_SID': 8, 'USER_SID': 9,
+                 'CTX_PROFILE_ID': 11}
+
+
+def sid(text):
+    """72 bytes from "S-1-AUTHORITY-SUB-SUB..."."""
+    authority, *subs = (int(part) for part in text.split('-')[2:])
+    record = bytearray(72)
+    record[4], record[5] = 1, len(subs)
+    put(record, 6, authority.to_bytes(6, 'big'))
+    for i, number in enumerate(subs):
+        struct.pack_into('<I', record, 12 + 4 * i, number)
+    return bytes(record)
+
+
+def attribute(key, kind, value):
+    """An attribute's record. kind: number, sid, or uuid with (16 bytes, text)."""
+    if kind == 'number':
+        code, data = 2, struct.pack('<Q', value)
+    elif kind == 'sid':
+        code, data = 4, sid(value)
+    else:
+        text = value[1].encode()
+        text = text + b'\0' if text else b''
+        code, data = 3, value[0] + struct.pack('<H', len(text)) + text
+    return struct.pack('<HHIH', ATTRIBUTE_KEY[key], code, 10 + len(data), 0) + data
+
+
+def element(record):
+    """An attribute's record with the head that it has in a chain."""
+    return struct.pack('<HHI', 1, 0, len(record)) + record
+
+
+def chain(attributes):
+    """The attributes as a chain, ordered, each once."""
+    order = {}
+    for key, kind, value in attributes:
+        # The text of an identifier plays no part: the first one stays.
+        compared = value[0] if kind == 'uuid' else value
+        order.setdefault((ATTRIBUTE_KEY[key], compared), (key, kind, value))
+    elements = b''.join(element(attribute(*order[at])) for at in sorted(order))
+    return len(order), struct.pack('<III', 2, len(order), len(elements)) + elements
+
+
+def attribute_profile(name, attributes):
+    body = bytearray(86)
+    count, data = chain(attributes)
+    put(body, 0, field(name, 38))
+    struct.pack_into('<III', body, 46, count, 2, len(data))
+    body[58] = 3
+    return bytes(body) + data
+
+
+def connection(source, destination, ports, flags=0, protocol=0):
+    """40 bytes; ports are a pair that is packed already."""
+    record = bytearray(40)
+    put(record, 0, ipaddress.ip_address(source).packed)
+    put(record, 16, ipaddress.ip_address(destination).packed)
+    put(record, 32, ports)
+    record[36], record[39] = flags, protocol
+    return bytes(record)
+
+
+def connection_list(records):
+    records = sorted(set(records))
+    return struct.pack('<II', len(records), 0) + b''.join(records)
+
+
+def connection_attributes(connection_record, state, attributes):
+    count, data = chain(attributes)
+    by_connection = connection_record is not None
+    return struct.pack('<II40sI', 0, 0, connection_record or bytes(40), by_connection) + \
+        struct.pack('>Q', state) + struct.pack('<II', count, len(data)) + data
+
+
+def domain_addresses(uuid, name, members):
+    data = element(attribute('FQDN', 'uuid', (uuid, name)))
+    data += b''.join(address(kind, value) for kind, value in members)
+    return struct.pack('<II', len(members), len(data)) + data
+
+
+def user_map(user, sids):
+    return struct.pack('<III', 0, 0, len(sids)) + sid(user) + b''.join(sid(text) for text in sids)
+
+
+def spoof_guard(mac_text, members):
+    records = b''.join(address(kind, value) for kind, value in members) or bytes(144)
+    return mac(mac_text) + struct.pack('<HI', 0, len(members)) + records
+
+
 def selector(kind, identifier='', agent='', index=0):
     """100 bytes; kind is the number of the selector type."""
     record = bytearray(100)

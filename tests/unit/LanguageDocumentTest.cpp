@@ -72,20 +72,6 @@ TEST_F(LanguageDocument, ChoosesAChannelByEveryStatementAboutChannels) {
   EXPECT_EQ(statements, 4);
 }
 
-TEST_F(LanguageDocument, RefusesEveryStatementThatItCallsUnavailable) {
-  const auto found = examples("tarn-unavailable");
-  ASSERT_EQ(found.size(), 1u);
-  std::istringstream lines(found[0].text);
-  int statements = 0;
-  for (std::string line; std::getline(lines, line); ++statements) {
-    const ParseText parse(line);
-    const std::string failure = parse.failure();
-    EXPECT_EQ(failure.substr(0, 13), "7|statement '") << line << " " << failure;
-    EXPECT_NE(failure.find("' is not available in this build"), std::string::npos) << failure;
-  }
-  EXPECT_GE(statements, 15);
-}
-
 TEST_F(LanguageDocument, EndsTheLoadSilentlyAtEveryStatementThatItSaysSo) {
   const auto found = examples("tarn-silent");
   ASSERT_EQ(found.size(), 1u);
@@ -105,8 +91,8 @@ TEST_F(LanguageDocument, HasNoOtherKindOfExample) {
     if (line.rfind("```", 0) != 0) continue;
     inside = !inside;
     if (inside) {
-      EXPECT_TRUE(line == "```tarn" || line == "```tarn-channel" || line == "```tarn-unavailable" ||
-                  line == "```tarn-silent" || line == "```text")
+      EXPECT_TRUE(line == "```tarn" || line == "```tarn-channel" || line == "```tarn-silent" ||
+                  line == "```text")
           << line;
     }
   }

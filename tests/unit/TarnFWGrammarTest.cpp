@@ -95,7 +95,16 @@ TEST(TarnFWGrammar, AcceptsEveryFormOfAStatement) {
            "describe count of ruleset;",
            "describe list of ruleset;",
            "describe list of ruleset from 5;",
-           // 102 to 105
+           // 94 to 105
+           "describe connection count;",
+           "set connection of filter f;",
+           "set connection of filter f with { from 10.0.0.1 port 1 to any port 80, "
+           "from any:1 to 10.0.0.1:80 };",
+           "set connection with from 10.0.0.1:1 to any:80;",
+           "set all connection;",
+           "describe connection stat;",
+           "describe connection stat from 5 of filter f;",
+           "clear all connection;",
            "describe exportver;",
            "set exportver 2 of filter f;",
            "create attrprofile p of filter f with { [ APP_ID : APP_HTTP, APP_DNS ] };",
@@ -103,6 +112,14 @@ TEST(TarnFWGrammar, AcceptsEveryFormOfAStatement) {
            "create attrprofile p with { [ FQDN : uuid 12345678-1234-1234-1234-123456789012, n uuid "
            "12345678-1234-1234-1234-123456789012 ] };",
            "delete attrprofile p;",
+           // 106 to 108
+           "add domain2ip of filter f n uuid 12345678-1234-1234-1234-123456789012 with { any };",
+           "add domain2ip uuid 12345678-1234-1234-1234-123456789012 with { { 10.0.0.1, ::1 } };",
+           "set uid2sidmap of filter f 'S-1-5' { 'S-1-5-1', 'S-1-5-2' };",
+           "set connattr of filter f 10.0.0.1 1 10.0.0.2 2 tcp dir_in with { [ APP_ID : APP_DNS ] "
+           "};",
+           "set connattr of filter f ::1 1 ::2 2 udp dir_out 5 with { [ APP_ID : APP_DNS ] };",
+           "set connattr 5 with { [ APP_ID : APP_DNS ], [ TLS_VERSION : 771 ] };",
            // 110 to 126
            "create APP_ID attrset a;",
            "create addrset a with any;",

@@ -148,3 +148,114 @@ TEST(TarnFWParserActionsAttribute, DeletesAProfileAsAnAddressSet) {
   EXPECT_EQ(parseFailure("delete attrprofile " + name + ";"),
             "32|addrset name (" + name + ") is too long");
 }
+
+namespace {
+
+/// "number|text" of what a statement makes for filter f.
+std::string made(const std::string& statement) {
+  const ParseText parse(statement + ";");
+  EXPECT_EQ(parse.failure(), "") << statement;
+  if (parse.count() != 1) return "(no command)";
+  EXPECT_STREQ(parse.command().currentPort().identifier, "f") << statement;
+  return std::to_string(parse.command().getCommand()) + "|" + parse.text();
+}
+
+Bytes bodyOf(const std::string& statement) {
+  const ParseText parse(statement + ";");
+  EXPECT_EQ(parse.failure(), "") << statement;
+  if (parse.count() != 1) return {};
+  const std::vector<std::uint8_t> body = parse.body();
+  return Bytes(body.begin(), body.end());
+}
+
+void putUuid(Bytes& bytes, std::size_t offset, int first) {
+  for (int i = 0; i < 16; ++i) {
+    bytes.at(offset + static_cast<std::size_t>(i), {i == 0 ? first : i});
+  }
+}
+
+}  // namespace
+
+TEST(TarnFWParserActionsAttribute, BindsADomainToItsAddresses) {
+  EXPECT_EQ(made("add domain2ip of filter f ab uuid " + kUuid + " with { 10.1.2.3 }").substr(0, 3),
+            "76|");
+  // 8, the attribute with its head of 8, and 144 for each address.
+  Bytes golden(8 + 8 + 31 + 2 * 144);
+  golden.at(0, {2, 0, 0, 0, 71, 1, 0, 0});
+  golden.at(8, {1, 0, 0, 0, 31, 0, 0, 0});
+  golden.at(16, {7, 0, 3, 0, 31, 0, 0, 0, 0, 0});
+  putUuid(golden, 26, 0);
+  golden.at(42, {3, 0}).text(44, "ab");
+  golden.at(47, {1}).at(51, {10, 1, 2, 3});
+  golden.at(191, {2}).at(195, {0x20, 1, 0x0d, 0xb8}).at(210, {1});
+  EXPECT_EQ(bodyOf("add domain2ip ab uuid " + kUuid + " with { { 10.1.2.3, 2001:db8::1 } }"),
+            golden);
+}
+
+TEST(TarnFWParserActionsAttribute, ADomainNeedsNeitherANameNorAddresses) {
+  Bytes golden(8 + 8 + 28);
+  golden.at(4, {36}).at(8, {1, 0, 0, 0, 28, 0, 0, 0}).at(16, {7, 0, 3, 0, 28});
+  putUuid(golden, 26, 0x10);
+  EXPECT_EQ(bodyOf("add domain2ip uuid " + kOther + " with { { } }"), golden);
+}
+
+TEST(TarnFWParserActionsAttribute, AddressesOfADomainAreJudgedAsThoseOfASet) {
+  // A range without braces of its own stays one; inside them it becomes its blocks.
+  EXPECT_EQ(bodyOf("add domain2ip uuid " + kUuid + " with { 10.0.0.1-9 }")[0], 1);
+  EXPECT_EQ(bodyOf("add domain2ip uuid " + kUuid + " with { { 10.0.0.1-9 } }")[0], 4);
+  EXPECT_EQ(parseFailure("add domain2ip uuid " + kUuid + " with { 999.0.0.1 };"), "33|999.0.0.1");
+  EXPECT_EQ(parseFailure("add domain2ip uuid nonesuch with { 10.0.0.1 };"),
+            "16|invalid uuid value nonesuch");
+}
+
+TEST(TarnFWParserActionsAttribute, MapsAUserToSecurityIdentifiers) {
+  EXPECT_EQ(made("set uid2sidmap of filter f \"S-1-5-21\" { \"S-1-5-32-544\" }").substr(0, 3),
+            "80|");
+  Bytes golden(84 + 2 * 72);
+  golden.at(8, {2});
+  golden.at(16, {1, 1, 0, 0, 0, 0, 0, 5, 21});
+  golden.at(88, {1, 2, 0, 0, 0, 0, 0, 5, 32, 0, 0, 0, 0x20, 2});
+  golden.at(160, {1, 0, 0, 0, 0, 0, 0, 6});
+  EXPECT_EQ(bodyOf("set uid2sidmap \"S-1-5-21\" { \"S-1-5-32-544\", \"s-1-6\" }"), golden);
+}
+
+TEST(TarnFWParserActionsAttribute, RefusesTextsThatAreNoSecurityIdentifiers) {
+  EXPECT_EQ(parseFailure("set uid2sidmap \"S-2-5\" { a };"), "16|invalid uid");
+  // The message has its own line end, which the log's readers know.
+  EXPECT_EQ(parseFailure("set uid2sidmap \"S-1-5\" { \"S-1-5\", a, b };"), "16|invalid sid : a\n");
+  EXPECT_EQ(parseFailure("set uid2sidmap \"S-1-5\" { \"\" };"), "16|invalid sid : \n");
+}
+
+TEST(TarnFWParserActionsAttribute, GivesAttributesToADescribedConnection) {
+  EXPECT_EQ(made("set connattr of filter f 10.0.0.1 1 10.0.0.2 2 tcp dir_in with "
+                 "{ [ TLS_VERSION : 771 ] }")
+                .substr(0, 3),
+            "73|");
+  Bytes golden(68 + 12 + 26);
+  golden.at(8, {10, 0, 0, 1}).at(24, {10, 0, 0, 2}).at(40, {0, 1, 0, 2}).at(44, {2, 0, 0, 6});
+  golden.at(48, {1}).at(60, {1}).at(64, {38});
+  golden.at(68, {2, 0, 0, 0, 1, 0, 0, 0, 26, 0, 0, 0});
+  golden.at(80, {1, 0, 0, 0, 18, 0, 0, 0, 1, 0, 2, 0, 18, 0, 0, 0, 0, 0, 3, 3});
+  const std::string connection = "set connattr 10.0.0.1 1 10.0.0.2 2 tcp dir_in";
+  EXPECT_EQ(bodyOf(connection + " with { [ TLS_VERSION : 771 ] }"), golden);
+  // A description goes before a state.
+  EXPECT_EQ(bodyOf(connection + " 77 with { [ TLS_VERSION : 771, 771 ] }"), golden);
+}
+
+TEST(TarnFWParserActionsAttribute, GivesAttributesToAConnectionByItsState) {
+  Bytes golden(68 + 12 + 26);
+  golden.at(55, {1, 2, 3, 4, 5}).at(60, {1}).at(64, {38});
+  golden.at(68, {2, 0, 0, 0, 1, 0, 0, 0, 26, 0, 0, 0});
+  golden.at(80, {1, 0, 0, 0, 18, 0, 0, 0, 1, 0, 2, 0, 18, 0, 0, 0, 0, 0, 3, 3});
+  EXPECT_EQ(bodyOf("set connattr 4328719365 with { [ TLS_VERSION : 771 ] }"), golden);
+}
+
+TEST(TarnFWParserActionsAttribute, EndsSilentlyWithoutAConnection) {
+  EXPECT_EQ(parseFailure("set connattr with { [ TLS_VERSION : 771 ] };"), "0|");
+  EXPECT_EQ(
+      parseFailure("set connattr 0 of filter f with { [ TLS_VERSION : 771 ] };").substr(0, 16),
+      "16|syntax error,");
+  EXPECT_EQ(parseFailure("set connattr of filter f 0 with { [ TLS_VERSION : 771 ] };"), "0|");
+  EXPECT_EQ(parseFailure("set connattr 0 with { [ TLS_VERSION : TLS_V9 ] };"),
+            "67|invalid attribute value TLS_VERSION : TLS_V9");
+}

@@ -89,51 +89,9 @@ TEST(TarnFWParserActionsStatement, NamesFileAndLineOfAnError) {
   EXPECT_NE(parse.log.lines()[0].text.find(" [name:3] syntax error"), std::string::npos);
 }
 
-TEST(TarnFWParserActionsStatement, RefusesStatementsThatNothingCompilesByTheirWords) {
-  for (const auto& [statement, words] : std::vector<std::pair<std::string, std::string>>{
-           {"describe connection count", "describe connection count"},
-           {"set connection", "set connection"},
-           {"set connection with { from any:1 to any:2 }", "set connection"},
-           {"set connection with { from any:1 to any:2, from any:1 to any:2 }", "set connection"},
-           {"set connection with from 10.0.0.1 port 1 to any port 2", "set connection"},
-           {"set connection with from 10.0.0.1:1 to any:2", "set connection"},
-           {"set all connection", "set all connection"},
-           {"describe connection stat", "describe connection stat"},
-           {"describe connection stat from 5", "describe connection stat"},
-           {"clear all connection", "clear all connection"},
-           {"add domain2ip uuid 502e1f3a-c21a-632a-4ae1-00505699b626 with { 10.0.0.1 }",
-            "add domain2ip"},
-           {"set uid2sidmap u { a, b }", "set uid2sidmap"},
-           {"set connattr 5 with { [ TLS_VERSION : 770, 771 ] }", "set connattr"},
-           {"set connattr 10.0.0.1 1 10.0.0.2 2 tcp dir_in with { [ FQDN : uuid "
-            "502e1f3a-c21a-632a-4ae1-00505699b626 ] }",
-            "set connattr"}}) {
-    EXPECT_EQ(parseFailure(statement + ";"),
-              "7|statement '" + words + "' is not available in this build")
-        << statement;
-  }
-}
-
-TEST(TarnFWParserActionsStatement, DoesNotJudgeTheValuesOfStatementsThatNothingCompiles) {
-  for (const auto& [statement, words] : std::vector<std::pair<std::string, std::string>>{
-           {"set connection with from any port 65536 to any port 1", "set connection"},
-           {"set uid2sidmap nonesuch { a }", "set uid2sidmap"},
-           {"set connattr with { [ TLS_VERSION : 770 ] }", "set connattr"}}) {
-    EXPECT_EQ(parseFailure(statement + ";"),
-              "7|statement '" + words + "' is not available in this build")
-        << statement;
-  }
-}
-
-TEST(TarnFWParserActionsStatement, JudgesTheAddressesAndSelectorsOfStatementsThatNothingCompiles) {
-  EXPECT_EQ(parseFailure("set all connection of vif x;"), "63|invalid vif uuid (x)");
-  EXPECT_EQ(parseFailure("set connection with from any:65536 to any:1;"),
-            "38|port number (65536) is invalid");
-}
-
 TEST(TarnFWParserActionsStatement, NothingBehindARefusedStatementIsRead) {
-  const ParseText parse("destroy all ruleset; set connection; nonsense");
-  EXPECT_EQ(parse.failure(), "7|statement 'set connection' is not available in this build");
+  const ParseText parse("destroy all ruleset; debug dp 16; nonsense");
+  EXPECT_EQ(parse.failure(), "17|debug level value overflows");
   EXPECT_EQ(parse.list, nullptr);
 }
 

@@ -1,0 +1,137 @@
+Statements about settings, connections, domains and users, in the lab.
+
+  $ . "$TESTDIR/setup"
+  $ tarnlab init > made
+  $ filter=nic-1002672-eth0-kelpco-sfw.2
+  $ cli() { quiet tarnioctl tarnfwcli -Override -f $filter -c "$1"; }
+
+What a statement sets another one reads back.
+
+  $ cli 'set timeout dfw.tcp.opening to 31; describe timeout dfw.tcp.opening;'
+  Connection Timeouts:
+     dfw.tcp.opening       : 31
+  $ cli 'set timeout to "1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17 18 19 20 21 22"; describe timeout;'
+  Connection Timeouts:
+     dfw.tcp.first_packet  : 1
+     dfw.tcp.opening       : 2
+     dfw.tcp.established   : 3
+     dfw.tcp.closing       : 4
+     dfw.tcp.fin_wait      : 5
+     dfw.tcp.closed        : 6
+     dfw.udp.first_packet  : 7
+     dfw.udp.single        : 8
+     dfw.udp.multiple      : 9
+     dfw.icmp.first_packet : 10
+     dfw.icmp.error_reply  : 11
+     dfw.other.first_packet: 12
+     dfw.other.single      : 13
+     dfw.other.multiple    : 14
+     dfw.ip.frag           : 15
+     dfw.interval          : 16
+     dfw.adaptive_start    : 17
+     dfw.adaptive_end      : 18
+     dfw.src_node          : 19
+     dfw.ts_diff           : 20
+     dfw.invalid_state     : 21
+     dfw.invalid_l7        : 22
+  $ cli 'delete spoofguard; describe spoofguard;'
+  err| ERROR: Failed to eval config `delete spoofguard; describe spoofguard;': no address
+  [1]
+  $ cli 'create spoofguard with ip { 10.0.0.1, 10.0.0.2 } and mac 00:11:22:33:44:55; describe spoofguard;'
+  enabled : ip 10.0.0.1, ip 10.0.0.2
+  MAC = 00:11:22:33:44:55
+  $ cli 'describe stat of spoofguard;'
+  l2 drop count     : 720
+  l3 drop count     : 1200
+  invalid arp count : 240
+  unknown arp count : 480
+  bad MAC arp count : 1680
+  bad IP arp count  : 2640
+  good arp count    : 24240
+  $ cli 'create addrset "guarded" 10.0.0.9; create spoofguard with addrset "guarded" and mac 00:11:22:33:44:55; describe spoofguard;'
+  enabled : addrset guarded
+  MAC = 00:11:22:33:44:55
+  $ cli 'delete spoofguard with mac 00:11:22:33:44:55;'
+  $ cli 'describe stat of kif; clear stat of kif; describe stat of kif;'
+  PACKETS                       IN                OUT
+  -------                       --                ---
+  IPv4 TCP                   19200              18960
+  IPv4 UDP                   18720              18480
+  IPv4 ICMP                  18240              18000
+  IPv4 GRE                   17280                  0
+  IPv4 ESP                   16800              16560
+  IPv4 SCTP                  16320              16080
+  IPv4 other                 15360              15120
+  IPv6 TCP                   14880              14640
+  IPv6 UDP                   14400              14160
+  IPv6 ESP                   13440                  0
+  IPv6 fragments             12960              12720
+  IPv6 other                 12480              12240
+  ARP replies                11520              11280
+  LLDP                       11040              10800
+  VLAN                       10560              10320
+  short packet                9600                  0
+  bad IPv4 header             9120               8880
+  bad IPv6 header             8640               8400
+  bad UDP header              7680               7440
+  bad ICMP header             7200               6960
+  bad checksum                6720               6480
+  bad fragment                5760                  0
+  fragment timeout            5280               5040
+  state mismatch              4800               4560
+  source limit                3840               3600
+  sequence window             3360               3120
+  no route                    2880               2640
+  rule drop                   1920                  0
+  rule reject                 1440               1200
+  layer 2 rule drop            960                720
+  PACKETS                       IN                OUT
+  -------                       --                ---
+  $ cli 'create attrprofile "web" with { [ APP_ID : APP_HTTP, APP_HTTPS ], [ TLS_VERSION : 771 ] }; delete attrprofile "web"; delete attrprofile "web";'
+  err| ERROR: Failed to eval config `create attrprofile "web" with { [ APP_ID : APP_HTTP, APP_HTTPS ], [ TLS_VERSION : 771 ] }; delete attrprofile "web"; delete attrprofile "web";': no addrset
+  [1]
+
+Strict TCP and the levels of the log have no statement that prints them.
+
+  $ cli 'enable tcp strict; describe tcp strict; debug dp 3; debug "CP" 4; debug nonesuch 5;'
+  $ tarnlab log -s | tail -n 4 | cut -d : -f 4-
+   ConfigTCPStrict(strict 1) = ok
+   GetTCPStrict() = ok {strict 1}
+   EnableVerbose(component 1, level 3) = ok
+   EnableVerbose(component 2, level 4) = ok
+
+Nothing is sent when a value is wrong.
+
+  $ cli 'destroy all ruleset; set timeout dfw.tcp.opening to 4294967296;'
+  err| ERROR: Could not load config `destroy all ruleset; set timeout dfw.tcp.opening to 4294967296;': integer too large
+  [1]
+  $ cli 'set exportver -1;'
+  err| ERROR: Could not load config `set exportver -1;': integer too large
+  [1]
+  $ cli 'enable udp strict;'
+  err| ERROR: Could not load config `enable udp strict;': parsing error
+  [1]
+  $ cli 'set connection with from ::1 port 1 to any port 2;'
+  err| ERROR: Could not load config `set connection with from ::1 port 1 to any port 2;': invalid network address
+  [1]
+  $ cli 'set connection with from any port 65536 to any port 2;'
+  err| ERROR: Could not load config `set connection with from any port 65536 to any port 2;': invalid tcp/udp port
+  [1]
+  $ cli 'set uid2sidmap "S-2-5" { "S-1-5" };'
+  err| ERROR: Could not load config `set uid2sidmap "S-2-5" { "S-1-5" };': parsing error
+  [1]
+  $ cli 'add domain2ip uuid nonesuch with { 10.0.0.1 };'
+  err| ERROR: Could not load config `add domain2ip uuid nonesuch with { 10.0.0.1 };': parsing error
+  [1]
+  $ cli 'create attrprofile p with { [ nonesuch : a ] };'
+  err| ERROR: Could not load config `create attrprofile p with { [ nonesuch : a ] };': parsing error
+  [1]
+
+Silence ends a load that names no connection.
+
+  $ cli 'set connattr with { [ TLS_VERSION : 771 ] };'
+  err| ERROR: Failed to eval config `set connattr with { [ TLS_VERSION : 771 ] };': invalid argument
+  [1]
+  $ cli 'set connattr 10.0.0.1 1 ::1 2 tcp dir_in with { [ TLS_VERSION : 771 ] };'
+  err| ERROR: Failed to eval config `set connattr 10.0.0.1 1 ::1 2 tcp dir_in with { [ TLS_VERSION : 771 ] };': invalid argument
+  [1]
