@@ -201,7 +201,7 @@ const Row kRows[] = {
       "1 ERROR: Failed to eval config `destroy ruleset \"none\";': unknown error"}},
     {"Getdiscoveredips",
      {"getdiscoveredips", "-f", FILTER, "-s"},
-     {"0 part", "1 ERROR: kernel out of memory", "1 ERROR: no memory for getting 6 IP entries"}},
+     {"0 part", "1 ERROR: kernel out of memory", "1 ERROR: no memory for getting 7 IP entries"}},
     {"Setipdiscovery",
      {"setipdiscovery", "-f", OTHER_FILTER, "-d"},
      {"0 whole", "1 ERROR: kernel out of memory"}},
