@@ -22,11 +22,13 @@ constexpr char kHandler[] = "GetFqdnEntries";
 /// Families whose addresses are four bytes: IPv4, and none yet.
 bool isIPv4(std::uint8_t family) { return family == 0 || family == 2; }
 
-std::string addressText(const FWFqdnEntry_& entry) {
+/// The text of an entry's address.
+struct AddressText {
+  explicit AddressText(const FWFqdnEntry_& entry) {
+    inet_ntop(isIPv4(entry.family) ? AF_INET : AF_INET6, entry.address.value, text, sizeof text);
+  }
   char text[INET6_ADDRSTRLEN];
-  inet_ntop(isIPv4(entry.family) ? AF_INET : AF_INET6, entry.address.value, text, sizeof text);
-  return text;
-}
+};
 
 /// The entry after `before`, which is cleared in front of the first. Returns 0, or 1 after the
 /// error line.
@@ -39,14 +41,14 @@ int nextEntry(const Target& target, const FWFqdnEntry_& before, FWFqdnEntry_* ne
   if (status != FW_STATUS_OK) return outcome(status, "ERROR: failed to fqdn entries: %s\n");
   if (target.verbose()) {
     std::printf("DEBUG: %s: Response is here, %s %s\n", kHandler,
-                isIPv4(next->family) ? "IPv4" : "IPv6", addressText(*next).c_str());
+                isIPv4(next->family) ? "IPv4" : "IPv6", AddressText(*next).text);
     std::printf("DEBUG: %s: Number of uuid %d\n", kHandler, static_cast<int>(next->uuidCount));
   }
   return 0;
 }
 
 void printEntry(const FWFqdnEntry_& entry, const FWUuidItem_* items, unsigned int count) {
-  std::printf("Fqdn IP %s\n", addressText(entry).c_str());
+  std::printf("Fqdn IP %s\n", AddressText(entry).text);
   const FWLocalTime_ t = bootsec2local(entry.startTime);
   std::printf("  # start_time : %04d-%02d-%02dT%02d:%02d:%02d\n", t.year, t.month, t.day, t.hour,
               t.minute, t.second);
@@ -54,8 +56,7 @@ void printEntry(const FWFqdnEntry_& entry, const FWUuidItem_* items, unsigned in
     std::printf("  # ttl : Infinite\n");
   else
     std::printf("  # ttl : %u\n", std::uint32_t{entry.timeToLive});
-  for (unsigned int i = 0; i < count; ++i)
-    std::printf("     UUID -- %s\n", fieldText(items[i].text).c_str());
+  for (unsigned int i = 0; i < count; ++i) std::printf("     UUID -- %s\n", items[i].text);
   std::printf("\n");
 }
 
