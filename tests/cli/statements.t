@@ -90,6 +90,8 @@ What a statement sets another one reads back.
   $ cli 'create attrprofile "web" with { [ APP_ID : APP_HTTP, APP_HTTPS ], [ TLS_VERSION : 771 ] }; delete attrprofile "web"; delete attrprofile "web";'
   err| ERROR: Failed to eval config `create attrprofile "web" with { [ APP_ID : APP_HTTP, APP_HTTPS ], [ TLS_VERSION : 771 ] }; delete attrprofile "web"; delete attrprofile "web";': no addrset
   [1]
+  $ cli 'set exportver 1000; describe exportver;'
+  Current export version: 1000
 
 Strict TCP and the levels of the log have no statement that prints them.
 
@@ -99,6 +101,39 @@ Strict TCP and the levels of the log have no statement that prints them.
    GetTCPStrict() = ok {strict 1}
    EnableVerbose(component 1, level 3) = ok
    EnableVerbose(component 2, level 4) = ok
+
+Connections, from a flow on. The kernel decides what becomes of those that are set.
+
+  $ cli 'describe connection count;'
+  connection count : 244
+  $ cli 'describe connection stat;' | head -n 3
+  2026-01-05T08:00:00Z 0x5c1e000100001001 af 2  ethertype 0x0800 prototcp   10.31.0.1:49152 -> 10.20.1.40:443  4d80 2b3e 1f 1b
+  2026-01-05T08:00:09Z 0x5c1e00010000100a af 2  ethertype 0x0800 prototcp   10.20.1.40:49155 -> 10.31.0.4:443  13600 acf8 7c 6c
+  2026-01-05T08:00:18Z 0x5c1e000100001013 af 2  ethertype 0x0800 protoudp   10.31.0.7:49158 -> 10.20.1.40:53  21e80 12eb2 d9 bd
+  $ cli 'describe connection stat from 6637742905085661203;' | head -n 1
+  2026-01-05T08:00:18Z 0x5c1e000100001013 af 2  ethertype 0x0800 protoudp   10.31.0.7:49158 -> 10.20.1.40:53  21e80 12eb2 d9 bd
+  $ cli 'describe connection stat from -1;'
+  $ cli 'set all connection; set connection;'
+  $ cli 'set connection with { from 10.0.0.1:1024 to any:80, from any port 1 to 10.0.0.1 port 2 };'
+  $ tarnlab log -s | tail -n 3 | cut -d : -f 4-
+   SetAllConnection() = ok {count 244}
+   SetConnectionByFilter() = ok {count 244}
+   SetConnectionByList(connections 2) = ok {result 0}
+  $ cli 'clear all connection; describe connection count;'
+  Cleared connection count : 244
+  connection count : 0
+
+Users, domains and attributes of connections.
+
+  $ cli 'set uid2sidmap "S-1-5-21-1-2-3-1001" { "S-1-5-32-544", "S-1-5-32-545" };'
+  $ cli 'add domain2ip "www.example.com" uuid 502e1f3a-c21a-632a-4ae1-00505699b626 with { { 192.0.2.1, 192.0.2.2 } };'
+  $ cli 'set connattr 10.0.0.1 1024 10.0.0.2 80 tcp dir_in with { [ APP_ID : APP_HTTP ] };'
+  $ cli 'set connattr 6637742905085661185 with { [ TLS_VERSION : 771 ] };'
+  $ tarnlab log -s | tail -n 4 | cut -d : -f 4-
+   SetUid2SidMapping(operation 0, sids 2, uid S-1-5-21-1-2-3-1001) = ok
+   AddDomain2IPMapping(addresses 2, bytes 340) = ok
+   SetConnAttr(operation 0, connection 0a0000010000000000000000000000000a0000020000000000000000000000000400005002000006, selector 1, id 0, attributes 1, bytes 38) = ok {result 0}
+   SetConnAttr(operation 0, selector 0, id 6637742905085661185, attributes 1, bytes 38) = ok {result 0}
 
 Nothing is sent when a value is wrong.
 
