@@ -106,11 +106,11 @@ Connections, from a flow on. The kernel decides what becomes of those that are s
 
   $ cli 'describe connection count;'
   connection count : 244
-  $ cli 'describe connection stat;' | head -n 3
+  $ cli 'describe connection stat;' | sed -n 1,3p
   2026-01-05T08:00:00Z 0x5c1e000100001001 af 2  ethertype 0x0800 prototcp   10.31.0.1:49152 -> 10.20.1.40:443  4d80 2b3e 1f 1b
   2026-01-05T08:00:09Z 0x5c1e00010000100a af 2  ethertype 0x0800 prototcp   10.20.1.40:49155 -> 10.31.0.4:443  13600 acf8 7c 6c
   2026-01-05T08:00:18Z 0x5c1e000100001013 af 2  ethertype 0x0800 protoudp   10.31.0.7:49158 -> 10.20.1.40:53  21e80 12eb2 d9 bd
-  $ cli 'describe connection stat from 6637742905085661203;' | head -n 1
+  $ cli 'describe connection stat from 6637742905085661203;' | sed -n 1p
   2026-01-05T08:00:18Z 0x5c1e000100001013 af 2  ethertype 0x0800 protoudp   10.31.0.7:49158 -> 10.20.1.40:53  21e80 12eb2 d9 bd
   $ cli 'describe connection stat from -1;'
   $ cli 'set all connection; set connection;'
