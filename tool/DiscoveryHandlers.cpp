@@ -44,7 +44,7 @@ std::uint64_t entriesOf(const FWIpDiscovery_& reply) {
   return std::uint64_t{reply.ipv4Count} + reply.ipv6Count;
 }
 
-void printIpDiscStats(const FWIpDiscovery_& reply) {
+void PrintIpDiscStats(const FWIpDiscovery_& reply) {
   constexpr struct {
     std::uint32_t bit;
     const char* text;
@@ -73,11 +73,11 @@ const char* sourceText(bool ipv4, std::uint8_t source) {
   return place == 0 || place == 1 ? kTexts[ipv4][place] : "(Unknown source)";
 }
 
-void printEntry(std::uint32_t number, const FWIpDiscoveryEntry_& entry) {
+void printEntry(int number, const FWIpDiscoveryEntry_& entry) {
   const bool ipv4 = entry.isIpv4 != 0;
   char address[INET6_ADDRSTRLEN];
   inet_ntop(ipv4 ? AF_INET : AF_INET6, entry.address, address, sizeof address);
-  std::printf("\t[%u] vlan = %u  mac = %02x:%02x:%02x:%02x:%02x:%02x  IP = %s %s\n", number,
+  std::printf("\t[%d] vlan = %u  mac = %02x:%02x:%02x:%02x:%02x:%02x  IP = %s %s\n", number,
               unsigned{std::uint16_t{entry.vlan}}, entry.mac[0], entry.mac[1], entry.mac[2],
               entry.mac[3], entry.mac[4], entry.mac[5], address, sourceText(ipv4, entry.source));
 }
@@ -92,7 +92,7 @@ int showDiscovered(const Target& target, bool withStats) {
   directRequest(kFirewall, FW_REQUEST_DISCOVERED_IPS, counts);
   const std::uint64_t known = entriesOf(counts);
   if (known == 0) {
-    if (withStats) printIpDiscStats(counts);
+    if (withStats) PrintIpDiscStats(counts);
     printCount(target, 0);
     return 0;
   }
@@ -109,7 +109,7 @@ int showDiscovered(const Target& target, bool withStats) {
   list.bufferLength = static_cast<std::uint32_t>(known) * kEach;
   list.buffer = addressOf(entries.get());
   directRequest(kFirewall, FW_REQUEST_DISCOVERED_IPS, list);
-  if (withStats) printIpDiscStats(list);
+  if (withStats) PrintIpDiscStats(list);
 
   // There may be more of them by now; the buffer holds no more than were counted before.
   const std::uint64_t returned = entriesOf(list);
@@ -117,7 +117,7 @@ int showDiscovered(const Target& target, bool withStats) {
     TARNFW_WARNING("%lu IP entries returned for room of %lu\n", returned, known);
   const auto count = static_cast<std::uint32_t>(std::min(returned, known));
   printCount(target, count);
-  for (std::uint32_t i = 0; i < count; ++i) printEntry(i + 1, entries[i]);
+  for (std::uint32_t i = 0; i < count; ++i) printEntry(static_cast<int>(i + 1), entries[i]);
   return 0;
 }
 

@@ -35,13 +35,17 @@ struct AddressText {
 int nextEntry(const Target& target, const FWFqdnEntry_& before, FWFqdnEntry_* next) {
   const bool ipv4 = isIPv4(before.family);
   if (target.verbose())
-    std::printf("DEBUG: %s: Getting %s address\n", kHandler, ipv4 ? "V4" : "V6");
+    printWith(stdout, ipv4 ? "DEBUG: %s: Getting V4 address\n" : "DEBUG: %s: Getting V6 address\n",
+              kHandler);
   const FWStatus_t status = (ipv4 ? FW_GetFqdnEntriesV4 : FW_GetFqdnEntriesV6)(
       target.handle, target.port, nullptr, before.address, before.family, next);
   if (status != FW_STATUS_OK) return outcome(status, "ERROR: failed to fqdn entries: %s\n");
   if (target.verbose()) {
-    std::printf("DEBUG: %s: Response is here, %s %s\n", kHandler,
-                isIPv4(next->family) ? "IPv4" : "IPv6", AddressText(*next).text);
+    const AddressText address(*next);
+    if (isIPv4(next->family))
+      std::printf("DEBUG: %s: Response is here, IPv4 %s\n", kHandler, address.text);
+    else
+      std::printf("DEBUG: %s: Response is here, IPv6 %s\n", kHandler, address.text);
     std::printf("DEBUG: %s: Number of uuid %d\n", kHandler, static_cast<int>(next->uuidCount));
   }
   return 0;
