@@ -112,7 +112,7 @@ constexpr U32 result{0, "result"}, operation{4, "operation"}, selector{48, "sele
     attributeCount{60, "attributes"}, attributeBytes{64, "bytes"};
 constexpr Blob connection{8, 40, "connection"};
 constexpr Net64 id{52, "id"};
-constexpr std::uint32_t setAttributes = 0, deleteAttributes = 1, byId = 0, byConnection = 1;
+constexpr std::uint32_t deleteAttributes = 1, byId = 0, byConnection = 1;
 constexpr unsigned keyUserSid = 9;
 
 /// Whether each user that an attribute names is known.
