@@ -15,12 +15,6 @@ int unavailable(const char* cmd) {
 #define UNAVAILABLE(handler) \
   int handler(const char* cmd, int, char**) { return unavailable(cmd); }
 
-// flows and connections
-UNAVAILABLE(ClearConnection)
-UNAVAILABLE(GetConnectionCount)
-UNAVAILABLE(GetConnections)
-UNAVAILABLE(GetFWFlows)
-
 // lifecycle of filters and agents, filter tables
 UNAVAILABLE(AddFilter)
 UNAVAILABLE(ClearAllFilters)

@@ -2,12 +2,6 @@ Commands that this build does not have say so, whatever their options; one of ea
 
   $ . "$TESTDIR/setup"
 
-Flows and connections.
-
-  $ run tarnioctl GetFlows -f x
-  err| ERROR: command GetFlows is not available in this build.
-  [1]
-
 Lifecycle of filters and agents, filter tables.
 
   $ run tarnioctl addfilter -Override -h

@@ -16,6 +16,7 @@ namespace {
 
 #define FILTER "nic-1002672-eth0-kelpco-sfw.2"
 #define OTHER_FILTER "nic-1002731-eth0-kelpco-sfw.2"
+#define FILTER_WITHOUT_FLOWS "nic-1003120-eth0-kelpco-sfw.2"
 #define GUARDED_FILTER "nic-998214-eth0-kelpco-spoof.guard.1"
 
 /// How a command may end when an allocation fails: its status and the last line on standard error.
@@ -192,6 +193,18 @@ const Row kRows[] = {
     {"Setcopymode",
      {"setcopymode", "-f", FILTER, "-d"},
      {"255 whole", "1 ERROR: Failed to set L7 copy mode config for " FILTER}},
+    {"GetflowsDropped",
+     {"getflows", "-f", FILTER, "-F", "1", "-T", "d"},
+     {"255 part", "1 ERROR: kernel out of memory",
+      "1 ERROR: no memory for getting 112 flow records (33081 bytes)"}},
+    {"Getconnections",
+     {"getconnections", "-f", FILTER},
+     {"255 part", "1 part", "1 ERROR: kernel out of memory",
+      "1 ERROR: Failed to allocate memeory for records"}},
+    {"Getconncount", {"getconncount", "-f", FILTER}, {"255 part", "1 part"}},
+    {"Clrconnection",
+     {"clrconnection", "-Override", "-f", FILTER_WITHOUT_FLOWS},
+     {"255 part", "1 ERROR: failed to clear connection: out of memory"}},
     {"Tarnfwcli",
      {"tarnfwcli", "-Override", "-f", FILTER, "-c", "destroy ruleset \"none\";"},
      {"255 whole", "1 ERROR: failed to alloc memory for configs",

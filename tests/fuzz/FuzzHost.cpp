@@ -13,6 +13,7 @@
 #include <memory>
 #include <utility>
 
+#include "FlowQuery.h"
 #include "Fuzz.h"
 #include "TableRecords.h"
 #include "TarnFWFilter.h"
@@ -230,6 +231,22 @@ int FuzzHost::discovered(void* block) {
   return reply(buffer, &status);
 }
 
+int FuzzHost::flows(void* block) {
+  const auto frame = loadRecord<FWIoctlFrame>(block);
+  require(frame.bodyLength == sizeof(FWFlowQuery_));
+  auto query = loadRecord<FWFlowQuery_>(at<void>(frame.body));
+  std::span<std::uint8_t> buffer;
+  if (query.operation == FW_FLOWS_READ)
+    buffer = {at<std::uint8_t>(query.buffer), std::size_t{query.bufferLength}};
+  for (FWFlowCounts_* const counts : {&query.active, &query.inactive, &query.drop}) {
+    const auto bytes = take(sizeof *counts);
+    if (!bytes.empty()) std::memcpy(counts, bytes.data(), bytes.size());
+  }
+  storeRecord(at<void>(frame.body), query);
+  std::optional<std::uint32_t> status;
+  return reply(buffer, &status);
+}
+
 int FuzzHost::table(unsigned long request, void* block) {
   std::optional<std::uint32_t> status;
   if (request == WGT_REQUEST_INCLUDE_SIZE)
@@ -270,7 +287,10 @@ struct FuzzHostCalls {
     return result == 0 ? __real_open("/dev/null", O_RDWR | O_CLOEXEC) : result;
   }
 
-  static void sleep(unsigned int seconds) { g_host->slept_ += seconds; }
+  static void sleep(unsigned int seconds) {
+    g_host->slept_ += seconds;
+    if (g_host->calls_ > kMaxCalls) throw FuzzHost::Signal();
+  }
 
   static int close(int descriptor) {
     __real_close(descriptor);
@@ -319,6 +339,9 @@ struct FuzzHostCalls {
         return g_host->filterList(request, argument);
       case kDiscoveredIps:
         return g_host->discovered(argument);
+      case FW_REQUEST_FLOWS:
+        if (!g_host->hostile_) return g_host->flows(argument);
+        break;
     }
     if (argument == nullptr) return g_host->fail(ENOTTY);
     if (!g_host->hostile_) return g_host->record(argument);

@@ -22,6 +22,7 @@
 ///                               2  a byte, the kernel's status: the reply is complete
 ///                               3  a byte: the call itself fails with this errno
 ///     list of filters         32 bits count, 32 bits length, then parts, as above, of the buffer
+///     flows                   48 bytes over the counts, then parts, as above, of the buffer
 ///     another request         parts, as above, of its body
 ///     discovered addresses    the same, then parts of the buffer when there is one
 ///     size of a table         parts, as above, of the frame
@@ -30,6 +31,9 @@
 ///     connect                 a byte: errno, 0 for success
 ///     send                    a byte: 0 takes all, 255 is busy, else the most that is taken
 ///     recv                    16 bits length and the bytes; none is the peer's end
+///
+/// A command that repeats until a signal ends it gets one when it waits after so many calls that
+/// all of them fail: `Signal` is thrown then.
 ///
 /// What a peer says in place of a message's header is not handed over: the header stays.
 ///
@@ -49,6 +53,7 @@
 class FuzzHost {
  public:
   enum class Kind { kOrdinary, kHostile };
+  struct Signal {};
 
   explicit FuzzHost(std::span<const std::uint8_t> bytes, Kind kind = Kind::kOrdinary);
   ~FuzzHost();
@@ -91,6 +96,7 @@ class FuzzHost {
   int record(void* frame);
   int discovered(void* frame);
   int table(unsigned long request, void* frame);
+  int flows(void* frame);
 
   std::span<const std::uint8_t> bytes_;
   bool hostile_;

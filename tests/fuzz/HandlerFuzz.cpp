@@ -53,7 +53,11 @@ HandlerRun runProgram(const std::vector<std::string>& words, std::span<const std
   HandlerRun run{};
   {
     const FuzzHost around(host);
-    run.status = runCommand(static_cast<int>(copies.size()), argv.data());
+    try {
+      run.status = runCommand(static_cast<int>(copies.size()), argv.data());
+    } catch (const FuzzHost::Signal&) {
+      run.status = 1;
+    }
     run.out = around.out();
     run.err = around.err();
     run.hostCalls = around.calls();
