@@ -72,15 +72,15 @@ static_assert(offsetof(FWDPIInfo_, id) == 0 && offsetof(FWDPIInfo_, found) == 8 
 /// An address that belongs to a fully qualified name. It never crosses to the kernel: the reply has
 /// the same fields without the gaps.
 struct FWFqdnEntry_ {
-  FWAddress_ address;           //   +0  the key of the next request
-  std::uint8_t family;          // +144  2 is IPv4
-  std::uint8_t reserved[3];     // +145
-  host32 uuidCount;             // +148  identifiers of this entry
-  host64 startTime;             // +152  seconds since boot
-  std::uint8_t reservedToo[8];  // +160
-  host32 timeToLive;            // +168  seconds
-  std::uint8_t infinite;        // +172  not 0: the entry stays
-  std::uint8_t padding[3];      // +173
+  FWAddress_ address;            //   +0  the key of the next request
+  std::uint8_t family;           // +144  2 is IPv4
+  std::uint8_t reserved[3];      // +145
+  host32 uuidCount;              // +148  identifiers of this entry
+  host64 startTime;              // +152  seconds since boot
+  std::uint8_t reservedToo[8];   // +160
+  host32 timeToLive;             // +168  seconds
+  std::uint8_t infinite;         // +172  not 0: the entry stays
+  std::uint8_t reservedLast[3];  // +173
 };
 static_assert(sizeof(FWFqdnEntry_) == 176 && alignof(FWFqdnEntry_) == 1);
 static_assert(offsetof(FWFqdnEntry_, address) == 0 && offsetof(FWFqdnEntry_, family) == 144 &&
@@ -88,7 +88,8 @@ static_assert(offsetof(FWFqdnEntry_, address) == 0 && offsetof(FWFqdnEntry_, fam
               offsetof(FWFqdnEntry_, startTime) == 152 &&
               offsetof(FWFqdnEntry_, reservedToo) == 160 &&
               offsetof(FWFqdnEntry_, timeToLive) == 168 &&
-              offsetof(FWFqdnEntry_, infinite) == 172 && offsetof(FWFqdnEntry_, padding) == 173);
+              offsetof(FWFqdnEntry_, infinite) == 172 &&
+              offsetof(FWFqdnEntry_, reservedLast) == 173);
 
 /// An identifier that belongs to such an address.
 struct FWUuidItem_ {

@@ -38,9 +38,9 @@ struct FWMemHeap_ {
   TarnFirewall::host64 memoryHighWater;  //  +72  bytes
   TarnFirewall::host64 objectHighWater;  //  +80
   TarnFirewall::host32 overhead;         //  +88  bytes an object
-  std::uint8_t padding[4];               //  +92  not read
+  std::uint8_t reservedThird[4];         //  +92  not read
   TarnFirewall::host32 zoneCount;        //  +96  in the request: zones that there is room for
-  std::uint8_t paddingToo[4];            // +100  not read
+  std::uint8_t reservedLast[4];          // +100  not read
   FWMemZone_ zones[kMemZones];           // +104
 };
 static_assert(sizeof(FWMemHeap_) == 2152 && alignof(FWMemHeap_) == 1);
