@@ -13,18 +13,18 @@ have() { command -v "$1" >/dev/null 2>&1; }
 # What the program, the library and the lab are built with; what the tests need besides; what the
 # sanitizers and fuzzers need.
 build_packages=(g++ cmake ninja-build flex bison)
-test_packages=(ccache libgtest-dev make python3 python3-cram valgrind pkg-config git)
+test_packages=(ccache libgtest-dev make netbase python3 python3-cram valgrind pkg-config git)
 fuzz_packages=(clang-14 libclang-rt-14-dev)
 
 # is_there PACKAGE. Where the package system cannot be asked, the package's command answers; what has
-# none is looked for by CMake.
+# none is looked for by CMake, or by the tests that need it.
 is_there() {
   if have dpkg-query; then
     dpkg-query -W -f='${Status}' "$1" 2>/dev/null | grep -q 'install ok installed'
     return
   fi
   case $1 in
-    lib* | ccache) ;;
+    lib* | ccache | netbase) ;;
     ninja-build) have ninja ;;
     python3-cram) have cram3 || have cram ;;
     *) have "$1" ;;

@@ -368,7 +368,7 @@ TEST_F(TarnFWCmdSettings, ACountOfAddressesIsBoundedByTheReply) {
 
 TEST_F(TarnFWCmdSettings, ASpoofGuardsReplyMayEndAnywhere) {
   const Bytes whole = guardReply(2);
-  for (const std::size_t size : {0, 1, 6, 7, 11, 12, 155, 156, 299, 300}) {
+  for (const std::size_t size : {0u, 1u, 6u, 7u, 11u, 12u, 155u, 156u, 299u, 300u}) {
     const Bytes reply(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size));
     CTarnFWCmdCheckSpoofGuard command(nullptr);
     const Printed printed;

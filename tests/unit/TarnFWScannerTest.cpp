@@ -602,7 +602,8 @@ TEST(TarnFWScanner, RefusesALongQuotedTextOnTheLineOfItsClose) {
 }
 
 TEST(TarnFWScanner, DropsCommentsAndBlanksOfEveryLength) {
-  for (const std::size_t length : {0, 1, 63, 64, 65, 127, 128, 129, 255, 256, 257, 20000}) {
+  for (const std::size_t length :
+       {0u, 1u, 63u, 64u, 65u, 127u, 128u, 129u, 255u, 256u, 257u, 20000u}) {
     const std::string stars(length, '*');
     EXPECT_EQ(scan("a /*" + stars + "*/b"), (Tokens{"STRING(a)", "STRING(b)"})) << length;
     EXPECT_EQ(scan("a /*" + std::string(length, 'x') + "*/b"), (Tokens{"STRING(a)", "STRING(b)"}));
