@@ -39,8 +39,8 @@ statement in its first line, not the one that the mistake is in.
   >   (cd "$TARNLAB_HOME" && find . -type f ! -name lock -exec cksum {} + | sort)
   > }
   $ state > before
-  $ grep -c filters/0/ before
-  4
+  $ grep -cE 'filters/0/(rulesets|addrsets)/' before
+  3
   $ destroy='destroy all ruleset; destroy all addrset;'
   $ { echo "$destroy"; sed -n '/^create ruleset/,/^  rule 100000 /p' rules.conf
   >   echo '  rule 100001 inout protocol tcp from any to any port 70000 accept; };'; } > bad-rules.conf

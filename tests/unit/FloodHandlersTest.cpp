@@ -100,7 +100,7 @@ TEST(GetFloodStat, PrintsEachFieldInItsPlace) {
 TEST(GetFloodStat, WithoutALimitOnlyTheActiveFlowsArePrinted) {
   FloodKernel kernel;
   kernel.change = [](Body& body) {
-    for (const std::size_t at : {4, 12, 20, 28, 36}) body.put32(at, 0);
+    for (const std::size_t at : {4u, 12u, 20u, 28u, 36u}) body.put32(at, 0);
   };
   EXPECT_EQ(get({}), (CommandResult{0,
                                     "UDP:\n"

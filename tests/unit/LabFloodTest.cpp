@@ -48,10 +48,10 @@ TEST_F(LabFlood, ItsCountersAgreeWithEachOther) {
   EXPECT_EQ(get64(reply, 64), sums[1]);
   EXPECT_EQ(get64(reply, 72), sums[2]);
   std::set<std::uint64_t> seen;
-  for (const std::size_t at : {4, 8, 12, 16, 20, 24, 28, 32, 40, 44, 56}) {
+  for (const std::size_t at : {4u, 8u, 12u, 16u, 20u, 24u, 28u, 32u, 40u, 44u, 56u}) {
     EXPECT_TRUE(seen.insert(get32(reply, at)).second) << at;
   }
-  for (const std::size_t at : {64, 72, 80, 88, 96, 104, 120}) {
+  for (const std::size_t at : {64u, 72u, 80u, 88u, 96u, 104u, 120u}) {
     EXPECT_TRUE(seen.insert(get64(reply, at)).second) << at;
   }
 }
@@ -82,7 +82,7 @@ TEST_F(LabFlood, WhatIsSetIsReadAndWhatIsNotGivenStays) {
   EXPECT_EQ(get64(reply, 120), 0u);
   ASSERT_EQ(command(78, configuration({{16, 0}})), 0u);
   ASSERT_EQ(command(79, asked(0, 512)), 0u);
-  for (const std::size_t at : {36, 40, 44, 56, 132}) EXPECT_EQ(get32(reply, at), 0u) << at;
+  for (const std::size_t at : {36u, 40u, 44u, 56u, 132u}) EXPECT_EQ(get32(reply, at), 0u) << at;
   EXPECT_TRUE(isZero(part(ConstBytes(reply), 136, 512 * 24)));
 }
 
@@ -91,7 +91,8 @@ TEST_F(LabFlood, ZeroingFollowsTheReading) {
   EXPECT_EQ(get64(reply, 80), 720u);
   const std::uint32_t active = get32(reply, 8);
   ASSERT_EQ(command(79, asked(0, 512)), 0u);
-  for (const std::size_t at : {64, 72, 80, 88, 96, 104, 120}) EXPECT_EQ(get64(reply, at), 0u) << at;
+  for (const std::size_t at : {64u, 72u, 80u, 88u, 96u, 104u, 120u})
+    EXPECT_EQ(get64(reply, at), 0u) << at;
   EXPECT_EQ(get32(reply, 8), active) << "what is there now is no counter";
   ASSERT_EQ(command(79, asked(), filterSelector(other)), 0u);
   EXPECT_NE(get64(reply, 80), 0u);
@@ -142,7 +143,7 @@ TEST_F(LabFlood, TheOldMachineOfANewHostHasNoLimits) {
     fillHost(store, Host::load(store));
   }
   ASSERT_EQ(command(79, asked(), filterSelector("nic-998214-eth0-kelpco-sfw.2")), 0u);
-  for (const std::size_t at : {4, 12, 20, 28, 36}) EXPECT_EQ(get32(reply, at), 0u) << at;
+  for (const std::size_t at : {4u, 12u, 20u, 28u, 36u}) EXPECT_EQ(get32(reply, at), 0u) << at;
   const ByteVector watched =
       filterSelector("nic-998214-eth0-kelpco-spoof.guard.1", "kelpco-spoof.guard");
   ASSERT_EQ(command(79, asked(), watched), 0u);

@@ -743,7 +743,7 @@ TEST(GetRulesBalancing, AFailedRuleLeavesTheBraceOpenAndGoesOnWithTheNextRuleSet
 TEST(GetRulesBalancing, AReplyOfMoreThanWasAskedForLeavesTheBraceOpen) {
   RuleKernel kernel;
   kernel.sets = {{"web", {{2, {balancingRule(1)}}}}};
-  const auto twice = [&](int number) {
+  const auto twice = [&](unsigned int number) {
     const auto answer = kernel.answerTo(number);
     kernel.on(number, [answer](Body& body) {
       const auto status = answer(body);
