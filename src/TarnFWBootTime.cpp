@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <limits>
 
 namespace TarnFirewall {
 
@@ -19,10 +20,15 @@ std::uint64_t nanoseconds(clockid_t clock) {
 
 /// When the host was started. The clocks of `time` and of `sysinfo` are subtracted
 /// before they are cut to seconds: cut first, they do not turn to the next second together, and the
-/// difference would be another one in a part of each second.
+/// difference would be another one in a part of each second. What passes between the two readings
+/// makes the difference smaller, so the largest of a few is the one of the closest pair: a start
+/// just after a full second is not taken for one before it when a single reading is interrupted.
 std::uint64_t bootTime() {
-  const auto boot =
-      static_cast<std::int64_t>(nanoseconds(CLOCK_REALTIME) - nanoseconds(CLOCK_BOOTTIME));
+  auto boot = std::numeric_limits<std::int64_t>::min();
+  for (int pair = 0; pair < 4; ++pair) {
+    const std::uint64_t now = nanoseconds(CLOCK_REALTIME);
+    boot = std::max(boot, static_cast<std::int64_t>(now - nanoseconds(CLOCK_BOOTTIME)));
+  }
   constexpr std::int64_t second = 1'000'000'000;
   return static_cast<std::uint64_t>((boot - (boot < 0 ? second - 1 : 0)) / second);
 }
