@@ -52,11 +52,11 @@ void CTarnFWCmdGetUid2SidMapping::print(const CTarnFWCmdReply& reply,
     out.print(out.context, "Status : %s\n", user.active != 0 ? "Active" : "Inactive");
     out.print(out.context, "NoConn : %u\n", std::uint32_t{user.connections});
     out.print(out.context, "{\n");
-    const std::uint32_t told = user.sidCount;
-    const auto sids = reply.records<fwattr_sid>(offset, told, told);
+    const std::uint32_t reported = user.sidCount;
+    const auto sids = reply.records<fwattr_sid>(offset, reported, reported);
     printSids(sids, out);
     out.print(out.context, "}\n");
-    if (sids.checkedSize() < told) return;
+    if (sids.checkedSize() < reported) return;
     offset += sizeof(fwattr_sid) * sids.size();
   }
 }

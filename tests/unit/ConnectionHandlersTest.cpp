@@ -23,13 +23,13 @@ const std::string kLine = " Active gre 0800 IN 1003 4 5  10.0.0.1 -> 10.0.0.2 11
 /// Has connections with the flow ids from 1 on, and keeps where pages began.
 class ConnectionKernel : public HandlerKernel {
  public:
-  explicit ConnectionKernel(std::uint32_t connections) : told(connections), there(connections) {
-    on(23, [this](Body& body) { return body.put32(4, told), 0; });
+  explicit ConnectionKernel(std::uint32_t connections) : reported(connections), there(connections) {
+    on(23, [this](Body& body) { return body.put32(4, reported), 0; });
     on(24, [this](Body& body) { return answerPage(body); });
     on(43, [this](Body& body) { return body.put32(0, there), 0; });
   }
-  std::uint32_t told;   // the number that it counts
-  std::uint32_t there;  // those that it has
+  std::uint32_t reported;  // the number that it counts
+  std::uint32_t there;     // those that it has
   std::vector<std::uint64_t> cursors;
 
  private:
@@ -84,7 +84,7 @@ TEST(GetConnections, StopsAsSoonAsItHasSeenTheCount) {
 
 TEST(GetConnections, APageWithoutAnyEndsThePass) {
   ConnectionKernel kernel(0);
-  kernel.told = 5;
+  kernel.reported = 5;
   EXPECT_EQ(show(), (CommandResult{0, "", ""}));
   EXPECT_EQ(kernel.timesAsked(24), 1u);
 }
@@ -170,7 +170,7 @@ TEST(GetConnections, ACountThatLiesIsBoundedByThePage) {
 
 TEST(GetConnections, TheLastFlowIdOfAllEndsThePass) {
   ConnectionKernel kernel(1);
-  kernel.told = 9;
+  kernel.reported = 9;
   kernel.on(24, [&](Body& body) {
     Bytes flow = ipv4Flow(47);
     flow.at(3, {255, 255, 255, 255, 255, 255, 255, 255});
@@ -185,7 +185,7 @@ TEST(GetConnCount, PrintsTheCount) {
   ConnectionKernel kernel(130);
   EXPECT_EQ(runCommand({"getconncount", "-f", kFilter}),
             (CommandResult{0, "Active connection count : 130\n", ""}));
-  kernel.told = ~0u;
+  kernel.reported = ~0u;
   EXPECT_EQ(runCommand({"getconncount", "-f", kFilter}),
             (CommandResult{0, "Active connection count : -1\n", ""}));
   kernel.fail(23, 21);

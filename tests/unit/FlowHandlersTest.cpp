@@ -1,4 +1,4 @@
-// getflows, against a scripted kernel behind the firewall's device.
+// getflows, against a scripted kernel that answers on the firewall's device.
 
 #include <gtest/gtest.h>
 

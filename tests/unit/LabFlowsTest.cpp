@@ -309,13 +309,13 @@ TEST_F(LabFlows, TheCountsAgreeWithTheRecords) {
     sum.bytes += static_cast<std::uint32_t>(record.size());
   }
   for (std::size_t group = 0; group < 3; ++group) {
-    const Amounts told = amounts(counted, group);
-    EXPECT_GT(told.records, 50u);
-    EXPECT_EQ(told.records, sums[group].records);
-    EXPECT_EQ(told.attributes, sums[group].attributes);
-    EXPECT_EQ(told.attributeBytes, sums[group].attributeBytes);
-    EXPECT_EQ(told.bytes, sums[group].bytes);
-    EXPECT_EQ(told.bytes - told.attributeBytes, 251 * told.records);
+    const Amounts reported = amounts(counted, group);
+    EXPECT_GT(reported.records, 50u);
+    EXPECT_EQ(reported.records, sums[group].records);
+    EXPECT_EQ(reported.attributes, sums[group].attributes);
+    EXPECT_EQ(reported.attributeBytes, sums[group].attributeBytes);
+    EXPECT_EQ(reported.bytes, sums[group].bytes);
+    EXPECT_EQ(reported.bytes - reported.attributeBytes, 251 * reported.records);
   }
 }
 

@@ -58,15 +58,15 @@ struct Tables {
       return -1;
     }
     if (!read) {
-      const std::uint32_t told = size.value_or(static_cast<std::uint32_t>(table.size()));
-      std::memcpy(frame + 40, &told, 4);
+      const std::uint32_t reported = size.value_or(static_cast<std::uint32_t>(table.size()));
+      std::memcpy(frame + 40, &reported, 4);
       return 0;
     }
     const auto room = load<std::uint32_t>(frame, 48);
     auto* const entries = reinterpret_cast<std::byte*>(load<std::uint64_t>(frame, 40));
     std::memcpy(entries, table.data(), std::min<std::size_t>(table.size(), room));
-    const std::uint32_t told = filled.value_or(static_cast<std::uint32_t>(table.size()));
-    std::memcpy(frame + 48, &told, 4);
+    const std::uint32_t reported = filled.value_or(static_cast<std::uint32_t>(table.size()));
+    std::memcpy(frame + 48, &reported, 4);
     return 0;
   }
 };

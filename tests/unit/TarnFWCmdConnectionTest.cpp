@@ -191,15 +191,15 @@ TEST_F(TarnFWCmdConnection, TheLongestLineComesOutWhole) {
 
 TEST_F(TarnFWCmdConnection, NoMoreConnectionsAreReadThanWereAskedForOrAreThere) {
   const std::string one = line(ipv4Flow(6));
-  for (const std::uint32_t told : {0u, 1u, 2u, 3u, 0x7fffffffu, ~0u}) {
+  for (const std::uint32_t reported : {0u, 1u, 2u, 3u, 0x7fffffffu, ~0u}) {
     CTarnFWCmdGetConnectionStat command(nullptr, nullptr, 2, 0);
     Bytes reply = replyWith({ipv4Flow(6), ipv4Flow(6)}, 2);
-    put32(reply, 16, told);
+    put32(reply, 16, reported);
     log.clear();
     std::string expected;
-    for (std::uint32_t i = 0; i < std::min(told, 2u); ++i) expected += one;
-    EXPECT_EQ(printedFor(command, reply), expected) << told;
-    EXPECT_EQ(log.lines().size(), told > 2 ? 1u : 0u) << told;
+    for (std::uint32_t i = 0; i < std::min(reported, 2u); ++i) expected += one;
+    EXPECT_EQ(printedFor(command, reply), expected) << reported;
+    EXPECT_EQ(log.lines().size(), reported > 2 ? 1u : 0u) << reported;
   }
 }
 

@@ -210,9 +210,9 @@ TEST_F(TarnFWCmdIdentity, StatesAreLoggedAndBoundedByTheReply) {
   command.addStateID(2);
   Bytes reply(40);
   reply.at(8, {1, 0, 0, 0, 0, 0, 0, 0, 1, 2}).at(24, {2, 0, 0, 0, 0, 0, 0, 0, 1, 3});
-  for (const std::uint32_t told : {0u, 1u, 2u, 3u, ~0u}) {
-    put32(reply, 0, told);
-    const std::uint32_t whole = std::min(told, 2u);
+  for (const std::uint32_t reported : {0u, 1u, 2u, 3u, ~0u}) {
+    put32(reply, 0, reported);
+    const std::uint32_t whole = std::min(reported, 2u);
     for (std::size_t size = 4; size <= reply.size(); ++size) {
       const auto fits = static_cast<std::uint32_t>(size < 8 ? 0 : (size - 8) / 16);
       EXPECT_EQ(command.records(CTarnFWCmdReply(reply.data(), size)).size(), std::min(whole, fits));

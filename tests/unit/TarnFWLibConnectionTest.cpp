@@ -129,12 +129,12 @@ TEST_F(TarnFWLibConnection, ConnectionsAreCopiedUpToTheCallersRoom) {
   const Bytes flow = ipv4Flow(6);
   Bytes reply(32 + 2 * 251);
   for (std::size_t i = 0; i < flow.size(); ++i) reply[32 + i] = reply[283 + i] = flow[i];
-  for (const std::uint32_t told : {0u, 1u, 2u, 3u, ~0u}) {
+  for (const std::uint32_t reported : {0u, 1u, 2u, 3u, ~0u}) {
     room = Bytes(2 * 251, 0xcd);
-    kernel.answer(0, put32(reply, 16, told));
+    kernel.answer(0, put32(reply, 16, reported));
     ASSERT_EQ(FW_GetConnectionStat(handle, &port, nullptr, 2, 0, room.data(), &number), 0u);
-    EXPECT_EQ(number, told) << "above 2 it is the kernel's count";
-    EXPECT_EQ(Bytes(room.begin(), room.begin() + 251), told > 0 ? flow : Bytes(251, 0xcd));
-    EXPECT_EQ(Bytes(room.begin() + 251, room.end()), told > 1 ? flow : Bytes(251, 0xcd));
+    EXPECT_EQ(number, reported) << "above 2 it is the kernel's count";
+    EXPECT_EQ(Bytes(room.begin(), room.begin() + 251), reported > 0 ? flow : Bytes(251, 0xcd));
+    EXPECT_EQ(Bytes(room.begin() + 251, room.end()), reported > 1 ? flow : Bytes(251, 0xcd));
   }
 }

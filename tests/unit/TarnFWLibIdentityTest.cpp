@@ -180,13 +180,13 @@ TEST_F(TarnFWLibIdentity, IdentifiersComeUpToTheRoomAndAreClosed) {
 TEST_F(TarnFWLibIdentity, StatesThatWereNotAnsweredAreCleared) {
   Bytes reply(40);
   reply.at(8, {1, 0, 0, 0, 0, 0, 0, 0, 1, 2}).at(24, {2, 0, 0, 0, 0, 0, 0, 0, 1, 3});
-  for (const std::uint32_t told : {0u, 1u, 2u, 3u, ~0u}) {
+  for (const std::uint32_t reported : {0u, 1u, 2u, 3u, ~0u}) {
     for (FWDPIInfo_& record : records) record.id = 99;
-    kernel.answer(0, put32(reply, 0, told));
+    kernel.answer(0, put32(reply, 0, reported));
     ASSERT_EQ(FW_GetConnectionDPIInfo(handle, &port, nullptr, ids, 2, records, 3), 0u);
-    EXPECT_EQ(records[0].id, told > 0 ? 1u : 0u);
-    EXPECT_EQ(records[0].state, told > 0 ? 2u : 0u);
-    EXPECT_EQ(records[1].id, told > 1 ? 2u : 0u);
+    EXPECT_EQ(records[0].id, reported > 0 ? 1u : 0u);
+    EXPECT_EQ(records[0].state, reported > 0 ? 2u : 0u);
+    EXPECT_EQ(records[1].id, reported > 1 ? 2u : 0u);
     EXPECT_EQ(records[2].id, 0u);
   }
   // Less room than was asked for.
