@@ -12,8 +12,8 @@ Links from one file to another.
   >   done
   > done
   $ links README.md | head -2
+  docs/commands.md
   docs/language.md
-  examples/
 
 Files and folders in backquotes; what is built, and what stands for several, is not looked for.
 
