@@ -159,6 +159,38 @@ Connections are the active flows.
   5c1e000100001001 Active tcp 0800 IN 4095 24 44 (est) 10.31.0.1:Unknown(49152) -> 10.20.1.40:https(443) 536 EST:EST  rtt 150000 retrans 60/80 19840 11070 31 27 Start: Mon, 05 Jan 2026 08:00:00 +0000, End: Mon, 05 Jan 2026 08:01:00 +0000
   5c1e00010000100a Active tcp 0800 OUT 4095 21 42 (S) 10.20.1.40:Unknown(49155) -> 10.31.0.4:https(443) [198.18.0.4:Unknown(1083)] 539 LISTEN:SYNSENT  rtt 150003 retrans 63/83 79360 44280 124 108 Start: Mon, 05 Jan 2026 08:00:09 +0000, End: Mon, 05 Jan 2026 08:01:12 +0000
 
+With an interval they go on until a signal ends them. What there is comes out at once.
+
+  $ repeats() {
+  >   : > seen
+  >   tarnlab run sh -c '
+  >     "$@" >> seen 2> complaints &
+  >     for i in $(seq 600); do [ "$(wc -l < seen)" -ge '$1' ] && break; sleep 0.1; done
+  >     kill $!; wait $! 2> /dev/null; echo "ended with $?"' repeats "${@:2}"
+  >   cat complaints seen
+  > }
+  $ repeats 4 tarnioctl getflows -n -f $filter -t 100000
+  ended with 143
+  Counts retrieved from kernel:
+        Active: numRecords = 10, totalAttr = 15, attrLen = 708, len = 3218
+        Inactive: numRecords = 10, totalAttr = 13, attrLen = 293, len = 2803
+        Drop: numRecords = 0, totalAttr = 0, attrLen = 0, len = 0
+  $ repeats 1 tarnioctl getconnections -f $filter -t 100000 | cut -c 1-31
+  ended with 143
+  5c1e000100001001 Active tcp 080
+  5c1e00010000100a Active tcp 080
+  5c1e000100001013 Active udp 080
+  5c1e00010000101c Active udp 080
+  5c1e000100001025 Active icmp 08
+  5c1e00010000102e Active icmp 08
+  5c1e000100001037 Active ipv6-ic
+  5c1e000100001040 Active ipv6-ic
+  5c1e000100001049 Active tcp 86d
+  5c1e000100001052 Active tcp 86d
+  $ quiet tarnioctl getflows -n -f $filter -t 0 | head -n 9 | tail -n 2
+        Drop: numRecords = 0, totalAttr = 0, attrLen = 0, len = 0
+  Counts retrieved from kernel:
+
 Clearing them.
 
   $ quiet tarnioctl clrconnection -f $filter
@@ -170,6 +202,10 @@ Clearing them.
   weirgate name : nic-1002672-eth0-kelpco-sfw.2
   Cleared connection count : 10
   $ quiet tarnioctl getconnections -f $filter
+  No active connections
+  $ repeats 2 tarnioctl getconnections -f $filter -t 100000 | head -n 3
+  ended with 143
+  No active connections
   No active connections
   $ quiet tarnioctl getflows -f $filter
   Count retrieved from kernel active=0, inactive=10, drop=0

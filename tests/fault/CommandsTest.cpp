@@ -19,6 +19,25 @@ namespace {
 #define FILTER_WITHOUT_FLOWS "nic-1003120-eth0-kelpco-sfw.2"
 #define GUARDED_FILTER "nic-998214-eth0-kelpco-spoof.guard.1"
 
+// Statements. Each text can be evaluated again and again.
+#define CONNECTIONS                                                                             \
+  "describe connection count; set connection with { from 10.0.0.1:1 to any:2, from any port 1 " \
+  "to 10.0.0.2 port 3 }; set connection; set all connection; describe connection stat from 5; " \
+  "clear all connection;"
+#define ATTRIBUTES                                                                              \
+  "create attrprofile p with { [ APP_ID : APP_HTTP, APP_HTTPS ], [ TLS_VERSION : 771 ] }; "     \
+  "delete attrprofile p; "                                                                      \
+  "add domain2ip www.example.com uuid 00010203-0405-0607-0809-0a0b0c0d0e0f with { 10.0.0.1 }; " \
+  "set uid2sidmap 'S-1-5-21' { 'S-1-5-32-544' }; "                                              \
+  "set connattr 10.0.0.1 1 10.0.0.2 2 tcp dir_in with { [ WIN_SID : 'S-1-5-21-1' ] };"
+#define SETTINGS                                                                                  \
+  "set exportver 1000; describe exportver; enable tcp strict; describe tcp strict; "              \
+  "set timeout to '1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17 18 19 20 21 22'; describe timeout; " \
+  "set timeout dfw.tcp.opening to 31; describe timeout dfw.tcp.opening; debug dp 0; "             \
+  "create spoofguard with ip { 10.0.0.1, 10.1.0.0/16 } and mac 00:11:22:33:44:5f; "               \
+  "describe spoofguard; describe stat of spoofguard; delete spoofguard; "                         \
+  "describe stat of kif; clear stat of kif;"
+
 /// How a command may end when an allocation fails: its status and the last line on standard error.
 /// Without one it is "whole" or "part", which is how much of its output there is.
 using Ends = std::set<std::string>;
@@ -44,6 +63,14 @@ Ends both(Ends some, const Ends& others) {
 Ends listEnds(const std::string& filters, const std::string& agent) {
   return {"1 ERROR: kernel out of memory", "1 ERROR: no memory for getting filters: " + filters,
           "1 ERROR: there is no filter for agent " + agent};
+}
+
+Ends statementEnds(const std::string& text) {
+  return {"1 ERROR: failed to alloc memory for configs",
+          "1 ERROR: Could not load config `" + text + "': out of memory",
+          "1 ERROR: Could not load config `" + text + "': parsing error",
+          "1 ERROR: Failed to eval config `" + text + "': out of memory",
+          "1 ERROR: Failed to eval config `" + text + "': unknown error"};
 }
 
 const Ends kRuleSetEnds = {
@@ -207,11 +234,16 @@ const Row kRows[] = {
      {"255 part", "1 ERROR: failed to clear connection: out of memory"}},
     {"Tarnfwcli",
      {"tarnfwcli", "-Override", "-f", FILTER, "-c", "destroy ruleset \"none\";"},
-     {"255 whole", "1 ERROR: failed to alloc memory for configs",
-      "1 ERROR: Could not load config `destroy ruleset \"none\";': out of memory",
-      "1 ERROR: Could not load config `destroy ruleset \"none\";': parsing error",
-      "1 ERROR: Failed to eval config `destroy ruleset \"none\";': out of memory",
-      "1 ERROR: Failed to eval config `destroy ruleset \"none\";': unknown error"}},
+     both(statementEnds("destroy ruleset \"none\";"), {"255 whole"})},
+    {"TarnfwcliConnections",
+     {"tarnfwcli", "-Override", "-f", FILTER_WITHOUT_FLOWS, "-c", CONNECTIONS},
+     both(statementEnds(CONNECTIONS), {"255 part"})},
+    {"TarnfwcliAttributes",
+     {"tarnfwcli", "-Override", "-f", FILTER_WITHOUT_FLOWS, "-c", ATTRIBUTES},
+     both(statementEnds(ATTRIBUTES), {"255 whole"})},
+    {"TarnfwcliSettings",
+     {"tarnfwcli", "-Override", "-f", FILTER_WITHOUT_FLOWS, "-c", SETTINGS},
+     both(statementEnds(SETTINGS), {"255 part"})},
     {"Getdiscoveredips",
      {"getdiscoveredips", "-f", FILTER, "-s"},
      {"0 part", "1 ERROR: no memory for getting 7 IP entries"}},

@@ -10,6 +10,7 @@
 #include "HandlerKernel.h"
 #include "LogCapture.h"
 #include "RunCommand.h"
+#include "TarnFWLog.h"
 #include "TimeZone.h"
 
 namespace {
@@ -112,6 +113,29 @@ TEST(GetConnections, RepeatsAfterItsInterval) {
   EXPECT_TRUE(Sleeps::seen().empty());
 }
 
+TEST(GetConnections, WaitsForConnectionsAsLongAsItRepeats) {
+  ConnectionKernel kernel(0);
+  kernel.fail(23, 21, 3);
+  Sleeps::clear();
+  const std::string none = "No active connections\n";
+  EXPECT_EQ(
+      show({"-t", "7"}),
+      (CommandResult{
+          1, none + none + "Failed to get active connection count : switch port not found\n", ""}));
+  EXPECT_EQ(Sleeps::seen(), (std::vector<unsigned int>{2, 2})) << "the interval is not waited then";
+}
+
+TEST(GetConnections, WaitsItsIntervalAfterAPassWithoutAny) {
+  ConnectionKernel kernel(0);
+  kernel.told = 5;
+  kernel.fail(23, 21, 2);
+  Sleeps::clear();
+  EXPECT_EQ(
+      show({"-t", "7"}),
+      (CommandResult{1, "Failed to get active connection count : switch port not found\n", ""}));
+  EXPECT_EQ(Sleeps::seen(), std::vector<unsigned int>{7});
+}
+
 TEST(GetConnections, RefusesAnIntervalThatIsNone) {
   ConnectionKernel kernel(1);
   for (const char* const text : {"", "x", "1s", "-1", "2147483648"}) {
@@ -208,6 +232,15 @@ TEST(ClrConnection, PrintsHowManyThereWere) {
   kernel.fail(43, 21);
   EXPECT_EQ(runCommand({"clrconnection", "-Override", "--filter", kFilter}),
             (CommandResult{1, "", "ERROR: failed to clear connection: switch port not found\n"}));
+}
+
+TEST(ClrConnection, TakesItsPrinterAway) {
+  ConnectionKernel kernel(3);
+  for (const TarnFirewall::FWStatus_t status : {0u, 21u}) {
+    kernel.on(43, [&](Body&) { return status; });
+    runCommand({"clrconnection", "-Override", "-f", kFilter});
+    EXPECT_EQ(TarnFirewall::g_tarnfw_pretty_printing, nullptr) << status;
+  }
 }
 
 TEST(ClrConnection, SaysItsLevelAndFilterInItsOwnWords) {

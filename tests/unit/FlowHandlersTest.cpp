@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <functional>
 #include <string>
@@ -14,6 +15,7 @@
 #include "LogCapture.h"
 #include "RunCommand.h"
 #include "TimeZone.h"
+#include "tarnfw.h"
 
 namespace {
 
@@ -63,8 +65,9 @@ class FlowKernel : public HandlerKernel {
   Counts returned[3];                 // and to operation 2
   Bytes buffer = Bytes(32, 0xee);     // what it writes, from the start of the buffer
   int countErrno = 0, readErrno = 0;  // with which a call fails, after it was answered
+  std::uint32_t frameStatus = 0;      // what it writes into the frame of every request
   std::vector<Bytes> queries;
-  std::function<void(FlowKernel&)> beforeEach;
+  std::function<void(FlowKernel&)> beforeEach;  // gets it before it answers
 
  private:
   int take(const DeviceShim::Call& call) {
@@ -90,6 +93,7 @@ class FlowKernel : public HandlerKernel {
       std::memcpy(reinterpret_cast<void*>(to), buffer.data(),
                   std::min<std::size_t>(buffer.size(), word(query, 204)));
     }
+    std::memcpy(frame + 4, &frameStatus, sizeof frameStatus);
     errno = reads ? readErrno : countErrno;
     return errno != 0 ? -1 : 0;
   }
@@ -182,6 +186,12 @@ TEST(GetFlows, ARequestThatFailsCountsNothing) {
   EXPECT_EQ(show(), (CommandResult{0, retrieved(0), ""}));
 }
 
+TEST(GetFlows, DoesNotReadTheStatusOfTheFrame) {
+  FlowKernel kernel({ipv4Flow(47)});
+  kernel.frameStatus = 21;
+  EXPECT_EQ(show(), (CommandResult{0, retrieved(1) + kLine, ""}));
+}
+
 TEST(GetFlows, PrintsNumbersOnly) {
   FlowKernel kernel;
   kernel.counted[0] = {1, 2, 3, 4};
@@ -229,12 +239,16 @@ TEST(GetFlows, StepsByTheLengthOfARecordWithItsAttributes) {
 }
 
 TEST(GetFlows, PrintsTimesWhenItIsVerboseAndNothingElse) {
+  const LogCapture log;
   const TimeZone zone("UTC0");
   FlowKernel kernel({ipv4Flow(47)});
   std::string line = kLine;
   line.insert(line.size() - 1,
               " Start: Tue, 14 Nov 2023 22:13:20 +0000, End: Tue, 14 Nov 2023 22:14:20 +0000");
   EXPECT_EQ(show({"-v"}), (CommandResult{0, retrieved(1) + line, ""}));
+  unsigned int level = 99;
+  FW_GetLibVerboseLevel(0, &level);
+  EXPECT_EQ(level, 0u) << "the level is the command's own";
 }
 
 TEST(GetFlows, RepeatsAfterItsInterval) {
@@ -250,6 +264,19 @@ TEST(GetFlows, RepeatsAfterItsInterval) {
   EXPECT_EQ(Sleeps::seen(), (std::vector<unsigned int>{5, 5}));
   EXPECT_EQ(word(kernel.queries[2], 216), 0u) << "the counts are cleared for every pass";
   EXPECT_EQ(word(kernel.queries[2], 204), 0u);
+}
+
+TEST(GetFlows, RepeatsNumbersAfterItsIntervalUntilItIsEnded) {
+  EXPECT_FRESH([] {
+    FlowKernel kernel({ipv4Flow(47)});
+    kernel.beforeEach = [](const FlowKernel& self) {
+      if (self.queries.size() < 3) return;
+      std::_Exit(Sleeps::seen() == std::vector<unsigned int>{5, 5, 5} ? 0 : 1);
+    };
+    Sleeps::clear();
+    show({"-n", "-t", "5"});
+    ADD_FAILURE() << "it has ended by itself";
+  });
 }
 
 TEST(GetFlows, WaitsForRecordsAsLongAsItRepeats) {

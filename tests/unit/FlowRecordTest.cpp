@@ -1,8 +1,11 @@
 // A flow as one line, for every kind, protocol, family and translation, and its attributes.
 
+#include <arpa/inet.h>
 #include <gtest/gtest.h>
+#include <netdb.h>
 
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -137,6 +140,23 @@ TEST(PrintRecord, AProtocolWithoutANameHasItsNumber) {
   EXPECT_EQ(line(ipv4Flow(254)), ipv4Line("other(254)", "10.0.0.1 -> 10.0.0.2"));
 }
 
+TEST(PrintRecord, AProtocolsNameHas15CharactersOfRoom) {
+  EXPECT_EQ(line(ipv4Flow(135)), ipv4Line("mobility-header", "10.0.0.1 -> 10.0.0.2"));
+}
+
+TEST(PrintRecord, AnyByteOfATranslatedAddressMakesItOne) {
+  for (std::size_t i = 0; i < 4; ++i) {
+    EXPECT_NE(line(ipv4Flow(47).at(153 + i, {1})).find(" [" + std::string(i == 0 ? "1." : "0.")),
+              std::string::npos)
+        << i;
+  }
+  for (std::size_t i = 0; i < 16; ++i)
+    EXPECT_NE(line(ipv6Flow(47).at(177 + i, {1})).find(" ["), std::string::npos) << i;
+  // What stands around the field does not.
+  EXPECT_EQ(line(ipv4Flow(47).at(157, {1})), ipv4Line("gre", "10.0.0.1 -> 10.0.0.2"));
+  EXPECT_EQ(line(ipv6Flow(47).at(193, {1})), ipv6Line("gre", "2001:db8::1 -> 2001:db8::2"));
+}
+
 TEST(PrintRecord, FlowsOfLayerTwoHaveMacAddressesAndNoProtocol) {
   EXPECT_EQ(line(ipv4Flow(6, 4)),
             "102030405060708 L2 pass  0800 IN 1003   02:00:00:00:00:0a 02:00:00:00:00:0b 11 22 33 "
@@ -211,6 +231,27 @@ TEST(TCPStateStr, NamesItsStates) {
   for (std::uint16_t state = 0; state < names.size(); ++state)
     EXPECT_EQ(TCPStateStr(state, room), names[state]);
   EXPECT_STREQ(TCPStateStr(65535, room), "other(65535)");
+}
+
+TEST(PortStr, NamesEveryServiceAsTheCLibraryDoes) {
+  std::set<std::pair<std::string, int>> ports;
+  setservent(0);
+  while (const servent* const entry = getservent()) {
+    for (const char* const protocol : {"tcp", "udp"}) {
+      for (const int step : {-1, 0, 1})
+        ports.insert(
+            {protocol, (ntohs(static_cast<std::uint16_t>(entry->s_port)) + step) & 0xffff});
+    }
+  }
+  endservent();
+  for (const auto& [protocol, port] : ports) {
+    const auto number = static_cast<std::uint16_t>(port);
+    const servent* const entry = getservbyport(htons(number), protocol.c_str());
+    char room[32];
+    EXPECT_STREQ(PortStr(protocol.c_str(), number, room),
+                 entry != nullptr ? entry->s_name : "Unknown")
+        << protocol << " " << port;
+  }
 }
 
 TEST(PortStr, CutsANameToItsRoom) {
