@@ -127,7 +127,7 @@ TEST(GetConnections, WaitsForConnectionsAsLongAsItRepeats) {
 
 TEST(GetConnections, WaitsItsIntervalAfterAPassWithoutAny) {
   ConnectionKernel kernel(0);
-  kernel.told = 5;
+  kernel.reported = 5;
   kernel.fail(23, 21, 2);
   Sleeps::clear();
   EXPECT_EQ(
