@@ -2,6 +2,8 @@
 #ifndef TARNLAB_COMMAND_H
 #define TARNLAB_COMMAND_H
 
+#include <algorithm>
+
 #include "LabField.h"
 #include "LabHost.h"
 #include "LabJournal.h"
@@ -69,7 +71,7 @@ std::uint32_t fillList(const CommandContext& context, Body& body, const List& li
 
 /// Copies a stored record into its place in a reply.
 inline void copyRecord(Bytes into, ConstBytes record) {
-  std::memcpy(into.data(), record.data(), std::min(into.size(), record.size()));
+  std::copy_n(record.begin(), std::min(into.size(), record.size()), into.begin());
 }
 
 }  // namespace TarnLab

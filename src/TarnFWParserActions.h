@@ -46,7 +46,8 @@ class CParseFailure final : public CTarnFWException {
 /// no result, which they test for.
 struct SilentParseFailure {};
 
-/// Takes over a value of the right side.
+/// Takes over a value of the right side. What else stands among the arguments of the same call must
+/// not throw: the compiler chooses the order, and a value that nobody took over yet would be lost.
 template <typename Value>
 std::unique_ptr<Value> own(Value* value) {
   return std::unique_ptr<Value>(value);

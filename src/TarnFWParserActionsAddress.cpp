@@ -154,6 +154,7 @@ bool AddAddress(CTarnFWAddressList* list, std::unique_ptr<CTarnFWAddress>& addre
 
 std::unique_ptr<CTarnFWAddressList> appended(std::unique_ptr<CTarnFWAddressList> list,
                                              std::unique_ptr<CTarnFWAddress> address) {
+  if (list == nullptr) list = emptyList();
   if (!AddAddress(list.get(), address)) {
     throw CParseFailure(
         formatText("failed to replace ip range %s to cidr list", address->toString().c_str()));
@@ -163,6 +164,7 @@ std::unique_ptr<CTarnFWAddressList> appended(std::unique_ptr<CTarnFWAddressList>
 
 std::unique_ptr<CTarnFWAddressList> appendedPlain(std::unique_ptr<CTarnFWAddressList> list,
                                                   std::unique_ptr<CTarnFWAddress> address) {
+  if (list == nullptr) list = emptyList();
   list->addAddress(std::move(address));
   return list;
 }

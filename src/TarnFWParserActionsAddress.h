@@ -41,11 +41,11 @@ FWIPPort anyPort(const FWParserText& text);
 /// list as the blocks so far left it, for a range that can't be covered.
 bool AddAddress(CTarnFWAddressList* list, std::unique_ptr<CTarnFWAddress>& address);
 
-/// `AddAddress`, or a `CParseFailure` that names the range.
+/// `AddAddress`, or a `CParseFailure` that names the range. A list that is null is begun.
 std::unique_ptr<CTarnFWAddressList> appended(std::unique_ptr<CTarnFWAddressList> list,
                                              std::unique_ptr<CTarnFWAddress> address);
 
-/// The address at the end of the list as it is, a range too.
+/// The address at the end of the list as it is, a range too. A list that is null is begun.
 std::unique_ptr<CTarnFWAddressList> appendedPlain(std::unique_ptr<CTarnFWAddressList> list,
                                                   std::unique_ptr<CTarnFWAddress> address);
 

@@ -5,6 +5,7 @@
 #include "TarnFWAddressIPv4.h"
 #include "TarnFWAddressIPv6.h"
 #include "TarnFWCmdGetConnectionStat.h"
+#include "TarnFWCmdSetConnectionByList.h"
 
 namespace TarnFirewall {
 
@@ -96,6 +97,11 @@ std::unique_ptr<CTarnFWConnectionList> withConnection(std::unique_ptr<CTarnFWCon
   if (list == nullptr) list = std::make_unique<CTarnFWConnectionList>();
   list->addConnection(connection);
   return list;
+}
+
+std::unique_ptr<CTarnFWCmd> setConnections(const dvs_port_* port,
+                                           std::unique_ptr<CTarnFWConnectionList> list) {
+  return std::make_unique<CTarnFWCmdSetConnectionByList>(port, std::move(list));
 }
 
 std::unique_ptr<CTarnFWCmd> getConnections(const dvs_port_* port, std::int64_t from) {

@@ -35,6 +35,9 @@ FWConnection_* connectionSpec(const FWParse& parse, const FWConnectionEnd& sourc
 std::unique_ptr<CTarnFWConnectionList> withConnection(std::unique_ptr<CTarnFWConnectionList> list,
                                                       const FWConnection_& connection);
 
+std::unique_ptr<CTarnFWCmd> setConnections(const dvs_port_* port,
+                                           std::unique_ptr<CTarnFWConnectionList> list);
+
 /// `from` is a flow id, of 64 bits.
 std::unique_ptr<CTarnFWCmd> getConnections(const dvs_port_* port, std::int64_t from);
 

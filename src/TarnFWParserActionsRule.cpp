@@ -12,6 +12,7 @@
 #include "TarnFWProtocolSpecTCPOptions.h"
 #include "TarnFWRuleActionLB.h"
 #include "TarnFWRuleActionMacRewrite.h"
+#include "TarnFWRuleActionSNAT.h"
 #include "TarnFWText.h"
 #include "TarnFWUtil.h"
 
@@ -151,12 +152,9 @@ std::unique_ptr<CTarnFWProtocolSpec> negatedSpec(std::unique_ptr<CTarnFWProtocol
   return spec;
 }
 
-std::unique_ptr<CTarnFWProtocolSpecList> emptySpecs() {
-  return std::make_unique<CTarnFWProtocolSpecList>(FW_SPEC_DIR_BOTH);
-}
-
 std::unique_ptr<CTarnFWProtocolSpecList> withSpec(std::unique_ptr<CTarnFWProtocolSpecList> list,
                                                   std::unique_ptr<CTarnFWProtocolSpec> spec) {
+  if (list == nullptr) list = std::make_unique<CTarnFWProtocolSpecList>(FW_SPEC_DIR_BOTH);
   list->addSpec(std::move(spec));
   return list;
 }
@@ -223,6 +221,10 @@ FWParserText keyPolicy(const FWParse& parse, const FWParserText& text) {
   const char* cut = parse.arena().copy(text.data, kNormalUuidLength);
   if (cut == nullptr) throw std::bad_alloc();
   return {cut, kNormalUuidLength};
+}
+
+std::unique_ptr<CTarnFWRuleAction> snat(std::unique_ptr<CTarnFWAddress> address) {
+  return std::make_unique<CTarnFWRuleActionSNAT>(std::move(address));
 }
 
 std::unique_ptr<CTarnFWRuleAction> macRewrite(const fw_ether_& ether) {
@@ -296,10 +298,9 @@ std::unique_ptr<CTarnFWRule> buildRule(const FWParse& parse, CTarnFWParserArena:
   }
 }
 
-std::unique_ptr<CTarnFWRuleList> ruleList() { return std::make_unique<CTarnFWRuleList>(false); }
-
 std::unique_ptr<CTarnFWRuleList> withRule(std::unique_ptr<CTarnFWRuleList> list,
                                           std::unique_ptr<CTarnFWRule> rule) {
+  if (list == nullptr) list = std::make_unique<CTarnFWRuleList>(false);
   list->addRule(std::move(rule));
   return list;
 }

@@ -40,7 +40,7 @@ std::unique_ptr<CTarnFWProtocolSpec> negatedSpec(std::unique_ptr<CTarnFWProtocol
 
 // --- Protocol specs
 
-std::unique_ptr<CTarnFWProtocolSpecList> emptySpecs();
+/// Adds a spec at the end of the list; a list that is null is begun.
 std::unique_ptr<CTarnFWProtocolSpecList> withSpec(std::unique_ptr<CTarnFWProtocolSpecList> list,
                                                   std::unique_ptr<CTarnFWProtocolSpec> spec);
 
@@ -89,6 +89,7 @@ std::unique_ptr<CTarnFWRuleAction> flaggedAction(std::unique_ptr<CTarnFWRuleActi
 /// A key policy's identifier, which must be in normal form; throws `CParseFailure` with status 3.
 FWParserText keyPolicy(const FWParse& parse, const FWParserText& text);
 
+std::unique_ptr<CTarnFWRuleAction> snat(std::unique_ptr<CTarnFWAddress> address);
 std::unique_ptr<CTarnFWRuleAction> macRewrite(const fw_ether_& ether);
 
 /// Destination NAT to any of a range of ports. With a pool option the order of the two bounds is
@@ -126,7 +127,7 @@ std::unique_ptr<CTarnFWRule> buildRule(const FWParse& parse, CTarnFWParserArena:
                                        std::int64_t id, std::int64_t position,
                                        const FWParserText& tag, FWRuleParts parts);
 
-std::unique_ptr<CTarnFWRuleList> ruleList();
+/// Adds a rule at the end of the list; a list that is null is begun.
 std::unique_ptr<CTarnFWRuleList> withRule(std::unique_ptr<CTarnFWRuleList> list,
                                           std::unique_ptr<CTarnFWRule> rule);
 

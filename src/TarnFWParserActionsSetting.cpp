@@ -12,6 +12,7 @@
 #include "TarnFWCmdGetTCPStrict.h"
 #include "TarnFWCmdGetTimeout.h"
 #include "TarnFWCmdSetTimeout.h"
+#include "TarnFWParserActionsAddress.h"
 #include "TarnFWUtilTimeout.h"
 
 namespace TarnFirewall {
@@ -50,6 +51,11 @@ std::unique_ptr<CTarnFWCmd> createSpoofGuard(const dvs_port_* port,
                                              std::unique_ptr<CTarnFWAddress> addresses,
                                              std::unique_ptr<CTarnFWAddress> mac) {
   return std::make_unique<CTarnFWCmdCreateSpoofGuard>(port, std::move(addresses), asEther(*mac));
+}
+
+std::unique_ptr<CTarnFWCmd> createSpoofGuard(const dvs_port_* port, const FWParserText& set,
+                                             std::unique_ptr<CTarnFWAddress> mac) {
+  return createSpoofGuard(port, addressSet(set), std::move(mac));
 }
 
 std::unique_ptr<CTarnFWCmd> deleteSpoofGuard(const dvs_port_* port,

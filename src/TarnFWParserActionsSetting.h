@@ -9,9 +9,11 @@
 
 namespace TarnFirewall {
 
-/// `addresses` is a list or the reference to a set, `mac` an Ethernet address.
+/// `addresses` is a list, `set` the name of a set, `mac` an Ethernet address.
 std::unique_ptr<CTarnFWCmd> createSpoofGuard(const dvs_port_* port,
                                              std::unique_ptr<CTarnFWAddress> addresses,
+                                             std::unique_ptr<CTarnFWAddress> mac);
+std::unique_ptr<CTarnFWCmd> createSpoofGuard(const dvs_port_* port, const FWParserText& set,
                                              std::unique_ptr<CTarnFWAddress> mac);
 std::unique_ptr<CTarnFWCmd> deleteSpoofGuard(const dvs_port_* port,
                                              std::unique_ptr<CTarnFWAddress> mac);

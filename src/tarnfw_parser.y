@@ -70,7 +70,6 @@ void yyerror(YYLTYPE* location, TarnFirewall::FWStatus_t* status, void* scanner,
 #include "TarnFWCmdList.h"
 #include "TarnFWCmdSetAllConnection.h"
 #include "TarnFWCmdSetConnectionByFilter.h"
-#include "TarnFWCmdSetConnectionByList.h"
 #include "TarnFWCmdSetSkifferExportver.h"
 #include "TarnFWLog.h"
 #include "TarnFWParserActionsSelector.h"
@@ -90,7 +89,6 @@ void yyerror(YYLTYPE* location, TarnFirewall::FWStatus_t* status, void* scanner,
 #include "TarnFWRuleActionPbr.h"
 #include "TarnFWRuleActionPunt.h"
 #include "TarnFWRuleActionReject.h"
-#include "TarnFWRuleActionSNAT.h"
 #include "TarnFWScanner.h"
 
 using namespace TarnFirewall;
@@ -552,9 +550,9 @@ Cmd_Set_Connection_By_Filter:
 
 Cmd_Set_Connection_By_List:
     SET CONNECTION Optional_DVS_Port WITH LBRACE Connection_List RBRACE  /* 96 */
-      { TRY($$ = new CTarnFWCmdSetConnectionByList($3, own($6))); }
+      { TRY($$ = setConnections($3, own($6)).release()); }
   | SET CONNECTION Optional_DVS_Port WITH Single_Connection  /* 97 */
-      { TRY($$ = new CTarnFWCmdSetConnectionByList($3, withConnection({}, *$5))); }
+      { TRY($$ = setConnections($3, withConnection({}, *$5)).release()); }
     ;
 
 Cmd_Set_All_Connection:
@@ -677,7 +675,7 @@ Cmd_Create_SpoofGuard:
     CREATE SPOOFGUARD WITH IP Single_IP_Or_List AND MAC Single_MAC_Address Optional_DVS_Port  /* 127 */
       { TRY($$ = createSpoofGuard($9, own($5), own($8)).release()); }
   | CREATE SPOOFGUARD WITH ADDRSET STRING AND MAC Single_MAC_Address Optional_DVS_Port  /* 128 */
-      { TRY($$ = createSpoofGuard($9, addressSet($5), own($8)).release()); }
+      { TRY($$ = createSpoofGuard($9, $5, own($8)).release()); }
     ;
 
 Cmd_Delete_SpoofGuard:
@@ -796,14 +794,14 @@ IP_Address_Or_Any:
 
 IP_List:
     IP_Address  /* 168 */
-      { TRY($$ = appended(emptyList(), own($1)).release()); }
+      { TRY($$ = appended({}, own($1)).release()); }
   | IP_List COMMA IP_Address  /* 169 */
       { TRY($$ = appended(own($1), own($3)).release()); }
     ;
 
 Single_IP_Or_List:
     IP_Address_Or_Any  /* 170 */
-      { TRY($$ = appendedPlain(emptyList(), own($1)).release()); }
+      { TRY($$ = appendedPlain({}, own($1)).release()); }
   | LBRACE IP_List RBRACE  /* 171 */
       { $$ = $2; }
   | LBRACE IP_List COMMA RBRACE  /* 172 */
@@ -827,14 +825,14 @@ Single_MAC_Address:
 
 MAC_List:
     MAC_Address  /* 178 */
-      { TRY($$ = appendedPlain(emptyList(), own($1)).release()); }
+      { TRY($$ = appendedPlain({}, own($1)).release()); }
   | MAC_List COMMA MAC_Address  /* 179 */
       { TRY($$ = appendedPlain(own($1), own($3)).release()); }
     ;
 
 Single_MAC_Or_List:
     MAC_Address  /* 180 */
-      { TRY($$ = appendedPlain(emptyList(), own($1)).release()); }
+      { TRY($$ = appendedPlain({}, own($1)).release()); }
   | LBRACE MAC_List RBRACE  /* 181 */
       { $$ = $2; }
   | LBRACE MAC_List COMMA RBRACE  /* 182 */
@@ -852,14 +850,14 @@ Single_Attribute_Obj:
 
 Attribute_List:
     Attribute_Obj  /* 185 */
-      { TRY($$ = appendedPlain(emptyList(), own($1)).release()); }
+      { TRY($$ = appendedPlain({}, own($1)).release()); }
   | Attribute_List COMMA Attribute_Obj  /* 186 */
       { TRY($$ = appendedPlain(own($1), own($3)).release()); }
     ;
 
 Single_Attribute_Or_List:
     Attribute_Obj  /* 187 */
-      { TRY($$ = appendedPlain(emptyList(), own($1)).release()); }
+      { TRY($$ = appendedPlain({}, own($1)).release()); }
   | LBRACE Attribute_List RBRACE  /* 188 */
       { $$ = $2; }
   | LBRACE Attribute_List COMMA RBRACE  /* 189 */
@@ -987,7 +985,7 @@ Single_ID_Or_List:
 
 Rule_List:
     Single_Rule SEMICOLON  /* 228 */
-      { TRY($$ = withRule(ruleList(), own($1)).release()); }
+      { TRY($$ = withRule({}, own($1)).release()); }
   | Rule_List Single_Rule SEMICOLON  /* 229 */
       { TRY($$ = withRule(own($1), own($2)).release()); }
     ;
@@ -1102,7 +1100,7 @@ Optional_Port_Spec:
     %empty  /* 267 */
       { $$ = nullptr; }
   | Single_Port_Spec  /* 268 */
-      { TRY($$ = withSpec(emptySpecs(), own($1)).release()); }
+      { TRY($$ = withSpec({}, own($1)).release()); }
     ;
 
 Optional_ExtSrc_Profile_Spec:
@@ -1140,7 +1138,7 @@ Single_Port_Spec:
 
 Protocol_Spec:
     Single_Proto_Spec  /* 281 */
-      { TRY($$ = withSpec(emptySpecs(), own($1)).release()); }
+      { TRY($$ = withSpec({}, own($1)).release()); }
   | WITH LBRACE Proto_Spec_List RBRACE  /* 282 */
       { $$ = $3; }
   | WITH LBRACE Proto_Spec_List COMMA RBRACE  /* 283 */
@@ -1149,7 +1147,7 @@ Protocol_Spec:
 
 Proto_Spec_List:
     Single_Proto_Spec  /* 284 */
-      { TRY($$ = withSpec(emptySpecs(), own($1)).release()); }
+      { TRY($$ = withSpec({}, own($1)).release()); }
   | Proto_Spec_List COMMA Single_Proto_Spec  /* 285 */
       { TRY($$ = withSpec(own($1), own($3)).release()); }
     ;
@@ -1332,9 +1330,9 @@ Single_Rule_Action:
   | MACREWRITE ETHER  /* 364 */
       { TRY($$ = macRewrite($2).release()); }
   | SNAT ADDRSET STRING  /* 365 */
-      { TRY($$ = new CTarnFWRuleActionSNAT(addressSet($3))); }
+      { TRY($$ = snat(addressSet($3)).release()); }
   | SNAT IP IP_Address  /* 366 */
-      { TRY($$ = new CTarnFWRuleActionSNAT(own($3))); }
+      { TRY($$ = snat(own($3)).release()); }
   | DNAT ADDRSET STRING PORT NUMBER  /* 367 */
       { TRY($$ = dnatToPort(addressSet($3), $5).release()); }
   | DNAT ADDRSET STRING PORT NUMBER_RANGE POOLOPT Pool_Option Optional_Persist_Timeout  /* 368 */

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <deque>
 #include <optional>
 #include <string>
 #include <vector>
@@ -22,10 +23,16 @@ const char kUsage[] = "Usage: tarnioctl word\n";
 /// Does nothing.
 int succeed(Target&) { return 0; }
 
+/// The words of a run, which outlive it: options point into them.
+Arguments& kept(std::vector<std::string> words) {
+  static std::deque<Arguments> all;
+  words.insert(words.begin(), "word");
+  return all.emplace_back(std::move(words));
+}
+
 CommandResult run(std::vector<std::string> words, HandlerForm form, HandlerBody body = succeed) {
   form.usage = "Usage: tarnioctl %s\n";
-  words.insert(words.begin(), "word");
-  Arguments arguments(std::move(words));
+  Arguments& arguments = kept(std::move(words));
   return captured(
       [&] { return onFilter("word", arguments.count(), arguments.vector(), form, body); });
 }
@@ -33,8 +40,7 @@ CommandResult run(std::vector<std::string> words, HandlerForm form, HandlerBody 
 CommandResult runOnHost(std::vector<std::string> words, HandlerForm form,
                         HandlerBody body = succeed) {
   form.usage = "Usage: tarnioctl %s\n";
-  words.insert(words.begin(), "word");
-  Arguments arguments(std::move(words));
+  Arguments& arguments = kept(std::move(words));
   return captured(
       [&] { return onHost("word", arguments.count(), arguments.vector(), form, body); });
 }

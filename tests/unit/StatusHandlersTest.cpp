@@ -109,7 +109,8 @@ CommandResult onFirewall(std::vector<Asked>& asked, const std::vector<std::strin
     void* const body = reinterpret_cast<void*>(load<std::uint64_t>(call.argument, 12));
     std::memcpy(one.body.data(), body, one.body.size());
     asked.push_back(one);
-    std::memcpy(body, reply.data(), std::min(reply.size(), one.body.size()));
+    std::copy_n(reply.data(), std::min(reply.size(), one.body.size()),
+                static_cast<std::uint8_t*>(body));
     std::memset(static_cast<std::byte*>(call.argument) + 4, 0x5a, 4);  // the status is not read
     errno = error;
     return error == 0 ? 0 : -1;
