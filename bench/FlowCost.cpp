@@ -41,16 +41,17 @@ void fillEnds(Ends& ends, std::uint32_t index) {
     address[sizeof ends.source - 1] = static_cast<std::uint8_t>(index);
   }
   if (index % 4 == 0) ends.translated[sizeof ends.translated - 1] = 9;
-  ends.sourcePort = static_cast<std::uint16_t>(1024 + index % 64000);
-  ends.destinationPort = index % 2 == 0 ? 443 : 53;
-  ends.translatedPort = 8080;
-  ends.sourceTcpState = 4;
-  ends.destinationTcpState = 4;
-  ends.roundTripTime = index;
-  ends.alg.type = 1;
-  ends.alg.flowType = static_cast<std::uint8_t>(index % 5 == 0 ? 2 : 0);
-  ends.alg.port = 2020;
-  ends.alg.controlFlowId = index;
+  FWFlowTransport_& transport = ends.transport;
+  transport.sourcePort = static_cast<std::uint16_t>(1024 + index % 64000);
+  transport.destinationPort = index % 2 == 0 ? 443 : 53;
+  transport.translatedPort = 8080;
+  transport.sourceTcpState = 4;
+  transport.destinationTcpState = 4;
+  transport.roundTripTime = index;
+  transport.alg.type = 1;
+  transport.alg.flowType = static_cast<std::uint8_t>(index % 5 == 0 ? 2 : 0);
+  transport.alg.port = 2020;
+  transport.alg.controlFlowId = index;
 }
 
 FWFlowRecord_ flowOf(std::uint32_t index) {

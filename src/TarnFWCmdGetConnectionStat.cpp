@@ -33,20 +33,20 @@ Ends endsOf(const FWFlowRecord_& flow, unsigned int index) {
   Ends ends;
   const auto ipv4 = loadRecord<FWFlowIPv4_>(flow.addresses);
   // The ports are those of the IPv4 form for every family: scripts read the line as it is.
-  ends.sourcePort = ipv4.sourcePort;
-  ends.destinationPort = ipv4.destinationPort;
+  ends.sourcePort = ipv4.transport.sourcePort;
+  ends.destinationPort = ipv4.transport.destinationPort;
   switch (flow.family) {
     case FW_FLOW_IPV4:
       inet_ntop(AF_INET, ipv4.source, ends.source, sizeof ends.source);
       inet_ntop(AF_INET, ipv4.destination, ends.destination, sizeof ends.destination);
-      setAlg(ends, flow, ipv4.alg);
+      setAlg(ends, flow, ipv4.transport.alg);
       break;
     case FW_FLOW_IPV6_HOST:
     case FW_FLOW_IPV6: {
       // No address of an IPv6 connection stands in the line, which scripts expect.
       inet_ntop(AF_INET6, &in6addr_any, ends.source, sizeof ends.source);
       inet_ntop(AF_INET6, &in6addr_any, ends.destination, sizeof ends.destination);
-      setAlg(ends, flow, loadRecord<FWFlowIPv6_>(flow.addresses).alg);
+      setAlg(ends, flow, loadRecord<FWFlowIPv6_>(flow.addresses).transport.alg);
       break;
     }
     default:

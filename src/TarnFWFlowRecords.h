@@ -29,70 +29,59 @@ static_assert(offsetof(tarnFlowAlgData, controlFlowId) == 0 &&
               offsetof(tarnFlowAlgData, type) == 8 && offsetof(tarnFlowAlgData, flowType) == 9 &&
               offsetof(tarnFlowAlgData, port) == 10);
 
+/// What both families keep of a flow besides its addresses.
+struct FWFlowTransport_ {
+  tarnFlowAlgData alg;           //  +0  ICMP: type and code in the first two bytes
+  std::uint8_t reserved1[4];     // +12  not read
+  net16 sourcePort;              // +16
+  net16 destinationPort;         // +18
+  net16 translatedPort;          // +20
+  host16 tcpNumber;              // +22  printed after the ports
+  host16 sourceTcpState;         // +24
+  host16 destinationTcpState;    // +26
+  std::uint8_t reserved2[2];     // +28  not read
+  host32 roundTripTime;          // +30
+  host32 firstRetransmissions;   // +34
+  host32 secondRetransmissions;  // +38
+};
+static_assert(sizeof(FWFlowTransport_) == 42 && alignof(FWFlowTransport_) == 1);
+static_assert(offsetof(FWFlowTransport_, alg) == 0 && offsetof(FWFlowTransport_, reserved1) == 12 &&
+              offsetof(FWFlowTransport_, sourcePort) == 16 &&
+              offsetof(FWFlowTransport_, destinationPort) == 18 &&
+              offsetof(FWFlowTransport_, translatedPort) == 20 &&
+              offsetof(FWFlowTransport_, tcpNumber) == 22 &&
+              offsetof(FWFlowTransport_, sourceTcpState) == 24 &&
+              offsetof(FWFlowTransport_, destinationTcpState) == 26 &&
+              offsetof(FWFlowTransport_, reserved2) == 28 &&
+              offsetof(FWFlowTransport_, roundTripTime) == 30 &&
+              offsetof(FWFlowTransport_, firstRetransmissions) == 34 &&
+              offsetof(FWFlowTransport_, secondRetransmissions) == 38);
+
 /// Addresses and what belongs to them, of an IPv4 flow.
 struct FWFlowIPv4_ {
-  std::uint8_t source[4];        //  +0
-  std::uint8_t destination[4];   //  +4
-  std::uint8_t translated[4];    //  +8  zero when there is none
-  tarnFlowAlgData alg;           // +12  ICMP: type and code in the first two bytes
-  std::uint8_t reserved1[4];     // +24  not read
-  net16 sourcePort;              // +28
-  net16 destinationPort;         // +30
-  net16 translatedPort;          // +32
-  host16 tcpNumber;              // +34  printed after the ports
-  host16 sourceTcpState;         // +36
-  host16 destinationTcpState;    // +38
-  std::uint8_t reserved2[2];     // +40  not read
-  host32 roundTripTime;          // +42
-  host32 firstRetransmissions;   // +46
-  host32 secondRetransmissions;  // +50
-  std::uint8_t reserved3[52];    // +54  not read
+  std::uint8_t source[4];       //  +0
+  std::uint8_t destination[4];  //  +4
+  std::uint8_t translated[4];   //  +8  zero when there is none
+  FWFlowTransport_ transport;   // +12
+  std::uint8_t reserved[52];    // +54  not read
 };
 static_assert(sizeof(FWFlowIPv4_) == 106 && alignof(FWFlowIPv4_) == 1);
-static_assert(
-    offsetof(FWFlowIPv4_, source) == 0 && offsetof(FWFlowIPv4_, destination) == 4 &&
-    offsetof(FWFlowIPv4_, translated) == 8 && offsetof(FWFlowIPv4_, alg) == 12 &&
-    offsetof(FWFlowIPv4_, reserved1) == 24 && offsetof(FWFlowIPv4_, sourcePort) == 28 &&
-    offsetof(FWFlowIPv4_, destinationPort) == 30 && offsetof(FWFlowIPv4_, translatedPort) == 32 &&
-    offsetof(FWFlowIPv4_, tcpNumber) == 34 && offsetof(FWFlowIPv4_, sourceTcpState) == 36 &&
-    offsetof(FWFlowIPv4_, destinationTcpState) == 38 && offsetof(FWFlowIPv4_, reserved2) == 40 &&
-    offsetof(FWFlowIPv4_, roundTripTime) == 42 &&
-    offsetof(FWFlowIPv4_, firstRetransmissions) == 46 &&
-    offsetof(FWFlowIPv4_, secondRetransmissions) == 50 && offsetof(FWFlowIPv4_, reserved3) == 54);
+static_assert(offsetof(FWFlowIPv4_, source) == 0 && offsetof(FWFlowIPv4_, destination) == 4 &&
+              offsetof(FWFlowIPv4_, translated) == 8 && offsetof(FWFlowIPv4_, transport) == 12 &&
+              offsetof(FWFlowIPv4_, reserved) == 54);
 
 /// The same of an IPv6 flow.
 struct FWFlowIPv6_ {
   std::uint8_t source[16];       //  +0
   std::uint8_t destination[16];  // +16
   std::uint8_t translated[16];   // +32  zero when there is none
-  std::uint8_t reserved1[16];    // +48  not read
-  tarnFlowAlgData alg;           // +64  ICMPv6: type and code in the first two bytes
-  std::uint8_t reserved2[4];     // +76  not read
-  net16 sourcePort;              // +80
-  net16 destinationPort;         // +82
-  net16 translatedPort;          // +84
-  host16 tcpNumber;              // +86  printed after the ports
-  host16 sourceTcpState;         // +88
-  host16 destinationTcpState;    // +90
-  std::uint8_t reserved3[2];     // +92  not read
-  host32 roundTripTime;          // +94
-  host32 firstRetransmissions;   // +98
-  host32 secondRetransmissions;  // +102
+  std::uint8_t reserved[16];     // +48  not read
+  FWFlowTransport_ transport;    // +64
 };
 static_assert(sizeof(FWFlowIPv6_) == 106 && alignof(FWFlowIPv6_) == 1);
 static_assert(offsetof(FWFlowIPv6_, source) == 0 && offsetof(FWFlowIPv6_, destination) == 16 &&
-              offsetof(FWFlowIPv6_, translated) == 32 && offsetof(FWFlowIPv6_, reserved1) == 48 &&
-              offsetof(FWFlowIPv6_, alg) == 64 && offsetof(FWFlowIPv6_, reserved2) == 76 &&
-              offsetof(FWFlowIPv6_, sourcePort) == 80 &&
-              offsetof(FWFlowIPv6_, destinationPort) == 82 &&
-              offsetof(FWFlowIPv6_, translatedPort) == 84 &&
-              offsetof(FWFlowIPv6_, tcpNumber) == 86 &&
-              offsetof(FWFlowIPv6_, sourceTcpState) == 88 &&
-              offsetof(FWFlowIPv6_, destinationTcpState) == 90 &&
-              offsetof(FWFlowIPv6_, reserved3) == 92 &&
-              offsetof(FWFlowIPv6_, roundTripTime) == 94 &&
-              offsetof(FWFlowIPv6_, firstRetransmissions) == 98 &&
-              offsetof(FWFlowIPv6_, secondRetransmissions) == 102);
+              offsetof(FWFlowIPv6_, translated) == 32 && offsetof(FWFlowIPv6_, reserved) == 48 &&
+              offsetof(FWFlowIPv6_, transport) == 64);
 
 /// One flow or connection. Where attributes follow, `length` counts them and leads to the next
 /// record. The counters are named by the order in which they print.

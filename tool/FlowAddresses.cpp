@@ -40,7 +40,7 @@ template <typename Ends>
 void appendIcmp(std::string& text, const Ends& ends) {
   appendPair(text, ends);
   std::uint8_t typeAndCode[2];
-  std::memcpy(typeAndCode, &ends.alg, sizeof typeAndCode);
+  std::memcpy(typeAndCode, &ends.transport.alg, sizeof typeAndCode);
   for (const std::uint8_t number : typeAndCode) {
     text += ' ';
     appendDecimal(text, number);
@@ -61,12 +61,12 @@ void appendEnd(std::string& text, const Address& address, const char* protocol,
 
 template <typename Ends>
 void appendEnds(std::string& text, const Ends& ends, const char* protocol) {
-  appendEnd(text, ends.source, protocol, ends.sourcePort);
+  appendEnd(text, ends.source, protocol, ends.transport.sourcePort);
   text += " -> ";
-  appendEnd(text, ends.destination, protocol, ends.destinationPort);
+  appendEnd(text, ends.destination, protocol, ends.transport.destinationPort);
   if (!isTranslated(ends)) return;
   text += " [";
-  appendEnd(text, ends.translated, protocol, ends.translatedPort);
+  appendEnd(text, ends.translated, protocol, ends.transport.translatedPort);
   text += ']';
 }
 
@@ -78,29 +78,30 @@ void appendAlg(std::string& text, const tarnFlowAlgData& alg) {
 
 template <typename Ends>
 void appendTcp(std::string& text, const Ends& ends) {
+  const FWFlowTransport_& transport = ends.transport;
   char state[16];
   appendEnds(text, ends, "tcp");
   text += ' ';
-  appendDecimal(text, std::uint16_t{ends.tcpNumber});
+  appendDecimal(text, std::uint16_t{transport.tcpNumber});
   text += ' ';
-  text += TCPStateStr(ends.sourceTcpState, state);
+  text += TCPStateStr(transport.sourceTcpState, state);
   text += ':';
-  text += TCPStateStr(ends.destinationTcpState, state);
+  text += TCPStateStr(transport.destinationTcpState, state);
   text += ' ';
-  appendAlg(text, ends.alg);
+  appendAlg(text, transport.alg);
   text += " rtt ";
-  appendDecimal(text, std::uint32_t{ends.roundTripTime});
+  appendDecimal(text, std::uint32_t{transport.roundTripTime});
   text += " retrans ";
-  appendDecimal(text, std::uint32_t{ends.firstRetransmissions});
+  appendDecimal(text, std::uint32_t{transport.firstRetransmissions});
   text += '/';
-  appendDecimal(text, std::uint32_t{ends.secondRetransmissions});
+  appendDecimal(text, std::uint32_t{transport.secondRetransmissions});
 }
 
 template <typename Ends>
 void appendUdp(std::string& text, const Ends& ends) {
   appendEnds(text, ends, "udp");
   text += ' ';
-  appendAlg(text, ends.alg);
+  appendAlg(text, ends.transport.alg);
 }
 
 /// TCP and UDP by family. The line end of the last case is meant: scripts take the counters from
@@ -126,7 +127,8 @@ void appendGeneric(std::string& text, const FWFlowRecord_& flow) {
     case FW_FLOW_IPV6:
       return appendPair(text, ipv6);
     default:
-      return appendText(text, "Other(%lx)", static_cast<unsigned long>(ipv6.alg.controlFlowId));
+      return appendText(text, "Other(%lx)",
+                        static_cast<unsigned long>(ipv6.transport.alg.controlFlowId));
   }
 }
 

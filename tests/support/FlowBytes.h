@@ -30,18 +30,22 @@ inline Bytes flowBytes(int kind, int protocol, int family) {
   return flow;
 }
 
+/// Ports 1024 and 443 at an offset, and what follows them.
+inline Bytes& putTransport(Bytes& flow, std::size_t at) {
+  flow.at(at, {0x04, 0x00, 0x01, 0xbb});
+  put16(flow, at + 6, 7);  // number after the ports
+  put16(flow, at + 8, 4);
+  put16(flow, at + 10, 10);
+  put32(flow, at + 14, 120);
+  put32(flow, at + 18, 5);
+  return put32(flow, at + 22, 6);
+}
+
 /// One from 10.0.0.1:1024 to 10.0.0.2:443.
 inline Bytes ipv4Flow(int protocol, int kind = 1) {
   Bytes flow = flowBytes(kind, protocol, 2);
   flow.at(145, {10, 0, 0, 1, 10, 0, 0, 2});
-  flow.at(173, {0x04, 0x00, 0x01, 0xbb});  // ports
-  put16(flow, 179, 7);                     // number after the ports
-  put16(flow, 181, 4);
-  put16(flow, 183, 10);
-  put32(flow, 187, 120);
-  put32(flow, 191, 5);
-  put32(flow, 195, 6);
-  return flow;
+  return putTransport(flow, 173);
 }
 
 /// One from 2001:db8::1 port 1024 to 2001:db8::2 port 443.
@@ -50,14 +54,7 @@ inline Bytes ipv6Flow(int protocol, int kind = 1) {
   flow.at(91, {0x86, 0xdd});
   flow.at(145, {0x20, 0x01, 0x0d, 0xb8}).at(160, {1});
   flow.at(161, {0x20, 0x01, 0x0d, 0xb8}).at(176, {2});
-  flow.at(225, {0x04, 0x00, 0x01, 0xbb});
-  put16(flow, 231, 7);
-  put16(flow, 233, 4);
-  put16(flow, 235, 10);
-  put32(flow, 239, 120);
-  put32(flow, 243, 5);
-  put32(flow, 247, 6);
-  return flow;
+  return putTransport(flow, 225);
 }
 
 /// Where the data of application layer gateways stand, by family.
