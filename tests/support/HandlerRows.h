@@ -7,6 +7,7 @@
 /// A handler's row stands in the file of its family, `tests/unit/HandlerRows<Family>.cpp`. A
 /// command without a row is expected to say that it is not in this build.
 
+#include <utility>
 #include <vector>
 
 /// The exact texts and statuses of one handler. Texts go to standard error, usage texts to standard
@@ -40,6 +41,26 @@ struct HandlerRow {
   const char* libraryFailed = "ERROR: unable to open firewall library\n";
   int libraryStatus = 1;
 };
+
+/// A handler that takes no filter and has no verbosity, and that does not open the library.
+inline HandlerRow plainRow(std::vector<const char*> words, const char* usage,
+                           const char* valueOption = nullptr) {
+  return {.words = std::move(words),
+          .usage = usage,
+          .valueOption = valueOption,
+          .takesFilter = false,
+          .verbose = nullptr,
+          .opensLibrary = false};
+}
+
+/// A handler that makes direct requests for a filter, without verbosity and without the library.
+inline HandlerRow directRow(const char* word, const char* usage, int badOption = 1) {
+  return {.words = {word},
+          .usage = usage,
+          .badOption = badOption,
+          .verbose = nullptr,
+          .opensLibrary = false};
+}
 
 // Rows by family, each in a file of its own.
 std::vector<HandlerRow> displayRows();

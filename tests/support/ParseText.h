@@ -86,3 +86,12 @@ class ParseText {
 
 /// What a text fails with: "status|message", "" when it does not fail.
 inline std::string parseFailure(const std::string& text) { return ParseText(text).failure(); }
+
+/// "number|text" of the only command that a statement makes, which is for filter f.
+inline std::string numberAndText(const std::string& statement) {
+  const ParseText parse(statement + ";");
+  EXPECT_EQ(parse.failure(), "") << statement;
+  if (parse.count() != 1) return "(no command)";
+  EXPECT_STREQ(parse.command().currentPort().identifier, "f") << statement;
+  return std::to_string(parse.command().getCommand()) + "|" + parse.text();
+}

@@ -780,7 +780,7 @@ TEST(GetContainers, TheNameOfAnAddressSetIsNoContainer) {
             (CommandResult{0, "no container found\n", ""}));
 }
 
-TEST_P(SetCommand, ShowingOneSetFailsBehindAnErrorLineOnly) {
+TEST_P(SetCommand, ShowingOneSetFailsAfterAnErrorLineOnly) {
   const auto show = command.type == kAddrSetType ? GetSingleAddrSet : GetSingleContainer;
   const unsigned int members = command.type == kAddrSetType ? kAddresses : kElements;
   const dvs_port_ port = filterPort(kFilter);

@@ -115,7 +115,7 @@ TEST(TarnFWCLI, TextsAreCarriedOutInTheirOrderUpToTheFirstThatFails) {
   });
 }
 
-TEST(TarnFWCLI, ATextThatCannotBeLoadedEndsTheCommandBehindThoseBeforeIt) {
+TEST(TarnFWCLI, ATextThatCannotBeLoadedEndsTheCommandAfterThoseBeforeIt) {
   EXPECT_FRESH([] {
     const Kernel kernel;
     EXPECT_EQ(

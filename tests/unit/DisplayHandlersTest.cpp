@@ -96,7 +96,7 @@ TEST(GetFWConfig, TheOrderOfTheOptionsDoesNotMatter) {
   }
 }
 
-TEST(GetFWConfig, GoesOnBehindAFilterWithoutRules) {
+TEST(GetFWConfig, GoesOnAfterAFilterWithoutRules) {
   ConfigKernel kernel;
   kernel.on(1, [](Body&) { return 0; });
   EXPECT_EQ(runCommand({"getfwconfig", "-f", kFilter}),

@@ -648,7 +648,7 @@ TEST(GetFWFilters, AFirstFilterWithoutAVifTakesTheHeaderWithIt) {
                            ""}));
 }
 
-TEST(GetFWFilters, ASlowPathShowsItsFiltersBehindTheHeader) {
+TEST(GetFWFilters, ASlowPathShowsItsFiltersAfterTheHeader) {
   const Kernel kernel({webFilter(), webFilter().slowPath(7)});
   EXPECT_EQ(runCommand({"getfilters", "-c", "7"}), (CommandResult{0, kHeader + kWebText, ""}));
   EXPECT_EQ(runCommand({"getfilters", "-c", "0"}), (CommandResult{0, kHeader, ""}));
@@ -667,7 +667,7 @@ TEST(GetFWFilters, VifOnlyShowsFiltersWithAVif) {
   EXPECT_EQ(runCommand({"getfilters", "-i"}).out, printed(webFilter().vif("v")));
 }
 
-TEST(GetFWFilters, StatisticsStandBehindEachFilter) {
+TEST(GetFWFilters, StatisticsStandAfterEachFilter) {
   const Kernel kernel({webFilter()});
   FilterView view;
   view.withStats = true;

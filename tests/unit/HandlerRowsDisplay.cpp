@@ -21,19 +21,16 @@ const char kRulesUsage[] =
 std::vector<HandlerRow> displayRows() {
   return {
       {.words = {"help", "getskifferdata", "setskifferdata", "migrate"}, .usage = nullptr},
-      {.words = {"getfilters"},
-       .usage = "Get all available filters in system.\n\n"
-                "Usage: tarnioctl %s <options>\n"
-                "    -a <string>     : agent name, default agent is kelpco-sfw\n"
-                "    -s              : print statistics\n"
-                "    -d              : get filter to slowpath distribution\n"
-                "    -c <slowpathID> : get slowpath to filter distribution\n"
-                "    -n              : get number of filters\n"
-                "    -h              : this help message\n",
-       .valueOption = "-a",
-       .takesFilter = false,
-       .verbose = nullptr,
-       .opensLibrary = false},
+      plainRow({"getfilters"},
+               "Get all available filters in system.\n\n"
+               "Usage: tarnioctl %s <options>\n"
+               "    -a <string>     : agent name, default agent is kelpco-sfw\n"
+               "    -s              : print statistics\n"
+               "    -d              : get filter to slowpath distribution\n"
+               "    -c <slowpathID> : get slowpath to filter distribution\n"
+               "    -n              : get number of filters\n"
+               "    -h              : this help message\n",
+               "-a"),
       {.words = {"getrules", "getrule"}, .usage = kRulesUsage},
       {.words = {"getaddrsets", "getaddrset"},
        .usage = "Get addrsets of a filter.\n\n"

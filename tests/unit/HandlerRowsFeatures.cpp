@@ -18,32 +18,23 @@ constexpr const char* kPlain = "ERROR: filter is missing\n";
 std::vector<HandlerRow> featureRows() {
   return {
       {.words = {"getfwstatus"}, .usage = nullptr},
-      {.words = {"getthresholds"},
-       .usage = "Get the event thresholds for CPU, Memory and CPS.\n\n" OPTIONS HELP,
-       .valueOption = nullptr,
-       .takesFilter = false,
-       .verbose = nullptr,
-       .opensLibrary = false},
-      {.words = {"setthresholds"},
-       .usage = "Set the event thresholds for CPU, Memory and CPS.\n\n" OPTIONS
-                "    -c <number> : Percent number to raise CPU threshold cross event\n"
-                "    -p <number> : CPS Number to raise CPS threshold cross event\n" HELP,
-       .valueOption = "-c",
-       .takesFilter = false,
-       .verbose = nullptr,
-       .opensLibrary = false},
-      {.words = {"setfilterflags"},
-       .usage =
-           "Set flow collection flag setting for a filter.\n\n" OPTIONS FILTER
-           "    -p          : L2 Pass Flows\n"
-           "    -d          : L2 Drop Flows\n"
-           "    -D          : L3 Drop Flows\n"
-           "    -I          : L3 Inactive Flows\n"
-           "    -A          : L3 Active Flows\n"
-           "    -a          : All Flows\n"
-           "    -G          : Override global flags\n" HELP "    empty option: turn on all flows\n",
-       .verbose = nullptr,
-       .opensLibrary = false},
+      plainRow({"getthresholds"},
+               "Get the event thresholds for CPU, Memory and CPS.\n\n" OPTIONS HELP),
+      plainRow({"setthresholds"},
+               "Set the event thresholds for CPU, Memory and CPS.\n\n" OPTIONS
+               "    -c <number> : Percent number to raise CPU threshold cross event\n"
+               "    -p <number> : CPS Number to raise CPS threshold cross event\n" HELP,
+               "-c"),
+      directRow("setfilterflags",
+                "Set flow collection flag setting for a filter.\n\n" OPTIONS FILTER
+                "    -p          : L2 Pass Flows\n"
+                "    -d          : L2 Drop Flows\n"
+                "    -D          : L3 Drop Flows\n"
+                "    -I          : L3 Inactive Flows\n"
+                "    -A          : L3 Active Flows\n"
+                "    -a          : All Flows\n"
+                "    -G          : Override global flags\n" HELP
+                "    empty option: turn on all flows\n"),
       {.words = {"setsharedaddrset"},
        .usage = "Set shared addrset setting.\n\n" OPTIONS FILTER VERBOSE COMPONENT
                 "    -s <0|1>    : set shared addrset setting (0: disable, 1: enable)\n" HELP,

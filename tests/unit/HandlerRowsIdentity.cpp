@@ -4,33 +4,23 @@
 
 std::vector<HandlerRow> identityRows() {
   return {
-      {.words = {"number2uuid", "num2uuid"},
-       .usage = "Convert coma separated number pairs to uuids.\n\n"
-                "Usage: tarnioctl %s <number1,number2>\n"
-                "    -b          : toggle byte order\n"
-                "    -h          : this help message\n",
-       .valueOption = nullptr,
-       .takesFilter = false,
-       .verbose = nullptr,
-       .opensLibrary = false},
-      {.words = {"uuid2number", "uuid2num"},
-       .usage = "Convert uuids like 5a43ddda-c21a-632a-4ae1-00505699723f to number pairs.\n\n"
-                "Usage: tarnioctl %s <uuid>\n"
-                "    -b          : toggle byte order\n"
-                "    -h          : this help message\n",
-       .valueOption = nullptr,
-       .takesFilter = false,
-       .verbose = nullptr,
-       .opensLibrary = false},
-      {.words = {"getdiscoveredips"},
-       .usage = "Get discovered IPs of a filter.\n\n"
+      plainRow({"number2uuid", "num2uuid"},
+               "Convert coma separated number pairs to uuids.\n\n"
+               "Usage: tarnioctl %s <number1,number2>\n"
+               "    -b          : toggle byte order\n"
+               "    -h          : this help message\n"),
+      plainRow({"uuid2number", "uuid2num"},
+               "Convert uuids like 5a43ddda-c21a-632a-4ae1-00505699723f to number pairs.\n\n"
+               "Usage: tarnioctl %s <uuid>\n"
+               "    -b          : toggle byte order\n"
+               "    -h          : this help message\n"),
+      directRow("getdiscoveredips",
+                "Get discovered IPs of a filter.\n\n"
                 "Usage: tarnioctl %s <options>\n"
                 "    -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2\n"
-                "    -h          : this help message\n",
-       .verbose = nullptr,
-       .opensLibrary = false},
-      {.words = {"setipdiscovery"},
-       .usage = "Set IP discovery related configuration of a filter.\n\n"
+                "    -h          : this help message\n"),
+      directRow("setipdiscovery",
+                "Set IP discovery related configuration of a filter.\n\n"
                 "Usage: tarnioctl %s <options>\n"
                 "    -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2\n"
                 "    -d          : enable DHCP based discovery\n"
@@ -39,17 +29,13 @@ std::vector<HandlerRow> identityRows() {
                 " (default 2 hours, 7200)\n"
                 "    -l <number> : maximum number of ARP snooped entries permitted (max 128)\n"
                 "    -h          : this help message\n",
-       .badOption = 0,
-       .verbose = nullptr,
-       .opensLibrary = false},
-      {.words = {"cleardiscoveredips"},
-       .usage = "Clear discovered IPs of a filter.\n\n"
+                /*badOption=*/0),
+      directRow("cleardiscoveredips",
+                "Clear discovered IPs of a filter.\n\n"
                 "Usage: tarnioctl %s <options>\n"
                 "    -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2\n"
                 "    -h          : this help message\n",
-       .badOption = 0,
-       .verbose = nullptr,
-       .opensLibrary = false},
+                /*badOption=*/0),
       {.words = {"getfqdnentries"},
        .usage = "Get fqdn records of a filter.\n\n"
                 "Usage: tarnioctl %s <options>\n"
@@ -67,13 +53,9 @@ std::vector<HandlerRow> identityRows() {
                 "    -h          : this help message\n",
        .missing = "ERROR: filter is missing\n",
        .raisesLibraryLevel = false},
-      {.words = {"getmeminfo"},
-       .usage = "Get current memory usage data of datapath.\n\n"
-                "Usage: tarnioctl %s <options>\n"
-                "    -h          : this help message\n",
-       .valueOption = nullptr,
-       .takesFilter = false,
-       .verbose = nullptr,
-       .opensLibrary = false},
+      plainRow({"getmeminfo"},
+               "Get current memory usage data of datapath.\n\n"
+               "Usage: tarnioctl %s <options>\n"
+               "    -h          : this help message\n"),
   };
 }

@@ -30,7 +30,7 @@ TEST(Number2Uuid, GoesThroughItsOperandsUpToTheFirstThatIsNoPair) {
               (CommandResult{1, "cannot recognize uuid number pair " + text + "\n", ""}));
 }
 
-TEST(Number2Uuid, AcceptsWhatStandsBehindTheSecondNumber) {
+TEST(Number2Uuid, AcceptsWhatStandsAfterTheSecondNumber) {
   EXPECT_EQ(runCommand({"number2uuid", "1, 2x"}),
             (CommandResult{0, "1, 2x: 00000000-0000-0001-0000-000000000002\n", ""}));
 }

@@ -110,7 +110,7 @@ TEST(TarnFWAddrSetID, TwoEqualOnesCompareNeitherWay) {
   EXPECT_FALSE(other < one);
 }
 
-TEST(TarnFWAddrSetID, TheBytesBehindTheNameCountInTheOrder) {
+TEST(TarnFWAddrSetID, TheBytesAfterTheNameCountInTheOrder) {
   FWAddrSetID_t dirty = id("a");
   dirty.text[5] = 1;
   EXPECT_TRUE(CTarnFWAddrSetID(id("a"), false) < CTarnFWAddrSetID(dirty, false));

@@ -70,7 +70,7 @@ TEST(TarnFWAddressAttr, ASignedNumberPrintsTheApplicationOfItsValue) {
   EXPECT_EQ(IntAttr(key(0), "-1", false).toString(), "int attr -1 APP_INVALID");
 }
 
-TEST(TarnFWAddressAttr, TheApplicationNameStandsBehindEveryKeysNumber) {
+TEST(TarnFWAddressAttr, TheApplicationNameStandsAfterEveryKeysNumber) {
   EXPECT_EQ(IntAttr(key(4), "2", false).toString(), "int attr 2 APP_IP");
 }
 
@@ -84,7 +84,7 @@ TEST(TarnFWAddressAttr, ANumberThatIsNoApplicationIsUnknown) {
             "int attr -9223372036854775808 unknown");
 }
 
-TEST(TarnFWAddressAttr, ASignedNumberIsWrittenBehindItsKey) {
+TEST(TarnFWAddressAttr, ASignedNumberIsWrittenAfterItsKey) {
   const Bytes expected = Bytes(144)
                              .at(0, {12, 0, 1, 0})
                              .at(4, {1, 0, 0, 0, 0, 0, 0, 0})
@@ -93,7 +93,7 @@ TEST(TarnFWAddressAttr, ASignedNumberIsWrittenBehindItsKey) {
   EXPECT_EQ(IntAttr(key(1), "-2", true).getType(), 12);
 }
 
-TEST(TarnFWAddressAttr, AnUnsignedNumberIsWrittenBehindItsKey) {
+TEST(TarnFWAddressAttr, AnUnsignedNumberIsWrittenAfterItsKey) {
   EXPECT_EQ(write(UIntAttr(key(10), "2147483647", false)), Bytes(144)
                                                                .at(0, {13, 0, 0, 0})
                                                                .at(4, {10, 0, 0, 0, 1, 0, 0, 0})
@@ -163,7 +163,7 @@ TEST(TarnFWAddressAttr, AnUnsignedNumberEndsAtTheSignedLimit) {
   }
 }
 
-TEST(TarnFWAddressAttr, ATextIsReadBehindTwoBytesThatAreKept) {
+TEST(TarnFWAddressAttr, ATextIsReadAfterTwoBytesThatAreKept) {
   Bytes bytes(144);
   bytes.at(0, {14, 0, 1, 0}).at(4, {5, 0, 0, 0, 2, 0, 0, 0}).at(12, {0xab, 0xcd}).text(14, "/path");
   StringAttr attr(record(bytes));

@@ -37,7 +37,7 @@ TEST(TarnFWAddressEther, RefusesABadTextWithTheWholeText) {
                     CInvalidAddressException, 33, "");
 }
 
-TEST(TarnFWAddressEther, AWordBehindTheAddressDoesNotCount) {
+TEST(TarnFWAddressEther, AWordAfterTheAddressDoesNotCount) {
   EXPECT_EQ(CTarnFWAddressEther("00:11:22:33:44:55 x", false).toString(), "mac 00:11:22:33:44:55");
   EXPECT_EQ(CTarnFWAddressEther("00:11:22:33:44:5\n", false).toString(), "mac 00:11:22:33:44:05");
 }

@@ -168,7 +168,7 @@ TEST_F(TarnFWCmdAddrSet, PrintsTheStatisticsOfSets) {
             "\n");
 }
 
-TEST_F(TarnFWCmdAddrSet, PrintsAddressesBehindTheirHeader) {
+TEST_F(TarnFWCmdAddrSet, PrintsAddressesAfterTheirHeader) {
   CTarnFWCmdGetAddressOfAddrSet command(nullptr, id("web"), 2, 0);
   Bytes reply(358);
   put64(put64(put32(reply, 50, 2), 54, 60), 62, 9);
@@ -322,7 +322,7 @@ TEST_F(TarnFWCmdAddrSet, TheTransactionIdIsKeptUnlessBothFlagsComeBack) {
   EXPECT_EQ(command.transactionID()[15], 0);
 }
 
-TEST_F(TarnFWCmdAddrSet, AContainerSendsItsChainBehindTheHead) {
+TEST_F(TarnFWCmdAddrSet, AContainerSendsItsChainAfterTheHead) {
   CTarnFWCmdCreateContainer command(nullptr, "box", static_cast<FWContainerType>(7));
   expectIdentity(command, 75, 86 + 12, "create container box");
   EXPECT_EQ(requestOf(command),

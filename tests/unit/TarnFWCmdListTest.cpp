@@ -156,7 +156,7 @@ TEST_F(TarnFWCmdList, ABatchHoldsAsManyCommandsAsFit) {
   EXPECT_EQ(kernel.messages()[1].bytes[8], 0) << "the buffer was reset: its sequence stays";
 }
 
-TEST_F(TarnFWCmdList, ABatchIsTheCommandsOneBehindTheOther) {
+TEST_F(TarnFWCmdList, ABatchIsTheCommandsOneAfterTheOther) {
   add(1, 2);
   add(2, 3);
   EXPECT_EQ(batch(), 0u);

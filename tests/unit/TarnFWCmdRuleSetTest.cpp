@@ -222,7 +222,7 @@ TEST_F(TarnFWCmdRuleSet, AnUntrueNumberOfNamesIsCut) {
   EXPECT_EQ(printedForWord(command, 8, 0xffffffff), "\n\n");
 }
 
-TEST_F(TarnFWCmdRuleSet, PrintsStatisticsBehindTheIds) {
+TEST_F(TarnFWCmdRuleSet, PrintsStatisticsAfterTheIds) {
   CTarnFWCmdGetStatOfRuleSet command(nullptr, id("web"), 2u, 0u, 0u);
   Bytes reply(80 + 2 * 68);
   put32(put32(reply, 64, 2), 76, 2);
@@ -295,7 +295,7 @@ TEST_F(TarnFWCmdRuleSet, ANameOfACreationMayHaveSixtyThreeCharacters) {
                     "id is too long: " + full());
 }
 
-TEST_F(TarnFWCmdRuleSet, ACreationSendsItsRulesBehindTheHead) {
+TEST_F(TarnFWCmdRuleSet, ACreationSendsItsRulesAfterTheHead) {
   auto list = std::make_unique<CTarnFWRuleList>(false);
   for (unsigned int number = 1; number <= 2; ++number) {
     list->addRule(plainRule(number, static_cast<int>(number), FW_DIRECTION_IN));
@@ -420,7 +420,7 @@ std::string ruleText(unsigned int number) {
 
 }  // namespace
 
-TEST_F(TarnFWCmdRuleSet, PrintsRulesBehindTheirHeader) {
+TEST_F(TarnFWCmdRuleSet, PrintsRulesAfterTheirHeader) {
   CTarnFWCmdGetRuleOfRuleSet command(nullptr, id("web"), 3u, 0u, 0u);
   Bytes reply(96 + 3 * 896);
   put32(put32(reply, 64, 3), 76, 2);

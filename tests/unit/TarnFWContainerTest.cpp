@@ -220,7 +220,7 @@ TEST(TarnFWContainer, TheSizeFieldDoesNotBoundTheElements) {
   EXPECT_EQ(container.getCount(), 2u);
 }
 
-TEST(TarnFWContainer, ACountAboveTheElementsFailsBehindTheLastAndReadsNoFurther) {
+TEST(TarnFWContainer, ACountAboveTheElementsFailsAfterTheLastAndReadsNoFurther) {
   for (const std::initializer_list<int> count :
        {std::initializer_list<int>{3, 0, 0, 0}, {0xff, 0xff, 0xff, 0xff}}) {
     CTarnFWContainer container("web", kPlain);
@@ -268,7 +268,7 @@ TEST(TarnFWContainer, AnElementOfAnotherKindFailsTheChainAtItsIndex) {
   EXPECT_TRUE(log.has(LOG_ERR, "failed to create element at index 1\n\n"));
 }
 
-TEST(TarnFWContainer, BytesBehindTheLastElementAreIgnored) {
+TEST(TarnFWContainer, BytesAfterTheLastElementAreIgnored) {
   Bytes bytes = chainOf({33});
   bytes.resize(bytes.size() + 5, 0xff);
   CTarnFWContainer container("web", kPlain);

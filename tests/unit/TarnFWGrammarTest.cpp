@@ -327,7 +327,7 @@ TEST(TarnFWGrammar, AcceptsTheProfilesOfARule) {
             "");
 }
 
-TEST(TarnFWGrammar, WantsASemicolonBehindEveryStatement) {
+TEST(TarnFWGrammar, WantsASemicolonAfterEveryStatement) {
   EXPECT_EQ(syntax("describe root ruleset"),
             "[name:1] syntax error, unexpected end of file, expecting ;\n");
   EXPECT_EQ(syntax("create ruleset r { rule 1 in protocol any from any to any drop }"),

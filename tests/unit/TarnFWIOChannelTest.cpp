@@ -83,7 +83,7 @@ TEST(TarnFWIOChannel, ShowsTheFirstCommandOnEveryPass) {
   EXPECT_EQ(said[16], ". command: 31\n");
 }
 
-TEST(TarnFWIOChannel, ReadsNothingBehindAShortMessage) {
+TEST(TarnFWIOChannel, ReadsNothingAfterAShortMessage) {
   // The heap block ends where the message does, so that a sanitizer sees a read after it.
   for (unsigned int size = 0; size < 32; ++size) {
     Bytes cut = message();

@@ -1,18 +1,13 @@
 // The flat functions about address sets and containers: what they hand out, and what they refuse.
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
 
-#include "Expect.h"
-#include "FakeKernel.h"
-#include "LogCapture.h"
+#include "LibraryTest.h"
 #include "TarnFWAddress.h"
 #include "TarnFWCmdCreateContainer.h"
 #include "TarnFWL7Attribute.h"
-#include "tarnfw.h"
 
 using namespace TarnFirewall;
 
@@ -24,19 +19,8 @@ FWAddrSetID_t id(const std::string& name) {
   return result;
 }
 
-FWAddress_ ipv4(int last) {
-  const Bytes bytes = Bytes(144).at(0, {1}).at(4, {10, 0, 0, last});
-  return loadRecord<FWAddress_>(bytes.data());
-}
-
-class TarnFWLibAddrSet : public testing::Test {
+class TarnFWLibAddrSet : public LibraryTest {
  protected:
-  int command() const { return kernel.last().envelope()[4]; }
-
-  LogCapture log;
-  FakeKernel kernel;
-  fwlibhandle_* handle = kernel.handle();
-  const dvs_port_ port = filterPort("nic-1");
   const FWAddrSetID_t web = id("web");
 };
 
@@ -294,7 +278,7 @@ TEST_F(TarnFWLibAddrSet, AConfigurationBringsTheOldAndTheNewValueBack) {
   EXPECT_EQ(configuration.second, 0x403u);
 }
 
-TEST(TarnFWLibText, AddressesPrintOneBehindTheOther) {
+TEST(TarnFWLibText, AddressesPrintOneAfterTheOther) {
   LogCapture log;
   const FWAddress_ addresses[2] = {ipv4(1), ipv4(2)};
   char text[64];

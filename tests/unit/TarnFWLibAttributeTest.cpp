@@ -1,16 +1,13 @@
 // The flat functions for attributes of connections and for domains: commands that are built in
 // steps, by handles that stand for them.
 
-#include <gtest/gtest.h>
-
 #include <functional>
 #include <set>
 #include <thread>
 #include <vector>
 
-#include "FakeKernel.h"
-#include "LogCapture.h"
-#include "tarnfw.h"
+#include "LibraryTest.h"
+#include "SidRecord.h"
 
 using namespace TarnFirewall;
 
@@ -19,26 +16,7 @@ namespace {
 const std::uint8_t kUuid[16] = {0xa0, 0xa1, 0xa2, 0xa3, 0xa4, 0xa5, 0xa6, 0xa7,
                                 0xa8, 0xa9, 0xaa, 0xab, 0xac, 0xad, 0xae, 0xaf};
 
-/// S-1-5-21-`last`.
-fwattr_sid sid(std::uint32_t last) {
-  fwattr_sid record{};
-  record.revision = 1;
-  record.count = 2;
-  record.authority[5] = 5;
-  record.subAuthorities[0] = 21;
-  record.subAuthorities[1] = last;
-  return record;
-}
-
-FWAddress_ ipv4(std::uint8_t last) {
-  FWAddress_ record{};
-  record.type = FW_ADDRESS_IPV4;
-  record.value[0] = 10;
-  record.value[3] = last;
-  return record;
-}
-
-class TarnFWLibAttribute : public testing::Test {
+class TarnFWLibAttribute : public LibraryTest {
  protected:
   fwconnattr_* newAttributes() {
     fwconnattr_* made = nullptr;
@@ -53,10 +31,6 @@ class TarnFWLibAttribute : public testing::Test {
     return made;
   }
 
-  LogCapture log;
-  FakeKernel kernel;
-  fwlibhandle_* handle = kernel.handle();
-  const dvs_port_ port = filterPort("nic-1");
   unsigned int count = 77;
   unsigned int size = 78;
 };

@@ -1,27 +1,19 @@
 // The flat functions about connections of a filter: what they send and hand out, and what they
 // refuse.
 
-#include <gtest/gtest.h>
-
 #include <cstring>
 #include <functional>
 #include <vector>
 
-#include "Expect.h"
 #include "FlowBytes.h"
-#include "LogCapture.h"
-#include "tarnfw.h"
+#include "LibraryTest.h"
 
 using namespace TarnFirewall;
 
 namespace {
 
-class TarnFWLibConnection : public testing::Test {
+class TarnFWLibConnection : public LibraryTest {
  protected:
-  LogCapture log;
-  FakeKernel kernel;
-  fwlibhandle_* handle = kernel.handle();
-  const dvs_port_ port = filterPort("nic-1");
   unsigned int number = 77;
   FWConnFilter_ filter{};
   FWConnection_ connections[2] = {};
@@ -31,15 +23,10 @@ class TarnFWLibConnection : public testing::Test {
 }  // namespace
 
 TEST_F(TarnFWLibConnection, EveryArgumentStandsInItsPlaceOfTheRequest) {
-  struct Row {
-    int number;
-    std::function<FWStatus_t(void* context)> call;
-    Bytes body;
-  };
   filter.bytes[79] = 9;
   connections[0].sourceAddress[0] = 2;
   connections[1].sourceAddress[0] = 1;
-  const std::vector<Row> rows = {
+  const std::vector<Request> requests = {
       {23, [&](void* c) { return FW_GetConnectionCount(handle, &port, c, &filter, &number); },
        Bytes(16)},
       {23, [&](void* c) { return FW_GetConnectionCount(handle, &port, c, nullptr, &number); },
@@ -57,19 +44,12 @@ TEST_F(TarnFWLibConnection, EveryArgumentStandsInItsPlaceOfTheRequest) {
       {67, [&](void* c) { return FW_SetAllConnection(handle, &port, c, &number); }, Bytes(4)},
       {43, [&](void* c) { return FW_ClearAllConnection(handle, &port, c, &number); }, Bytes(4)},
   };
-  for (const Row& row : rows) {
-    int context = 0;
-    EXPECT_EQ(row.call(&context), 0u) << row.number;
-    const FakeKernel::Message& message = kernel.last();
-    EXPECT_EQ(message.envelope()[4], row.number);
-    EXPECT_EQ(message.body(), row.body) << row.number;
-    EXPECT_EQ(message.context, &context) << row.number;
-    ASSERT_TRUE(message.port.has_value()) << row.number;
-    EXPECT_STREQ(message.port->identifier, "nic-1") << row.number;
+  expectRequests(requests);
+  for (const Request& request : requests) {
     number = 77;
     kernel.answer(21, Bytes(4, 0xff));
-    EXPECT_EQ(row.call(nullptr), 21u) << row.number;
-    EXPECT_EQ(number, 77u) << row.number;
+    EXPECT_EQ(request.call(nullptr), 21u) << request.number;
+    EXPECT_EQ(number, 77u) << request.number;
   }
 }
 

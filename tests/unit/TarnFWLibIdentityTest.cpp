@@ -1,26 +1,18 @@
 // The flat functions for fully qualified names, users and deep inspection: what they send and hand
 // out, and what they refuse.
 
-#include <gtest/gtest.h>
-
 #include <functional>
 #include <string>
 #include <vector>
 
-#include "FakeKernel.h"
-#include "LogCapture.h"
-#include "tarnfw.h"
+#include "LibraryTest.h"
 
 using namespace TarnFirewall;
 
 namespace {
 
-class TarnFWLibIdentity : public testing::Test {
+class TarnFWLibIdentity : public LibraryTest {
  protected:
-  LogCapture log;
-  FakeKernel kernel;
-  fwlibhandle_* handle = kernel.handle();
-  const dvs_port_ port = filterPort("nic-1");
   int result = -77;
   unsigned int count = 77;
   unsigned int size = 78;
@@ -35,11 +27,6 @@ class TarnFWLibIdentity : public testing::Test {
 }  // namespace
 
 TEST_F(TarnFWLibIdentity, EveryArgumentStandsInItsPlaceOfTheRequest) {
-  struct Row {
-    int number;
-    std::function<FWStatus_t(void* context)> call;
-    Bytes body;
-  };
   address.type = 1;
   address.value[0] = 10;
   address.value[15] = 15;
@@ -49,7 +36,7 @@ TEST_F(TarnFWLibIdentity, EveryArgumentStandsInItsPlaceOfTheRequest) {
   mapping.at(8, {2}).at(16, {1}).at(88, {1}).at(160, {1});
   Bytes deletion(84);
   deletion.at(4, {1}).at(16, {1});
-  const std::vector<Row> rows = {
+  expectRequests({
       {69, [&](void* c) { return FW_DeleteFqdnTree(handle, &port, c, &result); }, Bytes(4)},
       {70, [&](void* c) { return FW_GetFqdnCount(handle, &port, c, &count, &size); }, Bytes(8)},
       {71, [&](void* c) { return FW_GetFqdnEntriesV4(handle, &port, c, address, 2, &entry); },
@@ -68,19 +55,7 @@ TEST_F(TarnFWLibIdentity, EveryArgumentStandsInItsPlaceOfTheRequest) {
        Bytes(100).at(4, {2, 1, 0, 0, 16})},
       {77, [&](void* c) { return FW_GetConnectionDPIInfo(handle, &port, c, ids, 2, records, 3); },
        Bytes(40).at(0, {2}).at(8, {2, 1}).at(24, {4, 3})},
-  };
-  for (const Row& row : rows) {
-    int context = 0;
-    EXPECT_EQ(row.call(&context), 0u) << row.number;
-    const FakeKernel::Message& message = kernel.last();
-    EXPECT_EQ(message.envelope()[4], row.number);
-    EXPECT_EQ(message.body(), row.body) << row.number;
-    EXPECT_EQ(message.context, &context) << row.number;
-    ASSERT_TRUE(message.port.has_value()) << row.number;
-    EXPECT_STREQ(message.port->identifier, "nic-1") << row.number;
-    kernel.answer(21);
-    EXPECT_EQ(row.call(nullptr), 21u) << row.number;
-  }
+  });
 }
 
 TEST_F(TarnFWLibIdentity, ANullHandleIsStatusTwoBeforeAnythingElse) {

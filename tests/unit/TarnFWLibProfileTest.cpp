@@ -1,25 +1,14 @@
 // The flat functions about what a filter learns of names and of layer 7.
 
-#include <gtest/gtest.h>
-
 #include <functional>
 
-#include "Expect.h"
-#include "FakeKernel.h"
-#include "LogCapture.h"
-#include "tarnfw.h"
+#include "LibraryTest.h"
 
 using namespace TarnFirewall;
 
 namespace {
 
-class TarnFWLibProfile : public testing::Test {
- protected:
-  LogCapture log;
-  FakeKernel kernel;
-  fwlibhandle_* handle = kernel.handle();
-  const dvs_port_ port = filterPort("nic-1");
-};
+class TarnFWLibProfile : public LibraryTest {};
 
 }  // namespace
 

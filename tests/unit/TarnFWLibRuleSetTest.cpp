@@ -1,16 +1,11 @@
 // The flat functions about rule sets: what they hand out, and what they refuse.
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 
-#include "Expect.h"
-#include "FakeKernel.h"
-#include "LogCapture.h"
+#include "LibraryTest.h"
 #include "PlainRule.h"
 #include "TarnFWRule.h"
 #include "TarnFWRuleRecord.h"
-#include "tarnfw.h"
 
 using namespace TarnFirewall;
 
@@ -29,17 +24,8 @@ FWRule_ ruleRecord(unsigned int number) {
   return record;
 }
 
-class TarnFWLibRuleSet : public testing::Test {
+class TarnFWLibRuleSet : public LibraryTest {
  protected:
-  int command() const {
-    const Bytes envelope = kernel.last().envelope();
-    return envelope[4] + 256 * envelope[5];
-  }
-
-  LogCapture log;
-  FakeKernel kernel;
-  fwlibhandle_* handle = kernel.handle();
-  const dvs_port_ port = filterPort("nic-1");
   const FWRuleSetID_t web = id("web");
 };
 
@@ -303,7 +289,7 @@ TEST_F(TarnFWLibRuleSet, StatisticsAndBalancingStateComeBack) {
   EXPECT_EQ(rules[0].address[0], 1);
 }
 
-TEST(TarnFWLibText, RulesPrintOneBehindTheOther) {
+TEST(TarnFWLibText, RulesPrintOneAfterTheOther) {
   const FWRule_ rules[2] = {ruleRecord(1), ruleRecord(2)};
   const std::string one = "rule 1 at 1 out protocol any from any to any accept;";
   const std::string both = one + "rule 2 at 1 out protocol any from any to any accept;";

@@ -1,27 +1,18 @@
 // The flat functions about settings of a filter: what they send and hand out, and what they refuse.
 
-#include <gtest/gtest.h>
-
 #include <cstring>
 #include <functional>
 #include <memory>
 #include <vector>
 
-#include "Expect.h"
-#include "FakeKernel.h"
-#include "LogCapture.h"
-#include "tarnfw.h"
+#include "LibraryTest.h"
 
 using namespace TarnFirewall;
 
 namespace {
 
-class TarnFWLibSettings : public testing::Test {
+class TarnFWLibSettings : public LibraryTest {
  protected:
-  LogCapture log;
-  FakeKernel kernel;
-  fwlibhandle_* handle = kernel.handle();
-  const dvs_port_ port = filterPort("nic-1");
   FWFailPolicy_t policy{};
   FWInstTimeout_ timeouts{};
   FWFloodCfg_ flood{};
@@ -32,19 +23,9 @@ class TarnFWLibSettings : public testing::Test {
   FWAddress_ addresses[3] = {};
 };
 
-FWAddress_ ipv4(int last) {
-  const Bytes bytes = Bytes(144).at(0, {1}).at(4, {10, 0, 0, last});
-  return loadRecord<FWAddress_>(bytes.data());
-}
-
 }  // namespace
 
 TEST_F(TarnFWLibSettings, EveryArgumentStandsInItsPlaceOfTheRequest) {
-  struct Row {
-    int number;
-    std::function<FWStatus_t(void* context)> call;
-    Bytes body;
-  };
   std::uint8_t room[6] = {};
   timeouts.values[2] = 5;
   timeouts.marks[2] = 1;
@@ -53,7 +34,7 @@ TEST_F(TarnFWLibSettings, EveryArgumentStandsInItsPlaceOfTheRequest) {
   stat.rowSize = 24;
   addresses[0] = ipv4(1);
   addresses[1] = ipv4(2);
-  const std::vector<Row> rows = {
+  expectRequests({
       {31, [&](void* c) { return FW_SetFailPolicy(handle, &port, c, FW_FAIL_CLOSE); }, Bytes({1})},
       {35, [&](void* c) { return FW_GetFailPolicy(handle, &port, c, &policy); }, Bytes(1)},
       {32, [&](void* c) { return FW_EnableVerboseLog(handle, &port, c, 2, 3); },
@@ -102,19 +83,7 @@ TEST_F(TarnFWLibSettings, EveryArgumentStandsInItsPlaceOfTheRequest) {
       {39, [&](void* c) { return FW_GetKifFlags(handle, &port, c); }, Bytes(1316)},
       {40, [&](void* c) { return FW_SetKifFlags(handle, &port, c, "fast", 1); },
        Bytes(1316).text(4, "fast").at(1284, {1})},
-  };
-  for (const Row& row : rows) {
-    int context = 0;
-    EXPECT_EQ(row.call(&context), 0u) << row.number;
-    const FakeKernel::Message& message = kernel.last();
-    EXPECT_EQ(message.envelope()[4], row.number);
-    EXPECT_EQ(message.body(), row.body) << row.number;
-    EXPECT_EQ(message.context, &context) << row.number;
-    ASSERT_TRUE(message.port.has_value()) << row.number;
-    EXPECT_STREQ(message.port->identifier, "nic-1") << row.number;
-    kernel.answer(21);
-    EXPECT_EQ(row.call(nullptr), 21u) << row.number;
-  }
+  });
 }
 
 TEST_F(TarnFWLibSettings, ANullHandleIsStatusTwoBeforeAnythingElse) {

@@ -151,15 +151,6 @@ TEST(TarnFWParserActionsAttribute, DeletesAProfileAsAnAddressSet) {
 
 namespace {
 
-/// "number|text" of what a statement makes for filter f.
-std::string made(const std::string& statement) {
-  const ParseText parse(statement + ";");
-  EXPECT_EQ(parse.failure(), "") << statement;
-  if (parse.count() != 1) return "(no command)";
-  EXPECT_STREQ(parse.command().currentPort().identifier, "f") << statement;
-  return std::to_string(parse.command().getCommand()) + "|" + parse.text();
-}
-
 Bytes bodyOf(const std::string& statement) {
   const ParseText parse(statement + ";");
   EXPECT_EQ(parse.failure(), "") << statement;
@@ -177,7 +168,8 @@ void putUuid(Bytes& bytes, std::size_t offset, int first) {
 }  // namespace
 
 TEST(TarnFWParserActionsAttribute, BindsADomainToItsAddresses) {
-  EXPECT_EQ(made("add domain2ip of filter f ab uuid " + kUuid + " with { 10.1.2.3 }").substr(0, 3),
+  EXPECT_EQ(numberAndText("add domain2ip of filter f ab uuid " + kUuid + " with { 10.1.2.3 }")
+                .substr(0, 3),
             "76|");
   // 8, the attribute with its head of 8, and 144 for each address.
   Bytes golden(8 + 8 + 31 + 2 * 144);
@@ -209,8 +201,9 @@ TEST(TarnFWParserActionsAttribute, AddressesOfADomainAreJudgedAsThoseOfASet) {
 }
 
 TEST(TarnFWParserActionsAttribute, MapsAUserToSecurityIdentifiers) {
-  EXPECT_EQ(made("set uid2sidmap of filter f \"S-1-5-21\" { \"S-1-5-32-544\" }").substr(0, 3),
-            "80|");
+  EXPECT_EQ(
+      numberAndText("set uid2sidmap of filter f \"S-1-5-21\" { \"S-1-5-32-544\" }").substr(0, 3),
+      "80|");
   Bytes golden(84 + 2 * 72);
   golden.at(8, {2});
   golden.at(16, {1, 1, 0, 0, 0, 0, 0, 5, 21});
@@ -227,8 +220,8 @@ TEST(TarnFWParserActionsAttribute, RefusesTextsThatAreNoSecurityIdentifiers) {
 }
 
 TEST(TarnFWParserActionsAttribute, GivesAttributesToADescribedConnection) {
-  EXPECT_EQ(made("set connattr of filter f 10.0.0.1 1 10.0.0.2 2 tcp dir_in with "
-                 "{ [ TLS_VERSION : 771 ] }")
+  EXPECT_EQ(numberAndText("set connattr of filter f 10.0.0.1 1 10.0.0.2 2 tcp dir_in with "
+                          "{ [ TLS_VERSION : 771 ] }")
                 .substr(0, 3),
             "73|");
   Bytes golden(68 + 12 + 26);

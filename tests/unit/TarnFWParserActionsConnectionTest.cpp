@@ -10,15 +10,6 @@ namespace {
 
 const std::string kAttributes = " with { [ TLS_VERSION : 771 ] }";
 
-/// "number|text" of what a statement makes for filter f.
-std::string made(const std::string& statement) {
-  const ParseText parse(statement + ";");
-  EXPECT_EQ(parse.failure(), "") << statement;
-  if (parse.count() != 1) return "(no command)";
-  EXPECT_STREQ(parse.command().currentPort().identifier, "f") << statement;
-  return std::to_string(parse.command().getCommand()) + "|" + parse.text();
-}
-
 /// The body of a statement's command from `from` on, `size` bytes of it.
 Bytes part(const std::string& statement, std::size_t from, std::size_t size) {
   const ParseText parse(statement + ";");
@@ -53,11 +44,12 @@ std::string specFailure(const std::string& text) {
 }  // namespace
 
 TEST(TarnFWParserActionsConnection, CountsSetsAndClearsConnections) {
-  EXPECT_EQ(made("describe connection count of filter f"),
+  EXPECT_EQ(numberAndText("describe connection count of filter f"),
             "23|describe connection count of filter f");
-  EXPECT_EQ(made("set connection of filter f"), "66|set connection of filter f");
-  EXPECT_EQ(made("set all connection of filter f"), "67|set all connection of filter f");
-  EXPECT_EQ(made("clear all connection of filter f"), "43|clear all connection of filter f");
+  EXPECT_EQ(numberAndText("set connection of filter f"), "66|set connection of filter f");
+  EXPECT_EQ(numberAndText("set all connection of filter f"), "67|set all connection of filter f");
+  EXPECT_EQ(numberAndText("clear all connection of filter f"),
+            "43|clear all connection of filter f");
   EXPECT_EQ(part("describe connection count", 0, 16), Bytes(16));
   EXPECT_EQ(part("set connection", 0, 84), Bytes(84));
 }
@@ -84,7 +76,7 @@ TEST(TarnFWParserActionsConnection, AsksForConnectionsFromAFlowOn) {
 TEST(TarnFWParserActionsConnection, TakesOneConnectionWithOrWithoutBraces) {
   const std::string one = "from 10.0.0.1 port 1024 to 10.0.0.2 port 80";
   for (const std::string& text : {one, "{ " + one + " }"}) {
-    EXPECT_EQ(made("set connection of filter f with " + text),
+    EXPECT_EQ(numberAndText("set connection of filter f with " + text),
               "37|set connection of filter f with { from 10.0.0.1:4 to 10.0.0.2:20480}");
   }
 }

@@ -510,7 +510,7 @@ TEST(TarnFWParserActionsRule, RefusesAddressesThatScanButMeanNothing) {
   EXPECT_EQ(ruleFailure("1 in protocol any from 1.2.3.4/33 to any drop"), "33|1.2.3.4/33");
 }
 
-TEST(TarnFWParserActionsRule, LeavesNoSetBehindWhenTheRuleFails) {
+TEST(TarnFWParserActionsRule, LeavesNoSetAfterWhenTheRuleFails) {
   const RuleText parse("7 in protocol any from 10.0.0.1-5 to 00:11:22:33:44:55 drop");
   EXPECT_EQ(parse.failure(), "16|layer3 rule dst address is MAC");
   EXPECT_EQ(parse.list, nullptr);

@@ -89,7 +89,7 @@ TEST_F(DefaultSelector, HoldsFromItsStatementOnAndForLaterParses) {
   EXPECT_EQ(selector(""), "7|f|a|0");
 }
 
-TEST_F(DefaultSelector, StaysWhenTheParseFailsBehindIt) {
+TEST_F(DefaultSelector, StaysWhenTheParseFailsAfterIt) {
   EXPECT_NE(parseFailure("config default agent a and filter f; nonsense;"), "");
   EXPECT_EQ(selector(""), "7|f|a|0");
 }

@@ -51,7 +51,7 @@ TEST(TarnFWParserActionsStatement, KeepsTheLastChannel) {
   EXPECT_EQ(parse.config->toString(), "config file /tmp/y");
 }
 
-TEST(TarnFWParserActionsStatement, LeavesNoResultBehindAnError) {
+TEST(TarnFWParserActionsStatement, LeavesNoResultAfterAnError) {
   const ParseText parse("config device \"/dev/x\"; destroy all ruleset; destroy nothing;");
   EXPECT_EQ(parse.failure(),
             "16|syntax error, unexpected double-quoted string, expecting keyword ruleset or "
@@ -60,7 +60,7 @@ TEST(TarnFWParserActionsStatement, LeavesNoResultBehindAnError) {
   EXPECT_EQ(parse.config, nullptr);
 }
 
-TEST(TarnFWParserActionsStatement, LeavesNoResultBehindASilentError) {
+TEST(TarnFWParserActionsStatement, LeavesNoResultAfterASilentError) {
   const ParseText parse("config device \"/dev/x\"; create nonesuch attrset a with x;");
   EXPECT_EQ(parse.result, 1);
   EXPECT_EQ(parse.status, 0u);
@@ -89,7 +89,7 @@ TEST(TarnFWParserActionsStatement, NamesFileAndLineOfAnError) {
   EXPECT_NE(parse.log.lines()[0].text.find(" [name:3] syntax error"), std::string::npos);
 }
 
-TEST(TarnFWParserActionsStatement, NothingBehindARefusedStatementIsRead) {
+TEST(TarnFWParserActionsStatement, NothingAfterARefusedStatementIsRead) {
   const ParseText parse("destroy all ruleset; debug dp 16; nonsense");
   EXPECT_EQ(parse.failure(), "17|debug level value overflows");
   EXPECT_EQ(parse.list, nullptr);

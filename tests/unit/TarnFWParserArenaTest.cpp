@@ -55,7 +55,7 @@ TEST(TarnFWParserArena, HandsOutAWholeBlockAndNothingLarger) {
   EXPECT_EQ(arena.allocate(CTarnFWParserArena::kBlockSize + 1), nullptr);
 }
 
-TEST(TarnFWParserArena, AlignsAValueBehindATextOfAnyLength) {
+TEST(TarnFWParserArena, AlignsAValueAfterATextOfAnyLength) {
   CTarnFWParserArena arena;
   for (std::size_t length = 0; length < 40; ++length) {
     ASSERT_NE(arena.copy("0123456789012345678901234567890123456789", length), nullptr);

@@ -15,7 +15,7 @@ const std::string kAllOnes = "ffffffff-ffff-ffff-ffff-ffffffffffff";
 
 }  // namespace
 
-TEST(TarnFWRuleActionKeyPolicy, EncryptNamesItsPolicyBehindTheFlags) {
+TEST(TarnFWRuleActionKeyPolicy, EncryptNamesItsPolicyAfterTheFlags) {
   CTarnFWRuleActionEncrypt action(kPolicy);
   EXPECT_EQ(action.getAction(), 11u);
   EXPECT_EQ(action.toString(), "encrypt keypolicy " + kPolicy);

@@ -86,7 +86,7 @@ TEST(TarnFWRuleActionNAT, EachDNATConstructorHasItsTextAndRecord) {
   }
 }
 
-TEST(TarnFWRuleActionNAT, FlagsStandBehindTheDataOfADNAT) {
+TEST(TarnFWRuleActionNAT, FlagsStandAfterTheDataOfADNAT) {
   CTarnFWRuleActionDNAT action(single(), FW_POOL_NONE, 80, 0);
   action.enableNoFlow();
   action.enableDynamic(2);

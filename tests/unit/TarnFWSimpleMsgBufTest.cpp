@@ -75,7 +75,7 @@ TEST(TarnFWSimpleMsgBuf, EveryBufferTakesTheNextSequenceNumberOfItsOwner) {
   EXPECT_EQ(elsewhere.headerBytes(), emptyHeader());
 }
 
-TEST(TarnFWSimpleMsgBuf, BodyAndTheTwentyBytesBehindItAreZero) {
+TEST(TarnFWSimpleMsgBuf, BodyAndTheTwentyBytesAfterItAreZero) {
   CTarnFWSimpleMsgBuf owner;
   for (const unsigned int size : {0u, 1u, 12u, 1000u, 300000u}) {
     // Dirty memory of the same size first, so that the allocator hands it out again.

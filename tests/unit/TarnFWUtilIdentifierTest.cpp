@@ -145,7 +145,7 @@ TEST(TarnFWUtilIdentifier, ReadsAVnicInThreeForms) {
   }
 }
 
-TEST(TarnFWUtilIdentifier, AVnicNeedsAnIndexBehindTheRightSeparator) {
+TEST(TarnFWUtilIdentifier, AVnicNeedsAnIndexAfterTheRightSeparator) {
   Uuid uuid{};
   int index = 0;
   EXPECT_FALSE(vnicstr2uuid(uuid.data(), &index, kNormal));

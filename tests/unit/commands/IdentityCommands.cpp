@@ -1,6 +1,7 @@
 // Requests and replies of the commands on identities and attributes.
 
 #include "CommandFamily.h"
+#include "SidRecord.h"
 #include "TarnFWAddressFactory.h"
 #include "TarnFWCmdAddDomain2IPMapping.h"
 #include "TarnFWCmdDeleteFqdnTree.h"
@@ -38,17 +39,6 @@ Bytes& putConnection(Bytes& bytes, std::size_t at) {
   bytes.at(at + 16, {0x30, 0x31, 0x32, 0x33, 0x34, 0x35, 0x36, 0x37});
   bytes.at(at + 24, {0x38, 0x39, 0x3a, 0x3b, 0x3c, 0x3d, 0x3e, 0x3f});
   return bytes.at(at + 32, {0x51, 0x52, 0x53, 0x54, 0x05, 0, 0, 0x61});
-}
-
-/// S-1-5-21-`last`.
-fwattr_sid sid(std::uint32_t last) {
-  fwattr_sid record{};
-  record.revision = 1;
-  record.count = 2;
-  record.authority[5] = 5;
-  record.subAuthorities[0] = 21;
-  record.subAuthorities[1] = last;
-  return record;
 }
 
 Bytes& putSid(Bytes& bytes, std::size_t at, int last) {
