@@ -27,28 +27,15 @@ Sharing them.
   err| ERROR: Command setsharedaddrset is dangerous and can cause unintended consequence!
   err| ERROR: Please supply first option -Override in order to override the safety guard and actually run the command.
   [1]
-  $ run tarnioctl getsharedaddrset
-  Get shared addrset setting.
-  
-  Usage: tarnioctl getsharedaddrset <options>
-      -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2
-      -v<number>  : enable verbose log
-      -m <string> : verbose log component name or id
-      -h          : this help message
+  $ brief run tarnioctl getsharedaddrset
+  (usage)
   err| ERROR: filter is missing
   [1]
   $ run tarnioctl setsharedaddrset -Override -f $filter | tail -2
       -h          : this help message
   err| ERROR: shared option is missing
-  $ run tarnioctl setsharedaddrset -Override -f $filter -s 2
-  Set shared addrset setting.
-  
-  Usage: tarnioctl setsharedaddrset <options>
-      -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2
-      -v<number>  : enable verbose log
-      -m <string> : verbose log component name or id
-      -s <0|1>    : set shared addrset setting (0: disable, 1: enable)
-      -h          : this help message
+  $ brief run tarnioctl setsharedaddrset -Override -f $filter -s 2
+  (usage)
   err| ERROR: bad shared option 2
   [1]
   $ quiet tarnioctl getsharedaddrset -f $filter

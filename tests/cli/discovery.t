@@ -26,32 +26,16 @@ Addresses that the data path has discovered.
   Usage: tarnioctl cleardiscoveredips <options>
       -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2
       -h          : this help message
-  $ run tarnioctl getdiscoveredips -s
-  Get discovered IPs of a filter.
-  
-  Usage: tarnioctl getdiscoveredips <options>
-      -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2
-      -h          : this help message
+  $ brief run tarnioctl getdiscoveredips -s
+  (usage)
   err| ERROR: filter is missing.
   [1]
-  $ run tarnioctl setipdiscovery -d
-  Set IP discovery related configuration of a filter.
-  
-  Usage: tarnioctl setipdiscovery <options>
-      -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2
-      -d          : enable DHCP based discovery
-      -a          : enable ARP based discovery
-      -t <number> : timeout for entries discoverd by ARP snooping in seconds (default 2 hours, 7200)
-      -l <number> : maximum number of ARP snooped entries permitted (max 128)
-      -h          : this help message
+  $ brief run tarnioctl setipdiscovery -d
+  (usage)
   err| ERROR: filter is missing.
   [1]
-  $ run tarnioctl cleardiscoveredips
-  Clear discovered IPs of a filter.
-  
-  Usage: tarnioctl cleardiscoveredips <options>
-      -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2
-      -h          : this help message
+  $ brief run tarnioctl cleardiscoveredips
+  (usage)
   err| ERROR: filter is missing.
   [1]
 

@@ -19,24 +19,12 @@ What a filter does while it cannot enforce rules.
       -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2
       -v<number>  : enable verbose log
       -h          : this help message
-  $ run tarnioctl setfailpolicy -p 1
-  Set fail policy.
-  
-  Usage: tarnioctl setfailpolicy <options>
-      -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2
-      -v<number>  : enable verbose log
-      -p<fail_policy> : fail policy (0: fail_open, 1: fail_close)
-      -h          : this help message
+  $ brief run tarnioctl setfailpolicy -p 1
+  (usage)
   err| ERROR: filter is missing.
   [1]
-  $ run tarnioctl setfailpolicy -f $filter
-  Set fail policy.
-  
-  Usage: tarnioctl setfailpolicy <options>
-      -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2
-      -v<number>  : enable verbose log
-      -p<fail_policy> : fail policy (0: fail_open, 1: fail_close)
-      -h          : this help message
+  $ brief run tarnioctl setfailpolicy -f $filter
+  (usage)
   err| ERROR: fail policy is missing.
   [1]
 

@@ -34,30 +34,12 @@ Protection against floods.
   $ run tarnioctl setfloodconfig -z
   err| ERROR: filter is missing.
   [1]
-  $ run tarnioctl getfloodstat -v
-  Get flood protection status.
-  
-  Usage: tarnioctl getfloodstat <options>
-      -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2
-      -s          : print syncache rows
-      -z          : zero flood and syncache counters
-      -h          : this help message
+  $ brief run tarnioctl getfloodstat -v
+  (usage)
   err| getfloodstat: invalid option -- 'v'
   [1]
-  $ run tarnioctl setfloodconfig -u
-  Configure flood protection parameters.
-  
-  Usage: tarnioctl setfloodconfig <options>
-      -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2
-      -u <number> : UDP active flow limit (0 == no limit)
-      -i <number> : ICMP active flow limit (0 == no limit)
-      -t <number> : TCP half-open flow limit (0 == no limit)
-      -o <number> : OTHER active flow limit (0 == no limit)
-      -s <0|1>    : SYN cache
-      -b <hashsize> : number of hash buckets (power of 2)
-      -r <0|1>    : RST spoofing
-      -z          : zero counters
-      -h          : this help message
+  $ brief run tarnioctl setfloodconfig -u
+  (usage)
   err| setfloodconfig: option requires an argument -- 'u'
   [1]
 

@@ -39,19 +39,8 @@ Flows and connections of a filter. Times are those of a host in UTC.
       -f <string> : filter name
       -v<number>  : enable verbose log
       -h          : this help message
-  $ run tarnioctl getflows -n
-  Get flow records of a filter.
-  
-  Usage: tarnioctl getflows <options>
-      -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2
-      -t <number> : refresh interval in seconds
-      -T <a|i|d>  : type of flows only: active, inactive or drop
-      -F <number> : flush flows in kernel after fetching, must be 0 or 1
-      -n          : display flow count numbers only
-      -R          : reset RTT average
-      -a          : don't include attributes
-      -v          : display start and end times
-      -h          : this help message
+  $ brief run tarnioctl getflows -n
+  (usage)
   err| ERROR: filter is missing.
   [1]
   $ run tarnioctl getflows -f $filter -T x

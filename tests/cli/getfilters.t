@@ -200,28 +200,12 @@ Names that are too long, options that are not there.
   $ lab tarnioctl getfilters -a "$(printf '%0100d' 0)"
   err| ERROR: invalid agent name 0000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000
   [1]
-  $ lab tarnioctl getfilters -x
-  Get all available filters in system.
-  
-  Usage: tarnioctl getfilters <options>
-      -a <string>     : agent name, default agent is kelpco-sfw
-      -s              : print statistics
-      -d              : get filter to slowpath distribution
-      -c <slowpathID> : get slowpath to filter distribution
-      -n              : get number of filters
-      -h              : this help message
+  $ brief lab tarnioctl getfilters -x
+  (usage)
   err| getfilters: invalid option -- 'x'
   [1]
-  $ lab tarnioctl getfilters -a
-  Get all available filters in system.
-  
-  Usage: tarnioctl getfilters <options>
-      -a <string>     : agent name, default agent is kelpco-sfw
-      -s              : print statistics
-      -d              : get filter to slowpath distribution
-      -c <slowpathID> : get slowpath to filter distribution
-      -n              : get number of filters
-      -h              : this help message
+  $ brief lab tarnioctl getfilters -a
+  (usage)
   err| getfilters: option requires an argument -- 'a'
   [1]
 

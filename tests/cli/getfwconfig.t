@@ -13,15 +13,8 @@ All that a filter holds.
       -m <string> : verbose log component name or id
       -i          : print summary info only
       -h          : this help message
-  $ run tarnioctl getfwconfig -f$filter
-  Get rules, addrsets and containers of a filter.
-  
-  Usage: tarnioctl getfwconfig <options>
-      -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2
-      -v<number>  : enable verbose log
-      -m <string> : verbose log component name or id
-      -i          : print summary info only
-      -h          : this help message
+  $ brief run tarnioctl getfwconfig -f$filter
+  (usage)
   err| getfwconfig: invalid option -- 'n'
   [1]
   $ run tarnioctl getfwconfig

@@ -30,17 +30,8 @@ The rules of a filter.
       -h          : this help message
   err| getrule: option requires an argument -- 'f'
   [1]
-  $ run tarnioctl getrules -s
-  Get rules of rulesets of a filter.
-  
-  Usage: tarnioctl getrules <options>
-      -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2
-      -v<number>  : enable verbose log
-      -m <string> : verbose log component name or id
-      -r <string> : ruleset to get rules
-      -s          : print statistics
-      -d          : print DLB info
-      -h          : this help message
+  $ brief run tarnioctl getrules -s
+  (usage)
   err| ERROR: filter is missing.
   [1]
   $ run tarnioctl getrules -f $filter -s -i

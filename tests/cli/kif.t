@@ -38,47 +38,20 @@ The interface of a filter: its flags, the fast path, and what it logs.
       -c <comp>   : component, DP or CP
       -v <number> : verbose level, from 0 to 3
       -h          : this help message
-  $ run tarnioctl getkifflags
-  Get kif flag settings for a filter.
-  
-  Usage: tarnioctl getkifflags <options>
-      -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2
-      -v<number>  : enable verbose log
-      -m <string> : verbose log component name or id
-      -h          : this help message
+  $ brief run tarnioctl getkifflags
+  (usage)
   err| ERROR: filter is missing
   [1]
-  $ run tarnioctl setkifflags -Override
-  Set kif flag for a filter.
-  
-  Usage: tarnioctl setkifflags <options>
-      -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2
-      -n <flagname> : flag name
-      -e <0|1>    : flag value
-      -v<number>  : enable verbose log
-      -h          : this help message
+  $ brief run tarnioctl setkifflags -Override
+  (usage)
   err| ERROR: filter is missing
   [1]
-  $ run tarnioctl setkifflags -Override -f $filter -e 1
-  Set kif flag for a filter.
-  
-  Usage: tarnioctl setkifflags <options>
-      -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2
-      -n <flagname> : flag name
-      -e <0|1>    : flag value
-      -v<number>  : enable verbose log
-      -h          : this help message
+  $ brief run tarnioctl setkifflags -Override -f $filter -e 1
+  (usage)
   err| ERROR: flagname is missing
   [1]
-  $ run tarnioctl setkifflags -Override -f $filter -n fast_path
-  Set kif flag for a filter.
-  
-  Usage: tarnioctl setkifflags <options>
-      -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2
-      -n <flagname> : flag name
-      -e <0|1>    : flag value
-      -v<number>  : enable verbose log
-      -h          : this help message
+  $ brief run tarnioctl setkifflags -Override -f $filter -n fast_path
+  (usage)
   err| ERROR: flagvalue is missing
   [1]
   $ run tarnioctl setkifflags -f $filter -n fast_path -e 0
@@ -157,34 +130,16 @@ filter is looked for.
   $ quiet tarnioctl kiffastpath -f $slow -i -s 0
   $ quiet tarnioctl kiffastpath -f $slow -iwhatever
   Fast Path flag Disable
-  $ quiet tarnioctl kiffastpath
-  Set/Get kif fast path rule lookup flag.
-  
-  Usage: tarnioctl kiffastpath <options>
-      -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2
-      -s <number> : set fp flag to 0/1 (disable/enable)
-      -i          : retrive fp kif configuration
-      -h          : this help message
+  $ brief quiet tarnioctl kiffastpath
+  (usage)
   err| ERROR: filter is missing.
   [1]
-  $ quiet tarnioctl kiffastpath -f $slow
-  Set/Get kif fast path rule lookup flag.
-  
-  Usage: tarnioctl kiffastpath <options>
-      -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2
-      -s <number> : set fp flag to 0/1 (disable/enable)
-      -i          : retrive fp kif configuration
-      -h          : this help message
+  $ brief quiet tarnioctl kiffastpath -f $slow
+  (usage)
   err| ERROR: FP flag value is missing.
   [1]
-  $ quiet tarnioctl kiffastpath -f $slow -s 2
-  Set/Get kif fast path rule lookup flag.
-  
-  Usage: tarnioctl kiffastpath <options>
-      -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2
-      -s <number> : set fp flag to 0/1 (disable/enable)
-      -i          : retrive fp kif configuration
-      -h          : this help message
+  $ brief quiet tarnioctl kiffastpath -f $slow -s 2
+  (usage)
   err| ERROR: bad enable value 2
   [1]
   $ quiet tarnioctl kiffastpath -f nic-9-eth0-kelpco-sfw.9 -i
@@ -211,14 +166,8 @@ What a filter writes to the kernel's log.
     verbose.cp: 1
     kif.reassemble: off
     kif.drop-ip-options: on
-  $ run tarnioctl setverbose -f $filter -c all -v 1
-  Set log level.
-  
-  Usage: tarnioctl setverbose <options>
-      -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2
-      -c <comp>   : component, DP or CP
-      -v <number> : verbose level, from 0 to 3
-      -h          : this help message
+  $ brief run tarnioctl setverbose -f $filter -c all -v 1
+  (usage)
   [1]
   $ quiet tarnioctl setverbose -f $filter -v 1
   err| ERROR: failed to set verbose log: not supported

@@ -13,14 +13,8 @@ Fully qualified names.
       -d          : delete all entries
       -v<number>  : enable verbose log
       -h          : this help message
-  $ run tarnioctl getfqdnentries
-  Get fqdn records of a filter.
-  
-  Usage: tarnioctl getfqdnentries <options>
-      -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2
-      -d          : delete all entries
-      -v<number>  : enable verbose log
-      -h          : this help message
+  $ brief run tarnioctl getfqdnentries
+  (usage)
   err| ERROR: filter is missing.
   [1]
 

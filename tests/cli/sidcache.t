@@ -11,13 +11,8 @@ Users of a filter and their security identifiers.
       -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2
       -v<number>  : enable verbose log
       -h          : this help message
-  $ run tarnioctl getsidcache
-  print uid to sid mapping for a filter.
-  
-  Usage: tarnioctl getsidcache <options>
-      -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2
-      -v<number>  : enable verbose log
-      -h          : this help message
+  $ brief run tarnioctl getsidcache
+  (usage)
   err| ERROR: filter is missing
   [1]
 

@@ -15,25 +15,11 @@ The addresses that a machine may send from.
       -m <string> : verbose log component name or id
       -s          : print statistics
       -h          : this help message
-  $ run tarnioctl getspoofguard
-  Get spoofguard setting of a filter.
-  
-  Usage: tarnioctl getspoofguard <options>
-      -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2
-      -v<number>  : enable verbose log
-      -m <string> : verbose log component name or id
-      -s          : print statistics
-      -h          : this help message
+  $ brief run tarnioctl getspoofguard
+  (usage)
   err| ERROR: filter is missing.
-  $ run tarnioctl getspoofguard -x
-  Get spoofguard setting of a filter.
-  
-  Usage: tarnioctl getspoofguard <options>
-      -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2
-      -v<number>  : enable verbose log
-      -m <string> : verbose log component name or id
-      -s          : print statistics
-      -h          : this help message
+  $ brief run tarnioctl getspoofguard -x
+  (usage)
   err| getspoofguard: invalid option -- 'x'
   [1]
 

@@ -122,20 +122,8 @@ The flows that a filter does not collect.
   err| ERROR: Command setfilterflags is dangerous and can cause unintended consequence!
   err| ERROR: Please supply first option -Override in order to override the safety guard and actually run the command.
   [1]
-  $ run tarnioctl setfilterflags -Override -a
-  Set flow collection flag setting for a filter.
-  
-  Usage: tarnioctl setfilterflags <options>
-      -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2
-      -p          : L2 Pass Flows
-      -d          : L2 Drop Flows
-      -D          : L3 Drop Flows
-      -I          : L3 Inactive Flows
-      -A          : L3 Active Flows
-      -a          : All Flows
-      -G          : Override global flags
-      -h          : this help message
-      empty option: turn on all flows
+  $ brief run tarnioctl setfilterflags -Override -a
+  (usage)
   err| ERROR: filter is missing.
   [1]
   $ quiet tarnioctl setfilterflags -Override -f $filter -pDA

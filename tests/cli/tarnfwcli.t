@@ -17,15 +17,8 @@ Configuration text into the kernel.
       -l <file>   : file of config commands
       -c <cmd>    : config command
       -h          : this help message
-  $ run tarnioctl tarnfwcli -Override -x
-  Usage: tarnioctl tarnfwcli <options>
-      -v <number> : verbose level of output
-      -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2
-      -v<number>  : enable verbose log
-      -m <string> : verbose log component name or id
-      -l <file>   : file of config commands
-      -c <cmd>    : config command
-      -h          : this help message
+  $ brief run tarnioctl tarnfwcli -Override -x
+  (usage)
   err| -Override: invalid option -- 'x'
   [1]
 

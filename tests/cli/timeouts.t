@@ -20,34 +20,16 @@ Timeouts of a filter's connections.
       -t <string> : timeout setting, name=value
       -v<number>  : enable verbose log
       -h          : this help message
-  $ run tarnioctl gettimeout
-  Get connection timeout setting for a filter.
-  
-  Usage: tarnioctl gettimeout <options>
-      -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2
-      -t <string> : timeout name, all timeouts without it
-      -v<number>  : enable verbose log
-      -h          : this help message
+  $ brief run tarnioctl gettimeout
+  (usage)
   err| ERROR: filter is missing
   [1]
-  $ run tarnioctl settimeout -Override -t dfw.interval=5
-  Set connection timeout setting for a filter.
-  
-  Usage: tarnioctl settimeout <options>
-      -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2
-      -t <string> : timeout setting, name=value
-      -v<number>  : enable verbose log
-      -h          : this help message
+  $ brief run tarnioctl settimeout -Override -t dfw.interval=5
+  (usage)
   err| ERROR: filter is missing
   [1]
-  $ run tarnioctl gettimeout -f $filter -m cmd
-  Get connection timeout setting for a filter.
-  
-  Usage: tarnioctl gettimeout <options>
-      -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2
-      -t <string> : timeout name, all timeouts without it
-      -v<number>  : enable verbose log
-      -h          : this help message
+  $ brief run tarnioctl gettimeout -f $filter -m cmd
+  (usage)
   err| gettimeout: invalid option -- 'm'
   [1]
   $ run tarnioctl settimeout -f $filter -t dfw.interval=5
