@@ -17,7 +17,7 @@ inline constexpr std::uint32_t ok = 0, invalidArgument = 3, notSupported = 7, bu
                                noFilter = 21, badTransaction = 23, badMessage = 25, badState = 26,
                                noRule = 27, noRuleSet = 28, noAddrSet = 29, noAddress = 30,
                                invalidAddress = 33, invalidAddrSetType = 34, invalidAttribute = 35,
-                               invalidRule = 45, noMemory = 65, noUser = 70;
+                               invalidRule = 45, noVnic = 48, noMemory = 65, noUser = 70;
 }  // namespace Status
 
 struct CommandContext {

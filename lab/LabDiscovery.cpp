@@ -87,7 +87,7 @@ int withFilter(Request& request, Body& body, std::initializer_list<unsigned> ope
     return request.refuse(EINVAL, format("operation %u", wanted));
   }
   const auto index = request.host.find(filter.get(body), nameRoom);
-  if (index) return use(Host::folderOf(*index));
+  if (index) return use(request.host.folderOf(*index));
   return request.refuse(ENOENT, "there is no filter " + printable(filter.get(body)));
 }
 

@@ -30,7 +30,7 @@ const DirectKind* findDirect(Device device, std::uint32_t number) {
 void fillHost(const Store& store, const Host& host) {
   JournalEntry unwritten;
   for (std::size_t i = 0; i < host.filterCount(); ++i) {
-    const SelectedFilter target{SelectorMatch::filter, i, Host::folderOf(i)};
+    const SelectedFilter target{SelectorMatch::filter, i, host.folderOf(i)};
     for (const Family* family : families()) {
       if (family->fill != nullptr) family->fill({store, host, target, unwritten});
     }

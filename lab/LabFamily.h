@@ -26,10 +26,12 @@ struct Family {
   FAMILY(addrSetConfigFamily)       \
   FAMILY(addrSetFamily)             \
   FAMILY(addrSetReadingFamily)      \
+  FAMILY(agentFamily)               \
   FAMILY(connectionAttributeFamily) \
   FAMILY(connectionFamily)          \
   FAMILY(debugFamily)               \
   FAMILY(discoveryFamily)           \
+  FAMILY(filterCreationFamily)      \
   FAMILY(filterFeatureFamily)       \
   FAMILY(filterListFamily)          \
   FAMILY(filterSettingsFamily)      \
@@ -40,6 +42,7 @@ struct Family {
   FAMILY(memoryFamily)              \
   FAMILY(messageFamily)             \
   FAMILY(nameFamily)                \
+  FAMILY(revalidationFamily)        \
   FAMILY(ruleReadingFamily)         \
   FAMILY(ruleSetFamily)             \
   FAMILY(spoofGuardFamily)          \

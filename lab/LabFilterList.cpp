@@ -1,5 +1,5 @@
-// Requests 20, 21 and 27 of the firewall device: how many filters there are, their records, and
-// which flows of a filter are collected.
+// Requests 20, 21, 27 and 40 of the firewall device: how many filters there are, their records,
+// which flows of a filter are collected, and the record of one filter.
 #include <cerrno>
 
 #include "LabCallerMemory.h"
@@ -25,10 +25,11 @@ void appendRecord(ByteVector& records, const Request& request, std::size_t index
                   std::size_t recordSize) {
   const ConstBytes record = request.host.record(index);
   const std::size_t at = records.size();
-  const bool configured = !request.store.list(Host::folderOf(index) + "/rulesets").empty();
+  const bool configured = !request.store.list(request.host.folderOf(index) + "/rulesets").empty();
   records.insert(records.end(), record.begin(),
                  record.begin() + static_cast<std::ptrdiff_t>(recordSize));
-  const std::uint64_t flags = Settings::load(request.store, Host::folderOf(index)).get(flowFlags);
+  const std::uint64_t flags =
+      Settings::load(request.store, request.host.folderOf(index)).get(flowFlags);
   if (flags != asMade) {
     put32(records, at + FilterRecord::flowFlags, static_cast<std::uint32_t>(flags));
   }
@@ -95,12 +96,38 @@ int setFlowFlags(Request& request, Body& body) {
   if ((flags & ~knownFlags) != 0) return EINVAL;
   for (std::size_t i = 0; i < request.host.filterCount(); ++i) {
     if (request.host.name(i) != name || request.host.agent(i) != agent.get(body)) continue;
-    Settings settings = Settings::load(request.store, Host::folderOf(i));
+    Settings settings = Settings::load(request.store, request.host.folderOf(i));
     settings.set(flowFlags, flags);
-    settings.save(request.store, Host::folderOf(i));
+    settings.save(request.store, request.host.folderOf(i));
     return 0;
   }
   return ENOENT;
+}
+
+/// The buffer has room for one record, with the filter's name in it.
+int readFilter(Request& request, Body& body) {
+  if (room.get(body) != FilterRecord::size || count.get(body) != 1) {
+    return request.refuse(
+        EINVAL, format("buffer of %u bytes for %u filters", room.get(body), count.get(body)));
+  }
+  ByteVector record;
+  if (const int error =
+          request.readBuffer(buffer.get(body), FilterRecord::size, FilterRecord::size, record)) {
+    return error;
+  }
+  const std::string name(getText(record, FilterRecord::name, FilterRecord::nameSize));
+  request.entry.note = "filter " + name;
+  if (name.size() == FilterRecord::nameSize) return EINVAL;
+  for (std::size_t i = 0; i < request.host.filterCount(); ++i) {
+    if (request.host.name(i) != name || request.host.agent(i) != agent.get(body)) continue;
+    ByteVector found;
+    appendRecord(found, request, i, FilterRecord::size);
+    if (const int error = request.writeBuffer(buffer.get(body), found)) return error;
+    filled.put(body, static_cast<std::uint32_t>(found.size()));
+    return 0;
+  }
+  request.status = Status::noFilter;
+  return 0;
 }
 
 std::string agentText(ConstBytes body) {
@@ -133,6 +160,13 @@ constexpr DirectKind requests[] = {
      .size = bodySize,
      .answer = setFlowFlags,
      .asked = agentText},
+    {.device = Device::firewall,
+     .number = 40,
+     .title = "filter",
+     .size = bodySize,
+     .answer = readFilter,
+     .reply = {count, filled},
+     .asked = listText},
 };
 
 }  // namespace

@@ -1,4 +1,5 @@
 // Settings of a filter that are one value each.
+#include "LabFailPolicy.h"
 #include "LabFamily.h"
 
 namespace TarnLab {
@@ -6,8 +7,6 @@ namespace TarnLab {
 namespace {
 
 using Context = const CommandContext&;
-
-constexpr FlagSetting failClose{"fail.close", "traffic is dropped while rules cannot be enforced"};
 
 constexpr U8 policy{0, "policy"};
 

@@ -56,8 +56,8 @@ Heap configuredHeap(const Store& store, const Host& host) {
   Zone ruleSets{"rule set", SetHead::size}, rules{"rule", RuleRecord::size};
   Zone addrSets{"address set", SetHead::size + 64}, addresses{"address", 144};
   for (std::size_t i = 0; i < host.filterCount(); ++i) {
-    countSets(store, Host::folderOf(i) + "/rulesets", ruleSets, rules);
-    countSets(store, Host::folderOf(i) + "/addrsets", addrSets, addresses);
+    countSets(store, host.folderOf(i) + "/rulesets", ruleSets, rules);
+    countSets(store, host.folderOf(i) + "/addrsets", addrSets, addresses);
   }
   const Zone filters{"filter", FilterRecord::size, host.filterCount()};
   return {"tarn-config", 512, {filters, ruleSets, rules, addrSets, addresses}};
@@ -70,7 +70,7 @@ Heap learntHeap(const Store& store, const Host& host) {
     for (const Table& table : family->tables) {
       Zone zone{std::string(table.name), table.least};
       for (std::size_t i = 0; i < host.filterCount(); ++i) {
-        zone.objects += table.load(store, Host::folderOf(i)).size();
+        zone.objects += table.load(store, host.folderOf(i)).size();
       }
       heap.zones.push_back(zone);
     }

@@ -1,6 +1,5 @@
 // The preload library: takes open, ioctl, close and the dup calls in front of the C library's, and
 // answers for the control devices. Everything else goes on to the C library as it came.
-#include <dlfcn.h>
 #include <fcntl.h>
 #include <pthread.h>
 #include <stdarg.h>
@@ -14,33 +13,13 @@
 #include <new>
 
 #include "LabModel.h"
+#include "LabPreloadNext.h"
 #include "LabUndisturbed.h"
 
-// The C library's own declarations of these take attributes along that differ between them.
-#define TARNLAB_EXPORT extern "C" __attribute__((visibility("default")))
-
 using TarnLab::Device;
+using TarnLab::Next;
 
 namespace {
-
-/// A function of the next library in line, looked up at its first use.
-template <typename Function>
-class Next {
- public:
-  constexpr explicit Next(const char* name) : name_(name) {}
-  Function* get() {
-    void* found = found_.load(std::memory_order_acquire);
-    if (found == nullptr) {
-      found = ::dlsym(RTLD_NEXT, name_);
-      found_.store(found, std::memory_order_release);
-    }
-    return reinterpret_cast<Function*>(found);
-  }
-
- private:
-  const char* name_;
-  std::atomic<void*> found_{nullptr};
-};
 
 using OpenFunction = int(const char*, int, ...);
 using OpenAtFunction = int(int, const char*, int, ...);

@@ -27,6 +27,7 @@ int runInit(const Store& store, Arguments arguments);
 int runRun(const Store& store, Arguments arguments);
 int runShell(const Store& store, Arguments arguments);
 int runReset(const Store& store, Arguments arguments);
+int runMachines(const Store& store, Arguments arguments);
 int runShow(const Store& store, Arguments arguments);
 int runLog(const Store& store, Arguments arguments);
 int runFault(const Store& store, Arguments arguments);

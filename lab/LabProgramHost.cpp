@@ -1,6 +1,8 @@
-// tarnlab init and tarnlab reset.
+// tarnlab init, tarnlab reset and tarnlab machines.
 #include <algorithm>
 #include <cerrno>
+#include <cstdio>
+#include <set>
 
 #include "LabFamily.h"
 #include "LabHost.h"
@@ -19,6 +21,7 @@ constexpr std::uint64_t flowsOfHost = 10000000;
 struct Wishes {
   std::optional<unsigned long long> machines, memory, flows;
   bool firewallOff = false;
+  bool bare = false;
 };
 
 struct NumberOption {
@@ -34,12 +37,24 @@ constexpr NumberOption numberOptions[] = {
     {"--flows", &Wishes::flows, Host::flowLimit, 0},
 };
 
+struct FlagOption {
+  std::string_view name;
+  bool Wishes::*value;
+};
+
+constexpr FlagOption flagOptions[] = {
+    {"--firewall-off", &Wishes::firewallOff},
+    {"--bare", &Wishes::bare},
+};
+
 /// 0, or the exit status of a complaint.
 int readWishes(Arguments arguments, Wishes& wishes) {
   while (!arguments.empty()) {
     const std::string option = arguments[0];
-    if (option == "--firewall-off") {
-      wishes.firewallOff = true;
+    const auto* flag = std::find_if(std::begin(flagOptions), std::end(flagOptions),
+                                    [&](const auto& each) { return each.name == option; });
+    if (flag != std::end(flagOptions)) {
+      wishes.*flag->value = true;
       arguments = arguments.subspan(1);
       continue;
     }
@@ -59,16 +74,23 @@ int readWishes(Arguments arguments, Wishes& wishes) {
   return exitOk;
 }
 
+HostPlan planOf(const Wishes& wishes) {
+  HostPlan plan{.firewallOff = wishes.firewallOff, .bare = wishes.bare};
+  if (wishes.machines) {
+    plan.machines = static_cast<std::uint32_t>(*wishes.machines);
+    plan.flows = 0;
+  }
+  if (wishes.memory) plan.memory = *wishes.memory;
+  if (wishes.flows) plan.flows = static_cast<std::uint32_t>(*wishes.flows);
+  return plan;
+}
+
 }  // namespace
 
 int runInit(const Store& store, Arguments arguments) {
   Wishes wishes;
   if (const int status = readWishes(arguments, wishes); status != exitOk) return status;
-  Host host =
-      wishes.machines ? Host::generated(static_cast<unsigned>(*wishes.machines)) : Host::sample();
-  if (wishes.memory) host.setMemory(*wishes.memory);
-  host.setFirewallOff(wishes.firewallOff);
-  if (wishes.flows) host.setFlows(static_cast<std::uint32_t>(*wishes.flows));
+  const Host host = Host::make(planOf(wishes));
   if (wishes.flows && host.filterCount() * *wishes.flows > flowsOfHost) {
     return misused("init",
                    format("--flows: more than %llu flows for %zu filters",
@@ -92,10 +114,26 @@ int runReset(const Store& store, Arguments arguments) {
   if (!arguments.empty()) return misused("reset", "takes no arguments");
   requireLab(store);
   const StoreLock lock(store);
+  const Host host = Host::make(Host::load(store).plan());
   for (const char* folder : {"filters", "shared"}) store.removeTree(folder);
   for (const char* file : {"faults", "settings"}) store.remove(file);
-  fillHost(store, Host::load(store));
+  host.save(store);
+  fillHost(store, host);
   Journal(store).clear();
+  return exitOk;
+}
+
+int runMachines(const Store& store, Arguments arguments) {
+  if (!arguments.empty()) return misused("machines", "takes no arguments");
+  requireLab(store);
+  const Host host = Host::load(store);
+  std::set<std::uint32_t> worlds;
+  for (std::size_t i = 0; i < host.nicCount(); ++i) {
+    const Nic nic = host.nic(i);
+    if (worlds.insert(nic.world).second) {
+      std::printf("%u:%s\n", nic.world, std::string(nic.machine).c_str());
+    }
+  }
   return exitOk;
 }
 

@@ -13,6 +13,7 @@
 #include "LabSelector.h"
 #include "LabSetFile.h"
 #include "LabSettings.h"
+#include "LabTableEntry.h"
 #include "LabText.h"
 
 namespace TarnLab {
@@ -83,12 +84,27 @@ void showFilter(const Store& store, const Host& host, std::size_t index) {
   const ConstBytes record = host.record(index);
   const std::string vif(getText(record, FilterRecord::vif, FilterRecord::vifSize));
   std::printf("filter %s\n", printable(host.name(index)).c_str());
-  std::printf("  agent %s, vnic %u, slow path %u%s%s\n", printable(host.agent(index)).c_str(),
+  std::printf("  agent %s, vnic %u, slow path %u%s%s%s\n", printable(host.agent(index)).c_str(),
               get32(record, FilterRecord::vnicIndex), get32(record, FilterRecord::slowPath),
-              vif.empty() ? "" : ", vif ", printable(vif).c_str());
-  showFlows(store, Host::folderOf(index));
-  showSettings(store, Host::folderOf(index));
-  showSets(store, Host::folderOf(index));
+              vif.empty() ? "" : ", vif ", printable(vif).c_str(),
+              host.isConnected(index) ? "" : ", disconnected");
+  showFlows(store, host.folderOf(index));
+  showSettings(store, host.folderOf(index));
+  showSets(store, host.folderOf(index));
+}
+
+/// Whether the agent of the firewall includes every virtual NIC of the host.
+bool isFirewallOn(const Host& host) {
+  const auto place = host.findAgent(Host::firewallAgent, FilterRecord::agentSize);
+  if (!place) return false;
+  const auto entries = entriesOf(host.agents()[*place].include);
+  return std::any_of(entries.begin(), entries.end(),
+                     [](const TableEntry& each) { return each.type == TableEntry::includedHost; });
+}
+
+void showAgent(const Agent& agent) {
+  std::printf("agent %s: %zu included, %zu excluded\n", printable(agent.name).c_str(),
+              entriesOf(agent.include).size(), entriesOf(agent.exclude).size());
 }
 
 std::string sharedName(const std::string& file) {
@@ -98,7 +114,7 @@ std::string sharedName(const std::string& file) {
 /// Folder of the state of a filter, or of an agent's shared sets. Throws when there is no such.
 std::string folderOfFilter(const Store& store, const Host& host, std::string_view name) {
   for (std::size_t i = 0; i < host.filterCount(); ++i) {
-    if (host.name(i) == name) return Host::folderOf(i);
+    if (host.name(i) == name) return host.folderOf(i);
   }
   for (const std::string& file : store.list("shared")) {
     if (sharedName(file) == name) return "shared/" + file;
@@ -108,8 +124,9 @@ std::string folderOfFilter(const Store& store, const Host& host, std::string_vie
 
 int showAll(const Store& store, const Host& host) {
   std::printf("lab %s\n", store.folder().c_str());
-  if (host.firewallOff()) std::puts("  the distributed firewall is disabled");
+  if (!isFirewallOn(host)) std::puts("  the distributed firewall is disabled");
   showSettings(store, Settings::ofHost);
+  for (const Agent& agent : host.agents()) showAgent(agent);
   for (std::size_t i = 0; i < host.filterCount(); ++i) showFilter(store, host, i);
   for (const std::string& file : store.list("shared")) {
     std::printf("filter %s\n", printable(sharedName(file)).c_str());
@@ -174,8 +191,30 @@ int showContents(const Store& store, const Host& host, bool rules, Arguments arg
   return exitOk;
 }
 
+/// The tables of an agent that are not empty, with their entries; with a name, that one only.
+int showAgentTables(const Agent& agent, Arguments arguments) {
+  const bool one = arguments.size() > 1;
+  bool found = false;
+  for (const auto& [name, table] :
+       {std::pair<std::string_view, ConstBytes>{"include", agent.include},
+        {"exclude", agent.exclude}}) {
+    if (one && name != arguments[1]) continue;
+    found = true;
+    if (table.empty()) continue;
+    std::printf("%s {\n", std::string(name).c_str());
+    for (const std::string& line : entryLines(table))
+      std::printf("  %s\n", printable(line).c_str());
+    std::puts("}");
+  }
+  if (!found) throw std::runtime_error("there is no table " + printable(arguments[1]));
+  return exitOk;
+}
+
 /// The tables of a filter that are not empty, with what is in them; with a name, that one only.
 int showTables(const Store& store, const Host& host, Arguments arguments) {
+  if (const auto agent = host.findAgent(arguments[0], FilterRecord::agentSize)) {
+    return showAgentTables(host.agents()[*agent], arguments);
+  }
   const std::string folder = folderOfFilter(store, host, arguments[0]);
   const bool one = arguments.size() > 1;
   bool found = false;

@@ -14,7 +14,7 @@ namespace {
 constexpr ProgramCommand commands[] = {
     {"init", "make a lab: a fresh host with a few machines and their filters",
      "Usage: tarnlab init [--machines N] [--memory BYTES] [--flows N]\n"
-     "                    [--firewall-off]\n"
+     "                    [--firewall-off] [--bare]\n"
      "\n"
      "Makes a lab in the folder that TARNLAB_HOME names, by default .tarnlab in the\n"
      "current folder. There must be none yet: \"tarnlab reset\" makes one fresh again.\n"
@@ -26,6 +26,7 @@ constexpr ProgramCommand commands[] = {
      "                  some hundred in the usual host's and none in those of --machines\n"
      "  --firewall-off  a host whose distributed firewall is disabled: its include table\n"
      "                  does not have every virtual NIC\n"
+     "  --bare          machines only, without agents and filters\n"
      "  --help          this text\n",
      runInit},
     {"run", "run a program in the lab",
@@ -47,19 +48,27 @@ constexpr ProgramCommand commands[] = {
     {"reset", "make the lab's host fresh again",
      "Usage: tarnlab reset\n"
      "\n"
-     "Forgets all rule sets, address sets, settings, faults and the log. The machines and\n"
-     "their filters stay.\n"
+     "Forgets all rule sets, address sets, settings, faults and the log. Agents, their tables\n"
+     "and filters are again those that the lab was made with.\n"
      "\n"
      "  --help          this text\n",
      runReset},
+    {"machines", "list the machines of the host",
+     "Usage: tarnlab machines\n"
+     "\n"
+     "Lists the machines of the host, each with its world id and its uuid. A program that is\n"
+     "run in the lab gets this list from /bin/tarn_vm_list.sh.\n"
+     "\n"
+     "  --help          this text\n",
+     runMachines},
     {"show", "show what the host holds",
      "Usage: tarnlab show [FILTER]\n"
      "       tarnlab show --rules FILTER [RULESET]\n"
      "       tarnlab show --addrsets FILTER [ADDRSET]\n"
-     "       tarnlab show --tables FILTER [TABLE]\n"
+     "       tarnlab show --tables FILTER|AGENT [TABLE]\n"
      "\n"
-     "Shows the host's filters, what each of them holds, and the faults in force; with a\n"
-     "FILTER, that one only. An agent's shared address sets are shown and named as the\n"
+     "Shows the host's agents and filters, what each of these holds, and the faults in force;\n"
+     "with a FILTER, that one only. An agent's shared address sets are shown and named as the\n"
      "filter shared-addrset-filter-AGENT.\n"
      "\n"
      "  --rules         the rules of every rule set, or of the one, as the configuration\n"
@@ -67,7 +76,8 @@ constexpr ProgramCommand commands[] = {
      "  --addrsets      the addresses and elements of every address set and container, or\n"
      "                  of the one\n"
      "  --tables        what the filter has learnt or was given, table by table, or of the one:\n"
-     "                  attributes, inspections, discovered, names, users\n"
+     "                  attributes, inspections, discovered, names, users; of an agent, the\n"
+     "                  tables include and exclude\n"
      "  --help          this text\n",
      runShow},
     {"log", "show what was asked of the devices",

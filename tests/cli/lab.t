@@ -11,6 +11,7 @@ The program that makes labs and runs programs in them.
     run      run a program in the lab
     shell    start a shell in the lab
     reset    make the lab's host fresh again
+    machines list the machines of the host
     show     show what the host holds
     log      show what was asked of the devices
     fault    order failures, or list or clear them
@@ -28,6 +29,7 @@ The program that makes labs and runs programs in them.
   err|   run      run a program in the lab
   err|   shell    start a shell in the lab
   err|   reset    make the lab's host fresh again
+  err|   machines list the machines of the host
   err|   show     show what the host holds
   err|   log      show what was asked of the devices
   err|   fault    order failures, or list or clear them
@@ -46,6 +48,7 @@ The program that makes labs and runs programs in them.
   err|   run      run a program in the lab
   err|   shell    start a shell in the lab
   err|   reset    make the lab's host fresh again
+  err|   machines list the machines of the host
   err|   show     show what the host holds
   err|   log      show what was asked of the devices
   err|   fault    order failures, or list or clear them
@@ -64,6 +67,7 @@ The program that makes labs and runs programs in them.
   err|   run      run a program in the lab
   err|   shell    start a shell in the lab
   err|   reset    make the lab's host fresh again
+  err|   machines list the machines of the host
   err|   show     show what the host holds
   err|   log      show what was asked of the devices
   err|   fault    order failures, or list or clear them
@@ -82,6 +86,7 @@ The program that makes labs and runs programs in them.
   err|   run      run a program in the lab
   err|   shell    start a shell in the lab
   err|   reset    make the lab's host fresh again
+  err|   machines list the machines of the host
   err|   show     show what the host holds
   err|   log      show what was asked of the devices
   err|   fault    order failures, or list or clear them
@@ -121,7 +126,7 @@ Making one
 
   $ run tarnlab init --help
   Usage: tarnlab init [--machines N] [--memory BYTES] [--flows N]
-                      [--firewall-off]
+                      [--firewall-off] [--bare]
   
   Makes a lab in the folder that TARNLAB_HOME names, by default .tarnlab in the
   current folder. There must be none yet: "tarnlab reset" makes one fresh again.
@@ -133,6 +138,7 @@ Making one
                     some hundred in the usual host's and none in those of --machines
     --firewall-off  a host whose distributed firewall is disabled: its include table
                     does not have every virtual NIC
+    --bare          machines only, without agents and filters
     --help          this text
   $ run tarnlab init --machines
   err| tarnlab: init: --machines needs a number
@@ -230,16 +236,55 @@ Running
   err| Try "tarnlab shell --help".
   [125]
 
+Machines
+
+  $ run tarnlab machines --help
+  Usage: tarnlab machines
+  
+  Lists the machines of the host, each with its world id and its uuid. A program that is
+  run in the lab gets this list from /bin/tarn_vm_list.sh.
+  
+    --help          this text
+  $ run tarnlab machines
+  1002672:50 2e 1f 3a c2 1a 63 2a-4a e1 00 50 56 99 b6 26
+  1002731:50 2e 1f 3a c2 1a 63 2b-4a e1 00 50 56 99 b6 2d
+  1003044:50 2e 1f 3a c2 1a 70 11-4a e1 00 50 56 99 10 77
+  1003120:50 2e 1f 3a c2 1a 70 12-4a e1 00 50 56 99 10 7e
+  998214:50 2e 1f 3a c2 1a 04 51-4a e1 00 50 56 99 1e 37
+  $ run tarnlab machines 7
+  err| tarnlab: machines: takes no arguments
+  err| Try "tarnlab machines --help".
+  [2]
+  $ tarnlab --home bare init --bare
+  Made a lab with 0 filters at bare.
+  $ tarnlab --home bare show
+  lab bare
+    the distributed firewall is disabled
+  $ tarnlab --home bare machines | wc -l
+  5
+  $ tarnlab --home bare run /bin/tarn_vm_list.sh | tail -1
+  998214:50 2e 1f 3a c2 1a 04 51-4a e1 00 50 56 99 1e 37
+  $ tarnlab --home bare run sh -c '/bin/tarn_vm_list.sh | grep -c :'
+  5
+  $ tarnlab --home barefleet init --bare --machines 2
+  Made a lab with 0 filters at barefleet.
+  $ tarnlab --home barefleet machines
+  1000000:50 2e 1f 3a c2 1a 00 00-4a e1 00 50 56 99 00 00
+  1000001:50 2e 1f 3a c2 1a 00 01-4a e1 00 50 56 99 00 07
+  $ run tarnlab --home nowhere machines
+  err| tarnlab: no lab at nowhere: make one with "tarnlab init"
+  [1]
+
 Showing
 
   $ run tarnlab show --help
   Usage: tarnlab show [FILTER]
          tarnlab show --rules FILTER [RULESET]
          tarnlab show --addrsets FILTER [ADDRSET]
-         tarnlab show --tables FILTER [TABLE]
+         tarnlab show --tables FILTER|AGENT [TABLE]
   
-  Shows the host's filters, what each of them holds, and the faults in force; with a
-  FILTER, that one only. An agent's shared address sets are shown and named as the
+  Shows the host's agents and filters, what each of these holds, and the faults in force;
+  with a FILTER, that one only. An agent's shared address sets are shown and named as the
   filter shared-addrset-filter-AGENT.
   
     --rules         the rules of every rule set, or of the one, as the configuration
@@ -247,10 +292,14 @@ Showing
     --addrsets      the addresses and elements of every address set and container, or
                     of the one
     --tables        what the filter has learnt or was given, table by table, or of the one:
-                    attributes, inspections, discovered, names, users
+                    attributes, inspections, discovered, names, users; of an agent, the
+                    tables include and exclude
     --help          this text
   $ tarnlab show | sed "s|$TARNLAB_HOME|HOME|"
   lab HOME
+  agent kelpco-sfw: 2 included, 0 excluded
+  agent kelpco-inspect: 4 included, 2 excluded
+  agent kelpco-spoof.guard: 1 included, 0 excluded
   filter nic-1002672-eth0-kelpco-sfw.2
     agent kelpco-sfw, vnic 0, slow path 1, vif 8d0c7a10-55f4-4c1e-9b02-0000632a0000
     flows: 244 active, 97 inactive, 96 dropped, 16 L2 pass, 16 L2 drop, 1 of other kinds
@@ -368,6 +417,26 @@ Showing
   $ run tarnlab show --tables nic-1002731-eth0-kelpco-sfw.2
   $ run tarnlab show --tables nic-1002672-eth0-kelpco-sfw.2 nothing
   err| tarnlab: there is no table nothing
+  [1]
+  $ run tarnlab show --tables kelpco-inspect
+  include {
+    vnic 502e1f3a-c21a-632a-4ae1-00505699b626.000, slot 4
+    dvs 502e7c11-903f-4b5a-8c21-d40e6b771f03 port 253870
+    dvs 502e7c11-903f-4b5a-8c21-d40e6b771f2c
+    switch office
+  }
+  exclude {
+    switch office
+    vnic 502e1f3a-c21a-632b-4ae1-00505699b62d.000
+  }
+  $ run tarnlab show --tables kelpco-sfw include
+  include {
+    vnic 502e1f3a-c21a-632a-4ae1-00505699b626.000, slot 2
+    host, slot 2
+  }
+  $ run tarnlab show --tables kelpco-sfw exclude
+  $ run tarnlab show --tables kelpco-sfw users
+  err| tarnlab: there is no table users
   [1]
   $ run tarnlab show --tables
   err| tarnlab: show: --tables needs a filter and takes the name of a table

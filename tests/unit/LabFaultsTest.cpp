@@ -56,7 +56,7 @@ TEST_F(LabFaults, AnErrnoForOneRequestOrDeviceSparesTheOthers) {
   ByteVector body(116);
   EXPECT_EQ(direct(20, body), 0);
   EXPECT_EQ(direct(21, body), EPERM);
-  EXPECT_EQ(model.request(Device::filterTables, 1, 0), ENOTTY);
+  EXPECT_EQ(model.request(Device::filterTables, 99, 0), ENOTTY);
   EXPECT_EQ(model.request(Device::serviceInsertion, 1, 0), EIO);
 }
 

@@ -83,6 +83,48 @@ TEST_F(LabFilterList, RefusesRoomOfNoRecordSize) {
   }
 }
 
+TEST_F(LabFilterList, FillsTheRecordOfOneFilter) {
+  const std::string name = "nic-1003044-eth1-kelpco-sfw.2";
+  ByteVector record = Record().text(name, 204).to(866);
+  ByteVector body = listBody("kelpco-sfw", 1, &record);
+  ASSERT_EQ(direct(40, body), 0) << note();
+  EXPECT_EQ(note(), "filter " + name);
+  EXPECT_EQ(get32(body, 100), 1u);
+  EXPECT_EQ(get32(body, 104), 866u);
+  ByteVector all(8 * 866);
+  ByteVector list = listBody("", 8, &all);
+  ASSERT_EQ(direct(21, list), 0);
+  EXPECT_EQ(record, ByteVector(all.begin() + 4 * 866, all.begin() + 5 * 866));
+  EXPECT_EQ(get32(record, 432), 1u);
+}
+
+TEST_F(LabFilterList, AnswersForAFilterThatIsNotThereWithAStatus) {
+  for (const auto& [agent, name] : {std::pair{"kelpco-inspect", web}, {"kelpco-sfw", "nowhere"}}) {
+    ByteVector record = Record().text(name, 866);
+    ByteVector body = listBody(agent, 1, &record);
+    const ByteVector frame =
+        Record().u32(40).u32(0).u32(116).u64(reinterpret_cast<std::uintptr_t>(body.data()));
+    ASSERT_EQ(model.request(Device::firewall, 40, reinterpret_cast<std::uintptr_t>(frame.data())),
+              0);
+    EXPECT_EQ(get32(frame, 4), 21u);
+    EXPECT_EQ(record, (const ByteVector&)Record().text(name, 866)) << "nothing was written";
+  }
+}
+
+TEST_F(LabFilterList, RefusesARequestForOneFilterWithAnotherForm) {
+  ByteVector record = Record().text(web, 866);
+  ByteVector body = listBody("kelpco-sfw", 2, &record);
+  EXPECT_EQ(direct(40, body), EINVAL);
+  record.pop_back();
+  body = listBody("kelpco-sfw", 1, &record);
+  EXPECT_EQ(direct(40, body), EINVAL);
+  record = Record().text(std::string(204, 'a'), 866);
+  body = listBody("kelpco-sfw", 1, &record);
+  EXPECT_EQ(direct(40, body), EINVAL);
+  body = Record().text("kelpco-sfw", 100).u32(1).u32(866).u64(16);
+  EXPECT_EQ(direct(40, body), EFAULT);
+}
+
 TEST_F(LabFilterList, RefusesAnotherBodyLengthAndBadAddresses) {
   for (const std::size_t size : {0u, 115u, 117u}) {
     ByteVector body(size);
@@ -117,7 +159,7 @@ TEST_F(LabFilterList, AnswersOtherDirectRequestsAsNotSupportedAndUnknownOnesNotA
   EXPECT_EQ(get32(frame, 4), 7u);
   EXPECT_EQ(model.request(Device::firewall, 99, reinterpret_cast<std::uintptr_t>(frame.data())),
             ENOTTY);
-  EXPECT_EQ(model.request(Device::filterTables, 1, 0), ENOTTY);
+  EXPECT_EQ(model.request(Device::filterTables, 99, 0), ENOTTY);
 }
 
 TEST(LabHost, TheHostsMachinesCanBeMany) {
