@@ -1,7 +1,14 @@
 // Commands 73, 74 and 77: attributes that connections were given, and what inspection has found
 // out about them.
+#include "LabConnectionAttributes.h"
+
+#include <algorithm>
+#include <limits>
+#include <optional>
+
 #include "LabChain.h"
 #include "LabFamily.h"
+#include "LabFlowFile.h"
 #include "LabUsers.h"
 
 namespace TarnLab {
@@ -88,6 +95,30 @@ bool hasElement(ConstBytes chain, ConstBytes wanted) {
                       std::memcmp(element.data(), wanted.data(), wanted.size()) == 0);
   });
   return found;
+}
+
+/// Whether a key, an id or a description, is that of a flow.
+bool isOf(ConstBytes key, ConstBytes flow) {
+  const std::uint64_t id = Attributed::id.get(key);
+  return id != 0 ? FlowRecord::id.get(flow) == id
+                 : describes(Attributed::connection.get(key), flow);
+}
+
+/// All attributes of the connection with that key, in the bytes that they have as those of a flow;
+/// nothing when the filter has no such connection.
+std::optional<FlowAttributes::Size> attributesOf(Context context, ConstBytes key) {
+  const auto file = FlowFile::open(context.store, context.target.folder);
+  if (!file) return std::nullopt;
+  for (std::size_t i = file->placeOfId(Attributed::id.get(key)); i < file->count(activeGroup);
+       ++i) {
+    const ConstBytes flow = file->record(activeGroup, i);
+    if (isOf(key, flow)) {
+      ByteVector buffer(flow.begin(), flow.end());
+      return ConnectionAttributes(context.store, context.target.folder).append(buffer, flow);
+    }
+    if (Attributed::id.get(key) != 0) break;  // they are in the order of their ids
+  }
+  return std::nullopt;
 }
 
 ByteVector emptyChain() {
@@ -195,6 +226,12 @@ std::uint32_t countAttributes(Context context, Body& body) {
   const std::uint32_t status = makeKey(context, kind == Asked::byConnection,
                                        Asked::connection.get(body), Asked::id.get(body), key);
   if (status != Status::ok) return status;
+  if (const auto size = attributesOf(context, key)) {
+    Asked::count.put(body, size->count);
+    Asked::bytes.put(body, static_cast<std::uint32_t>(Chain::headSize + size->bytes +
+                                                      size->count * Chain::elementHeadSize));
+    return Status::ok;
+  }
   const Table::Records all = attributed.load(context.store, context.target.folder);
   const std::size_t place = placeOfKey(all, key);
   const ByteVector chain = emptyChain();
@@ -209,13 +246,26 @@ constexpr std::size_t entriesAt = 8, entrySize = 16;
 constexpr U32 entryCount{0, "entries"};
 constexpr Reserved restOfEntry{8, 8};
 
-/// The answer to one entry: the state of the connection, when it was inspected.
-void putInspection(const Table::Records& all, Bytes entry) {
+/// The state of one connection. One that is a flow of the filter has come as far as it has
+/// attributes, up to the last state that has a name.
+std::optional<unsigned> stateOf(Context context, const Table::Records& all, std::uint64_t number) {
+  constexpr unsigned lastState = 3;
   for (const ByteVector& each : all) {
-    if (Inspected::id.get(each) != Inspected::id.get(entry)) continue;
-    Inspected::found.put(entry, 1);
-    Inspected::state.put(entry, Inspected::state.get(each));
+    if (Inspected::id.get(each) == number) return Inspected::state.get(each);
   }
+  if (number == 0) return std::nullopt;
+  ByteVector key(Attributed::keySize);
+  Attributed::id.put(Bytes(key), number);
+  const auto size = attributesOf(context, key);
+  return size ? std::optional(std::min(size->count, lastState)) : std::nullopt;
+}
+
+/// The answer to one entry: the state of the connection, when it was inspected.
+void putInspection(Context context, const Table::Records& all, Bytes entry) {
+  const auto found = stateOf(context, all, Inspected::id.get(entry));
+  if (!found) return;
+  Inspected::found.put(entry, 1);
+  Inspected::state.put(entry, static_cast<std::uint8_t>(*found));
 }
 
 std::uint32_t readInspections(Context context, Body& body) {
@@ -231,7 +281,7 @@ std::uint32_t readInspections(Context context, Body& body) {
     if (!isZero(placeOf(entry, restOfEntry))) {
       return context.refuse(Status::badMessage, format("entry %zu with reserved bytes set", i));
     }
-    putInspection(all, entry);
+    putInspection(context, all, entry);
   }
   entryCount.put(body, count);
   return Status::ok;
@@ -286,6 +336,40 @@ constexpr CommandKind commands[] = {
 constexpr Table tables[] = {attributed, inspected};
 
 }  // namespace
+
+ConnectionAttributes::ConnectionAttributes(const Store& store, const std::string& folder) {
+  for (ByteVector& each : attributed.load(store, folder)) {
+    if (Chain::fault(chainOf(each)).empty()) given_.push_back(std::move(each));
+  }
+}
+
+FlowAttributes::Size ConnectionAttributes::append(ByteVector& buffer, ConstBytes flow) const {
+  constexpr std::size_t mostBytes = std::numeric_limits<std::uint16_t>::max() - FlowRecord::size;
+  constexpr unsigned most = std::numeric_limits<std::uint8_t>::max();
+  const std::size_t first = buffer.size();
+  FlowAttributes::Size size = FlowAttributes::append(buffer, flow);
+  const auto isThere = [&](ConstBytes attribute) {
+    for (ConstBytes rest = ConstBytes(buffer).subspan(first); !rest.empty();
+         rest = rest.subspan(get32(rest, 4))) {
+      const ConstBytes there = part(rest, 0, get32(rest, 4));
+      if (std::equal(there.begin(), there.end(), attribute.begin(), attribute.end())) return true;
+    }
+    return false;
+  };
+  for (const ByteVector& each : given_) {
+    if (!isOf(each, flow)) continue;
+    forEachElement(chainOf(each), [&](ConstBytes element) {
+      const ConstBytes attribute = element.subspan(Chain::elementHeadSize);
+      if (size.count == most || attribute.size() > mostBytes - size.bytes || isThere(attribute)) {
+        return;
+      }
+      buffer.insert(buffer.end(), attribute.begin(), attribute.end());
+      ++size.count;
+      size.bytes += attribute.size();
+    });
+  }
+  return size;
+}
 
 constinit const Family connectionAttributeFamily{
     .commands = commands, .fill = fill, .tables = tables};

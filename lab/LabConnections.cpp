@@ -1,4 +1,5 @@
 // The commands on connections, which are the active flows of a filter.
+#include "LabConnectionAttributes.h"
 #include "LabFamily.h"
 #include "LabFlowFile.h"
 
@@ -234,6 +235,8 @@ constexpr CommandKind commands[] = {
 };
 
 }  // namespace
+
+bool describes(ConstBytes connection, ConstBytes flow) { return Wanted::isFor(connection, flow); }
 
 constinit const Family connectionFamily{.commands = commands};
 

@@ -1,6 +1,7 @@
 // Request 22 of the firewall device: the flows of a filter.
 #include <cerrno>
 
+#include "LabConnectionAttributes.h"
 #include "LabFamily.h"
 #include "LabFlowFile.h"
 #include "LabSelector.h"
@@ -89,7 +90,9 @@ class Collector {
       : file_(FlowFile::open(asked.store, target.folder)),
         rules_(asked.store, target.folder),
         flags_(get32(asked.host.record(target.index), FilterRecord::flowFlags)),
-        attributes_(withAttributes.get(body) != 0),
+        attributes_(withAttributes.get(body) != 0 ? std::optional<ConnectionAttributes>(
+                                                        std::in_place, asked.store, target.folder)
+                                                  : std::nullopt),
         fetched_(FlowRecord::beforeRecords) {}
 
   /// Writes the amounts of a group: all of it, or as many records as are wanted and have room.
@@ -142,7 +145,7 @@ class Collector {
     fetched_.insert(fetched_.end(), flow.begin(), flow.end());
     FlowRecord::rule.put(Bytes(fetched_).subspan(at), rules_.ruleOf(flow));
     if (!attributes_) return {};
-    const FlowAttributes::Size size = FlowAttributes::append(fetched_, flow);
+    const FlowAttributes::Size size = attributes_->append(fetched_, flow);
     const Bytes record = Bytes(fetched_).subspan(at);
     FlowRecord::length.put(record, static_cast<std::uint16_t>(record.size()));
     FlowRecord::attributeCount.put(record, static_cast<std::uint8_t>(size.count));
@@ -175,7 +178,7 @@ class Collector {
   std::optional<FlowFile> file_;
   FlowRules rules_;
   std::uint32_t flags_;
-  bool attributes_;
+  std::optional<ConnectionAttributes> attributes_;
   ByteVector fetched_;  // what stands before the records, and the records
   std::array<std::vector<std::uint32_t>, flowGroups> taken_;
 };

@@ -117,12 +117,32 @@ Numbers, then the flows: with attributes, without them, of one kind.
   5c1e00010000104c Inactive tcp 86dd OUT 4095 30 49 (blocked,est) 2001:db8:14::28:Unknown(49177) -> 2001:db8:31::1a:ssh(22) 561 TIMEWAIT:FINWAIT2  rtt 150025 retrans 68/86 515840 287820 806 702 attr: LS Start: Mon, 05 Jan 2026 08:01:15 +0000, End: Mon, 05 Jan 2026 08:02:10 +0000
   5c1e000100001055 Inactive tcp 86dd IN 4095 30 40 (blocked) 2001:db8:31::1d:Unknown(49180) -> 2001:db8:14::28:ssh(22) [2001:db8:64::1d:Unknown(1108)] 564 TIMEWAIT:CLOSED  rtt 150028 retrans 71/89 575360 321030 899 783 Start: Mon, 05 Jan 2026 08:01:24 +0000, End: Mon, 05 Jan 2026 08:02:22 +0000
 
+What a connection was given stands after what its flow has learned. The id of the first flow is
+6637742905085661185 in decimal digits.
+
+  $ for connection in 6637742905085661185 '10.20.1.40 49155 10.31.0.4 443 tcp dir_out'; do
+  >   quiet tarnioctl tarnfwcli -Override -f $filter \
+  >     -c "set connattr of filter \"$filter\" $connection with
+  >         { [ TLS_VERSION : 771 ], [ APP_ID : APP_HTTP, APP_DNS ] };"
+  > done
+  $ quiet tarnioctl getflows -f $filter -F 1 -T active | sed -n -E '2,3s/ .* attr/ ... attr/p'
+  5c1e000100001001 ... attr: APP_DNS,APP_HTTP,TLS_V12
+  5c1e00010000100a ... attr: UNKNOWN,TLS_NULL_WITH_NULL_NULL,S-1-5-21-1000-2000-3000-4000,APP_DNS,APP_HTTP,TLS_V12
+  $ quiet tarnioctl getflows -f $filter -F 1 -T active -a | grep -c attr
+  0
+  [1]
+  $ quiet tarnioctl getflows -f $filter -n
+  Counts retrieved from kernel:
+        Active: numRecords = 10, totalAttr = 21, attrLen = 816, len = 3326
+        Inactive: numRecords = 10, totalAttr = 13, attrLen = 293, len = 2803
+        Drop: numRecords = 10, totalAttr = 15, attrLen = 451, len = 2961
+
 What was read is flushed, unless -F 1 says otherwise: active flows stay.
 
   $ quiet tarnioctl getflows -f $filter -T drop > all
   $ quiet tarnioctl getflows -f $filter -n
   Counts retrieved from kernel:
-        Active: numRecords = 10, totalAttr = 15, attrLen = 708, len = 3218
+        Active: numRecords = 10, totalAttr = 21, attrLen = 816, len = 3326
         Inactive: numRecords = 10, totalAttr = 13, attrLen = 293, len = 2803
         Drop: numRecords = 0, totalAttr = 0, attrLen = 0, len = 0
 

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "DeviceShim.h"
 #include "HandlerKernel.h"
 #include "LogCapture.h"
 #include "RunCommand.h"
@@ -171,6 +172,10 @@ TEST(GetFloodStat, SaysWhatIsMissingAndWhatFails) {
   EXPECT_EQ(runCommand({"getfloodstat", "-s"}),
             (CommandResult{1, "", "ERROR: filter is missing.\n"}));
   FloodKernel kernel;
+  DeviceShim::failNextCalloc();
+  EXPECT_EQ(get({}),
+            (CommandResult{1, "", "ERROR: Failed to allocate 12424 bytes for flood stat\n"}));
+  EXPECT_TRUE(kernel.asked().empty());
   kernel.fail(kGet, 21);
   EXPECT_EQ(get({}),
             (CommandResult{1, "", "ERROR: Failed to get flood status: switch port not found\n"}));

@@ -84,7 +84,7 @@ class FqdnKernel : public HandlerKernel {
 
 std::vector<Entry> names() {
   return {{Bytes({10, 0, 0, 1}), 2, 300, 0, {"5a43ddda", "5a43dddb"}},
-          {Bytes({0x20, 1, 0x0d, 0xb8, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1}), 10, 1, 1, {"u"}},
+          {Bytes({0x20, 1, 0x0d, 0xb8, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1}), 10, 1, 255, {"u"}},
           {Bytes({10, 0, 0, 2}), 2, 1, 1, {}},
           {Bytes({10, 0, 0, 3}), 2, 0xffffffff, 0, {std::string(1090, 'x')}}};
 }

@@ -190,6 +190,63 @@ TEST_F(LabConnectionAttributes, InspectionRequestsAreCheckedByTheirCounts) {
   EXPECT_EQ(command(77, Record().zero(7)), 25u);
 }
 
+// Two flows that every lab has, 5c1e000100001001 and 5c1e00010000100a. The first has learned
+// nothing and the second three attributes. The first goes from 10.31.0.1, port 49152 to 10.20.1.40,
+// port 443, TCP in.
+constexpr std::uint64_t plainFlow = 0x0110000001001e5c, inspectedFlow = 0x0a10000001001e5c;
+
+ByteVector plainFlowConnection(unsigned port = 443) {
+  return Record()
+      .u32(0x01001f0a)
+      .to(16)
+      .u32(0x2801140a)
+      .to(32)
+      .u16(0x00c0)
+      .u8(port >> 8)
+      .u8(port & 255)
+      .u8(2)
+      .to(39)
+      .u8(6);
+}
+
+TEST_F(LabConnectionAttributes, AFlowHasWhatItLearnedAndWhatItWasGiven) {
+  EXPECT_EQ(countById(plainFlow), (std::pair{0u, 12u}));
+  const auto learned = countById(inspectedFlow);
+  EXPECT_EQ(learned.first, 3u);
+  ASSERT_EQ(setById(plainFlow, {number(1, 771)}), 0u) << note();
+  ASSERT_EQ(setById(inspectedFlow, {number(1, 771)}), 0u);
+  EXPECT_EQ(countById(plainFlow), (std::pair{1u, 12 + 26u}));
+  EXPECT_EQ(countById(inspectedFlow), (std::pair{4u, learned.second + 26}));
+
+  const ByteVector described = plainFlowConnection();
+  EXPECT_EQ(count(2, described, 0), (std::pair{1u, 12 + 26u})) << "the same flow";
+  ASSERT_EQ(command(73, request(0, described, 1, 0, {number(0, 3), number(1, 771)})), 0u);
+  EXPECT_EQ(count(2, described, 0), (std::pair{2u, 12 + 2 * 26u})) << "the same is there once";
+  EXPECT_EQ(countById(plainFlow), (std::pair{2u, 12 + 2 * 26u}));
+  EXPECT_EQ(count(2, plainFlowConnection(444), 0), (std::pair{0u, 12u}));
+}
+
+TEST_F(LabConnectionAttributes, AFlowHasNoMoreAttributesThanItsRecordCounts) {
+  std::vector<ByteVector> many;
+  for (unsigned value = 0; value < 300; ++value) many.push_back(number(0, value));
+  ASSERT_EQ(setById(plainFlow, many), 0u) << note();
+  EXPECT_EQ(countById(plainFlow), (std::pair{255u, 12 + 255 * 26u}));
+}
+
+TEST_F(LabConnectionAttributes, TheInspectionOfAFlowIsAsFarAsItHasAttributes) {
+  const auto stateOf = [this](std::uint64_t id) {
+    EXPECT_EQ(command(77, Record().u32(1).u32(0).u64(id).u64(0)), 0u) << note();
+    return std::pair<unsigned, unsigned>(get8(reply, 16), get8(reply, 17));
+  };
+  EXPECT_EQ(stateOf(plainFlow), (std::pair{1u, 0u}));
+  EXPECT_EQ(stateOf(inspectedFlow), (std::pair{1u, 3u}));
+  EXPECT_EQ(stateOf(plainFlow + 1), (std::pair{0u, 0u})) << "no flow";
+  ASSERT_EQ(setById(plainFlow, {number(1, 771)}), 0u);
+  ASSERT_EQ(setById(inspectedFlow, {number(1, 771)}), 0u);
+  EXPECT_EQ(stateOf(plainFlow), (std::pair{1u, 1u}));
+  EXPECT_EQ(stateOf(inspectedFlow), (std::pair{1u, 3u})) << "there is no state after it";
+}
+
 TEST_F(LabConnectionAttributes, TheLogShowsAttributesAndInspections) {
   ASSERT_EQ(setById(5, {number(0, 3), userSid(1101)}), 0u);
   EXPECT_EQ(decodeRecords(journal().back()),

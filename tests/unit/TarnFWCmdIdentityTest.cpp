@@ -99,6 +99,12 @@ TEST_F(TarnFWCmdIdentity, MoreIdentifiersThanAMessageHoldsAreRefused) {
                     "number of uuids: -1");
 }
 
+TEST_F(TarnFWCmdIdentity, TheNumberOfIdentifiersHasFourBytes) {
+  CTarnFWCmdGetUuid command(nullptr, FWAddress_{}, 0x102);
+  const Bytes request = requestOf(command);
+  EXPECT_EQ(request, Bytes(0x102 * 1239).at(1235, {2, 1}));
+}
+
 TEST_F(TarnFWCmdIdentity, NoIdentifiersAskForNothing) {
   CTarnFWCmdGetUuid command(nullptr, FWAddress_{}, 0);
   EXPECT_EQ(requestOf(command), Bytes(0));

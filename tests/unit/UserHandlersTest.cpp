@@ -24,13 +24,18 @@ class UserKernel : public HandlerKernel {
       EXPECT_EQ(body.word(4), 1u);
       EXPECT_EQ(body.word(8), 160u);
       EXPECT_EQ(body.size, 244u);
-      body.at[84] = 1;
-      body.put32(88, 1);
-      body.put32(96, 3);
-      body.put(104, Bytes({1, 2, 0, 0, 0, 0, 0, 5, 21, 0, 0, 0, 9}));
-      body.put(176, Bytes({1, 2, 0, 0, 0, 0, 0, 5, 32, 0, 0, 0, 0x20, 2}));
+      putUser(body, 84);
       return 0;
     });
+  }
+
+  /// The 160 bytes of the user.
+  static void putUser(Body& body, std::size_t at) {
+    body.at[at] = 1;
+    body.put32(at + 4, 1);
+    body.put32(at + 12, 3);
+    body.put(at + 20, Bytes({1, 2, 0, 0, 0, 0, 0, 5, 21, 0, 0, 0, 9}));
+    body.put(at + 92, Bytes({1, 2, 0, 0, 0, 0, 0, 5, 32, 0, 0, 0, 0x20, 2}));
   }
 };
 
@@ -97,6 +102,20 @@ TEST(GetSidCache, UsersAreReadAsFarAsTheReplyGoes) {
   EXPECT_EQ(
       runCommand({"getsidcache", "-f", kFilter}),
       (CommandResult{0, "uid2sid map size : 160\nuid2sid map num entries : 9\n" + kUser, ""}));
+}
+
+TEST(GetSidCache, AsManyUsersAreReadAsTheSizeCounts) {
+  UserKernel kernel;
+  kernel.on(82, [](Body& body) { return body.put32(4, 1), body.put32(8, 320), 0; });
+  kernel.on(81, [](Body& body) {
+    EXPECT_EQ(body.size, 404u);
+    UserKernel::putUser(body, 84);
+    UserKernel::putUser(body, 244);
+    return 0;
+  });
+  EXPECT_EQ(
+      runCommand({"getsidcache", "-f", kFilter}),
+      (CommandResult{0, "uid2sid map size : 320\nuid2sid map num entries : 1\n" + kUser, ""}));
 }
 
 TEST(GetSidCache, NoUsersAreNone) {
