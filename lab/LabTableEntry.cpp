@@ -13,7 +13,7 @@ constexpr std::uint32_t usualSlot = 2;
 
 // Where the fields stand in a value.
 constexpr std::size_t nicIndex = 16, nicSlot = 17, nicReserved = 21, portNumber = 16, hostSlot = 0,
-                      hostReserved = 4, reservedSize = 8;
+                      hostReserved = 4;
 
 struct Kind {
   bool include;
