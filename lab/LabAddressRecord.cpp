@@ -78,7 +78,7 @@ std::string fault(ConstBytes record) {
   if ((get8(record, flags) & 0xfe) != 0 || get8(record, reserved) != 0) {
     return "address with reserved bits set";
   }
-  if (!isZero(record.subspan(end, size - end))) return "address with bytes behind its value";
+  if (!isZero(record.subspan(end, size - end))) return "address with bytes after its value";
   switch (kind) {
     case ipv4Range:
       if (std::memcmp(&record[4], &record[8], 4) > 0) return "address range is reversed";

@@ -79,7 +79,7 @@ std::string walk(ConstBytes chain, Visitor visit) {
     }
     rest = rest.subspan(elementHeadSize + length);
   }
-  return rest.empty() ? "" : format("%zu bytes behind the last element", rest.size());
+  return rest.empty() ? "" : format("%zu bytes after the last element", rest.size());
 }
 
 }  // namespace

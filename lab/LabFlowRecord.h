@@ -41,42 +41,31 @@ struct Shape {
   U32 roundTrip, firstRetries, secondRetries;
 };
 
-inline constexpr Shape shape4{{145, 4, "source"},
-                              {149, 4, "destination"},
-                              {153, 4, "translated"},
-                              {157, "type"},
-                              {158, "code"},
-                              {157, "control flow"},
-                              {165, "alg"},
-                              {166, "alg flow"},
-                              {167, "alg port"},
-                              {173, "source port"},
-                              {175, "destination port"},
-                              {177, "translated port"},
-                              {179, "segment"},
-                              {181, "source state"},
-                              {183, "destination state"},
-                              {187, "round trip"},
-                              {191, "first retries"},
-                              {195, "second retries"}};
-inline constexpr Shape shape6{{145, 16, "source"},
-                              {161, 16, "destination"},
-                              {177, 16, "translated"},
-                              {209, "type"},
-                              {210, "code"},
-                              {209, "control flow"},
-                              {217, "alg"},
-                              {218, "alg flow"},
-                              {219, "alg port"},
-                              {225, "source port"},
-                              {227, "destination port"},
-                              {229, "translated port"},
-                              {231, "segment"},
-                              {233, "source state"},
-                              {235, "destination state"},
-                              {239, "round trip"},
-                              {243, "first retries"},
-                              {247, "second retries"}};
+/// Addresses of so many bytes from 145 on; what follows them begins at `rest`, after a gap with
+/// IPv6.
+constexpr Shape makeShape(std::uint32_t address, std::uint32_t rest) {
+  return {{145, address, "source"},
+          {145 + address, address, "destination"},
+          {145 + 2 * address, address, "translated"},
+          {rest, "type"},
+          {rest + 1, "code"},
+          {rest, "control flow"},
+          {rest + 8, "alg"},
+          {rest + 9, "alg flow"},
+          {rest + 10, "alg port"},
+          {rest + 16, "source port"},
+          {rest + 18, "destination port"},
+          {rest + 20, "translated port"},
+          {rest + 22, "segment"},
+          {rest + 24, "source state"},
+          {rest + 26, "destination state"},
+          {rest + 30, "round trip"},
+          {rest + 34, "first retries"},
+          {rest + 38, "second retries"}};
+}
+
+inline constexpr Shape shape4 = makeShape(4, 157);
+inline constexpr Shape shape6 = makeShape(16, 209);
 
 /// The shape by the family; of any other than IPv4 it is that of IPv6.
 inline const Shape& shapeOf(ConstBytes record) {

@@ -65,7 +65,7 @@ std::string findEnvelopes(ConstBytes message, std::vector<std::size_t>& offsets)
     at += Envelope::size + length;
   }
   if (at != message.size()) {
-    return format("%zu bytes behind the last command", message.size() - at);
+    return format("%zu bytes after the last command", message.size() - at);
   }
   return "";
 }

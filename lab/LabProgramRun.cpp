@@ -126,7 +126,7 @@ int become(const Store& store, char* const* command) {
     return exitNotFound;
   }
   if (isStatic(*program)) {
-    complain(*program + " is linked statically: the lab cannot stand behind its devices");
+    complain(*program + " is linked statically: the lab cannot take the place of its devices");
     return exitCannotRun;
   }
   ::execv(program->c_str(), command);

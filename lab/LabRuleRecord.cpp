@@ -40,7 +40,7 @@ std::string portFault(ConstBytes spec, const char* which) {
     return std::string(which) + " has a reversed range";
   }
   static constexpr std::size_t used[] = {0, 4, 6, 36};
-  if (!isZero(spec.subspan(used[kind]))) return std::string(which) + " with bytes behind its value";
+  if (!isZero(spec.subspan(used[kind]))) return std::string(which) + " with bytes after its value";
   return "";
 }
 
@@ -83,7 +83,7 @@ std::string sessionFault(ConstBytes session) {
   if (specKind(options) == 5) {
     const std::size_t length = get16(options, 2);
     if (length > 40) return "TCP options too long";
-    if (!isZero(options.subspan(4 + length))) return "TCP options with bytes behind them";
+    if (!isZero(options.subspan(4 + length))) return "TCP options with bytes after them";
   }
   return "";
 }
@@ -116,12 +116,12 @@ std::string actionFault(ConstBytes action) {
       if (get8(data, 0) == 0 || get8(data, ActionRecord::ruleSetNameSize - 1) != 0) {
         return "jump without a proper name";
       }
-      return isZero(data.subspan(ActionRecord::ruleSetNameSize)) ? "" : "jump with bytes behind it";
+      return isZero(data.subspan(ActionRecord::ruleSetNameSize)) ? "" : "jump with bytes after it";
     case ActionRecord::snat:
     case ActionRecord::dnat:
       return AddressRecord::fault(data);
     case ActionRecord::macRewrite:
-      return isZero(data.subspan(6)) ? "" : "MAC with bytes behind it";
+      return isZero(data.subspan(6)) ? "" : "MAC with bytes after it";
     default:
       return isZero(data) ? "" : "action with data that it does not take";
   }

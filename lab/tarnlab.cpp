@@ -32,9 +32,9 @@ constexpr ProgramCommand commands[] = {
     {"run", "run a program in the lab",
      "Usage: tarnlab run COMMAND [ARGUMENT...]\n"
      "\n"
-     "Runs the program, and all programs that it starts, with the lab behind the control\n"
-     "devices. Ends with the program's exit status, with 127 when there is no such program,\n"
-     "126 when it cannot be run, 125 when there is no lab.\n"
+     "Runs the program, and all programs that it starts, with the lab in the place of the\n"
+     "control devices. Ends with the program's exit status, with 127 when there is no such\n"
+     "program, 126 when it cannot be run, 125 when there is no lab.\n"
      "\n"
      "  --help          this text\n",
      runRun},

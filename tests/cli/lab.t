@@ -197,9 +197,9 @@ Running
   $ run tarnlab run --help
   Usage: tarnlab run COMMAND [ARGUMENT...]
   
-  Runs the program, and all programs that it starts, with the lab behind the control
-  devices. Ends with the program's exit status, with 127 when there is no such program,
-  126 when it cannot be run, 125 when there is no lab.
+  Runs the program, and all programs that it starts, with the lab in the place of the
+  control devices. Ends with the program's exit status, with 127 when there is no such
+  program, 126 when it cannot be run, 125 when there is no lab.
   
     --help          this text
   $ run tarnlab run

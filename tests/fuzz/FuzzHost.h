@@ -7,10 +7,11 @@
 #include <span>
 #include <string>
 
-/// The host around a command of the program, made up by a fuzzer's bytes: the kernel behind the
-/// control devices, files, standard input, and the peers of sockets. While one lives, the linker
-/// sends the program's calls to it, so that nothing of the machine that searches is opened, written
-/// or waited for, and standard output and standard error are kept in memory. One lives at a time.
+/// The host around a command of the program, made up by a fuzzer's bytes: the kernel that answers
+/// on the control devices, files, standard input, and the peers of sockets. While one lives, the
+/// linker sends the program's calls to it, so that nothing of the machine that searches is opened,
+/// written or waited for, and standard output and standard error are kept in memory. One lives at a
+/// time.
 ///
 /// The bytes are used up in the order of the calls; numbers have their lowest byte first. Behind
 /// the end of the bytes every call succeeds, and what is read is empty.

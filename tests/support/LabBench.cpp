@@ -5,6 +5,8 @@
 
 #include <filesystem>
 
+#include "LabFamily.h"
+
 namespace TarnLab {
 
 namespace {
@@ -59,6 +61,26 @@ ByteVector ruleRecord(unsigned id, unsigned actionCode) {
 LabBench::LabBench() : folder(makeFolder()), store(folder), model(store) {
   const StoreLock lock(store);
   Host::sample().save(store);
+}
+
+FilledLabBench::FilledLabBench() {
+  const StoreLock lock(store);
+  fillHost(store, Host::sample());
+}
+
+ByteVector FilledLabBench::usualSid(unsigned last) {
+  return Record()
+      .u32(0)
+      .u8(1)
+      .u8(4)
+      .u32(0)
+      .u8(0)
+      .u8(5)
+      .u32(21)
+      .u32(1004336348)
+      .u32(1177238915)
+      .u32(last)
+      .to(72);
 }
 
 LabBench::~LabBench() { std::filesystem::remove_all(folder); }

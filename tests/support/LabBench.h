@@ -91,6 +91,15 @@ class LabBench : public ::testing::Test {
   ByteVector reply;
 };
 
+/// A bench whose filters hold what those of a new lab hold.
+class FilledLabBench : public LabBench {
+ protected:
+  FilledLabBench();
+
+  /// The record of a user, S-1-5-21-1004336348-1177238915-LAST.
+  static ByteVector usualSid(unsigned last);
+};
+
 }  // namespace TarnLab
 
 #endif

@@ -1,41 +1,17 @@
 #include "LabBench.h"
 #include "LabDecode.h"
-#include "LabFamily.h"
 
 namespace TarnLab {
 namespace {
 
-class LabConnectionAttributes : public LabBench {
+class LabConnectionAttributes : public FilledLabBench {
  protected:
-  LabConnectionAttributes() {
-    const StoreLock lock(store);
-    fillHost(store, Host::sample());
-  }
-
   /// Elements of a number, and of a sid with four sub-authorities.
   static ByteVector number(unsigned key, unsigned value) {
     return Record().u16(1).u16(0).u32(18).u16(key).u16(2).u32(18).u16(0).u64(value);
   }
   static ByteVector userSid(unsigned last) {
-    return Record()
-        .u16(1)
-        .u16(0)
-        .u32(82)
-        .u16(9)
-        .u16(4)
-        .u32(82)
-        .u16(0)
-        .u32(0)
-        .u8(1)
-        .u8(4)
-        .u32(0)
-        .u8(0)
-        .u8(5)
-        .u32(21)
-        .u32(1004336348)
-        .u32(1177238915)
-        .u32(last)
-        .to(90);
+    return Record().u16(1).u16(0).u32(82).u16(9).u16(4).u32(82).u16(0).bytes(usualSid(last));
   }
 
   static ByteVector chain(const std::vector<ByteVector>& elements) {

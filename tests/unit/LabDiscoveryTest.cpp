@@ -2,18 +2,12 @@
 
 #include "LabBench.h"
 #include "LabDecode.h"
-#include "LabFamily.h"
 
 namespace TarnLab {
 namespace {
 
-class LabDiscovery : public LabBench {
+class LabDiscovery : public FilledLabBench {
  protected:
-  LabDiscovery() {
-    const StoreLock lock(store);
-    fillHost(store, Host::sample());
-  }
-
   /// Operation 2 or 3, with room for so many bytes.
   int read(unsigned operation, std::size_t room) {
     entries.assign(room, std::byte{0xee});

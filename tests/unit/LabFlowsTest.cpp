@@ -51,13 +51,8 @@ struct Fetch {
   unsigned flush = 0, resetRtt = 0, withAttributes = 1;
 };
 
-class LabFlows : public LabBench {
+class LabFlows : public FilledLabBench {
  protected:
-  LabFlows() {
-    const StoreLock lock(store);
-    fillHost(store, Host::load(store));
-  }
-
   static ByteVector query(unsigned operation, const std::string& filter, const Fetch& fetch,
                           const std::string& agent = "kelpco-sfw") {
     return Record()

@@ -2,20 +2,14 @@
 
 #include "LabBench.h"
 #include "LabDecode.h"
-#include "LabFamily.h"
 
 namespace TarnLab {
 namespace {
 
 constexpr std::size_t heapSize = 2152;
 
-class LabMemory : public LabBench {
+class LabMemory : public FilledLabBench {
  protected:
-  LabMemory() {
-    const StoreLock lock(store);
-    fillHost(store, Host::sample());
-  }
-
   /// The body as it is sent: room for so many heaps, and in each one for so many zones.
   static ByteVector body(unsigned heaps = 10, unsigned zones = 32) {
     Record bytes;

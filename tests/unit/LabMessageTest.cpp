@@ -43,7 +43,7 @@ TEST_F(LabMessage, RefusesAMessageWithoutACommand) {
 
 TEST_F(LabMessage, RefusesABodyLengthThatDoesNotAgree) {
   EXPECT_EQ(changed(20, 3), EINVAL);
-  EXPECT_EQ(note(), "1 bytes behind the last command");
+  EXPECT_EQ(note(), "1 bytes after the last command");
   EXPECT_EQ(changed(20, 5), EINVAL);
   EXPECT_EQ(note(), "command 1 with a body of 5 bytes, 4 are left");
   EXPECT_EQ(changed(23, 0xff), EINVAL);

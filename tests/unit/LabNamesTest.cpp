@@ -1,19 +1,13 @@
 #include "LabBench.h"
 #include "LabDecode.h"
-#include "LabFamily.h"
 
 namespace TarnLab {
 namespace {
 
 constexpr std::size_t identifierSize = 1239;
 
-class LabNames : public LabBench {
+class LabNames : public FilledLabBench {
  protected:
-  LabNames() {
-    const StoreLock lock(store);
-    fillHost(store, Host::sample());
-  }
-
   std::pair<unsigned, unsigned> count(const std::string& filter = web) {
     EXPECT_EQ(command(70, Record().u64(0), filterSelector(filter)), 0u) << note();
     return {get32(reply, 0), get32(reply, 4)};

@@ -1,34 +1,14 @@
 #include "LabBench.h"
 #include "LabDecode.h"
-#include "LabFamily.h"
 
 namespace TarnLab {
 namespace {
 
-class LabUsers : public LabBench {
+class LabUsers : public FilledLabBench {
  protected:
-  LabUsers() {
-    const StoreLock lock(store);
-    fillHost(store, Host::sample());
-  }
-
-  /// S-1-5-21-LAST, or one with the three numbers of the usual host's domain before the last.
+  /// S-1-5-21-LAST.
   static ByteVector sid(unsigned last) {
     return Record().u32(0).u8(1).u8(2).u32(0).u8(0).u8(5).u32(21).u32(last).to(72);
-  }
-  static ByteVector usual(unsigned last) {
-    return Record()
-        .u32(0)
-        .u8(1)
-        .u8(4)
-        .u32(0)
-        .u8(0)
-        .u8(5)
-        .u32(21)
-        .u32(1004336348)
-        .u32(1177238915)
-        .u32(last)
-        .to(72);
   }
 
   static ByteVector change(unsigned operation, const ByteVector& uid,
@@ -58,17 +38,23 @@ TEST_F(LabUsers, UsersFollowEachOtherWithTheirSids) {
                                .u32(3)
                                .u32(0)
                                .u32(7)
-                               .bytes(usual(1101))
-                               .bytes(usual(513))
-                               .bytes(usual(514))
-                               .bytes(usual(515));
-  const ByteVector second =
-      Record().u32(0).u32(2).u32(0).u32(0).bytes(usual(1102)).bytes(usual(523)).bytes(usual(524));
+                               .bytes(usualSid(1101))
+                               .bytes(usualSid(513))
+                               .bytes(usualSid(514))
+                               .bytes(usualSid(515));
+  const ByteVector second = Record()
+                                .u32(0)
+                                .u32(2)
+                                .u32(0)
+                                .u32(0)
+                                .bytes(usualSid(1102))
+                                .bytes(usualSid(523))
+                                .bytes(usualSid(524));
   EXPECT_EQ(ByteVector(reply.begin() + 84, reply.begin() + 84 + 304), first);
   EXPECT_EQ(ByteVector(reply.begin() + 84 + 304, reply.begin() + 84 + 304 + 232), second);
   const std::size_t last = reply.size() - 88;
   EXPECT_EQ(get32(reply, last + 4), 0u) << "the last one has no sids";
-  EXPECT_EQ(ByteVector(reply.end() - 72, reply.end()), usual(1104));
+  EXPECT_EQ(ByteVector(reply.end() - 72, reply.end()), usualSid(1104));
 }
 
 TEST_F(LabUsers, OnlyWholeUsersAreAnswered) {
@@ -99,7 +85,7 @@ TEST_F(LabUsers, SidsAreAddedAndDeleted) {
 
 TEST_F(LabUsers, EveryUserCanGo) {
   for (unsigned user = 1101; user <= 1104; ++user) {
-    ASSERT_EQ(command(80, change(1, usual(user), {})), 0u) << user;
+    ASSERT_EQ(command(80, change(1, usualSid(user), {})), 0u) << user;
   }
   EXPECT_EQ(count(), (std::pair{0u, 0u}));
   ASSERT_EQ(read(0, 0), 0u);
