@@ -181,7 +181,7 @@ With an interval they go on until a signal ends them. What there is comes out at
   $ repeats 4 tarnioctl getflows -n -f $filter -t 100000
   ended with 143
   Counts retrieved from kernel:
-        Active: numRecords = 10, totalAttr = 15, attrLen = 708, len = 3218
+        Active: numRecords = 10, totalAttr = 21, attrLen = 816, len = 3326
         Inactive: numRecords = 10, totalAttr = 13, attrLen = 293, len = 2803
         Drop: numRecords = 0, totalAttr = 0, attrLen = 0, len = 0
   $ repeats 1 tarnioctl getconnections -f $filter -t 100000 | cut -c 1-31
