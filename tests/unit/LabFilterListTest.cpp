@@ -162,7 +162,7 @@ TEST_F(LabFilterList, AnswersOtherDirectRequestsAsNotSupportedAndUnknownOnesNotA
   EXPECT_EQ(model.request(Device::filterTables, 99, 0), ENOTTY);
 }
 
-TEST(LabHost, TheHostsMachinesCanBeMany) {
+TEST(LabHostSizes, TheHostsMachinesCanBeMany) {
   const Host host = Host::generated(1000);
   EXPECT_EQ(host.filterCount(), 1000u);
   EXPECT_EQ(host.name(999), "nic-1000999-eth0-kelpco-sfw.2");
