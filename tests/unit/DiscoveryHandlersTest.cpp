@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -39,12 +40,14 @@ class DiscoveryKernel : public DirectKernel {
   std::uint32_t v4 = 0;
   std::uint32_t v6 = 0;
   std::uint32_t features = 0;
+  std::optional<std::uint32_t> featuresBefore{};  // with the counts, when they were others
 
  private:
   std::uint32_t read(std::uint8_t* body) {
     const bool counts = body[100] == 4;
     Bytes fields(36);
-    put32(put32(put32(fields, 0, v4 + (counts ? 0 : grown)), 4, v6), 8, features);
+    put32(put32(put32(fields, 0, v4 + (counts ? 0 : grown)), 4, v6), 8,
+          counts ? featuresBefore.value_or(features) : features);
     put64(put64(put64(fields, 12, 11), 20, 22), 28, 33);
     if (!counts) {
       std::uint32_t room;
@@ -142,6 +145,7 @@ TEST(GetDiscoveredIps, ShowsStatisticsWithAndWithoutEntries) {
   }
   DiscoveryKernel kernel({entry(7, 1, 1, {10, 0, 0, 1})});
   kernel.features = 2;
+  kernel.featuresBefore = 1;
   EXPECT_EQ(runCommand({"getdiscoveredips", "-f", kFilter, "-s"}),
             (CommandResult{0,
                            rows[2].second + counters +

@@ -212,6 +212,9 @@ TEST(SetSkifferExportVersionAllFilters, SaysWhenThereIsNothingToDo) {
             (CommandResult{0, "there are no filters for agent \n", ""}));
   EXPECT_EQ(runCommand({"setexportversionall", "-e1", "-a", "nobody"}),
             (CommandResult{0, "there are no filters for agent nobody\n", ""}));
+  const std::string longest(99, 'a');
+  EXPECT_EQ(runCommand({"setexportversionall", "-e1", "-a", longest}),
+            (CommandResult{0, "there are no filters for agent " + longest + "\n", ""}));
   kernel.status = 5;
   EXPECT_EQ(runCommand({"setexportversionall", "-r"}),
             (CommandResult{1, "", "ERROR: ioctl failed to get filter count: 5\n"}));
@@ -219,7 +222,6 @@ TEST(SetSkifferExportVersionAllFilters, SaysWhenThereIsNothingToDo) {
   EXPECT_EQ(runCommand({"setexportversionall"}),
             (CommandResult{1, usage, "ERROR: Export version is not specified\n"}));
   EXPECT_EQ(runCommand({"setexportversionall", "-e", "x"}), (CommandResult{1, usage, ""}));
-  const std::string longest(99, 'a');
   EXPECT_EQ(runCommand({"setexportversionall", "-r", "-a", longest + "a"}),
             (CommandResult{1, "", "ERROR: invalid agent name " + longest + "a\n"}));
 }

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "DeviceShim.h"
@@ -173,6 +174,23 @@ TEST(GetFqdnEntries, ReportsEveryCallThatFails) {
   kernel.fail(71, 29, 2);
   EXPECT_EQ(runCommand({"getfqdnentries", "-f", kFilter}).err,
             std::string("ERROR: failed to fqdn entries: ") + FW_StatusToString(29) + "\n");
+}
+
+TEST(GetFqdnEntries, ReportsMissingMemory) {
+  const std::pair<unsigned int, const char*> rows[] = {
+      {70, "ERROR: GetFqdnEntries: no memory for getting fqdn records\n"},
+      {71, "ERROR: GetFqdnEntries: no memory for getting uuid\n"},
+  };
+  for (const auto& [command, line] : rows) {
+    FqdnKernel kernel(names());
+    const auto answer = kernel.answerTo(command);
+    kernel.on(command, [&](Body& body) {
+      DeviceShim::failNextCalloc();
+      return answer(body);
+    });
+    EXPECT_EQ(runCommand({"getfqdnentries", "-f", kFilter}),
+              (CommandResult{1, "Total fqdn entries: 4\nTotal number of uuid entries: 4\n", line}));
+  }
 }
 
 TEST(GetFqdnEntries, AnEntryThatIsTheOneBeforeEndsTheListing) {
