@@ -136,6 +136,16 @@ TEST(GetFlows, AFilterWithoutAnAgentHasTheDefaultOneBesideItsSelector) {
             Bytes(200).text(0, "kelpco-sfw").text(100, std::string(63, 'f')).at(199, {8}));
 }
 
+TEST(GetFlows, TheAgentHasMoreRoomThanInASelector) {
+  FlowKernel kernel;
+  const std::string agent(40, 'a');
+  const std::string name = "nic-1-eth0-" + agent + ".2";
+  runCommand({"getflows", "-f", name});
+  ASSERT_EQ(kernel.queries.size(), 1u);
+  EXPECT_EQ(Bytes(kernel.queries[0].begin(), kernel.queries[0].begin() + 200),
+            Bytes(200).text(0, agent).text(100, name).at(199, {7}));
+}
+
 TEST(GetFlows, ItsOptionsStandInBothRequests) {
   struct Row {
     std::vector<std::string> options;
@@ -307,6 +317,8 @@ TEST(GetFlows, CountsThatDoNotAgreeAreRefused) {
       {{~0u, 0, 0, 0}, {2, 0, 0, 251}, "1, totalLen = 251, attrLen = 0"},
       {{1, 0, 0, ~0u}, {0, 0, 0, 252}, "1, totalLen = 251, attrLen = 0"},
       {{1, 0, ~0u, 251}, {0, 0, 1, 0}, "1, totalLen = 251, attrLen = 0"},
+      // These agree with each other, and the length does not fit.
+      {{17111423, 0, 0, 4294967173}, {1, 0, 0, 251}, "17111424, totalLen = 128, attrLen = 0"},
       {{~0u, ~0u, ~0u, ~0u}, {}, "-1, totalLen = 4294967295, attrLen = 4294967295"},
   };
   for (const Row& row : rows) {
