@@ -60,7 +60,7 @@ class DiscoveryKernel : public DirectKernel {
     }
     std::memcpy(body + 101, fields.data(), fields.size());
     if (body[100] == 3 || counts) {
-      const Bytes limits = Bytes(12).at(0, {64, 0, 0, 0, 64, 0, 0, 0, 0x20, 0x1c});
+      const Bytes limits = Bytes(12).at(0, {64, 0, 0, 0, 65, 0, 0, 0, 0x20, 0x1c});
       std::memcpy(body + 149, limits.data(), limits.size());
     }
     return 0;
