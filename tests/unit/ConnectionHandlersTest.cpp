@@ -12,6 +12,7 @@
 #include "RunCommand.h"
 #include "TarnFWLog.h"
 #include "TimeZone.h"
+#include "tarnfw.h"
 
 namespace {
 
@@ -178,6 +179,22 @@ TEST(GetConnections, PrintsTimesWhenItIsVerbose) {
                                " Start: Tue, 14 Nov 2023 22:13:20 +0000, End: Tue, 14 "
                                "Nov 2023 22:14:20 +0000\n",
                            ""}));
+}
+
+TEST(GetConnections, SetsAndPrintsItsLevelBeforeItMissesAFilter) {
+  for (const auto& [word, words] : std::vector<std::pair<std::string, std::string>>{
+           {"getconnections", "Setting verbose level to : 3\n"},
+           {"getconncount", "Setting verbose level : 3"}}) {
+    const LogCapture log;
+    ConnectionKernel kernel(1);
+    const std::string usage = runCommand({word, "-h"}).out;
+    EXPECT_EQ(runCommand({word, "-v3"}),
+              (CommandResult{1, words + usage, "ERROR: filter is missing.\n"}));
+    unsigned int level = 0;
+    FW_GetLibVerboseLevel(18, &level);
+    EXPECT_EQ(level, 3u) << "that of the last component";
+    EXPECT_TRUE(kernel.asked().empty());
+  }
 }
 
 TEST(GetConnections, ACountThatLiesIsBoundedByThePage) {
