@@ -15,7 +15,12 @@ namespace TarnFirewall {
 enum FWFilterRequest : std::uint32_t {
   FW_REQUEST_FILTER_COUNT = 20,
   FW_REQUEST_FILTER_LIST = 21,
+  FW_REQUEST_ONE_FILTER = 40,
 };
+
+/// The request with a `FWAddRemoveFilter_`. Its number lies outside those that kernels have given
+/// out: one that does not know the request refuses it.
+inline constexpr std::uint32_t FW_REQUEST_ADD_REMOVE_FILTER = 1000;
 
 /// Body of the filter requests.
 struct FWFilterList_ {

@@ -18,10 +18,10 @@
 /// Two threads may use one handle, as far as its channel allows it. Where a function is not for
 /// that, it says so.
 ///
-/// This header, TarnFWConnectionRecord.h, TarnFWFlowRecords.h, TarnFWIdentityRecords.h,
-/// TarnFWRecords.h, TarnFWRuleRecord.h, TarnFWSettingsRecords.h, TarnFWTypes.h and TarnFWWire.h are
-/// what is installed. What stands between the two visibility lines is what the shared library
-/// exports.
+/// This header, TarnFWConnectionRecord.h, TarnFWFilterRecords.h, TarnFWFlowRecords.h,
+/// TarnFWIdentityRecords.h, TarnFWRecords.h, TarnFWRuleRecord.h, TarnFWSettingsRecords.h,
+/// TarnFWTypes.h and TarnFWWire.h are what is installed. What stands between the two visibility
+/// lines is what the shared library exports.
 
 #if __cplusplus < 202002L
 // A file that is not there is the one error after which a compiler stops; after #error it would go
@@ -32,6 +32,7 @@
 #include <stdio.h>
 
 #include "TarnFWConnectionRecord.h"
+#include "TarnFWFilterRecords.h"
 #include "TarnFWFlowRecords.h"
 #include "TarnFWIdentityRecords.h"
 #include "TarnFWRecords.h"
@@ -60,6 +61,7 @@ using TarnFirewall::FWDlbRule_;
 using TarnFirewall::fwdomain2ip_;
 using TarnFirewall::FWDPIInfo_;
 using TarnFirewall::FWFailPolicy_t;
+using TarnFirewall::FWFilterConfiguration_;
 using TarnFirewall::FWFloodCfg_;
 using TarnFirewall::FWFloodRow_;
 using TarnFirewall::FWFloodStat_;
@@ -164,6 +166,11 @@ int SI_Ioctl(int request, void* argument);
 
 /// Descriptor of the filter table device, -1 when it could not be opened.
 int WGT_GetFd();
+
+/// Makes a filter on a virtual NIC, or removes it for an `add` of 0, by a request of its own. 3 for
+/// a null configuration or NIC, 19 for a kernel that does not have the request.
+FWStatus_t FW_AddRemoveFilter(const FWFilterConfiguration_* configuration, unsigned int worldId,
+                              unsigned int filterIndex, const char* vnic, unsigned int add);
 
 // --- Logging, components and printing
 //
