@@ -10,6 +10,10 @@
 #include "TarnFWDirectRequest.h"
 #include "tarnfw.h"
 
+/// What the status of a frame says before the call, for a request whose status decides: a kernel
+/// that does not answer leaves it there.
+inline constexpr std::uint32_t kNotAnswered = 0xbad0001;
+
 inline constexpr TarnFirewall::FirewallDevice kFirewall(FW_Ioctl);
 inline constexpr TarnFirewall::TableDevice kTables(WGT_Ioctl);
 inline constexpr TarnFirewall::InsertionDevice kInsertion(SI_Ioctl);

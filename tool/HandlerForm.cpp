@@ -5,6 +5,8 @@
 #include <cstdio>
 #include <cstring>
 
+#include "TarnFWUtilNumber.h"
+
 OwnOption::OwnOption(char which, bool* flag)
     : OwnOption(which, [flag](const char*, const Target&) {
         *flag = true;
@@ -21,6 +23,15 @@ OwnOption::OwnOption(char which, const char** text, std::size_t most, const char
     : OwnOption(which, [=](const char* value, const Target&) {
         if (std::strlen(value) > most) return printWith(stderr, tooLong, value), 1;
         *text = value;
+        return kGoOn;
+      }) {}
+
+OwnOption::OwnOption(char which, std::optional<std::uint32_t>* number)
+    : OwnOption(which, [number](const char* value, const Target&) {
+        constexpr unsigned long kLimit = 1ul << 32;
+        long parsed = 0;
+        if (!TarnFirewall::str2Limited(value, 10, kLimit, &parsed)) return kNotTaken;
+        *number = static_cast<std::uint32_t>(parsed);
         return kGoOn;
       }) {}
 

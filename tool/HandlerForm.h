@@ -36,6 +36,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <initializer_list>
 #include <optional>
 
@@ -83,6 +84,9 @@ struct OwnOption {
   /// The same for a text of at most `most` characters. A longer one ends the handler with
   /// `tooLong`, which has the text in the place of its one "%s", and status 1.
   OwnOption(char which, const char** text, std::size_t most, const char* tooLong);
+
+  /// Keeps a decimal number of 32 bits. The usage text is shown for anything else.
+  OwnOption(char which, std::optional<std::uint32_t>* number);
 
   /// Keeps a choice: 0 or 1. Another value ends the handler with `bad`, which has the text in the
   /// place of its "%s", the usage text and status 1.

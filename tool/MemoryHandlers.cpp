@@ -13,9 +13,6 @@ namespace {
 
 constexpr char kUsage[] = "Get current memory usage data of datapath.\n\n" USAGE_OPTIONS USAGE_HELP;
 
-/// What the frame's status says until the kernel writes its own.
-constexpr std::uint32_t kNotAnswered = 0xbad0001;
-
 /// The kernel's counters wrap around, and so do sums and products of them.
 long counter(std::uint64_t value) { return static_cast<long>(value); }
 long megabytes(std::uint64_t bytes) { return counter(bytes >> 20); }

@@ -32,18 +32,13 @@ int showFirewall(bool enabled) {
   return 0;
 }
 
-/// Whether a table has an entry of that type. What the kernel cut off in a head or a value ends the
-/// table.
-bool hasEntry(std::span<const std::byte> table, WGTEntryType type) {
-  while (table.size() >= sizeof(WGTEntryHead_)) {
-    const auto head = loadRecord<WGTEntryHead_>(table.data());
-    const std::size_t length = head.length;
-    table = table.subspan(sizeof head);
-    if (length > table.size()) return false;
-    if (head.type == type) return true;
-    table = table.subspan(length);
-  }
-  return false;
+bool hasEntry(std::span<const std::byte> table, WGTEntryType wanted) {
+  bool found = false;
+  visitEntries(table, [&](std::uint8_t type, std::span<const std::byte>) {
+    found = type == wanted;
+    return !found;
+  });
+  return found;
 }
 
 // --- Thresholds

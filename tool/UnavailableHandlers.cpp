@@ -15,19 +15,6 @@ int unavailable(const char* cmd) {
 #define UNAVAILABLE(handler) \
   int handler(const char* cmd, int, char**) { return unavailable(cmd); }
 
-// lifecycle of filters and agents, filter tables
-UNAVAILABLE(AddFilter)
-UNAVAILABLE(ClearAllFilters)
-UNAVAILABLE(ClearWeirgateTbl)
-UNAVAILABLE(CreateAgent)
-UNAVAILABLE(DelRules)
-UNAVAILABLE(DeleteFilter)
-UNAVAILABLE(DestroyAgent)
-UNAVAILABLE(GetFilterTables)
-UNAVAILABLE(RevalidateVM)
-UNAVAILABLE(SetFilterTables)
-UNAVAILABLE(SetRegisterAgent)
-
 // flow exclusion
 UNAVAILABLE(GetFlowExclusion)
 UNAVAILABLE(SetFlowExclusion)

@@ -2,12 +2,6 @@ Commands that this build does not have say so, whatever their options; one of ea
 
   $ . "$TESTDIR/setup"
 
-Lifecycle of filters and agents, filter tables.
-
-  $ run tarnioctl addfilter -Override -h
-  err| ERROR: command addfilter is not available in this build.
-  [1]
-
 Flow exclusion.
 
   $ run tarnioctl getflowexclusion -h

@@ -18,6 +18,7 @@ namespace {
 #define OTHER_FILTER "nic-1002731-eth0-kelpco-sfw.2"
 #define FILTER_WITHOUT_FLOWS "nic-1003120-eth0-kelpco-sfw.2"
 #define GUARDED_FILTER "nic-998214-eth0-kelpco-spoof.guard.1"
+#define VM_UUID "50 2e 1f 3a c2 1a 63 2a-4a e1 00 50 56 99 b6 26"
 
 // Statements. Each text can be evaluated again and again.
 #define CONNECTIONS                                                                             \
@@ -262,6 +263,32 @@ const Row kRows[] = {
      {"getsidcache", "-f", FILTER},
      {"255 part", "1 ERROR: Failed to get uid to sid map size for filter : " FILTER,
       "1 ERROR: Failed to get uid to sid map for filter : " FILTER}},
+    // The agent is none of this lab, so that nothing changes for the rows after these.
+    {"Addfilter",
+     {"addfilter", "-Override", "-w", "1", "-u", VM_UUID, "-v", "0", "-f", "1", "-a", "none"},
+     {"1 ERROR: no memory for filter config",
+      "1 ERROR: Create filter failed: error out of memory"}},
+    {"Deletefilter",
+     {"deletefilter", "-Override", "-w", "1", "-u", VM_UUID, "-v", "0", "-f", "1", "-a", "none"},
+     {"1 ERROR: no memory for filter config",
+      "1 ERROR: Delete filter failed: error out of memory"}},
+    {"Createagent", {"createagent", "-Override", "-a", "kelpco-sfw"}, {"0 whole"}},
+    {"Destroyagent", {"destroyagent", "-Override", "-a", "none"}, {"0 whole"}},
+    {"Registeragent", {"registeragent"}, {"0 ERROR: ioctl failed to set registeragent 195887105"}},
+    {"Deleterules",
+     {"deleterules", "-Override", "-f", OTHER_FILTER, "-r", "none"},
+     {"255 whole", "1 ERROR: failed to delete all rules of ruleset none on filter " OTHER_FILTER
+                   ": out of memory"}},
+    {"Getfiltertables",
+     {"getfiltertables", "-a", "kelpco-inspect"},
+     {"0 part", "1 ERROR: no memory for exclude table of size 33",
+      "1 ERROR: no memory for include table of size 84"}},
+    {"Setfiltertables",
+     {"setfiltertables", "-Override", "-a", "none", "-o"},
+     {"0 whole", "1 ERROR: Failed to revalidate vm(s) after set weirgate table"}},
+    {"Clrwgttable", {"clrwgttable", "-Override", "-a", "none"}, {"1 part"}},
+    {"Clearallfilters", {"clearallfilters", "-Override", "-a", "none"}, {"0 whole", "1 part"}},
+    {"Revalidatevm", {"revalidatevm", "-Override"}, {"1 whole"}},
     {"Getmeminfo", {"getmeminfo"}, {"0 ERROR: ioctl failed to get meminfo 195887105"}},
     {"Uuid2number", {"uuid2number", "01234567-89ab-cdef-0123-456789abcdef"}, {}},
     {"Number2uuid", {"number2uuid", "81985529216486895,81985529216486895"}, {}},

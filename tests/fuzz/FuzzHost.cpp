@@ -1,6 +1,8 @@
 #include "FuzzHost.h"
 
+#include <dlfcn.h>
 #include <fcntl.h>
+#include <stdio_ext.h>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -11,6 +13,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <numeric>
 #include <utility>
 
 #include "FlowQuery.h"
@@ -65,13 +68,15 @@ Record* at(std::uint64_t address) {
 std::string g_out;
 std::string g_err;
 
-/// Never closed: the library keeps the stream of its printer.
+/// Never closed: the library keeps the stream of its printer. More than is kept can't be written to
+/// standard error, so that a line which a command repeats for ever ends.
 std::FILE* sinkOf(std::string& text) {
   cookie_io_functions_t functions{};
   functions.write = [](void* cookie, const char* bytes, std::size_t size) {
     auto& kept = *static_cast<std::string*>(cookie);
-    kept.append(bytes, std::min(size, FuzzHost::kMaxText - kept.size()));
-    return static_cast<ssize_t>(size);
+    const std::size_t fits = std::min(size, FuzzHost::kMaxText - kept.size());
+    kept.append(bytes, fits);
+    return static_cast<ssize_t>(&kept == &g_err ? fits : size);
   };
   std::FILE* const sink = fopencookie(&text, "w", functions);
   require(sink != nullptr);
@@ -197,7 +202,7 @@ int FuzzHost::filterList(unsigned long request, void* block) {
   require(frame.bodyLength == sizeof(FWFilterList_));
   auto list = loadRecord<FWFilterList_>(at<void>(frame.body));
   std::span<std::uint8_t> buffer;
-  if (request == FW_REQUEST_FILTER_LIST)
+  if (request != FW_REQUEST_FILTER_COUNT)
     buffer = {at<std::uint8_t>(list.buffer), std::size_t{list.bufferLength}};
   list.count = static_cast<std::uint32_t>(number(4));
   list.bufferLength = static_cast<std::uint32_t>(number(4));
@@ -248,11 +253,16 @@ int FuzzHost::flows(void* block) {
 }
 
 int FuzzHost::table(unsigned long request, void* block) {
+  constexpr std::size_t kRevalidation = 20;
   std::optional<std::uint32_t> status;
-  if (request == WGT_REQUEST_INCLUDE_SIZE)
-    return reply({static_cast<std::uint8_t*>(block), sizeof(WGTSizeFrame)}, &status);
+  auto* const bytes = static_cast<std::uint8_t*>(block);
+  if (request == WGT_REQUEST_INCLUDE_SIZE || request == WGT_REQUEST_EXCLUDE_SIZE)
+    return reply({bytes, sizeof(WGTSizeFrame)}, &status);
+  if (request == WGT_REQUEST_REVALIDATE) return reply({bytes, kRevalidation}, &status);
   auto frame = loadRecord<WGTEntryFrame>(block);
   const std::span<std::uint8_t> entries{at<std::uint8_t>(frame.entries), std::size_t{frame.size}};
+  // The kernel reads all that it is given.
+  [[maybe_unused]] const volatile auto sum = std::accumulate(entries.begin(), entries.end(), 0u);
   frame.size = static_cast<std::uint32_t>(number(4));
   const int result = reply(entries, &status);
   storeRecord(block, frame);
@@ -336,6 +346,7 @@ struct FuzzHostCalls {
         return g_host->message(argument);
       case FW_REQUEST_FILTER_COUNT:
       case FW_REQUEST_FILTER_LIST:
+      case FW_REQUEST_ONE_FILTER:
         return g_host->filterList(request, argument);
       case kDiscoveredIps:
         return g_host->discovered(argument);
@@ -348,6 +359,8 @@ struct FuzzHostCalls {
     std::optional<std::uint32_t> status;
     return g_host->reply({static_cast<std::uint8_t*>(argument), kFrameSize}, &status);
   }
+
+  static int start(const int* descriptors, int* pid);
 
   static ssize_t send(std::size_t size) {
     if (!g_host->answers()) return -1;
@@ -405,6 +418,19 @@ ssize_t __real_write(int descriptor, const void* bytes, std::size_t size);
 ssize_t __wrap_write(int descriptor, const void* bytes, std::size_t size);
 ssize_t __wrap_write(int descriptor, const void* bytes, std::size_t size) {
   return isHostile(descriptor) ? FuzzHostCalls::send(size) : __real_write(descriptor, bytes, size);
+}
+
+/// Starts a program: what it writes is in its standard output at once, and it has ended.
+static int startProgram(const char*, char* const*, int, int, const int* descriptors, int, int, int,
+                        int, int* pid) {
+  return g_host != nullptr ? FuzzHostCalls::start(descriptors, pid) : ENOSYS;
+}
+
+void* __real_dlsym(void* library, const char* name);
+void* __wrap_dlsym(void* library, const char* name);
+void* __wrap_dlsym(void* library, const char* name) {
+  if (std::strcmp(name, "RudderCompat_ForkExec") == 0) return reinterpret_cast<void*>(startProgram);
+  return __real_dlsym(library, name);
 }
 
 int __real_fcntl(int descriptor, int command, ...);
@@ -525,6 +551,15 @@ void __wrap_exit(int status) {
 
 }  // extern "C"
 
+int FuzzHostCalls::start(const int* descriptors, int* pid) {
+  if (const int result = outcome(); result != 0) return result;
+  *pid = 0;  // nobody to wait for
+  const auto text = g_host->take(g_host->number(2));
+  const ssize_t written = __real_write(descriptors[1], text.data(), text.size());
+  require(written == static_cast<ssize_t>(text.size()));
+  return 0;
+}
+
 // --- Its life
 
 FuzzHost::FuzzHost(std::span<const std::uint8_t> bytes, Kind kind)
@@ -536,6 +571,8 @@ FuzzHost::FuzzHost(std::span<const std::uint8_t> bytes, Kind kind)
   require(g_host == nullptr);
   g_out.clear();
   g_err.clear();
+  __fpurge(errSink());
+  std::clearerr(errSink());
   input_ = FuzzHostCalls::stream(*this);
   stdin = input_;
   stdout = outSink();

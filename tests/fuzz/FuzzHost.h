@@ -28,6 +28,9 @@
 ///     discovered addresses    the same, then parts of the buffer when there is one
 ///     size of a table         parts, as above, of the frame
 ///     entries of a table      32 bits length, then parts, as above, of the buffer
+///     revalidation            parts, as above, of its record
+///     start of a program      a byte: what the call gives, 0 for success; then 16 bits length and
+///                             what the program writes
 ///     file, standard input    16 bits length and the content
 ///     connect                 a byte: errno, 0 for success
 ///     send                    a byte: 0 takes all, 255 is busy, else the most that is taken

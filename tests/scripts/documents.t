@@ -13,7 +13,7 @@ Links from one file to another.
   > done
   $ links README.md | head -2
   docs/commands.md
-  docs/language.md
+  docs/filters.md
 
 Files and folders in backquotes; what is built, and what stands for several, is not looked for.
 

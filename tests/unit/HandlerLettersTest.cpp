@@ -1,5 +1,6 @@
-// The option letters of the commands on features, settings, discovery, identity and memory: which
-// there are, and which of them take a value. Every other letter is refused.
+// The option letters of the commands on features, settings, discovery, identity and memory, and on
+// filters, agents and tables: which there are, and which of them take a value. Every other letter
+// is refused.
 
 #include <gtest/gtest.h>
 
@@ -53,6 +54,16 @@ const Letters kLetters[] = {
     {"getfqdnentries", "hf:d::v::"},
     {"getsidcache", "hv::f:"},
     {"getmeminfo", "h"},
+    {"addfilter", "hw:u:v:f:a:o:0:1:2:3:4:5:6:7:8:9:A:B:C:D:E:F:"},
+    {"deletefilter", "hw:u:v:f:a:o:0:1:2:3:4:5:6:7:8:9:A:B:C:D:E:F:"},
+    {"clearallfilters", "hea:do"},
+    {"getfiltertables", "ha:n"},
+    {"setfiltertables", "hf:a:edon:s:w:k"},
+    {"clrwgttable", "hv:a:ie"},
+    {"revalidatevm", "hw:u:"},
+    {"createagent", "ha:"},
+    {"destroyagent", "ha:"},
+    {"deleterules", "hv::m:f:r:"},
 };
 
 class HandlerLetters : public testing::TestWithParam<Letters> {
