@@ -305,6 +305,12 @@ int waitFor(pid_t child) {
   return status;
 }
 
+/// Whether a call that starts a program has found none. It may say so by the status of its child,
+/// as it does under valgrind, whose children share no memory with their parent.
+bool foundNone(int error, pid_t child) {
+  return error == ENOENT || (error == 0 && WEXITSTATUS(waitFor(child)) == 127);
+}
+
 using Spawn = decltype(&::posix_spawn);
 
 std::string spawned(Spawn spawn, char* const* environment) {
@@ -370,7 +376,8 @@ TEST(LabPreload, OtherProgramsAreStartedAsTheyAre) {
   }
   EXPECT_EQ(WEXITSTATUS(waitFor(child)), 7);
   char missing[] = "/bin/tarn_vm_list";
-  EXPECT_EQ(::posix_spawn(&child, missing, nullptr, nullptr, arguments, environ), ENOENT);
+  const int error = ::posix_spawn(&child, missing, nullptr, nullptr, arguments, environ);
+  EXPECT_TRUE(foundNone(error, child)) << error;
   EXPECT_EQ(::execv(missing, arguments), -1);
   EXPECT_EQ(errno, ENOENT);
 }
@@ -438,7 +445,9 @@ TEST(LabPreload, TheHostsSpawnCallRefusesWhatItDoesNotHave) {
   char* const arguments[] = {name, nullptr};
   int child = -5;
   ForkExec* const call = hostsCall();
-  EXPECT_EQ(call(missing, arguments, 0, -1, streams, 3, -1, -1, 0, &child), ENOENT);
+  const int error = call(missing, arguments, 0, -1, streams, 3, -1, -1, 0, &child);
+  EXPECT_TRUE(foundNone(error, child)) << error;
+  child = -5;
   EXPECT_EQ(call(nullptr, arguments, 0, -1, streams, 3, -1, -1, 0, &child), EINVAL);
   EXPECT_EQ(call(name, nullptr, 0, -1, streams, 3, -1, -1, 0, &child), EINVAL);
   EXPECT_EQ(call(name, arguments, 0, -1, nullptr, 3, -1, -1, 0, &child), EINVAL);
