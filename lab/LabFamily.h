@@ -37,6 +37,7 @@ struct Family {
   FAMILY(filterSettingsFamily)      \
   FAMILY(filterTableFamily)         \
   FAMILY(floodFamily)               \
+  FAMILY(flowExclusionFamily)       \
   FAMILY(flowFamily)                \
   FAMILY(kifFamily)                 \
   FAMILY(memoryFamily)              \

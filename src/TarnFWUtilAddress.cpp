@@ -7,6 +7,7 @@
 
 #include "TarnFWAddressConvert.h"
 #include "TarnFWUtilNumber.h"
+#include "TarnFWUtilText.h"
 #include "TarnFWWire.h"
 
 namespace {
@@ -18,6 +19,49 @@ constexpr bool isSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
 std::uint64_t host64At(const in6_addr& address, std::size_t offset) {
   return loadRecord<net64>(address.s6_addr + offset);
+}
+
+/// Six pairs of digits with this separator between them; what follows them, null for anything else.
+const char* readMac(const char* text, char separator, std::uint8_t* mac) {
+  for (std::size_t i = 0; i < 6; ++i) {
+    if (i != 0 && *text++ != separator) return nullptr;
+    const int value = hexPair(text);
+    if (value < 0) return nullptr;
+    mac[i] = static_cast<std::uint8_t>(value);
+    text += 2;
+  }
+  return text;
+}
+
+/// An address as it is printed, with or without a mask. A scan takes more (fewer and more digits,
+/// further blanks), but reads such a text alike, and takes ten times as long.
+bool readExactMac(const char* text, std::uint8_t* address, std::uint8_t* mask) {
+  const char separator = text[0] != '\0' && text[1] != '\0' ? text[2] : '\0';
+  if (separator != ':' && separator != '-') return false;
+  const char* const rest = readMac(text, separator, address);
+  if (rest == nullptr) return false;
+  if (*rest == '\0') {
+    std::memset(mask, 0xff, 6);
+    return true;
+  }
+  const char* const end = *rest == '/' ? readMac(rest + 1, separator, mask) : nullptr;
+  return end != nullptr && *end == '\0';
+}
+
+bool scanMac(const char* text, std::uint8_t* a, std::uint8_t* m) {
+  if (std::strchr(text, '/') != nullptr) {
+    return std::sscanf(text, "%hhx:%hhx:%hhx:%hhx:%hhx:%hhx/%hhx:%hhx:%hhx:%hhx:%hhx:%hhx", &a[0],
+                       &a[1], &a[2], &a[3], &a[4], &a[5], &m[0], &m[1], &m[2], &m[3], &m[4],
+                       &m[5]) == 12 ||
+           std::sscanf(text, "%hhx-%hhx-%hhx-%hhx-%hhx-%hhx/%hhx-%hhx-%hhx-%hhx-%hhx-%hhx", &a[0],
+                       &a[1], &a[2], &a[3], &a[4], &a[5], &m[0], &m[1], &m[2], &m[3], &m[4],
+                       &m[5]) == 12;
+  }
+  std::memset(m, 0xff, 6);
+  return std::sscanf(text, "%hhx:%hhx:%hhx:%hhx:%hhx:%hhx", &a[0], &a[1], &a[2], &a[3], &a[4],
+                     &a[5]) == 6 ||
+         std::sscanf(text, "%hhx-%hhx-%hhx-%hhx-%hhx-%hhx", &a[0], &a[1], &a[2], &a[3], &a[4],
+                     &a[5]) == 6;
 }
 
 /// What the two families do differently in `parseIP`.
@@ -76,22 +120,28 @@ bool parseIP(const char* text, typename Family::Address* address,
   return true;
 }
 
+/// Value of a decimal digit, more than 9 for another character.
+constexpr unsigned int digitOf(char c) { return static_cast<unsigned char>(c) - unsigned{'0'}; }
+
 /// Reads a dotted quad up to white space or the end: 1 when it is one, else 0 with nothing written.
 /// It takes what the C library's `inet_pton` takes, which a test compares; addresses of large
 /// configurations are read here.
 int readQuad(const char* at, const char* end, std::uint8_t* address) {
   std::uint8_t octets[4];
-  for (unsigned int i = 0; i < 4; ++i) {
-    if (i != 0 && (at == end || *at++ != '.')) return 0;
-    const char* const first = at;
-    unsigned int value = 0;
-    while (at != end && *at >= '0' && *at <= '9') {
-      value = value * 10 + static_cast<unsigned int>(*at - '0');
-      if (value > 255 || at - first == 3) return 0;
-      ++at;
+  for (std::uint8_t& octet : octets) {
+    if (&octet != octets && (at == end || *at++ != '.')) return 0;
+    if (at == end) return 0;
+    unsigned int value = digitOf(*at++);
+    if (value > 9) return 0;
+    if (value != 0) {
+      for (unsigned int digit; at != end && (digit = digitOf(*at)) <= 9; ++at) {
+        value = value * 10 + digit;
+        if (value > 255) return 0;
+      }
+    } else if (at != end && digitOf(*at) <= 9) {
+      return 0;
     }
-    if (at == first || (*first == '0' && at - first > 1)) return 0;
-    octets[i] = static_cast<std::uint8_t>(value);
+    octet = static_cast<std::uint8_t>(value);
   }
   if (at != end && !isSpace(*at)) return 0;
   std::memcpy(address, octets, sizeof octets);
@@ -102,26 +152,7 @@ int readQuad(const char* at, const char* end, std::uint8_t* address) {
 
 bool ParseMACString(const char* text, std::uint8_t* address, std::uint8_t* mask) {
   if (text == nullptr || address == nullptr || mask == nullptr) return false;
-  std::uint8_t* const a = address;
-  std::uint8_t* const m = mask;
-  if (std::strchr(text, '/') != nullptr) {
-    if (std::sscanf(text, "%hhx:%hhx:%hhx:%hhx:%hhx:%hhx/%hhx:%hhx:%hhx:%hhx:%hhx:%hhx", &a[0],
-                    &a[1], &a[2], &a[3], &a[4], &a[5], &m[0], &m[1], &m[2], &m[3], &m[4],
-                    &m[5]) != 12 &&
-        std::sscanf(text, "%hhx-%hhx-%hhx-%hhx-%hhx-%hhx/%hhx-%hhx-%hhx-%hhx-%hhx-%hhx", &a[0],
-                    &a[1], &a[2], &a[3], &a[4], &a[5], &m[0], &m[1], &m[2], &m[3], &m[4],
-                    &m[5]) != 12) {
-      return false;
-    }
-  } else {
-    if (std::sscanf(text, "%hhx:%hhx:%hhx:%hhx:%hhx:%hhx", &a[0], &a[1], &a[2], &a[3], &a[4],
-                    &a[5]) != 6 &&
-        std::sscanf(text, "%hhx-%hhx-%hhx-%hhx-%hhx-%hhx", &a[0], &a[1], &a[2], &a[3], &a[4],
-                    &a[5]) != 6) {
-      return false;
-    }
-    std::memset(mask, 0xff, 6);
-  }
+  if (!readExactMac(text, address, mask) && !scanMac(text, address, mask)) return false;
   for (std::size_t i = 0; i < 6; ++i) address[i] &= mask[i];
   return true;
 }

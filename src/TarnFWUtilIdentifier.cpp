@@ -56,7 +56,33 @@ bool fits(int length, std::size_t size) {
   "%2hhx%2hhx%2hhx%2hhx-%2hhx%2hhx-%2hhx%2hhx" \
   "-%2hhx%2hhx-%2hhx%2hhx%2hhx%2hhx%2hhx%2hhx"
 
+using TarnFirewall::hexPair;
+
 constexpr int kUuidFields = 16;
+
+/// Reads a form that is written as it is printed, with two digits for each byte; what the text has
+/// after it, null for a text that is not written so. A scan takes more (no leading zeros, further
+/// blanks), but reads such a text alike, and takes ten times as long.
+const char* readExact(std::uint8_t* uuid, std::string_view separators, const char* text) {
+  for (std::size_t i = 0; i < kUuidSize; ++i) {
+    if (separators[i] != '\0' && *text++ != separators[i]) return nullptr;
+    const int value = hexPair(text);
+    if (value < 0) return nullptr;
+    uuid[i] = static_cast<std::uint8_t>(value);
+    text += 2;
+  }
+  return text;
+}
+
+/// Up to three digits, as "%3d" reads them.
+bool readIndex(int* index, const char* text) {
+  if (*text < '0' || *text > '9') return std::sscanf(text, "%3d", index) == 1;
+  int value = 0;
+  for (const char* const end = text + 3; text != end && *text >= '0' && *text <= '9'; ++text)
+    value = 10 * value + (*text - '0');
+  *index = value;
+  return true;
+}
 
 }  // namespace
 
@@ -77,16 +103,25 @@ bool uuid2vnicstr(const std::uint8_t* uuid, int index, char* buffer, std::size_t
 
 bool gfystr2uuid(std::uint8_t* uuid, const char* text) {
   if (uuid == nullptr || text == nullptr) return false;
+  if (readExact(uuid, kGfy, text) != nullptr) return true;
   return std::sscanf(text, GFY_SCAN, UUID_FIELDS(uuid)) == kUuidFields;
 }
 
 bool normalstr2uuid(std::uint8_t* uuid, const char* text) {
   if (uuid == nullptr || text == nullptr) return false;
+  if (readExact(uuid, kNormal, text) != nullptr) return true;
   return std::sscanf(text, NORMAL_SCAN, UUID_FIELDS(uuid)) == kUuidFields;
 }
 
 bool vnicstr2uuid(std::uint8_t* uuid, int* index, const char* text) {
   if (uuid == nullptr || index == nullptr || text == nullptr) return false;
+  // A text that is exactly one form is none of the others.
+  if (const char* const rest = readExact(uuid, kNormal, text)) {
+    return *rest == '.' && readIndex(index, rest + 1);
+  }
+  if (const char* const rest = readExact(uuid, kGfy, text)) {
+    return (*rest == ':' || *rest == '.') && readIndex(index, rest + 1);
+  }
   constexpr int fields = kUuidFields + 1;
   return std::sscanf(text, NORMAL_SCAN ".%3d", UUID_FIELDS(uuid), index) == fields ||
          std::sscanf(text, GFY_SCAN ":%3d", UUID_FIELDS(uuid), index) == fields ||

@@ -6,6 +6,11 @@
 #include <netdb.h>
 #include <strings.h>
 
+#include <functional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
 #include "TarnFWLog.h"
 #include "TarnFWUtilNumber.h"
 #include "TarnFWUtilText.h"
@@ -14,7 +19,7 @@ using namespace TarnFirewall;
 
 namespace {
 
-constexpr const char* kSeparators = ", \t";
+constexpr Separators kSeparators(", \t");
 
 /// Reads up to `maximum` words, each with `read(word, value)`. False when one was refused; `*count`
 /// is left alone then.
@@ -31,6 +36,42 @@ bool readWords(TextWords& words, Value* values, unsigned int maximum, unsigned i
   *count = found;
   return true;
 }
+
+/// The IP protocols of the host by name. A list of definitions has a thousand of them, and
+/// `getprotobyname` reads the file from its start at every call, so it is read once. Of two lines
+/// with one name the first counts, as it does there.
+class Protocols {
+ public:
+  Protocols() {
+    setprotoent(0);
+    while (const protoent* const entry = getprotoent()) {
+      add(entry->p_name, entry->p_proto);
+      for (char** alias = entry->p_aliases; *alias != nullptr; ++alias) add(*alias, entry->p_proto);
+    }
+    endprotoent();
+  }
+
+  /// Null for a name that the host does not have.
+  const int* find(std::string_view name) const {
+    const auto place = numbers_.find(name);
+    return place != numbers_.end() ? &place->second : nullptr;
+  }
+
+ private:
+  /// Names are short, and there are few.
+  struct Hash {
+    using is_transparent = void;
+    std::size_t operator()(std::string_view name) const {
+      std::size_t hash = 0;
+      for (const char c : name) hash = 31 * hash + static_cast<unsigned char>(c);
+      return hash;
+    }
+  };
+
+  void add(const char* name, int number) { numbers_.try_emplace(name, number); }
+
+  std::unordered_map<std::string, int, Hash, std::equal_to<>> numbers_;
+};
 
 }  // namespace
 
@@ -78,10 +119,11 @@ bool ParseProtocolString(const char* text, std::uint8_t* protocols, unsigned int
     TARNFW_WARNING("invalid protocol: %s\n", text);
     return false;
   }
+  static const Protocols known;
   return readWords(words, protocols, maximum, count, [](const char* word, std::uint8_t* protocol) {
     long number = 0;
-    if (const protoent* const entry = getprotobyname(word)) {
-      number = entry->p_proto;
+    if (const int* const named = known.find(word)) {
+      number = *named;
     } else if (!str2Limited(word, 10, 256, &number)) {
       return false;
     }

@@ -14,6 +14,7 @@ bool ParseCompString(const char* text, unsigned int* component, const char* cons
 bool ParseEtherTypeString(const char* text, std::uint16_t* types, unsigned int maximum,
                           unsigned int* count);
 
-/// Up to `maximum` IP protocols, by the host's names or by number.
+/// Up to `maximum` IP protocols, by the host's names or by number. The names are those of the first
+/// call in a process; `std::bad_alloc` when there is no memory for them.
 bool ParseProtocolString(const char* text, std::uint8_t* protocols, unsigned int maximum,
                          unsigned int* count);

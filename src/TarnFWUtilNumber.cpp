@@ -5,8 +5,27 @@
 
 using namespace TarnFirewall;
 
+namespace {
+
+/// Reads a number of up to nine decimal digits and nothing else, which is what most numbers are;
+/// -1 for any other text. `strtol` reads it alike, for twenty times as much.
+long plainDecimal(const char* text, int base) {
+  if (base != 10 && (base != 0 || *text == '0')) return -1;
+  long value = 0;
+  const char* at = text;
+  for (; *at >= '0' && *at <= '9' && at - text < 9; ++at) value = 10 * value + (*at - '0');
+  return at != text && *at == '\0' ? value : -1;
+}
+
+}  // namespace
+
 bool Str2Long(const char* text, int base, long* value) {
   if (text == nullptr || value == nullptr) return false;
+  if (const long plain = plainDecimal(text, base); plain >= 0) {
+    errno = 0;
+    *value = plain;
+    return true;
+  }
   char* end = const_cast<char*>(text);
   errno = 0;
   *value = std::strtol(text, &end, base);

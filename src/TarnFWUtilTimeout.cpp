@@ -31,7 +31,7 @@ unsigned int TimeoutName2ID(const char* name) {
 
 bool ParseTimeoutList(const char* text, std::uint32_t* values, unsigned int count) {
   if (text == nullptr || values == nullptr) return false;
-  TextWords words(text, " \t,:");
+  TextWords words(text, Separators(" \t,:"));
   // The empty line after each of these lines is part of what readers of the log match.
   if (!words) {
     TARNFW_WARNING("out of memory\n\n");

@@ -7,6 +7,7 @@
 #include <array>
 #include <cstdio>
 #include <cstring>
+#include <optional>
 #include <string>
 #include <unordered_map>
 
@@ -56,12 +57,26 @@ const char* PortStr(const char* protocolName, std::uint16_t port, std::span<char
   return buffer.data();
 }
 
+const char* hostProtocolName(std::uint8_t number) {
+  struct Known {
+    bool asked = false;
+    std::optional<std::string> name;
+  };
+  static std::array<Known, 256> names;
+  Known& known = names[number];
+  if (!known.asked) {
+    if (const protoent* const entry = getprotobynumber(number)) known.name = entry->p_name;
+    known.asked = true;
+  }
+  return known.name ? known.name->c_str() : nullptr;
+}
+
 const char* protocolName(std::uint8_t number) {
   static std::array<char[kProtocolName + 1], 256> names{};
   char(&name)[kProtocolName + 1] = names[number];
   if (name[0] == '\0') {
-    if (const protoent* const entry = getprotobynumber(number)) {
-      std::snprintf(name, sizeof name, "%s", entry->p_name);
+    if (const char* const known = hostProtocolName(number)) {
+      std::snprintf(name, sizeof name, "%s", known);
     } else {
       std::snprintf(name, sizeof name, "other(%d)", static_cast<int>(number));
     }

@@ -10,5 +10,8 @@
 /// without one. `protocolName` is "tcp" or "udp". Gives the buffer.
 const char* PortStr(const char* protocolName, std::uint16_t port, std::span<char> buffer);
 
+/// The host's name of an IP protocol; null for a number without one.
+const char* hostProtocolName(std::uint8_t number);
+
 /// Name of an IP protocol, of at most 15 characters; "other(N)" for a number without one.
 const char* protocolName(std::uint8_t number);

@@ -15,9 +15,6 @@ int unavailable(const char* cmd) {
 #define UNAVAILABLE(handler) \
   int handler(const char* cmd, int, char**) { return unavailable(cmd); }
 
-// flow exclusion
-UNAVAILABLE(GetFlowExclusion)
-UNAVAILABLE(SetFlowExclusion)
 
 // service insertion
 UNAVAILABLE(AddGRE)

@@ -321,6 +321,13 @@ Showing
     agent kelpco-sfw, vnic 1, slow path 2, vif 8d0c7a10-55f4-4c1e-9b02-000070110001
     flows: 208 active, 85 inactive, 84 dropped, 12 L2 pass, 12 L2 drop, 1 of other kinds
     names.live: 1
+    flow-exclusion.definitions: 6 definitions
+      not source mac 00:50:56:99:10:78 mask ff:ff:ff:ff:ff:ff, destination mac 01:00:5e:00:00:00 mask ff:ff:ff:80:00:00, ethertypes 0x88cc 0x8906
+      source 10.20.7.0 mask 255.255.255.0, source port 1024 to 65535, destination 10.20.7.16 to 10.20.7.23, destination port 2049, protocols 6 17
+      source fe80::1 to fe80::1f, not destination fd00:20:7:: mask ffff:ffff:ffff::, not protocols 1 58 253
+      not source vnic 502e1f3ac21a70114ae1005056991077 index 1, destination machine 502e1f3ac21a70114ae1005056991077
+      source machine 502e1f3ac21a70114ae1005056991077, not destination vnic 502e1f3ac21a70114ae1005056991077 index 1
+      not destination port 3260 to 3261, protocols 6, not ethertypes 0x0800
   filter nic-1003120-eth0-kelpco-sfw.2
     agent kelpco-sfw, vnic 0, slow path 0, vif 8d0c7a10-55f4-4c1e-9b02-000070120000
     export.version: 1100

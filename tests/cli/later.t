@@ -2,12 +2,6 @@ Commands that this build does not have say so, whatever their options; one of ea
 
   $ . "$TESTDIR/setup"
 
-Flow exclusion.
-
-  $ run tarnioctl getflowexclusion -h
-  err| ERROR: command getflowexclusion is not available in this build.
-  [1]
-
 Service insertion.
 
   $ run tarnioctl getsisvctable

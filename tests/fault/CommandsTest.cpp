@@ -16,6 +16,7 @@ namespace {
 
 #define FILTER "nic-1002672-eth0-kelpco-sfw.2"
 #define OTHER_FILTER "nic-1002731-eth0-kelpco-sfw.2"
+#define STORAGE_FILTER "nic-1003044-eth1-kelpco-sfw.2"
 #define FILTER_WITHOUT_FLOWS "nic-1003120-eth0-kelpco-sfw.2"
 #define GUARDED_FILTER "nic-998214-eth0-kelpco-spoof.guard.1"
 #define VM_UUID "50 2e 1f 3a c2 1a 63 2a-4a e1 00 50 56 99 b6 26"
@@ -221,6 +222,17 @@ const Row kRows[] = {
     {"Setcopymode",
      {"setcopymode", "-f", FILTER, "-d"},
      {"255 whole", "1 ERROR: Failed to set L7 copy mode config for " FILTER}},
+    {"Getflowexclusion",
+     {"getflowexclusion", "-f", STORAGE_FILTER},
+     {"0 part", "1 ERROR: kernel out of memory",
+      "1 ERROR: no memory for 1024 flow exclusion records"}},
+    {"Setflowexclusion",
+     {"setflowexclusion", "-Override", "-f", FILTER, "-F",
+      "||0x88cc|10.0.0.0/8||tcp,6|1024-65535|||"},
+     {"0 whole", "1 ERROR: kernel out of memory",
+      "1 ERROR: no memory for 1024 flow exclusion records",
+      "0 ERROR: bad flow exclusion spec: ||0x88cc|10.0.0.0/8||tcp,6|1024-65535|||",
+      "1 ERROR: invalid ethertype 0x88cc", "1 ERROR: invalid ip protocol tcp,6"}},
     {"GetflowsDropped",
      {"getflows", "-f", FILTER, "-F", "1", "-T", "d"},
      {"255 part", "1 ERROR: kernel out of memory",

@@ -41,18 +41,19 @@ int g_tables = -1;
 /// A small host. A message takes what the largest request needs; an array has as many items as the
 /// kernel says, and more than these bytes it does not get.
 constexpr std::size_t kMessageMemory = 16 << 20;
-constexpr std::size_t kArrayMemory = 64 << 10;
+constexpr std::size_t kArrayMemory = 192 << 10;
 
 /// Behind so many calls all that follow fail, so that a count that the kernel made up ends.
 constexpr unsigned int kMaxCalls = 4096;
 
 constexpr unsigned long kSendMessage = 15;
-constexpr unsigned long kDiscoveredIps = 31;
 
-// Body of a request for discovered addresses, and where it names its buffer.
-constexpr std::size_t kDiscoveryBody = 161;
-constexpr std::size_t kDiscoveryLength = 137;
-constexpr std::size_t kDiscoveryBuffer = 141;
+/// Bodies of the requests that are answered in a buffer too, and where they name it.
+constexpr struct Buffered {
+  unsigned long request;
+  std::size_t body, length, buffer;
+} kBuffered[] = {{26, 116, 104, 108},   // flow exclusion
+                 {31, 161, 137, 141}};  // discovered addresses
 
 constexpr std::size_t kEnvelopeStatus = kMsgHeaderSize + 8;
 constexpr std::size_t kBody = kMsgHeaderSize + 12;
@@ -223,13 +224,14 @@ int FuzzHost::record(void* block) {
   return result;
 }
 
-int FuzzHost::discovered(void* block) {
+int FuzzHost::buffered(unsigned long request, void* block) {
+  const Buffered& kind = *std::find_if(std::begin(kBuffered), std::end(kBuffered),
+                                       [&](const Buffered& one) { return one.request == request; });
   auto frame = loadRecord<FWIoctlFrame>(block);
-  require(frame.bodyLength == kDiscoveryBody);
+  require(frame.bodyLength == kind.body);
   auto* const body = at<std::uint8_t>(frame.body);
-  const std::span<std::uint8_t> buffer{
-      at<std::uint8_t>(loadRecord<host64>(body + kDiscoveryBuffer)),
-      std::size_t{loadRecord<host32>(body + kDiscoveryLength)}};
+  const std::span<std::uint8_t> buffer{at<std::uint8_t>(loadRecord<host64>(body + kind.buffer)),
+                                       std::size_t{loadRecord<host32>(body + kind.length)}};
   const int result = record(block);
   if (result != 0 || buffer.empty()) return result;
   std::optional<std::uint32_t> status;
@@ -348,8 +350,9 @@ struct FuzzHostCalls {
       case FW_REQUEST_FILTER_LIST:
       case FW_REQUEST_ONE_FILTER:
         return g_host->filterList(request, argument);
-      case kDiscoveredIps:
-        return g_host->discovered(argument);
+      case 26:
+      case 31:
+        return g_host->buffered(request, argument);
       case FW_REQUEST_FLOWS:
         if (!g_host->hostile_) return g_host->flows(argument);
         break;

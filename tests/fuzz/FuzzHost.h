@@ -25,7 +25,8 @@
 ///     list of filters         32 bits count, 32 bits length, then parts, as above, of the buffer
 ///     flows                   48 bytes over the counts, then parts, as above, of the buffer
 ///     another request         parts, as above, of its body
-///     discovered addresses    the same, then parts of the buffer when there is one
+///     discovered addresses,
+///     flow exclusion          the same, then parts of the buffer when there is one
 ///     size of a table         parts, as above, of the frame
 ///     entries of a table      32 bits length, then parts, as above, of the buffer
 ///     revalidation            parts, as above, of its record
@@ -98,7 +99,7 @@ class FuzzHost {
   int message(void* block);
   int filterList(unsigned long request, void* frame);
   int record(void* frame);
-  int discovered(void* frame);
+  int buffered(unsigned long request, void* frame);
   int table(unsigned long request, void* frame);
   int flows(void* frame);
 

@@ -64,6 +64,8 @@ const Letters kLetters[] = {
     {"createagent", "ha:"},
     {"destroyagent", "ha:"},
     {"deleterules", "hv::m:f:r:"},
+    {"setflowexclusion", "h2:a:b:d:f:F:g:l:p:s:t:"},
+    {"getflowexclusion", "hf:l"},
 };
 
 class HandlerLetters : public testing::TestWithParam<Letters> {

@@ -1,8 +1,10 @@
 #include <arpa/inet.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <climits>
+#include <cstdio>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -57,6 +59,42 @@ TEST(TarnFWUtilAddresses, OnlyTheLowBitsOfALongOctetCount) {
   Octets mask{};
   EXPECT_TRUE(ParseMACString("100:1ff:2:3:4:5", address.data(), mask.data()));
   EXPECT_EQ(address, (Octets{0x00, 0xff, 0x02, 0x03, 0x04, 0x05}));
+}
+
+TEST(TarnFWUtilAddresses, ReadsAMacAddressAsAScanDoes) {
+  // Texts that are written as they are printed are read without a scan; each of these is one with a
+  // character that is changed, left out or doubled.
+#define SCANNED(form)                                                                             \
+  (m.fill(0xff), std::sscanf(text.c_str(), form, &a[0], &a[1], &a[2], &a[3], &a[4], &a[5], &m[0], \
+                             &m[1], &m[2], &m[3], &m[4], &m[5]))
+  const auto scan = [](const std::string& text, Octets& a, Octets& m) {
+    const int wanted = text.find('/') != std::string::npos ? 12 : 6;
+    if (SCANNED("%hhx:%hhx:%hhx:%hhx:%hhx:%hhx/%hhx:%hhx:%hhx:%hhx:%hhx:%hhx") < wanted &&
+        SCANNED("%hhx-%hhx-%hhx-%hhx-%hhx-%hhx/%hhx-%hhx-%hhx-%hhx-%hhx-%hhx") < wanted)
+      return false;
+    for (std::size_t i = 0; i < a.size(); ++i) a[i] &= m[i];
+    return true;
+  };
+#undef SCANNED
+  for (const std::string& good :
+       {std::string("00:1a:2B:33:c4:55"), std::string("00-1a-2B-33-c4-55"),
+        std::string("00:1a:2B:33:c4:55/ff:fF:0f:f0:00:81"),
+        std::string("00-1a-2B-33-c4-55/ff-fF-0f-f0-00-81")}) {
+    for (std::size_t place = 0; place <= good.size(); ++place) {
+      for (const char* const with : {"", "0", "f", "g", "x", ":", "-", "/", " ", "+", "12"}) {
+        for (const std::size_t taken : {std::size_t{0}, std::size_t{1}}) {
+          std::string text = good;
+          text.replace(place, std::min(taken, text.size() - place), with);
+          Octets address{}, mask{}, scanned{}, scannedMask{};
+          const bool right = scan(text, scanned, scannedMask);
+          ASSERT_EQ(ParseMACString(text.c_str(), address.data(), mask.data()), right) << text;
+          if (!right) continue;
+          EXPECT_EQ(address, scanned) << text;
+          EXPECT_EQ(mask, scannedMask) << text;
+        }
+      }
+    }
+  }
 }
 
 TEST(TarnFWUtilAddresses, RefusesWhatIsNoMacAddress) {

@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
+#include <cstdio>
 #include <cstring>
 #include <string>
 
@@ -154,6 +156,60 @@ TEST(TarnFWUtilIdentifier, AVnicNeedsAnIndexAfterTheRightSeparator) {
   EXPECT_FALSE(vnicstr2uuid(uuid.data(), &index, (std::string(kNormal) + ".").c_str()));
   EXPECT_FALSE(vnicstr2uuid(uuid.data(), &index, (std::string(kNormal) + ".x").c_str()));
 }
+
+TEST(TarnFWUtilIdentifier, ReadsEveryFormAsAScanDoes) {
+  // Texts that are written as they are printed are read without a scan; each of these is one with a
+  // character that is changed, left out or doubled.
+#define NORMAL_SCAN                            \
+  "%2hhx%2hhx%2hhx%2hhx-%2hhx%2hhx-%2hhx%2hhx" \
+  "-%2hhx%2hhx-%2hhx%2hhx%2hhx%2hhx%2hhx%2hhx"
+#define GFY_SCAN                                    \
+  "%2hhx %2hhx %2hhx %2hhx %2hhx %2hhx %2hhx %2hhx" \
+  "-%2hhx %2hhx %2hhx %2hhx %2hhx %2hhx %2hhx %2hhx"
+#define SCANNED(text, form, u, ...)                                                                \
+  std::sscanf((text).c_str(), form, &(u)[0], &(u)[1], &(u)[2], &(u)[3], &(u)[4], &(u)[5], &(u)[6], \
+              &(u)[7], &(u)[8], &(u)[9], &(u)[10], &(u)[11], &(u)[12], &(u)[13], &(u)[14],         \
+              &(u)[15] __VA_OPT__(, ) __VA_ARGS__)
+  const auto scanVnic = [](const std::string& text, Uuid& u, int* index) {
+    return SCANNED(text, NORMAL_SCAN ".%3d", u, index) == 17 ||
+           SCANNED(text, GFY_SCAN ":%3d", u, index) == 17 ||
+           SCANNED(text, GFY_SCAN ".%3d", u, index) == 17;
+  };
+  for (const std::string& good :
+       {std::string(kNormal), std::string(kGfy), std::string(kNormal) + ".012",
+        std::string(kGfy) + ":012", std::string(kGfy) + ".7"}) {
+    for (std::size_t place = 0; place <= good.size(); ++place) {
+      for (const char* const with : {"", "0", "A", "g", "x", "-", " ", ":", ".", "+", "12"}) {
+        for (const std::size_t taken : {std::size_t{0}, std::size_t{1}}) {
+          std::string text = good;
+          text.replace(place, std::min(taken, text.size() - place), with);
+          Uuid read{}, scanned{};
+          int index = 0, scannedIndex = 0;
+          bool right = scanVnic(text, scanned, &scannedIndex);
+          ASSERT_EQ(vnicstr2uuid(read.data(), &index, text.c_str()), right) << text;
+          if (right) {
+            EXPECT_EQ(read, scanned) << text;
+            EXPECT_EQ(index, scannedIndex) << text;
+          }
+          right = SCANNED(text, GFY_SCAN, scanned) == 16;
+          ASSERT_EQ(gfystr2uuid(read.data(), text.c_str()), right) << text;
+          if (right) {
+            EXPECT_EQ(read, scanned) << text;
+          }
+          right = SCANNED(text, NORMAL_SCAN, scanned) == 16;
+          ASSERT_EQ(normalstr2uuid(read.data(), text.c_str()), right) << text;
+          if (right) {
+            EXPECT_EQ(read, scanned) << text;
+          }
+        }
+      }
+    }
+  }
+}
+
+#undef NORMAL_SCAN
+#undef GFY_SCAN
+#undef SCANNED
 
 TEST(TarnFWUtilIdentifier, OnlyThreeDigitsOfAVnicIndexCount) {
   Uuid uuid{};

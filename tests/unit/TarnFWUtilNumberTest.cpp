@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <climits>
+#include <cstdlib>
 #include <string>
 
 #include "TarnFWUtil.h"
@@ -19,6 +21,21 @@ TEST(TarnFWUtilNumbers, Str2LongReadsAWholeNumber) {
   EXPECT_EQ(value, LONG_MAX);
   EXPECT_TRUE(Str2Long("-9223372036854775808", 10, &value));
   EXPECT_EQ(value, LONG_MIN);
+}
+
+TEST(TarnFWUtilNumbers, Str2LongReadsAsTheCLibraryDoes) {
+  for (const char* text : {"0", "00", "7", "07", "08", "010", "999999999", "1000000000",
+                           "0000000000", "12345678901", "0x10", "+5", "-5", "5 ", "5x", "x", ""}) {
+    for (const int base : {0, 8, 10, 16}) {
+      char* end = nullptr;
+      const long wanted = std::strtol(text, &end, base);
+      long value = -1;
+      errno = ERANGE;
+      EXPECT_EQ(Str2Long(text, base, &value), end != text && *end == '\0') << text << ' ' << base;
+      EXPECT_EQ(value, wanted) << text << ' ' << base;
+      EXPECT_EQ(errno, 0) << text << ' ' << base;
+    }
+  }
 }
 
 TEST(TarnFWUtilNumbers, Str2LongStoresTheValueOfARefusedNumberToo) {
