@@ -12,17 +12,20 @@ namespace TarnLab {
 
 namespace {
 
-std::int64_t millisecondsNow() {
+constexpr std::int64_t second = 1000000000;  // in nanoseconds
+
+std::int64_t nanosecondsNow() {
   timespec now{};
   ::clock_gettime(CLOCK_MONOTONIC, &now);
-  return std::int64_t{now.tv_sec} * 1000 + now.tv_nsec / 1000000;
+  return now.tv_sec * second + now.tv_nsec;
 }
 
 /// Sleeps for so long, also when signals come meanwhile.
 void sleepFor(std::uint32_t milliseconds, const sigset_t* mask) {
-  const std::int64_t end = millisecondsNow() + milliseconds;
-  for (std::int64_t left = milliseconds; left > 0; left = end - millisecondsNow()) {
-    const timespec pause{left / 1000, left % 1000 * 1000000};
+  const std::int64_t whole = std::int64_t{milliseconds} * 1000000;
+  const std::int64_t end = nanosecondsNow() + whole;
+  for (std::int64_t left = whole; left > 0; left = end - nanosecondsNow()) {
+    const timespec pause{left / second, left % second};
     if (::ppoll(nullptr, 0, &pause, mask) == 0 || errno != EINTR) return;
   }
 }
