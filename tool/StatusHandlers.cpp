@@ -1,7 +1,6 @@
 // What is read and set by direct requests: whether the distributed firewall is on, thresholds, and
 // the collection of flows.
 
-#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -11,7 +10,7 @@
 #include "HandlerForm.h"
 #include "Handlers.h"
 #include "Records.h"
-#include "TableRecords.h"
+#include "TableRequests.h"
 #include "TarnFWFilter.h"
 #include "TarnFWUtil.h"
 
@@ -103,23 +102,17 @@ constexpr char kSetFilterFlagsUsage[] =
 
 // Takes no options: what follows the word is left alone, -h too.
 int GetFWStatus(const char*, int, char**) {
-  WGTSizeFrame size{};
-  Strncpy(size.agent, kDefaultAgent, sizeof size.agent);
-  if (directRequest(kTables, WGT_REQUEST_INCLUDE_SIZE, size) != 0)
+  std::uint32_t room = 0;
+  if (askSize(kIncludeTable, kDefaultAgent, &room) != 0)
     return errno == ENOENT ? showFirewall(false) : 1;
-  const std::uint32_t room = size.size;
   if (room == 0) return showFirewall(false);
 
   const auto table = makeRecords<std::byte>(room);
   if (table == nullptr)
     return error("ERROR: no memory for include table of size %d\n", static_cast<int>(room));
-  WGTEntryFrame frame{};
-  Strncpy(frame.agent, kDefaultAgent, sizeof frame.agent);
-  frame.entries = addressOf(table.get());
-  frame.size = room;
-  if (directRequest(kTables, WGT_REQUEST_INCLUDE_READ, frame) != 0) return 1;
-  const std::size_t filled = std::min<std::uint32_t>(frame.size, room);
-  return showFirewall(hasEntry({table.get(), filled}, WGT_ENTRY_HOST));
+  TableReply reply{};
+  if (readEntries(kIncludeTable, kDefaultAgent, {table.get(), room}, &reply) != 0) return 1;
+  return showFirewall(hasEntry({table.get(), reply.filled}, WGT_ENTRY_HOST));
 }
 
 int GetThresholds(const char* cmd, int argc, char** argv) {

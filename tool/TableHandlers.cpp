@@ -1,7 +1,6 @@
 // The filter tables of the host, and the machines that follow them. Most requests are not asked for
 // their result: a change that fails is in the log only, and the revalidation follows it.
 
-#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -12,9 +11,9 @@
 #include "HandlerForm.h"
 #include "Handlers.h"
 #include "Records.h"
-#include "TableRecords.h"
+#include "TableDisplay.h"
+#include "TableRequests.h"
 #include "TarnFWFilter.h"
-#include "TarnFWLog.h"
 #include "TarnFWRevalidate.h"
 #include "TarnFWUtil.h"
 
@@ -25,42 +24,6 @@ namespace {
 constexpr std::size_t kAgentField = sizeof(WGTEntryFrame::agent);
 constexpr char kBadAgent[] = "ERROR: invalid agent name %s\n";
 
-/// Sends a request with entries, or without any, for an agent.
-int sendEntries(WGTRequest number, const char* agent, RequestMemory entries = {}) {
-  WGTEntryFrame frame{};
-  Strncpy(frame.agent, agent, sizeof frame.agent);
-  frame.entries = addressOf(entries.at);
-  frame.size = entries.size;
-  return directRequest(kTables, number, frame);
-}
-
-/// Asks for the size of a table. The result is the request's.
-int askSize(const FilterTable& table, const char* agent, std::uint32_t* size) {
-  WGTSizeFrame frame{};
-  Strncpy(frame.agent, agent, sizeof frame.agent);
-  const int result = directRequest(kTables, table.size, frame);
-  *size = frame.size;
-  return result;
-}
-
-/// Reads a table. `*told` is the size that the reply has, the result the request's.
-int readEntries(const FilterTable& table, const char* agent, RequestMemory room,
-                std::uint32_t* told) {
-  WGTEntryFrame frame{};
-  Strncpy(frame.agent, agent, sizeof frame.agent);
-  frame.entries = addressOf(room.at);
-  frame.size = room.size;
-  const int result = directRequest(kTables, table.read, frame);
-  *told = frame.size;
-  return result;
-}
-
-/// Bytes of a reply that the room holds.
-std::uint32_t filled(std::uint32_t told, std::uint32_t room) {
-  if (told > room) TARNFW_WARNING("%u bytes of a table returned for room of %u\n", told, room);
-  return std::min(told, room);
-}
-
 int exitStatus(UtilStatus_t result) { return result == UTIL_STATUS_OK ? 0 : 1; }
 
 // --- getfiltertables
@@ -68,81 +31,6 @@ int exitStatus(UtilStatus_t result) { return result == UTIL_STATUS_OK ? 0 : 1; }
 constexpr char kGetUsage[] = "Get include and exclude tables.\n\n" USAGE_OPTIONS
                              "    -a <string> : agent name, default agent is kelpco-sfw\n"
                              "    -n          : print vnic index in the vnic form\n" USAGE_HELP;
-
-/// A value of the kernel as a record; what is missing of it is zero.
-template <typename Record>
-Record valueOf(std::span<const std::byte> value) {
-  Record record{};
-  std::memcpy(&record, value.data(), std::min(sizeof record, value.size()));
-  return record;
-}
-
-struct SwitchUuid {
-  std::uint8_t uuid[kUuidSize];
-};
-
-/// Prints the identifier in gfy form, or the NIC in vnic form.
-void printVnic(const std::uint8_t* uuid, int index, bool vnicForm) {
-  char text[64];
-  if (vnicForm) {
-    uuid2vnicstr(uuid, index, text, sizeof text);
-    std::printf("VNIC ID %s\n", text);
-  } else {
-    uuid2gfystr(uuid, text, sizeof text);
-    std::printf("VNIC UUID %s VNIC Index %d\n", text, index);
-  }
-}
-
-void printSwitch(const std::uint8_t* uuid, const char* port) {
-  char text[64];
-  uuid2gfystr(uuid, text, sizeof text);
-  std::printf("DVS %s%s\n", text, port);
-}
-
-/// Scripts that wait for this line know it by its repeating, and end the command by a signal. It
-/// ends by itself when nobody can read the line any more.
-void repeatBadType(std::uint8_t type) {
-  std::fflush(stdout);
-  while (std::fprintf(stderr, "ERROR: invalid table type %d in exclude table\n", int{type}) >= 0) {
-  }
-}
-
-bool printEntry(std::uint8_t type, std::span<const std::byte> value, bool vnicForm) {
-  switch (type) {
-    case WGT_ENTRY_EXCLUDE_SWITCH:
-    case WGT_ENTRY_INCLUDE_SWITCH: {
-      const char* const text = reinterpret_cast<const char*>(value.data());
-      std::printf("VSWITCH %.*s\n", static_cast<int>(fieldLength(text, value.size())), text);
-      return true;
-    }
-    case WGT_ENTRY_EXCLUDE_VNIC: {
-      const auto vnic = valueOf<WGTExcludeVnic_>(value);
-      printVnic(vnic.uuid, static_cast<int>(vnic.vnicIndex), vnicForm);
-      return true;
-    }
-    case WGT_ENTRY_INCLUDE_VNIC: {
-      const auto vnic = valueOf<WGTIncludeVnic_>(value);
-      printVnic(vnic.uuid, vnic.vnicIndex, vnicForm);
-      return true;
-    }
-    case WGT_ENTRY_SWITCH_UUID:
-      printSwitch(valueOf<SwitchUuid>(value).uuid, "");
-      return true;
-    case WGT_ENTRY_SWITCH_PORT: {
-      const auto port = valueOf<WGTSwitchPort_>(value);
-      char text[32];
-      std::snprintf(text, sizeof text, " DVPort %d", std::int32_t{port.port});
-      printSwitch(port.uuid, text);
-      return true;
-    }
-    case WGT_ENTRY_HOST:
-      std::printf("HOST WIDE\n");
-      return true;
-    default:
-      repeatBadType(type);
-      return false;
-  }
-}
 
 /// Shows a table and a blank line, or that it is empty.
 int showTable(const FilterTable& table, const char* agent, bool vnicForm, const char* empty) {
@@ -155,12 +43,12 @@ int showTable(const FilterTable& table, const char* agent, bool vnicForm, const 
   const auto entries = makeRecords<std::byte>(room);
   if (entries == nullptr)
     return error("ERROR: no memory for %s table of size %d\n", table.word, static_cast<int>(room));
-  std::uint32_t told = 0;
-  readEntries(table, agent, {entries.get(), room}, &told);
-  std::printf("%s Table (size = %d)\n", table.title, static_cast<int>(told));
-  visitEntries({entries.get(), filled(told, room)},
+  TableReply reply{};
+  readEntries(table, agent, {entries.get(), room}, &reply);
+  std::printf("%s Table (size = %d)\n", table.title, static_cast<int>(reply.size));
+  visitEntries({entries.get(), reply.filled},
                [=](std::uint8_t type, std::span<const std::byte> value) {
-                 return printEntry(type, value, vnicForm);
+                 return printTableEntry(type, value, vnicForm);
                });
   std::printf("\n");
   return 0;
@@ -314,15 +202,15 @@ int ClearWeirgateTblOne(const char* agent, const FilterTable& table, int level) 
   const auto entries = makeRecords<std::byte>(size);
   if (entries == nullptr) return 1;
 
-  std::uint32_t told = 0;
-  if (const int result = readEntries(table, agent, {entries.get(), size}, &told); result != 0) {
+  TableReply reply{};
+  if (const int result = readEntries(table, agent, {entries.get(), size}, &reply); result != 0) {
     std::printf("failed to get current %s entries: %d, %d\n", table.word, result, errno);
     return 1;
   }
   // "include" for both tables, as it has always been.
   if (level > 0) std::printf("got the include extries for %s\n", agent);
 
-  if (const int result = sendEntries(table.remove, agent, {entries.get(), filled(told, size)});
+  if (const int result = sendEntries(table.remove, agent, {entries.get(), reply.filled});
       result != 0) {
     std::printf("failed to delete the %s entries: %d, %d\n", table.word, result, errno);
     return 1;
