@@ -19,6 +19,7 @@ struct Family {
   void (*fill)(const CommandContext& context) = nullptr;
 
   std::span<const Table> tables = {};
+  std::span<const Table> hostTables = {};  // of the host instead of a filter
 };
 
 // Every family, one line each.
@@ -39,13 +40,16 @@ struct Family {
   FAMILY(floodFamily)               \
   FAMILY(flowExclusionFamily)       \
   FAMILY(flowFamily)                \
+  FAMILY(greFamily)                 \
   FAMILY(kifFamily)                 \
   FAMILY(memoryFamily)              \
   FAMILY(messageFamily)             \
   FAMILY(nameFamily)                \
+  FAMILY(ployFamily)                \
   FAMILY(revalidationFamily)        \
   FAMILY(ruleReadingFamily)         \
   FAMILY(ruleSetFamily)             \
+  FAMILY(serviceInsertionFamily)    \
   FAMILY(spoofGuardFamily)          \
   FAMILY(thresholdFamily)           \
   FAMILY(timeoutFamily)             \

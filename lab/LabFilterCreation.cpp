@@ -3,6 +3,7 @@
 
 #include "LabFailPolicy.h"
 #include "LabFamily.h"
+#include "LabServiceInsertion.h"
 #include "LabTableEntry.h"
 
 namespace TarnLab {
@@ -121,6 +122,7 @@ int destroy(Request& request, const Subject& subject) {
   host.removeFilter(*subject.filter);
   host.save(request.store);
   request.store.removeTree(folder);
+  settleServiceInstances(request.store, host);
   return 0;
 }
 

@@ -4,6 +4,7 @@
 
 #include "LabCallerMemory.h"
 #include "LabFamily.h"
+#include "LabServiceInsertion.h"
 
 namespace TarnLab {
 
@@ -40,6 +41,8 @@ void appendRecord(ByteVector& records, const Request& request, std::size_t index
     std::memset(tail.data(), 0, tail.size());
   } else {
     put32(records, at + FilterRecord::configured, configured ? 1 : 0);
+    putText(records, at + FilterRecord::profile, FilterRecord::profileSize,
+            serviceProfileOf(request.store, request.host.folderOf(index)));
   }
 }
 

@@ -115,7 +115,7 @@ int runReset(const Store& store, Arguments arguments) {
   requireLab(store);
   const StoreLock lock(store);
   const Host host = Host::make(Host::load(store).plan());
-  for (const char* folder : {"filters", "shared"}) store.removeTree(folder);
+  for (const char* folder : {"filters", "shared", "tables"}) store.removeTree(folder);
   for (const char* file : {"faults", "settings"}) store.remove(file);
   host.save(store);
   fillHost(store, host);

@@ -122,10 +122,21 @@ std::string folderOfFilter(const Store& store, const Host& host, std::string_vie
   throw std::runtime_error("there is no filter " + printable(name));
 }
 
+/// How much there is in the tables of the host.
+void countHostTables(const Store& store) {
+  for (const Family* family : families()) {
+    for (const Table& table : family->hostTables) {
+      const std::size_t count = table.load(store, hostTableFolder).size();
+      if (count > 0) std::printf("  %s: %zu\n", std::string(table.name).c_str(), count);
+    }
+  }
+}
+
 int showAll(const Store& store, const Host& host) {
   std::printf("lab %s\n", store.folder().c_str());
   if (!isFirewallOn(host)) std::puts("  the distributed firewall is disabled");
   showSettings(store, Settings::ofHost);
+  countHostTables(store);
   for (const Agent& agent : host.agents()) showAgent(agent);
   for (std::size_t i = 0; i < host.filterCount(); ++i) showFilter(store, host, i);
   for (const std::string& file : store.list("shared")) {
@@ -210,30 +221,33 @@ int showAgentTables(const Agent& agent, Arguments arguments) {
   return exitOk;
 }
 
-/// The tables of a filter that are not empty, with what is in them; with a name, that one only.
-int showTables(const Store& store, const Host& host, Arguments arguments) {
-  if (const auto agent = host.findAgent(arguments[0], FilterRecord::agentSize)) {
-    return showAgentTables(host.agents()[*agent], arguments);
+/// What is in a table; nothing for an empty one.
+void showTable(const Table& table, const Table::Records& records) {
+  if (records.empty()) return;
+  std::printf("%s {\n", std::string(table.name).c_str());
+  for (const ByteVector& record : records) {
+    std::string text = table.text(record);
+    for (std::size_t at = text.find('\n'); at != std::string::npos; at = text.find('\n', at + 1)) {
+      text.insert(at + 1, "  ");
+    }
+    std::printf("  %s\n", text.c_str());
   }
-  const std::string folder = folderOfFilter(store, host, arguments[0]);
+  std::puts("}");
+}
+
+/// The tables of a filter, or without one of the host; with a name as well, that one only.
+int showTables(const Store& store, const Host& host, Arguments arguments) {
+  const bool ofHost = arguments.empty();
+  const auto agent = ofHost ? std::nullopt : host.findAgent(arguments[0], FilterRecord::agentSize);
+  if (agent) return showAgentTables(host.agents()[*agent], arguments);
+  const std::string folder = ofHost ? hostTableFolder : folderOfFilter(store, host, arguments[0]);
   const bool one = arguments.size() > 1;
   bool found = false;
   for (const Family* family : families()) {
-    for (const Table& table : family->tables) {
+    for (const Table& table : ofHost ? family->hostTables : family->tables) {
       if (one && table.name != arguments[1]) continue;
       found = true;
-      const Table::Records records = table.load(store, folder);
-      if (records.empty()) continue;
-      std::printf("%s {\n", std::string(table.name).c_str());
-      for (const ByteVector& record : records) {
-        std::string text = table.text(record);
-        for (std::size_t at = text.find('\n'); at != std::string::npos;
-             at = text.find('\n', at + 1)) {
-          text.insert(at + 1, "  ");
-        }
-        std::printf("  %s\n", text.c_str());
-      }
-      std::puts("}");
+      showTable(table, table.load(store, folder));
     }
   }
   if (one && !found) throw std::runtime_error("there is no table " + printable(arguments[1]));
@@ -249,7 +263,8 @@ int runShow(const Store& store, Arguments arguments) {
   if (!contents && option.starts_with('-')) {
     return misused("show", "unknown argument " + printable(option));
   }
-  if (contents && (arguments.size() < 2 || arguments.size() > 3)) {
+  const bool ofHost = tables && arguments.size() == 1;
+  if (contents && !ofHost && (arguments.size() < 2 || arguments.size() > 3)) {
     return misused("show", std::string(option) + " needs a filter and takes the name of a " +
                                (tables ? "table" : "set"));
   }

@@ -3,6 +3,7 @@
 #include <cerrno>
 
 #include "LabFamily.h"
+#include "LabServiceInsertion.h"
 #include "LabTableEntry.h"
 
 namespace TarnLab {
@@ -99,6 +100,7 @@ int destroyDisconnected(Request& request, Body& body) {
   if (done.empty()) return 0;
   host.save(request.store);
   for (const std::string& folder : folders) request.store.removeTree(folder);
+  settleServiceInstances(request.store, host);
   return 0;
 }
 

@@ -8,6 +8,9 @@
 
 namespace TarnLab {
 
+/// The folder of the tables that are the host's and not a filter's.
+inline constexpr const char* hostTableFolder = "tables";
+
 /// A table of records, each of its own size, as its family declares it: one file in the filter's
 /// folder, in which every record follows its size. An empty table has no file.
 struct Table {

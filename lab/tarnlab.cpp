@@ -65,7 +65,7 @@ constexpr ProgramCommand commands[] = {
      "Usage: tarnlab show [FILTER]\n"
      "       tarnlab show --rules FILTER [RULESET]\n"
      "       tarnlab show --addrsets FILTER [ADDRSET]\n"
-     "       tarnlab show --tables FILTER|AGENT [TABLE]\n"
+     "       tarnlab show --tables [FILTER|AGENT [TABLE]]\n"
      "\n"
      "Shows the host's agents and filters, what each of these holds, and the faults in force;\n"
      "with a FILTER, that one only. An agent's shared address sets are shown and named as the\n"
@@ -76,8 +76,8 @@ constexpr ProgramCommand commands[] = {
      "  --addrsets      the addresses and elements of every address set and container, or\n"
      "                  of the one\n"
      "  --tables        what the filter has learnt or was given, table by table, or of the one:\n"
-     "                  attributes, inspections, discovered, names, users; of an agent, the\n"
-     "                  tables include and exclude\n"
+     "                  attributes, inspections, discovered, names, service-profile, users; of an\n"
+     "                  agent, the tables include and exclude; of nothing, those of the host\n"
      "  --help          this text\n",
      runShow},
     {"log", "show what was asked of the devices",

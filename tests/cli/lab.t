@@ -281,7 +281,7 @@ Showing
   Usage: tarnlab show [FILTER]
          tarnlab show --rules FILTER [RULESET]
          tarnlab show --addrsets FILTER [ADDRSET]
-         tarnlab show --tables FILTER|AGENT [TABLE]
+         tarnlab show --tables [FILTER|AGENT [TABLE]]
   
   Shows the host's agents and filters, what each of these holds, and the faults in force;
   with a FILTER, that one only. An agent's shared address sets are shown and named as the
@@ -292,11 +292,16 @@ Showing
     --addrsets      the addresses and elements of every address set and container, or
                     of the one
     --tables        what the filter has learnt or was given, table by table, or of the one:
-                    attributes, inspections, discovered, names, users; of an agent, the
-                    tables include and exclude
+                    attributes, inspections, discovered, names, service-profile, users; of an
+                    agent, the tables include and exclude; of nothing, those of the host
     --help          this text
   $ tarnlab show | sed "s|$TARNLAB_HOME|HOME|"
   lab HOME
+    service-table: 5
+    nsh-table: 5
+    proxy-table: 4
+    service-machines: 2
+    service-instances: 5
   agent kelpco-sfw: 2 included, 0 excluded
   agent kelpco-inspect: 4 included, 2 excluded
   agent kelpco-spoof.guard: 1 included, 0 excluded
@@ -445,7 +450,7 @@ Showing
   $ run tarnlab show --tables kelpco-sfw users
   err| tarnlab: there is no table users
   [1]
-  $ run tarnlab show --tables
+  $ run tarnlab show --tables nic-1002672-eth0-kelpco-sfw.2 users more
   err| tarnlab: show: --tables needs a filter and takes the name of a table
   err| Try "tarnlab show --help".
   [2]

@@ -154,8 +154,8 @@ TEST_F(LabFilterList, RefusesAFrameForAnotherRequest) {
 TEST_F(LabFilterList, AnswersOtherDirectRequestsAsNotSupportedAndUnknownOnesNotAtAll) {
   const ByteVector body(8);
   ByteVector frame =
-      Record().u32(10).u32(0).u32(8).u64(reinterpret_cast<std::uintptr_t>(body.data()));
-  EXPECT_EQ(model.request(Device::firewall, 10, reinterpret_cast<std::uintptr_t>(frame.data())), 0);
+      Record().u32(42).u32(0).u32(8).u64(reinterpret_cast<std::uintptr_t>(body.data()));
+  EXPECT_EQ(model.request(Device::firewall, 42, reinterpret_cast<std::uintptr_t>(frame.data())), 0);
   EXPECT_EQ(get32(frame, 4), 7u);
   EXPECT_EQ(model.request(Device::firewall, 99, reinterpret_cast<std::uintptr_t>(frame.data())),
             ENOTTY);

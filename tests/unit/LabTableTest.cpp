@@ -71,7 +71,20 @@ TEST_F(LabTable, NoTwoTablesHaveTheSameName) {
       names.push_back(each.name);
     }
   }
-  EXPECT_EQ(names.size(), 5u);
+  EXPECT_EQ(names.size(), 6u);
+}
+
+TEST_F(LabTable, NoTwoTablesOfTheHostHaveTheSameName) {
+  std::vector<std::string_view> names;
+  for (const Family* family : families()) {
+    for (const Table& each : family->hostTables) {
+      for (const std::string_view before : names) EXPECT_NE(each.name, before);
+      EXPECT_NE(each.text, nullptr) << each.name;
+      EXPECT_GT(each.least, 0u) << each.name;
+      names.push_back(each.name);
+    }
+  }
+  EXPECT_EQ(names.size(), 6u);
 }
 
 TEST_F(LabTable, OnlyTheFirstFilterOfTheUsualHostIsFilled) {
