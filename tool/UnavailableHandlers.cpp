@@ -16,20 +16,6 @@ int unavailable(const char* cmd) {
   int handler(const char* cmd, int, char**) { return unavailable(cmd); }
 
 
-// service insertion
-UNAVAILABLE(AddGRE)
-UNAVAILABLE(CreateInstance)
-UNAVAILABLE(CreateProfile)
-UNAVAILABLE(DestroyInstance)
-UNAVAILABLE(DestroyProfile)
-UNAVAILABLE(GetInstances)
-UNAVAILABLE(GetProfiles)
-UNAVAILABLE(GetSINshTable)
-UNAVAILABLE(GetSIProxyTable)
-UNAVAILABLE(GetSISVMProxyStats)
-UNAVAILABLE(GetSISvcTable)
-UNAVAILABLE(ReplaceInstance)
-
 // balancers, ALG and statistics
 UNAVAILABLE(ClearFilterStat)
 UNAVAILABLE(GetALGInfo)

@@ -2,12 +2,6 @@ Commands that this build does not have say so, whatever their options; one of ea
 
   $ . "$TESTDIR/setup"
 
-Service insertion.
-
-  $ run tarnioctl getsisvctable
-  err| ERROR: command getsisvctable is not available in this build.
-  [1]
-
 Balancers, ALG and statistics.
 
   $ run tarnioctl rtt -h

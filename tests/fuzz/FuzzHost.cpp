@@ -18,6 +18,7 @@
 
 #include "FlowQuery.h"
 #include "Fuzz.h"
+#include "InsertionRecords.h"
 #include "TableRecords.h"
 #include "TarnFWFilter.h"
 #include "TarnFWIOChannelIOCTL.h"
@@ -25,6 +26,7 @@
 #include "TarnFWMsgBuf.h"
 #include "TarnFWParserActionsAddress.h"
 #include "TarnFWParserActionsSelector.h"
+#include "TarnSiIoctl.h"
 #include "TarnWGTIoctl.h"
 #include "tarnfw.h"
 
@@ -35,8 +37,10 @@ namespace {
 /// Of the thread that runs the input: the searching program has one of its own, which sleeps.
 thread_local FuzzHost* g_host = nullptr;
 
-/// The device of the filter tables, which stays open to the end of the process.
+/// The devices of the filter tables and of service insertion, which stay open to the end of the
+/// process.
 int g_tables = -1;
+int g_insertion = -1;
 
 /// A small host. A message takes what the largest request needs; an array has as many items as the
 /// kernel says, and more than these bytes it does not get.
@@ -48,12 +52,24 @@ constexpr unsigned int kMaxCalls = 4096;
 
 constexpr unsigned long kSendMessage = 15;
 
-/// Bodies of the requests that are answered in a buffer too, and where they name it.
-constexpr struct Buffered {
+/// Requests with a buffer: the body, and where it names the buffer.
+struct Buffered {
   unsigned long request;
-  std::size_t body, length, buffer;
-} kBuffered[] = {{26, 116, 104, 108},   // flow exclusion
-                 {31, 161, 137, 141}};  // discovered addresses
+  std::size_t body;
+  std::size_t length;
+  std::size_t buffer;
+};
+constexpr Buffered kBuffered[] = {
+    {FW_REQUEST_INSTANCES, sizeof(FWInstanceQuery_), offsetof(FWInstanceQuery_, bufferLength),
+     offsetof(FWInstanceQuery_, buffer)},
+    {FW_REQUEST_PROFILES, sizeof(FWFilterList_), offsetof(FWFilterList_, bufferLength),
+     offsetof(FWFilterList_, buffer)},
+    {26, 116, 104, 108},  // flow exclusion
+    {31, 161, 137, 141},  // discovered addresses
+};
+
+/// The results of the insertion device that are no errno have this in front of a status.
+constexpr std::uint32_t kInsertionResult = 0xbad0000;
 
 constexpr std::size_t kEnvelopeStatus = kMsgHeaderSize + 8;
 constexpr std::size_t kBody = kMsgHeaderSize + 12;
@@ -224,18 +240,31 @@ int FuzzHost::record(void* block) {
   return result;
 }
 
+bool FuzzHost::hasBuffer(unsigned long request) {
+  return std::any_of(std::begin(kBuffered), std::end(kBuffered),
+                     [&](const Buffered& each) { return each.request == request; });
+}
+
 int FuzzHost::buffered(unsigned long request, void* block) {
-  const Buffered& kind = *std::find_if(std::begin(kBuffered), std::end(kBuffered),
-                                       [&](const Buffered& one) { return one.request == request; });
+  const Buffered& form = *std::find_if(std::begin(kBuffered), std::end(kBuffered),
+                                       [&](const auto& each) { return each.request == request; });
   auto frame = loadRecord<FWIoctlFrame>(block);
-  require(frame.bodyLength == kind.body);
+  require(frame.bodyLength == form.body);
   auto* const body = at<std::uint8_t>(frame.body);
-  const std::span<std::uint8_t> buffer{at<std::uint8_t>(loadRecord<host64>(body + kind.buffer)),
-                                       std::size_t{loadRecord<host32>(body + kind.length)}};
+  const std::span<std::uint8_t> buffer{at<std::uint8_t>(loadRecord<host64>(body + form.buffer)),
+                                       std::size_t{loadRecord<host32>(body + form.length)}};
   const int result = record(block);
   if (result != 0 || buffer.empty()) return result;
   std::optional<std::uint32_t> status;
   return reply(buffer, &status);
+}
+
+int FuzzHost::insertion(void* block) {
+  const auto frame = loadRecord<SIIoctlFrame>(block);
+  std::optional<std::uint32_t> status;
+  const int result =
+      reply({at<std::uint8_t>(frame.output), std::size_t{frame.outputLength}}, &status);
+  return status ? static_cast<int>(kInsertionResult + *status) : result;
 }
 
 int FuzzHost::flows(void* block) {
@@ -291,6 +320,7 @@ struct FuzzHostCalls {
     if (!g_host->hostile_) {
       const int opened = descriptor();
       if (std::strcmp(path, CTarnWGTIoctl::ioctl_devname) == 0) g_tables = opened;
+      if (std::strcmp(path, TarnSi::CTarnSiIoctl::ioctl_devname) == 0) g_insertion = opened;
       return opened;
     }
     const int result = g_host->outcome();
@@ -343,6 +373,9 @@ struct FuzzHostCalls {
   static int ioctl(int device, unsigned long request, void* argument) {
     if (!g_host->answers()) return -1;
     if (device == g_tables) return g_host->table(request, argument);
+    if (!g_host->hostile_ && device == g_insertion) return g_host->insertion(argument);
+    if (!g_host->hostile_ && FuzzHost::hasBuffer(request))
+      return g_host->buffered(request, argument);
     switch (request) {
       case kSendMessage:
         return g_host->message(argument);
@@ -350,9 +383,6 @@ struct FuzzHostCalls {
       case FW_REQUEST_FILTER_LIST:
       case FW_REQUEST_ONE_FILTER:
         return g_host->filterList(request, argument);
-      case 26:
-      case 31:
-        return g_host->buffered(request, argument);
       case FW_REQUEST_FLOWS:
         if (!g_host->hostile_) return g_host->flows(argument);
         break;

@@ -25,8 +25,10 @@
 ///     list of filters         32 bits count, 32 bits length, then parts, as above, of the buffer
 ///     flows                   48 bytes over the counts, then parts, as above, of the buffer
 ///     another request         parts, as above, of its body
-///     discovered addresses,
-///     flow exclusion          the same, then parts of the buffer when there is one
+///     discovered addresses, flow exclusion, instances, profiles
+///                             the same, then parts of the buffer when there is one
+///     insertion device        parts, as above, of the output; a status S is the call's result, as
+///                             0xbad0000 + S
 ///     size of a table         parts, as above, of the frame
 ///     entries of a table      32 bits length, then parts, as above, of the buffer
 ///     revalidation            parts, as above, of its record
@@ -99,7 +101,9 @@ class FuzzHost {
   int message(void* block);
   int filterList(unsigned long request, void* frame);
   int record(void* frame);
+  static bool hasBuffer(unsigned long request);
   int buffered(unsigned long request, void* frame);
+  int insertion(void* frame);
   int table(unsigned long request, void* frame);
   int flows(void* frame);
 

@@ -5,6 +5,7 @@
 #include "CommandTable.h"
 #include "Fuzz.h"
 #include "FuzzHost.h"
+#include "TarnSiIoctl.h"
 #include "tarnfw.h"
 
 using namespace TarnFirewall;
@@ -14,12 +15,13 @@ namespace {
 constexpr std::size_t kMaxWords = 320;  // more than there may be configs on one command line
 constexpr std::uint8_t kEndOfWords = 1;
 
-/// The default handle, its device and that of the filter tables stay open to the end of the
-/// process.
+/// The default handle, its device and those of the filter tables and of service insertion stay open
+/// to the end of the process.
 void openDefaultHandle() {
   const FuzzHost host({});
   require(FW_GetDefaultLibHandle() != nullptr);
   require(WGT_GetFd() >= 0);
+  require(TarnSi::CTarnSiIoctl::GetInstance()->descriptor() >= 0);
 }
 
 /// A word with nothing in the memory after its NUL.

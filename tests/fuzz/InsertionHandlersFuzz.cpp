@@ -1,0 +1,13 @@
+// The commands on service instances and service profiles, with any specification of a transport and
+// any records of the kernel.
+
+#include "Fuzz.h"
+#include "HandlerFuzz.h"
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  static constexpr const char* kCommands[] = {
+      "createinstance", "replaceinstance", "destroyinstance", "getinstances",
+      "createprofile",  "destroyprofile",  "getprofiles"};
+  requireReason(runInput(kCommands, {data, size}));
+  return 0;
+}
