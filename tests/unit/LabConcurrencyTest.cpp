@@ -4,6 +4,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <set>
 #include <thread>
 
 #include "LabBench.h"
@@ -28,6 +29,26 @@ class LabConcurrency : public LabBench {
     for (std::uint32_t i = 0; i < count; ++i) {
       EXPECT_EQ(get32(reply, 96 + 4 * count + 892 * i), count);
     }
+  }
+
+  /// Creates a filter of the firewall in that slot of the first NIC, or destroys it.
+  int changeFilter(unsigned slot, bool add) {
+    ByteVector body = Record()
+                          .text("kelpco-sfw", 40)
+                          .to(4208)
+                          .u32(1002672)
+                          .u32(slot)
+                          .text("502e1f3a-c21a-632a-4ae1-00505699b626.000", 64)
+                          .u32(add ? 1 : 0);
+    return direct(1000, body);
+  }
+
+  /// Whether every filter has a folder of its own.
+  void expectOwnFolders() const {
+    const Host host = Host::load(store);
+    std::set<std::string> folders;
+    for (std::size_t i = 0; i < host.filterCount(); ++i) folders.insert(host.folderOf(i));
+    EXPECT_EQ(folders.size(), host.filterCount());
   }
 };
 
@@ -54,6 +75,51 @@ TEST_F(LabConcurrency, ThreadsOfOneProgramChangeAndReadTheSameSet) {
   expectWhole("web");
   ASSERT_EQ(command(9, Record().text("web", 64).to(84)), 0u);
   EXPECT_EQ(get64(reply, 76), 81u) << "no change was lost";
+}
+
+TEST_F(LabConcurrency, AgentsAndFiltersThatThreadsCreateAreAllThere) {
+  std::vector<std::thread> threads;
+  for (unsigned t = 0; t < 4; ++t) {
+    threads.emplace_back([this, t] {
+      for (unsigned turn = 0; turn < 10; ++turn) {
+        const unsigned number = 100 + t * 10 + turn;
+        ByteVector name = Record().text("agent-" + std::to_string(number), 100);
+        EXPECT_EQ(direct(23, name), 0);
+        EXPECT_EQ(changeFilter(number, true), 0);
+        EXPECT_EQ(turn % 2 == 0 ? changeFilter(number, false) : 0, 0);
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(Host::load(store).agents().size(), 3u + 40u);
+  EXPECT_EQ(Host::load(store).filterCount(), 8u + 20u);
+  expectOwnFolders();
+}
+
+TEST_F(LabConcurrency, KilledProgramsLeaveEveryFilterThereOrGone) {
+  for (unsigned round = 0; round < 6; ++round) {
+    pid_t children[2];
+    for (unsigned c = 0; c < 2; ++c) {
+      children[c] = ::fork();
+      ASSERT_GE(children[c], 0);
+      if (children[c] == 0) {
+        for (unsigned turn = 0;; ++turn) changeFilter(10 * c + 10 + turn / 2 % 3, turn % 2 == 0);
+      }
+    }
+    ::usleep(15000 + round * 1700);
+    for (const pid_t child : children) {
+      ::kill(child, SIGKILL);
+      ::waitpid(child, nullptr, 0);
+    }
+    expectOwnFolders();
+    EXPECT_LE(Host::load(store).filterCount(), 8u + 6u);
+  }
+  const Host host = Host::load(store);
+  for (std::size_t i = 0; i < host.filterCount(); ++i) {
+    if (host.slotOf(i) < 10) continue;
+    EXPECT_EQ(changeFilter(host.slotOf(i), false), 0) << note();
+  }
+  EXPECT_EQ(Host::load(store).filterCount(), 8u);
 }
 
 TEST_F(LabConcurrency, KilledProgramsLeaveTheStateAsItWasBeforeOrAfter) {

@@ -176,8 +176,9 @@ TEST_F(LabFilterTables, DeletingTakesAllOfTheEntriesOrNone) {
 }
 
 TEST_F(LabFilterTables, OnlyAnAgentHasTables) {
+  const ByteVector entry = includedHost(2);
   for (unsigned number = 0; number <= 9; ++number) {
-    ByteVector frame = entryFrame("nobody", includedHost(2));
+    ByteVector frame = entryFrame("nobody", entry);
     EXPECT_EQ(ask(number, frame), ENOENT) << number;
     EXPECT_EQ(note(), "no agent nobody");
   }
