@@ -1,6 +1,6 @@
 // The option letters of the commands on features, settings, discovery, identity and memory, and on
-// filters, agents and tables: which there are, and which of them take a value. Every other letter
-// is refused.
+// filters, agents, tables and service insertion: which there are, and which of them take a value.
+// Every other letter is refused.
 
 #include <gtest/gtest.h>
 
@@ -66,6 +66,15 @@ const Letters kLetters[] = {
     {"deleterules", "hv::m:f:r:"},
     {"setflowexclusion", "h2:a:b:d:f:F:g:l:p:s:t:"},
     {"getflowexclusion", "hf:l"},
+    {"createinstance", "fhi:n:d:s:t:"},
+    {"replaceinstance", "fhi:n:d:s:t:"},
+    {"destroyinstance", "fhi:n:d:s:t:"},
+    {"getinstances", "hi:"},
+    {"createprofile", "hp:i:f:v:t:"},
+    {"destroyprofile", "hp:i:f:v:t:"},
+    {"getprofiles", "hf:"},
+    {"gre", "ha:f:k:e:m:g:"},
+    {"getsisvmstats", "hp:"},
 };
 
 class HandlerLetters : public testing::TestWithParam<Letters> {

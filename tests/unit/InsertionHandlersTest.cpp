@@ -350,17 +350,16 @@ TEST(CreateDestroyProfile, TextsHaveTheirLimits) {
   const struct {
     const char* option;
     std::size_t most;
-    const char* text;
-  } limits[] = {{"-f", 99, "filter name"},
-                {"-p", 31, "profile id"},
-                {"-i", 31, "instance id"},
-                {"-v", 63, "vendor template id"},
-                {"-t", 63, "vendor provided template id"}};
+    const char* line;
+  } limits[] = {{"-f", 99, "ERROR: invalid filter name "},
+                {"-p", 31, "ERROR: invalid profile id "},
+                {"-i", 31, "ERROR: invalid instance id "},
+                {"-v", 63, "ERROR: invalid vendor template id "},
+                {"-t", 63, "ERROR: invalid vendor provided template id "}};
   for (const auto& limit : limits) {
     const std::string value(limit.most + 1, 'x');
     for (const char* word : {"createprofile", "destroyprofile"})
-      expectRefused({word, "-Override", limit.option, value},
-                    {1, "", std::string("ERROR: invalid ") + limit.text + " " + value + "\n"});
+      expectRefused({word, "-Override", limit.option, value}, {1, "", limit.line + value + "\n"});
   }
 }
 
