@@ -13,7 +13,8 @@ namespace {
 // The body, 4284 bytes: a configuration with 16 parameters, and the filter.
 constexpr std::size_t bodySize = 4284, parametersAt = 48, parameterSize = 260;
 constexpr std::uint32_t mostParameters = 16;
-constexpr Name agent{0, 40, "agent", "agent"};
+constexpr std::size_t agentSize = 40;
+constexpr Name agent{0, agentSize, "agent", "agent"};
 constexpr U32 parameterCount{40, "parameters"}, policy{44, "policy"};
 constexpr U32 world{4208, "world"}, slot{4212, "slot"};
 constexpr Name vnic{4216, 64, "vnic", "vnic"};
@@ -57,8 +58,10 @@ std::string configurationFault(ConstBytes body) {
   return "";
 }
 
-/// The filter in question: its NIC and, when it is there, its index.
+/// The filter in question: its agent, whose name may be longer than the configuration has room for,
+/// its NIC and, when it is there, its index.
 struct Subject {
+  std::string owner = {};
   std::size_t nic = 0;
   std::optional<std::size_t> filter = {};
 };
@@ -72,11 +75,13 @@ int answerWith(Request& request, std::uint32_t status, const std::string& why) {
 /// Finds the filter; false after an answer that there is no such NIC or agent.
 bool findSubject(Request& request, ConstBytes body, Subject& subject) {
   const Host& host = request.host;
-  const std::string_view owner = agent.get(body);
-  if (!host.findAgent(owner, FilterRecord::agentSize)) {
-    answerWith(request, Status::invalidArgument, "no agent " + std::string(owner));
+  const std::string_view wanted = agent.get(body);
+  const auto found = host.findAgent(wanted, agentSize - 1);
+  if (!found) {
+    answerWith(request, Status::invalidArgument, "no agent " + std::string(wanted));
     return false;
   }
+  subject.owner = host.agents()[*found].name;
   for (std::size_t place = 0; place < host.nicCount(); ++place) {
     const Nic nic = host.nic(place);
     if (vnicText(idOf(nic.machine), nic.index) != vnic.get(body)) continue;
@@ -86,7 +91,8 @@ bool findSubject(Request& request, ConstBytes body, Subject& subject) {
     }
     subject.nic = place;
     for (std::size_t i = 0; i < host.filterCount(); ++i) {
-      if (host.nicOf(i) == place && host.agent(i) == owner && host.slotOf(i) == slot.get(body)) {
+      if (host.nicOf(i) == place && host.agent(i) == subject.owner &&
+          host.slotOf(i) == slot.get(body)) {
         subject.filter = i;
       }
     }
@@ -102,7 +108,7 @@ int create(Request& request, ConstBytes body, const Subject& subject) {
                       std::string(request.host.name(*subject.filter)) + " is there");
   }
   Host host = request.host;
-  const std::size_t index = host.addFilter(subject.nic, agent.get(body), slot.get(body));
+  const std::size_t index = host.addFilter(subject.nic, subject.owner, slot.get(body));
   Settings settings;
   settings.set(failClose, policy.get(body) == 1);
   for (std::size_t i = 0; i < parameterCount.get(body); ++i) {

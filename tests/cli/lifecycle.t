@@ -113,6 +113,17 @@ A filter ends with 1, also when it was made: scripts know it so.
   err| -Override: invalid option -- 'x'
   [1]
 
+The request has room for 39 characters of an agent's name, by which the agent is found.
+
+  $ long=$(printf 'a%.0s' {1..60})
+  $ lab tarnioctl createagent -Override -a $long
+  $ add -a $long | tail -1
+  Filter of agent aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaa vnic 502e1f3a-c21a-632a-4ae1-00505699b626.000 index 7 was Created
+  $ lab tarnioctl getfilters -a $long | grep Name
+  Filter Name              : nic-1002672-eth0-aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaa.7
+  $ lab tarnioctl deletefilter -Override $all -a $long -u "$uuid" | tail -1
+  Filter of agent aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaa vnic 502e1f3a-c21a-632a-4ae1-00505699b626.000 index 7 was Deleted
+
 A kernel that does not have the request refuses it.
 
   $ tarnlab fault errno ENOTTY --only 1000 --count 1

@@ -112,6 +112,20 @@ TEST_F(LabFilterCreation, WhatCannotBeIsAStatus) {
   EXPECT_EQ(Host::load(store).filterCount(), 8u);
 }
 
+TEST_F(LabFilterCreation, AnAgentIsKnownByTheBeginningOfItsName) {
+  const std::string whole(99, 'a'), beginning(39, 'a');
+  ByteVector agent = Record().text(whole, 100);
+  ASSERT_EQ(direct(23, agent), 0);
+  ASSERT_EQ(ask(body({.agent = beginning})), 0);
+  EXPECT_EQ(status, 0u) << note();
+  EXPECT_EQ(Host::load(store).agent(8), whole);
+  ASSERT_EQ(ask(body({.agent = beginning})), 0);
+  EXPECT_EQ(status, 26u) << "it is there";
+  ASSERT_EQ(ask(body({.agent = beginning, .add = 0})), 0);
+  EXPECT_EQ(status, 0u) << note();
+  EXPECT_EQ(Host::load(store).filterCount(), 8u);
+}
+
 TEST_F(LabFilterCreation, WhatIsWrongInItsFormIsRefused) {
   const Parameters two{{"one", "two"}};
   struct {
