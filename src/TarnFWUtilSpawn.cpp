@@ -28,12 +28,15 @@ ForkExec* findForkExec() {
   return reinterpret_cast<ForkExec*>(call);
 }
 
+/// The program has the descriptors as its standard streams, and no others: the control devices are
+/// not closed when a program is started.
 int spawn(const char* path, char* const* arguments, const int* descriptors, int* pid) {
   posix_spawn_file_actions_t actions;
   if (const int error = posix_spawn_file_actions_init(&actions)) return error;
   int error = 0;
   for (int stream = 0; stream < kDescriptors && error == 0; ++stream)
     error = posix_spawn_file_actions_adddup2(&actions, descriptors[stream], stream);
+  if (error == 0) error = posix_spawn_file_actions_addclosefrom_np(&actions, kDescriptors);
   if (error == 0) error = posix_spawn(pid, path, &actions, nullptr, arguments, environ);
   posix_spawn_file_actions_destroy(&actions);
   return error;

@@ -272,6 +272,13 @@ TEST_F(UtilCommand, AProgramThatGoesOnWritingIsLeftAlone) {
   }
 }
 
+TEST_F(UtilCommand, WithoutABufferForTheOutputThereIsNoTimeout) {
+  ScriptRun run{.script = "sleep 1.3; echo end >&2", .room = -1, .timeout = 1};
+  run.now();
+  EXPECT_EQ(run.errors, "end\n");
+  EXPECT_TRUE(log_.lines().empty());
+}
+
 TEST_F(UtilCommand, WhatTheProgramHasStartedIsNotWaitedFor) {
   ScriptRun run{.script = "sleep 6 & echo begun; wait", .timeout = 1};
   run.now();
@@ -358,6 +365,17 @@ TEST_F(UtilCommand, ShortAndInterruptedCallsAreGoneOnWith) {
   run.now();
   EXPECT_EQ(run.output, run.input);
   EXPECT_EQ(run.errors, "problem\n");
+}
+
+TEST_F(UtilCommand, TheProgramHasItsStandardStreamsOnly) {
+  // As the control devices are opened, which stay open for as long as the process runs.
+  const int device = open("/dev/null", O_RDWR);
+  ASSERT_GT(device, STDERR_FILENO);
+  ScriptRun run{.script = "for i in 0 1 2 " + std::to_string(device) +
+                          "; do [ -e /proc/$$/fd/$i ] && echo $i; done"};
+  run.now();
+  close(device);
+  EXPECT_EQ(run.output, "0\n1\n2\n");
 }
 
 TEST_F(UtilCommand, AProcessWithoutStandardStreamsRunsItTheSame) {

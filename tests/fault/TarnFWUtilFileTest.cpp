@@ -102,6 +102,18 @@ TEST_F(UtilFile, ReplacesAFileAndKeepsTheEarlierOne) {
   EXPECT_EQ(log.lines()[0].text.rfind("tarnfw:util TarnFWUtil:", 0), 0u);
 }
 
+TEST_F(UtilFile, WhoHasTheFileOpenSeesTheNewContent) {
+  put("earlier");
+  chmod(path_.c_str(), 0751);
+  std::ifstream reader(path_);
+  LogCapture log;
+  EXPECT_EQ(replace("new"), 1);
+  std::string text;
+  reader >> text;
+  EXPECT_EQ(text, "new");
+  EXPECT_EQ(mode(), 0751u);
+}
+
 TEST_F(UtilFile, ReplacesWithMoreAndWithLess) {
   for (const std::string& next : {kLong, std::string("short"), std::string(), kLong + "x"}) {
     const std::string before = content().value_or("");

@@ -116,6 +116,18 @@ TEST(ClearWeirgateTbl, ReportsTheRequestThatFails) {
   }
 }
 
+TEST(ClearWeirgateTbl, OneTableGivesItsOwnResult) {
+  for (const auto& [option, number] : {std::pair{"-i", 9ul}, {"-e", 4ul}}) {
+    Tables tables;
+    tables.exclude = kExcludeEntry;
+    tables.include = kIncludeEntry;
+    tables.errors = {{13 - number, EPERM}};
+    EXPECT_EQ(runCommand(clear({option})), (CommandResult{0, "", ""})) << "the other table's";
+    tables.errors = {{number, EPERM}};
+    EXPECT_EQ(runCommand(clear({option})).status, 1) << option;
+  }
+}
+
 TEST(ClearWeirgateTbl, DeletesWithTheSizeOfTheReply) {
   const std::vector<std::pair<std::uint32_t, std::size_t>> rows = {
       {0, 0}, {3, 3}, {32, 32}, {33, 32}, {0xffffffff, 32}};

@@ -363,6 +363,10 @@ TEST(SetFilterTables, AFilterWhoseNicIsNotFoundIsReported) {
       runCommand(set({"-f", kFilter})),
       (CommandResult{1, "",
                      "ERROR: failed to get detail of filter " + std::string(kFilter) + ": -2\n"}));
+  kernel.status = 1;
+  EXPECT_EQ(runCommand(set({"-f", kFilter})),
+            (CommandResult{
+                1, "", "ERROR: failed to get detail of filter " + std::string(kFilter) + ": 1\n"}));
   kernel.fail(40, ENOENT);
   EXPECT_EQ(runCommand(set({"-f", kFilter})), (CommandResult{1, "", "ERROR: bad vnic \n"}));
   const OneFilter other("no identifier%s");
