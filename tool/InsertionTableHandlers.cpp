@@ -8,6 +8,7 @@
 #include "Handlers.h"
 #include "InsertionRecords.h"
 #include "Records.h"
+#include "TarnFWLog.h"
 #include "TarnFWUtil.h"
 
 using namespace TarnFirewall;
@@ -77,9 +78,10 @@ int showTable(const TableForm<Entry>& form) {
   }
 
   // Entries come and go between the two requests.
-  const std::uint64_t there =
-      std::min<std::uint64_t>(loadRecord<SITableHead_>(table.get()).count, known);
-  printTable(form, reinterpret_cast<const Entry*>(table.get() + kHead), there);
+  const std::uint64_t returned = loadRecord<SITableHead_>(table.get()).count;
+  if (returned > known)
+    TARNFW_WARNING("%lu %s entries returned for room of %lu\n", returned, form.name, known);
+  printTable(form, reinterpret_cast<const Entry*>(table.get() + kHead), std::min(returned, known));
   return 0;
 }
 

@@ -76,6 +76,7 @@ TEST(AddGRE, RefusesValues) {
   } bad[] = {
       {"-a", "192.168.1.256", "ERROR: invalid ip address 192.168.1.256\n"},
       {"-a", "", "ERROR: invalid ip address \n"},
+      {"-a", "%s%n", "ERROR: invalid ip address %s%n\n"},
       {"-k", "key", "ERROR: invalid key: key\n"},
       {"-k", "0x8 ", "ERROR: invalid key: 0x8 \n"},
       {"-k", "", "ERROR: invalid key: \n"},
@@ -99,6 +100,8 @@ TEST(AddGRE, ABadHardwareAddressIsReportedAsTheFourthWord) {
   expectRefused({"gre", "-Override", "-k1", "-m", "1:2-3:4-5:6"},
                 {1, "", "ERROR: invalid MAC address \n"});
   expectRefused({"gre", "-Override", "-m", ""}, {1, "", "ERROR: invalid MAC address \n"});
+  expectRefused({"gre", "-Override", "-m", "x", "y", "%s%n"},
+                {1, "", "ERROR: invalid MAC address %s%n\n"});
 }
 
 TEST(AddGRE, FiveAreNeeded) {

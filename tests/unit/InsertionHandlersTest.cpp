@@ -131,6 +131,7 @@ TEST(SetServiceInstance, RefusesSpecifications) {
   expectRefused(create("4=a=1=2=0x6558x=m=0"), {1, "", "ERROR: bad encap protocol 0x6558x\n"});
   // Tokens are looked at one after the other.
   expectRefused(create("4=a=1=2=IP"), {1, "", "ERROR: bad encap protocol IP\n"});
+  expectRefused(create("4=a=1=2=%s%n=m=0"), {1, "", "ERROR: bad encap protocol %s%n\n"});
   expectRefused(create("4=a=1=2=99999999999999999999=m=0"),
                 {1, "", "ERROR: bad encap protocol 99999999999999999999\n"});
 }
@@ -141,8 +142,8 @@ TEST(SetServiceInstance, TextsHaveTheirLimits) {
             Bytes(kInstance).text(0, id).text(32, name));
   expectRefused({"destroyinstance", "-Override", "-i", id + "j"},
                 {1, "", "ERROR: invalid instance id " + id + "j\n"});
-  expectRefused({"destroyinstance", "-Override", "-n", name + "m"},
-                {1, "", "ERROR: invalid instance name " + name + "m\n"});
+  expectRefused({"destroyinstance", "-Override", "-n", name + "%s%n"},
+                {1, "", "ERROR: invalid instance name " + name + "%s%n\n"});
 }
 
 TEST(SetServiceInstance, SlotsAreZeroToFifteen) {
@@ -357,7 +358,8 @@ TEST(CreateDestroyProfile, TextsHaveTheirLimits) {
                 {"-v", 63, "ERROR: invalid vendor template id "},
                 {"-t", 63, "ERROR: invalid vendor provided template id "}};
   for (const auto& limit : limits) {
-    const std::string value(limit.most + 1, 'x');
+    std::string value = "%s%n%s";  // printed as it is
+    value.resize(limit.most + 1, 'x');
     for (const char* word : {"createprofile", "destroyprofile"})
       expectRefused({word, "-Override", limit.option, value}, {1, "", limit.line + value + "\n"});
   }

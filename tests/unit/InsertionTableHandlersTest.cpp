@@ -1,6 +1,9 @@
 // The handlers of the insertion data path's tables and statistics, against a scripted device.
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <syslog.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -107,6 +110,7 @@ struct Table {
   std::string (*counted)(const std::string& count);
   const char* heading;
   std::size_t width;
+  const char* noMemory;
 };
 
 void PrintTo(const Table& table, std::ostream* to) { *to << table.word; }
@@ -118,15 +122,16 @@ const Table kTables[] = {
      },
      " UUID                                | FWD SPI,SI,SCID   | FWD SERVICE MAC   "
      "| REV SPI,SI,SCID   | REV SERVICE MAC   | FAILURE POLICY|\n",
-     134},
+     134, "Unable to allocate memory for service table entries\n"},
     {"getsinshtable", "nsh", 14, 17,
      [](const std::string& count) { return "nsh table has " + count + " entries\n"; },
-     "SPI_KEY, SI_KEY | SERVICE MAC       | SERVICE TYPE  | MODE     |\n", 83},
+     "SPI_KEY, SI_KEY | SERVICE MAC       | SERVICE TYPE  | MODE     |\n", 83,
+     "Unable to allocate memory for nsh table entries\n"},
     {"getsiproxytable", "proxy", 16, 10,
      [](const std::string& count) { return "proxy table has " + count + " entries\n"; },
      " SERVICE MAC       | SERVICE MODE   | SERVICE CAN DEC | LIVENESS SUPPORT  | COPY RED MODE  "
      "|\n",
-     92},
+     92, "Unable to allocate memory for proxy table entries\n"},
 };
 
 /// What a table prints, with these rows.
@@ -176,12 +181,16 @@ TEST_P(InsertionTables, TheSmallerOfTwoCountsIsShown) {
        std::vector<std::array<std::uint64_t, 3>>{{1, 3, 1}, {3, 1, 1}, {2, ~0ull, 2}, {2, 0, 0}}) {
     InsertionDevice device;
     device.table(table.countRequest, count, head, {});
-    const std::string out = run({table.word}).out;
+    const LogCapture log;
+    const std::string out = runCommand({table.word}).out;
     const std::string number = std::to_string(shown);
     EXPECT_EQ(out.substr(0, table.counted(number).size()), table.counted(number));
     const auto lines = static_cast<std::uint64_t>(std::count(out.begin(), out.end(), '\n'));
     const bool service = table.countRequest == 12;
     EXPECT_EQ(lines, shown + (service ? 6 : 5));
+    const std::string cut = std::to_string(head) + " " + name + " entries returned for room of " +
+                            std::to_string(count) + "\n";
+    EXPECT_EQ(log.has(LOG_WARNING, cut), head > count);
   }
 }
 
@@ -204,7 +213,7 @@ TEST_P(InsertionTables, FailuresGoToStandardOutput) {
 }
 
 TEST_P(InsertionTables, NeedsMemory) {
-  const CommandResult none{1, "Unable to allocate memory for " + name + " table entries\n", ""};
+  const CommandResult none{1, table.noMemory, ""};
   {
     InsertionDevice device;
     device.table(table.countRequest, 1, 1, {});
@@ -357,6 +366,20 @@ TEST(GetSISVMProxyStats, ShowsAllWordsButTheFifth) {
   EXPECT_EQ(device.requests()[0].input, Bytes({0x0b, 0, 0, 4}));
   EXPECT_EQ(device.requests()[0].outputLength, 160u);
   EXPECT_TRUE(device.requests()[0].outputWasZero);
+}
+
+TEST(GetSISVMProxyStats, SaysWhatItDoesBeforeItAsks) {
+  // The request may hang: what is being waited for has to be there by then.
+  const LogCapture log;
+  off_t written = -1;
+  DeviceShim::put(kDevice, [&](const DeviceShim::Call&) {
+    struct stat output {};
+    if (fstat(STDOUT_FILENO, &output) == 0) written = output.st_size;
+    return 0xbad0003;
+  });
+  runCommand({"getsisvmstats", "-p", "7"});
+  DeviceShim::put(kDevice);
+  EXPECT_EQ(written, static_cast<off_t>(std::strlen(kCalling)));
 }
 
 TEST(GetSISVMProxyStats, TenCharactersOfThePortAreKept) {
