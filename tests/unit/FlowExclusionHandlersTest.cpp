@@ -46,7 +46,7 @@ class ExclusionKernel : public DirectKernel {
   ExclusionKernel() {
     on(25, [this](std::uint8_t* body) {
       given = Bytes(word(body, 104));
-      std::memcpy(given.data(), buffer(body), given.size());
+      if (!given.empty()) std::memcpy(given.data(), buffer(body), given.size());
       return 0u;
     });
     on(26, [this](std::uint8_t* body) {
