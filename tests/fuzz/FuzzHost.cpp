@@ -454,16 +454,11 @@ ssize_t __wrap_write(int descriptor, const void* bytes, std::size_t size) {
 }
 
 /// Starts a program: what it writes is in its standard output at once, and it has ended.
-static int startProgram(const char*, char* const*, int, int, const int* descriptors, int, int, int,
-                        int, int* pid) {
+int fuzzHostStart(const char*, char* const*, int, int, const int* descriptors, int, int, int, int,
+                  int* pid);
+int fuzzHostStart(const char*, char* const*, int, int, const int* descriptors, int, int, int, int,
+                  int* pid) {
   return g_host != nullptr ? FuzzHostCalls::start(descriptors, pid) : ENOSYS;
-}
-
-void* __real_dlsym(void* library, const char* name);
-void* __wrap_dlsym(void* library, const char* name);
-void* __wrap_dlsym(void* library, const char* name) {
-  if (std::strcmp(name, "RudderCompat_ForkExec") == 0) return reinterpret_cast<void*>(startProgram);
-  return __real_dlsym(library, name);
 }
 
 int __real_fcntl(int descriptor, int command, ...);

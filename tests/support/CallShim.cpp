@@ -18,6 +18,8 @@
 #include <limits>
 #include <map>
 
+#include "HostCallName.h"
+
 extern "C" {
 int __real_open(const char* path, int flags, ...);
 int __real_close(int descriptor);
@@ -67,13 +69,6 @@ bool fails(const char* name) {
   g_failed = name;
   errno = g_error;
   return true;
-}
-
-/// Compares without a call: a sanitizer looks its functions up before any other can be called.
-bool isHostCall(const char* name) {
-  const char* expected = "RudderCompat_ForkExec";
-  while (*name != '\0' && *name == *expected) ++name, ++expected;
-  return *name == *expected;
 }
 
 bool isInterrupted(const char* name) {

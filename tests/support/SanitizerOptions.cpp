@@ -6,7 +6,7 @@ extern "C" {
 [[gnu::visibility("default")]] const char* __asan_default_options();
 [[gnu::visibility("default")]] const char* __tsan_default_options();
 
-const char* __asan_default_options() { return "allocator_may_return_null=1"; }
+const char* __asan_default_options() { return "allocator_may_return_null=1:print_suppressions=0"; }
 
 const char* __tsan_default_options() { return "allocator_may_return_null=1"; }
 
