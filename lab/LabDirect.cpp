@@ -1,11 +1,11 @@
 // The frames of direct requests, by device, and the checks that come before every answer.
 #include "LabDirect.h"
 
+#include <algorithm>
 #include <cerrno>
-#include <iterator>
 
 #include "LabCallerMemory.h"
-#include "LabFamily.h"
+#include "LabText.h"
 
 namespace TarnLab {
 
@@ -28,16 +28,6 @@ constexpr U64 input{16, "input"}, output{24, "output"};
 
 // A larger output is refused rather than made.
 constexpr std::uint32_t outputLimit = std::uint32_t{1} << 30;
-
-/// The direct requests that the firewall device has. Those without an answer get a status.
-constexpr std::uint32_t firewallRequests[] = {4,  5,  8,  10, 11, 12, 15, 16, 20, 21, 22, 23, 24,
-                                              25, 26, 27, 28, 29, 31, 32, 34, 35, 37, 40, 41, 42};
-
-bool isUnanswered(const JournalEntry& entry) {
-  return entry.device == Device::firewall &&
-         std::find(std::begin(firewallRequests), std::end(firewallRequests), entry.request) !=
-             std::end(firewallRequests);
-}
 
 /// The bytes, and after them those of a buffer, as the log keeps them.
 ByteVector withBuffer(ConstBytes body, const ByteVector& buffer) {
@@ -74,35 +64,32 @@ bool writeBack(const Body& body, std::uint64_t address) {
                      part(body.bytes(), body.writtenAt(), body.writtenSize()));
 }
 
-int answerFirewall(Request& request, const DirectKind* kind, std::uint64_t argument) {
+int answerFirewall(Request& request, const DirectKind& kind, std::uint64_t argument) {
   std::byte frame[Frame::size];
   if (!readCaller(argument, frame)) return request.refuse(EFAULT, "frame cannot be read");
   if (Frame::command.get(frame) != request.entry.request) {
     return request.refuse(EINVAL, format("frame has command %u", Frame::command.get(frame)));
   }
   const std::uint32_t sentStatus = Frame::status.get(frame);
-  if (sentStatus != (kind != nullptr ? kind->sentStatus : 0)) {
+  if (sentStatus != kind.sentStatus) {
     return request.refuse(EINVAL, format("frame has status %u", sentStatus));
   }
   request.bodyLength = Frame::bodyLength.get(frame);
   request.bodyAddress = Frame::bodyAddress.get(frame);
   int error = 0;
-  if (kind == nullptr) {
-    request.status = Status::notSupported;
-    request.entry.note = format("answered with status %u", request.status);
-  } else if (kind->whole != nullptr) {
-    error = kind->whole(request);
+  if (kind.whole != nullptr) {
+    error = kind.whole(request);
   } else {
-    if (request.bodyLength != kind->size) {
+    if (request.bodyLength != kind.size) {
       return request.refuse(
-          EINVAL, format("body of %u bytes in place of %zu", request.bodyLength, kind->size));
+          EINVAL, format("body of %u bytes in place of %zu", request.bodyLength, kind.size));
     }
-    ByteVector bytes(kind->size);
+    ByteVector bytes(kind.size);
     if (!readCaller(request.bodyAddress, bytes)) {
       return request.refuse(EFAULT, "body cannot be read");
     }
     Body body(bytes);
-    error = answerBody(request, *kind, body);
+    error = answerBody(request, kind, body);
     if (error == 0 && !writeBack(body, request.bodyAddress)) {
       return request.refuse(EFAULT, "body cannot be written");
     }
@@ -170,7 +157,7 @@ int Request::writeBuffer(std::uint64_t address, ConstBytes bytes) {
 
 int answerDirect(const DirectKind* kind, const Store& store, Faults& faults, JournalEntry& entry,
                  std::uint64_t argument) {
-  if (kind == nullptr && !isUnanswered(entry)) {
+  if (kind == nullptr) {
     entry.note = "no such request on this device";
     return ENOTTY;
   }
@@ -185,7 +172,7 @@ int answerDirect(const DirectKind* kind, const Store& store, Faults& faults, Jou
       error = answerInsertion(request, *kind, argument);
       break;
     default:
-      error = answerFirewall(request, kind, argument);
+      error = answerFirewall(request, *kind, argument);
   }
   entry.status = request.status;
   entry.result = request.result;

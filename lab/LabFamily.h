@@ -47,6 +47,7 @@ struct Family {
   FAMILY(nameFamily)                \
   FAMILY(ployFamily)                \
   FAMILY(revalidationFamily)        \
+  FAMILY(roundTripFamily)           \
   FAMILY(ruleReadingFamily)         \
   FAMILY(ruleSetFamily)             \
   FAMILY(serviceInsertionFamily)    \

@@ -1,10 +1,11 @@
-// Requests 20, 21, 27 and 40 of the firewall device: how many filters there are, their records,
-// which flows of a filter are collected, and the record of one filter.
+// Requests 20, 21, 27, 35 and 40 of the firewall device: how many filters there are, their records,
+// which flows of a filter are collected, clearing its statistics, and the record of one filter.
 #include <cerrno>
 
 #include "LabCallerMemory.h"
 #include "LabFamily.h"
 #include "LabServiceInsertion.h"
+#include "LabStatistics.h"
 
 namespace TarnLab {
 
@@ -21,6 +22,16 @@ constexpr std::uint64_t asMade = ~0ull;
 constexpr NumberSetting flowFlags{"flows.not-collected", asMade};
 constexpr std::uint32_t knownFlags = 0x7f;
 
+/// What was counted for the filter, and its rates.
+void clearCounters(Bytes record) {
+  const auto clear = [&](std::size_t offset, std::size_t size) {
+    const Bytes field = part(record, offset, size);
+    std::memset(field.data(), 0, field.size());
+  };
+  clear(FilterRecord::counters, 8 * FilterRecord::counterCount);
+  clear(FilterRecord::rates, 4 * FilterRecord::rateCount);
+}
+
 /// Appends the filter's record in the size that was asked for.
 void appendRecord(ByteVector& records, const Request& request, std::size_t index,
                   std::size_t recordSize) {
@@ -29,8 +40,9 @@ void appendRecord(ByteVector& records, const Request& request, std::size_t index
   const bool configured = !request.store.list(request.host.folderOf(index) + "/rulesets").empty();
   records.insert(records.end(), record.begin(),
                  record.begin() + static_cast<std::ptrdiff_t>(recordSize));
-  const std::uint64_t flags =
-      Settings::load(request.store, request.host.folderOf(index)).get(flowFlags);
+  const Settings settings = Settings::load(request.store, request.host.folderOf(index));
+  if (settings.get(filterCleared)) clearCounters(Bytes(records).subspan(at));
+  const std::uint64_t flags = settings.get(flowFlags);
   if (flags != asMade) {
     put32(records, at + FilterRecord::flowFlags, static_cast<std::uint32_t>(flags));
   }
@@ -133,6 +145,21 @@ int readFilter(Request& request, Body& body) {
   return 0;
 }
 
+// Request 35
+constexpr std::size_t nameSize = 100;
+constexpr Name filterName{0, nameSize, "filter", "filter"};
+
+int clearStatistics(Request& request, Body& body) {
+  const auto index = request.host.find(filterName.get(body), nameSize - 1);
+  if (!index) {
+    return request.refuse(ENOENT, "there is no filter " + printable(filterName.get(body)));
+  }
+  Settings settings = Settings::load(request.store, request.host.folderOf(*index));
+  settings.set(filterCleared, true);
+  settings.save(request.store, request.host.folderOf(*index));
+  return 0;
+}
+
 std::string agentText(ConstBytes body) {
   const std::string_view wanted = agent.get(body);
   return wanted.empty() ? " of every agent" : " of " + printable(wanted);
@@ -164,6 +191,12 @@ constexpr DirectKind requests[] = {
      .answer = setFlowFlags,
      .asked = agentText},
     {.device = Device::firewall,
+     .number = 35,
+     .title = "clear statistics",
+     .size = nameSize,
+     .answer = clearStatistics,
+     .request = {filterName}},
+    {.device = Device::firewall,
      .number = 40,
      .title = "filter",
      .size = bodySize,
@@ -174,7 +207,7 @@ constexpr DirectKind requests[] = {
 
 }  // namespace
 
-constexpr Setting settings[] = {flowFlags};
+constexpr Setting settings[] = {flowFlags, filterCleared};
 
 constinit const Family filterListFamily{.requests = requests, .settings = settings};
 

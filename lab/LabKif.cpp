@@ -3,6 +3,7 @@
 #include <array>
 
 #include "LabFamily.h"
+#include "LabStatistics.h"
 
 namespace TarnLab {
 
@@ -12,7 +13,6 @@ using Context = const CommandContext&;
 
 constexpr FlagSetting fastPath{"kif.fast-path", nullptr, true};
 constexpr FlagSetting tcpStrict{"kif.tcp-strict", "TCP is followed strictly"};
-constexpr FlagSetting cleared{"kif.cleared", "counters of the interface were cleared"};
 
 // The flags by name. They stand in a record where their places say, and nothing between them.
 struct KifFlag {
@@ -163,7 +163,8 @@ static_assert(counters.size() == 40 && rowsAt + counters.size() * rowSize == sta
 
 /// Kinds that do not occur have both counters at 0, and there is nothing to be short of outwards.
 std::uint32_t getStatistics(Context context, Body& body) {
-  const bool counting = !settingsOf(context).get(cleared);
+  const Settings settings = settingsOf(context);
+  const bool counting = !settings.get(interfaceCleared) && !settings.get(filterCleared);
   const std::uint64_t load = counting ? context.host.load(context.target.index) : 0;
   for (std::size_t i = 0; i < counters.size(); ++i) {
     const Bytes place = body.reply(rowsAt + i * rowSize, rowSize);
@@ -177,7 +178,7 @@ std::uint32_t getStatistics(Context context, Body& body) {
 
 std::uint32_t clearStatistics(Context context, Body&) {
   return changeSettings(context, [](Settings& settings) {
-    settings.set(cleared, true);
+    settings.set(interfaceCleared, true);
     return Status::ok;
   });
 }
@@ -230,7 +231,7 @@ constexpr CommandKind commands[] = {
 
 constexpr Setting settings[] = {flags[0].setting, flags[1].setting, flags[2].setting,
                                 flags[3].setting, flags[4].setting, flags[5].setting,
-                                cleared};
+                                interfaceCleared};
 
 }  // namespace
 

@@ -17,14 +17,9 @@ int unavailable(const char* cmd) {
 
 
 // balancers, ALG and statistics
-UNAVAILABLE(ClearFilterStat)
 UNAVAILABLE(GetALGInfo)
-UNAVAILABLE(GetConnAttrInfo)
-UNAVAILABLE(GetFilterStat)
 UNAVAILABLE(GetLBConfig)
 UNAVAILABLE(GetLBStat)
-UNAVAILABLE(GetRTT)
-UNAVAILABLE(GetStateDPIInfo)
 
 // trace and inspection
 UNAVAILABLE(GetVDPIInfo)

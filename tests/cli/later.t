@@ -2,10 +2,10 @@ Commands that this build does not have say so, whatever their options; one of ea
 
   $ . "$TESTDIR/setup"
 
-Balancers, ALG and statistics.
+Balancers and ALG.
 
-  $ run tarnioctl rtt -h
-  err| ERROR: command rtt is not available in this build.
+  $ run tarnioctl getlbinfo -h
+  err| ERROR: command getlbinfo is not available in this build.
   [1]
 
 Trace and inspection.

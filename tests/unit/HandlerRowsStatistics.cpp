@@ -1,5 +1,57 @@
-// Rows of the commands that show balancers, ALG structures and statistics.
+// Rows of the commands about balancers, ALGs and statistics.
 
 #include "HandlerRows.h"
 
-std::vector<HandlerRow> statisticsRows() { return {}; }
+namespace {
+
+#define OPTIONS "Usage: tarnioctl %s <options>\n"
+#define FILTER "    -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2\n"
+#define VERBOSE "    -v<number>  : enable verbose log\n"
+#define COMPONENT "    -m <string> : verbose log component name or id\n"
+#define HELP "    -h          : this help message\n"
+
+constexpr const char* kPlain = "ERROR: filter is missing\n";
+constexpr const char* kNamed =
+    "verbose level : 2\nweirgate agent: kelpco-sfw\n"
+    "weirgate vm uuid: nic-1002672-eth0-kelpco-sfw.2\n";
+
+HandlerRow clearRow() {
+  HandlerRow row = directRow("clearfilterstat",
+                             "Clear statistics for a filter.\n\n" OPTIONS FILTER VERBOSE HELP);
+  row.missingUsage = "";
+  return row;
+}
+
+}  // namespace
+
+std::vector<HandlerRow> statisticsRows() {
+  return {
+      {.words = {"getfilterstat"},
+       .usage = "Get traffic statistics of a filter.\n\n" OPTIONS FILTER
+                "    -z          : reset the stats to zero\n" VERBOSE COMPONENT HELP,
+       .missingUsage = ""},
+      clearRow(),
+      plainRow({"rtt"},
+               "retrieve RTT info for a flow.\n\n" OPTIONS FILTER
+               "    -i <flowid> : flow id, hexadecimal, as getflows prints it\n"
+               "    -r          : reset RTT average\n" HELP,
+               "-f"),
+      {.words = {"getattrinfo"},
+       .usage = "Set connection attribute setting for a filter.\n\n" OPTIONS FILTER
+                "    -m <number> : state id\n"
+                "    -S <IP Address> : source address\n"
+                "    -D <IP Address> : destination address\n"
+                "    -s <0-65535> : source port\n"
+                "    -d <0-65535> : destination port\n"
+                "    -p <TCP,UDP> : protocol, default is TCP\n"
+                "    -i <IN, OUT> : direction, default is OUT\n"
+                "    -v <number> : enable verbose log\n" HELP,
+       .missing = kPlain,
+       .verbose = kNamed},
+      {.words = {"getstatedpiinfo"},
+       .usage = "get state dpi info for a filter.\n\n" OPTIONS FILTER
+                "    -s <stateid> : state id, hexadecimal\n" VERBOSE HELP,
+       .missing = kPlain,
+       .verbose = kNamed},
+  };
+}

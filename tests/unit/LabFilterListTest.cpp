@@ -151,12 +151,10 @@ TEST_F(LabFilterList, RefusesAFrameForAnotherRequest) {
   EXPECT_EQ(note(), "frame has status 1");
 }
 
-TEST_F(LabFilterList, AnswersOtherDirectRequestsAsNotSupportedAndUnknownOnesNotAtAll) {
+TEST_F(LabFilterList, AnswersUnknownDirectRequestsNotAtAll) {
   const ByteVector body(8);
   ByteVector frame =
-      Record().u32(42).u32(0).u32(8).u64(reinterpret_cast<std::uintptr_t>(body.data()));
-  EXPECT_EQ(model.request(Device::firewall, 42, reinterpret_cast<std::uintptr_t>(frame.data())), 0);
-  EXPECT_EQ(get32(frame, 4), 7u);
+      Record().u32(99).u32(0).u32(8).u64(reinterpret_cast<std::uintptr_t>(body.data()));
   EXPECT_EQ(model.request(Device::firewall, 99, reinterpret_cast<std::uintptr_t>(frame.data())),
             ENOTTY);
   EXPECT_EQ(model.request(Device::filterTables, 99, 0), ENOTTY);
@@ -188,6 +186,38 @@ TEST_F(LabFilterList, ShowsTheFlowFlagsThatWereSet) {
   body = listBody("", 8, &old);
   ASSERT_EQ(direct(21, body), 0);
   EXPECT_EQ(get32(old, 4 * 734 + 436), 0u);
+}
+
+TEST_F(LabFilterList, ClearsWhatWasCountedForOneFilter) {
+  ByteVector name = Record().text(web, 100);
+  ASSERT_EQ(direct(35, name), 0);
+  ByteVector records(8 * 866);
+  ByteVector body = listBody("", 8, &records);
+  ASSERT_EQ(direct(21, body), 0);
+  EXPECT_TRUE(isZero(part(ConstBytes(records), 448, 280))) << "counters and rates";
+  EXPECT_NE(getText(records, 770, 48), "");
+  EXPECT_FALSE(isZero(part(ConstBytes(records), 866 + 448, 256))) << "of this filter only";
+  ByteVector older(8 * 734);
+  body = listBody("", 8, &older);
+  ASSERT_EQ(direct(21, body), 0);
+  EXPECT_TRUE(isZero(part(ConstBytes(older), 448, 280)));
+  // The interface belongs to the filter.
+  ASSERT_EQ(command(29, Record().zero(1642)), 0u);
+  for (std::size_t at = 2; at < 1642; at += 41) {
+    EXPECT_EQ(get64(reply, at + 25) + get64(reply, at + 33), 0u) << at;
+  }
+}
+
+TEST_F(LabFilterList, ClearsNothingOfAFilterThatIsNotThere) {
+  ByteVector name = Record().text("nic-9", 100);
+  EXPECT_EQ(direct(35, name), ENOENT);
+  EXPECT_EQ(note(), "there is no filter nic-9");
+  name = Record().text("", 100);
+  EXPECT_EQ(direct(35, name), ENOENT);
+  name = Record().text(web, 100).set(99, 'x');
+  EXPECT_EQ(direct(35, name), EINVAL);
+  name = Record().text(web, 99);
+  EXPECT_EQ(direct(35, name), EINVAL);
 }
 
 TEST_F(LabFilterList, RefusesFlowFlagsOfNoFilter) {
