@@ -28,6 +28,8 @@ struct Family {
   FAMILY(addrSetFamily)             \
   FAMILY(addrSetReadingFamily)      \
   FAMILY(agentFamily)               \
+  FAMILY(algFamily)                 \
+  FAMILY(balancerFamily)            \
   FAMILY(connectionAttributeFamily) \
   FAMILY(connectionFamily)          \
   FAMILY(debugFamily)               \

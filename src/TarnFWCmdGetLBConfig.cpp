@@ -1,7 +1,10 @@
 #include "TarnFWCmdGetLBConfig.h"
 
+#include <algorithm>
 #include <cstring>
 #include <limits>
+
+#include "TarnFWCmdJson.h"
 
 namespace TarnFirewall {
 
@@ -11,7 +14,9 @@ constexpr unsigned int kHead = 81;
 constexpr std::uint8_t kFlags = kLBActive | kLBAll | kLBDebug | kLBByUuid | kLBById;
 constexpr const char* kTooMany = "integer overflow for the number of load balancer services";
 
-std::uint64_t blockSize(const FWLBServiceSize_& service) {
+/// Of a service by its sizes, or by the head of its block.
+template <typename Service>
+std::uint64_t blockSize(const Service& service) {
   return sizeof(FWLBServiceHead_) + std::uint64_t{90} * service.virtualServers +
          std::uint64_t{24} * service.pools + std::uint64_t{74} * service.poolMembers;
 }
@@ -35,8 +40,7 @@ unsigned int sizeFor(const FWLBConfigSize_* sizes) {
 }  // namespace
 
 CTarnFWCmdGetLBConfig::CTarnFWCmdGetLBConfig(const dvs_port_* port, const FWLBConfigSize_* sizes)
-    : CTarnFWSizedCmd(port, sizeFor(sizes)),
-      sizes_(sizes == nullptr ? FWLBConfigSize_{} : *sizes) {}
+    : CTarnFWPrinted(port, sizeFor(sizes)), sizes_(sizes == nullptr ? FWLBConfigSize_{} : *sizes) {}
 
 std::span<const FWLBServiceSize_> CTarnFWCmdGetLBConfig::services() const {
   return {sizes_.services, static_cast<std::size_t>(serviceCount(sizes_))};
@@ -80,6 +84,41 @@ void CTarnFWCmdGetLBConfig::trace(std::span<const std::byte> body) const {
                     static_cast<const void*>(body.data() + at));
     at += static_cast<std::size_t>(blockSize(service));
   }
+}
+
+/// The reply counts the services and what they hold anew. No more of them are read than were asked
+/// for, and none whose block goes past the reply's end.
+void CTarnFWCmdGetLBConfig::print(const CTarnFWCmdReply& reply, const PrettyPrinting& out) const {
+  const std::uint32_t active = reply.word(4);
+  const std::uint32_t stale = reply.word(8);
+  const std::uint32_t id = reply.word(12);
+  const std::string uuid = reply.text(16, sizeof sizes_.uuid);
+  const std::uint8_t flags = reply.byte(80);
+
+  CTarnFWJson json(out);
+  json.number("active_count", active);
+  json.number("stale_count", stale);
+  json.number("id", id);
+  json.text("uuid", uuid);
+  json.number("flags", flags);
+  json.beginList("services");
+  const std::uint64_t count =
+      std::min<std::uint64_t>(std::uint64_t{active} + stale, services().size());
+  std::span<const std::byte> rest = reply.rest(kHead);
+  for (std::uint32_t i = 0; i < count && rest.size() >= sizeof(FWLBServiceHead_); ++i) {
+    const auto head = loadRecord<FWLBServiceHead_>(rest.data());
+    if (blockSize(head) > rest.size()) break;
+    json.beginObject();
+    json.number("index", i);
+    json.text("state", i < active ? "active" : "stale");
+    json.number("virtual_servers", head.virtualServers);
+    json.number("pools", head.pools);
+    json.number("pool_members", head.poolMembers);
+    json.end();
+    rest = rest.subspan(static_cast<std::size_t>(blockSize(head)));
+  }
+  json.end();
+  json.end();
 }
 
 }  // namespace TarnFirewall

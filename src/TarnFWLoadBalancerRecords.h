@@ -78,4 +78,19 @@ static_assert(offsetof(FWLBStat_, size) == 0 && offsetof(FWLBStat_, virtualServe
               offsetof(FWLBStat_, uuid) == 76 && offsetof(FWLBStat_, flags) == 140 &&
               offsetof(FWLBStat_, memberCounts) == 141);
 
+/// Values of `FWLBStat_::flags`.
+inline constexpr std::uint8_t kLBStatByLbs = 0x01;   // a service uuid is given
+inline constexpr std::uint8_t kLBStatByUuid = 0x02;  // a second uuid is given
+inline constexpr std::uint8_t kLBStatVirtualServers = 0x04;
+inline constexpr std::uint8_t kLBStatPools = 0x08;
+inline constexpr std::uint8_t kLBStatDebug = 0x10;    // more detail
+inline constexpr std::uint8_t kLBStatReset = 0x20;    // zero them
+inline constexpr std::uint8_t kLBStatNoLbs = 0x40;    // reply: there is no such service
+inline constexpr std::uint8_t kLBStatNoEntry = 0x80;  // reply: no such virtual server or pool
+
+/// Bytes of the blocks that follow in the reply of command 88. What they hold is the kernel's.
+inline constexpr std::size_t kLBVirtualServerStat = 200;
+inline constexpr std::size_t kLBPoolStat = 49;
+inline constexpr std::size_t kLBMemberStat = 183;
+
 }  // namespace TarnFirewall

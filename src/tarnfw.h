@@ -18,10 +18,10 @@
 /// Two threads may use one handle, as far as its channel allows it. Where a function is not for
 /// that, it says so.
 ///
-/// This header, TarnFWConnectionRecord.h, TarnFWFilterRecords.h, TarnFWFlowRecords.h,
-/// TarnFWIdentityRecords.h, TarnFWRecords.h, TarnFWRuleRecord.h, TarnFWSettingsRecords.h,
-/// TarnFWTypes.h and TarnFWWire.h are what is installed. What stands between the two visibility
-/// lines is what the shared library exports.
+/// This header, TarnFWAlgRecords.h, TarnFWConnectionRecord.h, TarnFWFilterRecords.h,
+/// TarnFWFlowRecords.h, TarnFWIdentityRecords.h, TarnFWLoadBalancerRecords.h, TarnFWRecords.h,
+/// TarnFWRuleRecord.h, TarnFWSettingsRecords.h, TarnFWTypes.h and TarnFWWire.h are what is
+/// installed. What stands between the two visibility lines is what the shared library exports.
 
 #if __cplusplus < 202002L
 // A file that is not there is the one error after which a compiler stops; after #error it would go
@@ -31,10 +31,12 @@
 
 #include <stdio.h>
 
+#include "TarnFWAlgRecords.h"
 #include "TarnFWConnectionRecord.h"
 #include "TarnFWFilterRecords.h"
 #include "TarnFWFlowRecords.h"
 #include "TarnFWIdentityRecords.h"
+#include "TarnFWLoadBalancerRecords.h"
 #include "TarnFWRecords.h"
 #include "TarnFWRuleRecord.h"
 #include "TarnFWSettingsRecords.h"
@@ -49,6 +51,8 @@ using TarnFirewall::FWAddrSetID_t;
 using TarnFirewall::FWAddrSetOperation_t;
 using TarnFirewall::FWAddrSetStat_;
 using TarnFirewall::FWAddrSetType_t;
+using TarnFirewall::FWAlg_;
+using TarnFirewall::FWAlgPort_;
 using TarnFirewall::fwattr_sid;
 using TarnFirewall::FWAttrKeyID;
 using TarnFirewall::FWAttrOpType;
@@ -70,6 +74,8 @@ using TarnFirewall::FWFqdnEntry_;
 using TarnFirewall::FWInstTimeout_;
 using TarnFirewall::FWIoctlFrame;
 using TarnFirewall::FWIOType_t;
+using TarnFirewall::FWLBConfigSize_;
+using TarnFirewall::FWLBStat_;
 using TarnFirewall::FWLibGenericIO_;
 using TarnFirewall::fwlibhandle_;
 using TarnFirewall::FWLoggerFunction_t;
@@ -603,6 +609,44 @@ FWStatus_t FW_GetConnectionDPIInfo(fwlibhandle_* handle, const dvs_port_* port, 
 
 /// Name of an inspection state, "UNKNOWN" for one without a name.
 const char* FW_DPIStateToString(unsigned int state);
+
+// --- Load balancer of a filter
+
+// Both configuration and statistics are read in two steps: the kernel fills the record with how
+// much there is, then the same record asks for it, and the answer is printed as one JSON object. A
+// record of more than 1000 services or pools, or of more than 32 bits of bytes, gives 17.
+
+/// Which services there are, of those that the record asks for, and how much they hold.
+FWStatus_t FW_GetLBConfigSize(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                              FWLBConfigSize_* sizes);
+FWStatus_t FW_GetLBConfig(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                          const FWLBConfigSize_* sizes);
+
+/// How many virtual servers, pools and members have statistics. The kernel's answer replaces the
+/// record in all three functions; its flags say whether the service, the virtual server or the pool
+/// is there, and nothing is printed if one is not.
+FWStatus_t FW_GetLBStatSize(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                            FWLBStat_* stat);
+FWStatus_t FW_GetLBStat(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                        FWLBStat_* stat);
+
+/// Zeroes the statistics of virtual servers or pools. The record's size is 4141.
+FWStatus_t FW_ClearLBStat(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                          FWLBStat_* stat);
+
+// --- Application-level gateways of a filter
+
+// The bytes of one record and how many there are; then these records, into `size` bytes of the
+// caller's, `count` of them at most. They report how many came.
+FWStatus_t FW_GetAlgCount(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                          unsigned int* size, unsigned int* count);
+FWStatus_t FW_GetAlgs(fwlibhandle_* handle, const dvs_port_* port, void* context, unsigned int size,
+                      unsigned int count, FWAlg_* records, unsigned int* returned);
+FWStatus_t FW_GetAlgPortCount(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                              unsigned int* size, unsigned int* count);
+FWStatus_t FW_GetAlgPorts(fwlibhandle_* handle, const dvs_port_* port, void* context,
+                          unsigned int size, unsigned int count, FWAlgPort_* records,
+                          unsigned int* returned);
 
 // --- Records as text
 

@@ -16,11 +16,6 @@ int unavailable(const char* cmd) {
   int handler(const char* cmd, int, char**) { return unavailable(cmd); }
 
 
-// balancers, ALG and statistics
-UNAVAILABLE(GetALGInfo)
-UNAVAILABLE(GetLBConfig)
-UNAVAILABLE(GetLBStat)
-
 // trace and inspection
 UNAVAILABLE(GetVDPIInfo)
 UNAVAILABLE(TraceHulld)

@@ -2,12 +2,6 @@ Commands that this build does not have say so, whatever their options; one of ea
 
   $ . "$TESTDIR/setup"
 
-Balancers and ALG.
-
-  $ run tarnioctl getlbinfo -h
-  err| ERROR: command getlbinfo is not available in this build.
-  [1]
-
 Trace and inspection.
 
   $ run tarnioctl tracetarn -x

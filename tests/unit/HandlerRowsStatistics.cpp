@@ -53,5 +53,26 @@ std::vector<HandlerRow> statisticsRows() {
                 "    -s <stateid> : state id, hexadecimal\n" VERBOSE HELP,
        .missing = kPlain,
        .verbose = kNamed},
+      {.words = {"getalginfo"},
+       .usage = "Print current ALG structure info.\n\n" OPTIONS FILTER
+                "    -c <1|0>    : display|omit control flows\n"
+                "    -d <1|0>    : display|omit dynamic data flows\n" HELP,
+       .verbose = nullptr},
+      {.words = {"getlbinfo"},
+       .usage = "Get LB configuration.\n\n" OPTIONS FILTER "    -i <number> : lbs ID\n"
+                "    -u <UUID>   : lbs UUID\n"
+                "    -c          : active lbs only\n"
+                "    -a          : both active and stale lbs\n"
+                "    -d          : display more info\n" VERBOSE COMPONENT HELP,
+       .missingUsage = ""},
+      {.words = {"getlbstat"},
+       .usage = "Get LB statistics.\n\n" OPTIONS FILTER "    -l <UUID>   : lbs UUID\n"
+                "    -u <UUID>   : virtual server or pool UUID\n"
+                "    -s          : virtual server statistics\n"
+                "    -p          : pool statistics\n"
+                "    -d          : display more info\n"
+                "    -z          : reset the stats to zero\n" VERBOSE COMPONENT HELP,
+       .missingUsage = "",
+       .needed = {"-l", "5a43ddda-c21a-632a-4ae1-00505699723f", "-s"}},
   };
 }

@@ -1,11 +1,14 @@
-// The commands on load balancers: their sizes by what the kernel said that there is, and the log.
+// The commands on load balancers: their sizes by what the kernel said that there is, what they
+// print of any reply, and the log.
 
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <memory>
 #include <tuple>
 
 #include "CommandTest.h"
+#include "TarnFWCmdClearLBStat.h"
 #include "TarnFWCmdGetLBConfig.h"
 #include "TarnFWCmdGetLBStat.h"
 #include "TarnFWLog.h"
@@ -32,7 +35,257 @@ FWLBStat_ statOf(std::uint32_t virtualServers, std::uint32_t pools) {
   return stat;
 }
 
+/// One active service with 1 virtual server, 1 pool and 1 member, and one stale one without any.
+FWLBConfigSize_ twoServices() {
+  FWLBConfigSize_ sizes = sizesOf(1, 1);
+  sizes.services[0].virtualServers = 1;
+  sizes.services[0].pools = 1;
+  sizes.services[0].poolMembers = 1;
+  return sizes;
+}
+constexpr std::size_t kFirst = 81, kSecond = 81 + 85 + 90 + 24 + 74;
+
+/// The kernel's answer about them.
+Bytes twoServicesReply() {
+  return Bytes(kSecond + 85)
+      .at(4, {1})
+      .at(8, {1})
+      .at(12, {9})
+      .text(16, "lbs")
+      .at(80, {2})
+      .at(kFirst + 68, {1})
+      .at(kFirst + 72, {1})
+      .at(kFirst + 76, {1});
+}
+
+/// The answer with another number at an offset.
+Bytes replyWith(std::size_t offset, std::uint32_t value) {
+  Bytes reply = twoServicesReply();
+  return put32(reply, offset, value);
+}
+
+/// The head of what is printed, up to the services.
+std::string configHead(const std::string& active, const std::string& stale) {
+  return "{\n    \"active_count\": " + active + ",\n    \"stale_count\": " + stale +
+         ",\n    \"id\": 9,\n    \"uuid\": \"lbs\",\n    \"flags\": 2,\n    \"services\": [\n";
+}
+
+std::string service(int index, const std::string& state, int count) {
+  const std::string number = std::to_string(count);
+  return "        {\n            \"index\": " + std::to_string(index) +
+         ",\n            \"state\": \"" + state +
+         "\",\n            \"virtual_servers\": " + number + ",\n            \"pools\": " + number +
+         ",\n            \"pool_members\": " + number + "\n        }";
+}
+
+const std::string kConfigEnd = "    ]\n}\n";
+
+/// 1 virtual server; 2 pools, of 1 and 0 members.
+FWLBStat_ someStatistics() {
+  FWLBStat_ stat = statOf(1, 2);
+  stat.memberCounts[0] = 1;
+  return stat;
+}
+
+std::string statistics(const std::string& servers, const std::string& pools) {
+  return "{\n    \"virtual_server_count\": " + servers + ",\n    \"pool_count\": " + pools +
+         ",\n    \"virtual_servers\": [\n";
+}
+
+std::string entry(int level, const std::string& fields) {
+  const std::string indent(static_cast<std::size_t>(4 * level), ' ');
+  return indent + "{\n" + fields + indent + "}";
+}
+
+std::string indexLine(int level, int index, const char* end) {
+  return std::string(static_cast<std::size_t>(4 * level), ' ') +
+         "\"index\": " + std::to_string(index) + end;
+}
+
 }  // namespace
+
+TEST_F(TarnFWCmdLoadBalancer, TheConfigurationIsPrintedWithItsServices) {
+  const FWLBConfigSize_ sizes = twoServices();
+  CTarnFWCmdGetLBConfig command(nullptr, &sizes);
+  EXPECT_EQ(printedFor(command, twoServicesReply()),
+            configHead("1", "1") + service(0, "active", 1) + ",\n" + service(1, "stale", 0) + "\n" +
+                kConfigEnd);
+}
+
+TEST_F(TarnFWCmdLoadBalancer, NoMoreServicesArePrintedThanWereAskedFor) {
+  const FWLBConfigSize_ sizes = twoServices();
+  CTarnFWCmdGetLBConfig command(nullptr, &sizes);
+  EXPECT_EQ(printedFor(command, replyWith(4, kMost)),
+            configHead("4294967295", "1") + service(0, "active", 1) + ",\n" +
+                service(1, "active", 0) + "\n" + kConfigEnd);
+  EXPECT_EQ(printedFor(command, replyWith(8, 0)),
+            configHead("1", "0") + service(0, "active", 1) + "\n" + kConfigEnd);
+  Bytes none = replyWith(8, 0);
+  EXPECT_EQ(printedFor(command, put32(none, 4, 0)), configHead("0", "0") + kConfigEnd);
+  CTarnFWCmdGetLBConfig without(nullptr);
+  EXPECT_EQ(printedFor(without, Bytes(0)),
+            "{\n    \"active_count\": 0,\n    \"stale_count\": 0,\n    \"id\": 0,\n"
+            "    \"uuid\": \"\",\n    \"flags\": 0,\n    \"services\": [\n    ]\n}\n");
+}
+
+TEST_F(TarnFWCmdLoadBalancer, ABlockThatGoesPastTheReplyEndsTheList) {
+  const FWLBConfigSize_ sizes = twoServices();
+  CTarnFWCmdGetLBConfig command(nullptr, &sizes);
+  for (const std::size_t count : {std::size_t{68}, std::size_t{72}, std::size_t{76}}) {
+    EXPECT_EQ(printedFor(command, replyWith(kFirst + count, kMost)),
+              configHead("1", "1") + kConfigEnd)
+        << count;
+    // The second block has room for its head only.
+    EXPECT_EQ(printedFor(command, replyWith(kSecond + count, 1)),
+              configHead("1", "1") + service(0, "active", 1) + "\n" + kConfigEnd)
+        << count;
+  }
+  // A first block that says it is smaller: what follows it is read as the next.
+  Bytes reply = twoServicesReply();
+  put32(put32(put32(reply, kFirst + 68, 0), kFirst + 72, 0), kFirst + 76, 0);
+  EXPECT_EQ(printedFor(command, reply), configHead("1", "1") + service(0, "active", 0) + ",\n" +
+                                            service(1, "stale", 0) + "\n" + kConfigEnd);
+}
+
+TEST_F(TarnFWCmdLoadBalancer, AnIdentifierOfAnyBytesStaysInItsQuotes) {
+  CTarnFWCmdGetLBConfig command(nullptr);
+  Bytes reply(81);
+  reply.text(16, std::string(64, '"'));
+  std::string quotes;
+  for (int i = 0; i < 64; ++i) quotes += "\\\"";
+  EXPECT_NE(printedFor(command, reply).find("\"uuid\": \"" + quotes + "\",\n"), std::string::npos);
+}
+
+TEST_F(TarnFWCmdLoadBalancer, StatisticsArePrintedByTheirPlaces) {
+  const FWLBStat_ stat = someStatistics();
+  CTarnFWCmdGetLBStat command(nullptr, &stat);
+  const std::string member = entry(4, indexLine(5, 0, "\n"));
+  const auto pool = [&](int index, int count, const std::string& members) {
+    return entry(2, indexLine(3, index, ",\n") +
+                        "            \"member_count\": " + std::to_string(count) +
+                        ",\n            \"members\": [\n" + members + "            ]\n");
+  };
+  EXPECT_EQ(printedFor(command, requestOf(command)),
+            statistics("1", "2") + entry(2, indexLine(3, 0, "\n")) +
+                "\n    ],\n    \"pools\": [\n" + pool(0, 1, member + "\n") + ",\n" +
+                pool(1, 0, "") + "\n    ]\n}\n");
+}
+
+TEST_F(TarnFWCmdLoadBalancer, MoreDetailIsTheBytesOfEachBlock) {
+  const FWLBStat_ stat = someStatistics();
+  CTarnFWCmdGetLBStat command(nullptr, &stat);
+  Bytes reply = requestOf(command);
+  reply.at(140, {0x10});
+  std::fill(reply.begin() + 4141, reply.begin() + 4341, std::uint8_t{0xa1});
+  std::fill(reply.begin() + 4341, reply.begin() + 4390, std::uint8_t{0xb2});
+  std::fill(reply.begin() + 4390, reply.begin() + 4439, std::uint8_t{0xc3});
+  std::fill(reply.begin() + 4439, reply.end(), std::uint8_t{0xd4});
+  const std::string text = printedFor(command, reply);
+  const auto bytes = [](const std::string& digits, int count) {
+    std::string line = "\"bytes\": \"";
+    for (int i = 0; i < count; ++i) line += digits;
+    return line + "\"";
+  };
+  std::size_t at = 0;
+  for (const std::string& line :
+       {bytes("a1", 200), bytes("b2", 49), bytes("d4", 183), bytes("c3", 49)}) {
+    at = text.find(line, at);
+    ASSERT_NE(at, std::string::npos) << line;
+  }
+}
+
+TEST_F(TarnFWCmdLoadBalancer, CountsAboveThoseThatWereAskedForAreNotBelieved) {
+  const FWLBStat_ stat = someStatistics();
+  CTarnFWCmdGetLBStat command(nullptr, &stat);
+  const std::string whole = printedFor(command, requestOf(command));
+  Bytes reply = requestOf(command);
+  put32(put32(put32(reply, 4, kMost), 8, kMost), 141, kMost);
+  std::string expected = whole;
+  const auto replace = [&](const std::string& from, const std::string& to) {
+    ASSERT_NE(expected.find(from), std::string::npos) << from;
+    expected.replace(expected.find(from), from.size(), to);
+  };
+  replace("\"virtual_server_count\": 1", "\"virtual_server_count\": 4294967295");
+  replace("\"pool_count\": 2", "\"pool_count\": 4294967295");
+  replace("\"member_count\": 1", "\"member_count\": 4294967295");
+  EXPECT_EQ(printedFor(command, reply), expected);
+  // Smaller ones are.
+  put32(put32(reply, 4, 0), 8, 0);
+  EXPECT_EQ(printedFor(command, reply),
+            statistics("0", "0") + "    ],\n    \"pools\": [\n    ]\n}\n");
+}
+
+TEST_F(TarnFWCmdLoadBalancer, NothingIsPrintedOfWhatIsNotThere) {
+  const FWLBStat_ stat = someStatistics();
+  CTarnFWCmdGetLBStat command(nullptr, &stat);
+  for (const int flags : {0x40, 0x80, 0xc0, 0xff}) {
+    EXPECT_EQ(printedFor(command, requestOf(command).at(140, {flags})), "") << flags;
+  }
+  EXPECT_NE(printedFor(command, requestOf(command).at(140, {0x3f})), "");
+}
+
+TEST_F(TarnFWCmdLoadBalancer, AReplyThatEndsEarlyIsPrintedAsFarAsItsBlocksGo) {
+  const FWLBStat_ stat = someStatistics();
+  CTarnFWCmdGetLBStat command(nullptr, &stat);
+  const Bytes whole = requestOf(command);
+  const auto printedOf = [&](std::size_t size) {
+    const std::unique_ptr<std::uint8_t[]> block(new std::uint8_t[size]);
+    std::copy_n(whole.begin(), size, block.get());
+    const Printed printed;
+    command.checkCmdReply(block.get(), static_cast<unsigned int>(size));
+    return printed.text();
+  };
+  for (const std::size_t size : {std::size_t{0}, std::size_t{140}, std::size_t{4140}}) {
+    EXPECT_THROW(printedOf(size), CInsufficientMsgBufException) << size;
+  }
+  for (std::size_t size = 4141; size <= whole.size(); ++size) {
+    const std::string text = printedOf(size);
+    std::size_t found = 0;
+    for (std::size_t at = 0; (at = text.find("\"index\"", at)) != std::string::npos; ++at) ++found;
+    // The virtual server, its pools, and the member of the first one.
+    const std::size_t entries = (size >= 4341 ? 1u : 0u) + (size >= 4390 ? 1u : 0u) +
+                                (size >= 4439 ? 1u : 0u) + (size >= 4622 ? 1u : 0u);
+    EXPECT_EQ(found, entries) << size;
+    EXPECT_EQ(text.substr(text.size() - 3), "\n}\n") << size;
+  }
+}
+
+TEST_F(TarnFWCmdLoadBalancer, AConfigurationThatEndsEarlyIsPrintedAsFarAsItsBlocksGo) {
+  const FWLBConfigSize_ sizes = twoServices();
+  CTarnFWCmdGetLBConfig command(nullptr, &sizes);
+  const Bytes whole = twoServicesReply();
+  for (std::size_t size = 0; size <= whole.size(); ++size) {
+    const std::unique_ptr<std::uint8_t[]> block(new std::uint8_t[size]);
+    std::copy_n(whole.begin(), size, block.get());
+    const Printed printed;
+    const auto check = [&] { command.checkCmdReply(block.get(), static_cast<unsigned int>(size)); };
+    if (size < kFirst) {
+      EXPECT_THROW(check(), CInsufficientMsgBufException) << size;
+      EXPECT_EQ(printed.text(), "") << size;
+      continue;
+    }
+    check();
+    std::string services;
+    if (size >= kSecond) services = service(0, "active", 1);
+    if (size == whole.size()) services += ",\n" + service(1, "stale", 0);
+    if (!services.empty()) services += "\n";
+    EXPECT_EQ(printed.text(), configHead("1", "1") + services + kConfigEnd) << size;
+  }
+}
+
+TEST_F(TarnFWCmdLoadBalancer, ClearingSaysWhatItCleared) {
+  CTarnFWCmdClearLBStat command(nullptr, someStatistics());
+  const auto sentence = [](const std::string& what) {
+    return "{\n    \"result\": \"" + what +
+           " stats on datapath is cleared. In rare cases some of the counters may not be cleared "
+           "and when that happens please try issuing the command again\"\n}\n";
+  };
+  EXPECT_EQ(printedFor(command, Bytes(4141).at(140, {4})), sentence("vs"));
+  EXPECT_EQ(printedFor(command, Bytes(4141).at(140, {12})), sentence("vs"));
+  EXPECT_EQ(printedFor(command, Bytes(4141).at(140, {8})), sentence("pool"));
+  EXPECT_EQ(printedFor(command, Bytes(4141, 0xff)), sentence("vs"));
+  EXPECT_EQ(printedFor(command, Bytes(4141)), "{\n}\n");
+}
 
 TEST_F(TarnFWCmdLoadBalancer, WithoutARecordOnlyTheHeadIsSent) {
   const dvs_port_ port = filterPort("nic-1");

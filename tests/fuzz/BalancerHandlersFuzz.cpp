@@ -1,0 +1,10 @@
+// Options of the commands on the load balancer, and replies of any kernel.
+
+#include "Fuzz.h"
+#include "HandlerFuzz.h"
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  static constexpr const char* kCommands[] = {"getlbinfo", "getlbstat"};
+  requireReason(runInput(kCommands, {data, size}));
+  return 0;
+}
