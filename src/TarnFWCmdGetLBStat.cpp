@@ -31,9 +31,13 @@ class Blocks {
  public:
   Blocks(std::span<const std::byte> rest, bool withBytes) : rest_(rest), withBytes_(withBytes) {}
 
-  /// Begins the object of the next block. False when the reply ends before it.
+  /// Begins the object of the next block. False when the reply ends before its last byte: nothing
+  /// follows a block that is cut.
   bool begin(CTarnFWJson& json, std::uint32_t index, std::size_t size) {
-    if (rest_.size() < size) return false;
+    if (rest_.size() < size) {
+      rest_ = {};
+      return false;
+    }
     json.beginObject();
     json.number("index", index);
     if (withBytes_) json.bytes("bytes", rest_.first(size));
