@@ -18,7 +18,7 @@ Links from one file to another.
 Files and folders in backquotes; what is built, and what stands for several, is not looked for.
 
   $ named() { grep -ohE '`[^` ]+/[^` ]*`' "$1" | tr -d '`' |
-  >   grep -E '^(\./|\.ci/)?(src|tool|lab|tests|bench|docs|examples)/|^\./[a-z-]+$' | grep -v '[<>]'; }
+  >   grep -E '^(\./|\.ci/)?(src|tool|policy|lab|tests|bench|docs|examples)/|^\./[a-z-]+$' | grep -v '[<>]'; }
   $ for document in $documents; do
   >   for name in $(named $document); do
   >     ls -d $name $name.h $name.cpp $name.t 2> /dev/null | grep -q . || echo "$document: no $name"
@@ -26,7 +26,7 @@ Files and folders in backquotes; what is built, and what stands for several, is 
   > done
   $ named docs/architecture.md | head -2
   tool/
-  lab/
+  policy/
 
 Scripts that the documents have a reader run.
 

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Compares what sources include with the table of layers in docs/architecture.md.
 
-    layers.py FOLDER    the folder with src/, tool/, lab/ and docs/
+    layers.py FOLDER    the folder with src/, tool/, policy/, lab/ and docs/
 
 Prints a line for each include that does not run downwards, for each file without a layer and for
 each pattern of the table that fits no file; returns 1 if there was any.
@@ -68,7 +68,8 @@ def sources(root, folder):
 
 def check(root):
     table = Table(os.path.join(root, "docs/architecture.md"))
-    src, tool, lab = (sources(root, folder) for folder in ("src", "tool", "lab"))
+    src, tool, policy, lab = (
+        sources(root, folder) for folder in ("src", "tool", "policy", "lab"))
     library = {stem(name) for name in src}
     faults = []
     for name in sorted(library):
@@ -89,6 +90,9 @@ def check(root):
         for other in included:
             if other not in tool and not table.row(stem(other))[1]:
                 faults.append(f"tool/{name} includes {other}, which is not open to tool/")
+    for name, included in policy.items():
+        faults += [f"policy/{name} includes {other}, which is not in policy/ or src/"
+                   for other in included if other not in policy and stem(other) not in library]
     for name, included in lab.items():
         faults += [f"lab/{name} includes {other}, which is not in lab/"
                    for other in included if other not in lab]

@@ -5,7 +5,7 @@ Sources include downwards only, by the table in docs/architecture.md.
 
 What it finds in a tree where they don't.
 
-  $ mkdir docs src tool lab
+  $ mkdir docs src tool policy lab
   $ cat > docs/architecture.md << 'END'
   > | Layer | Files in `src/` | `tool/` | What they are for |
   > |---|---|---|---|
@@ -19,6 +19,7 @@ What it finds in a tree where they don't.
   $ printf '  #include "flat.h"\n#include "nowhere.h"\n' > src/RuleReadCmd.h
   $ touch src/Other.cpp lab/LabText.h tool/Records.h
   $ printf '#include "flat.h"\n#include "RuleRecord.h"\n#include "Records.h"\n' > tool/main.cpp
+  $ printf '#include "Records.h"\n#include "Rule.h"\n' > policy/Diff.cpp
   $ printf '#include "LabText.h"\n#include "flat.h"\n' > lab/LabModel.cpp
   $ $layers .
   src/Other: no layer in docs/architecture.md
@@ -27,6 +28,7 @@ What it finds in a tree where they don't.
   src/RuleReadCmd.h includes nowhere.h, which is not in src/
   src/RuleRecord.h (bottom) includes flat.h (top), a layer above
   tool/main.cpp includes RuleRecord.h, which is not open to tool/
+  policy/Diff.cpp includes Records.h, which is not in policy/ or src/
   lab/LabModel.cpp includes flat.h, which is not in lab/
   docs/architecture.md: no file for Gone
   [1]
@@ -36,6 +38,6 @@ And in one where they do.
   $ cat > docs/architecture.md << 'END'
   > | top | `flat` | yes | open to tool |
   > END
-  $ rm src/Other.cpp src/Rule* lab/* tool/*
+  $ rm src/Other.cpp src/Rule* lab/* policy/* tool/*
   $ echo > src/flat.h
   $ $layers .

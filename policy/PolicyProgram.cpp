@@ -1,0 +1,81 @@
+#include "PolicyProgram.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <exception>
+#include <new>
+#include <string_view>
+
+#include "Options.h"
+#include "Subcommand.h"
+
+namespace {
+
+void printUsage(std::FILE* stream) {
+  std::fputs(
+      "Usage: tarnpolicy SUBCOMMAND ...\n"
+      "       tarnpolicy SUBCOMMAND --help\n"
+      "       tarnpolicy --version\n"
+      "\n",
+      stream);
+  for (const Subcommand& subcommand : subcommands()) {
+    if (subcommand.run == nullptr) continue;
+    std::fprintf(stream, "  %-8s %s\n", subcommand.name, subcommand.summary);
+  }
+}
+
+int callWithoutSubcommand(const char* problem, const char* word) {
+  std::fprintf(stderr, "tarnpolicy: %s%s\n", problem, word);
+  printUsage(stderr);
+  return kTroubleStatus;
+}
+
+int runSubcommand(const Subcommand& subcommand, int argc, char** argv) {
+  try {
+    return subcommand.run(argc, argv);
+  } catch (const HelpWanted&) {
+    std::fputs(subcommand.usage, stdout);
+    return 0;
+  } catch (const CallError& e) {
+    std::fprintf(stderr,
+                 "tarnpolicy %s: %s\n"
+                 "Its usage is shown by: tarnpolicy %s --help\n",
+                 subcommand.name, e.what(), subcommand.name);
+  } catch (const std::bad_alloc&) {
+    std::fprintf(stderr, "tarnpolicy %s: out of memory\n", subcommand.name);
+  } catch (const std::exception& e) {
+    std::fprintf(stderr, "tarnpolicy %s: %s\n", subcommand.name, e.what());
+  }
+  return kTroubleStatus;
+}
+
+int runWord(int argc, char** argv) {
+  if (argc < 2) return callWithoutSubcommand("a subcommand is missing", "");
+  const std::string_view word = argv[1];
+  if (word == "--help" || word == "-h") {
+    printUsage(stdout);
+    return 0;
+  }
+  if (word == "--version") {
+    std::puts("tarnpolicy " TARNFW_BUILD);
+    return 0;
+  }
+  const Subcommand* subcommand = findSubcommand(word);
+  if (subcommand == nullptr) return callWithoutSubcommand("no subcommand ", argv[1]);
+  if (subcommand->run == nullptr) {
+    return callWithoutSubcommand("this version does not have the subcommand ", argv[1]);
+  }
+  return runSubcommand(*subcommand, argc - 1, argv + 1);
+}
+
+}  // namespace
+
+int runPolicyProgram(int argc, char** argv) {
+  const int status = runWord(argc, argv);
+  errno = 0;
+  if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return status;
+  std::fprintf(stderr, "tarnpolicy: failed to write output: %s\n",
+               std::strerror(errno != 0 ? errno : EIO));
+  return kTroubleStatus;
+}

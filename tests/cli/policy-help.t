@@ -1,0 +1,32 @@
+How tarnpolicy is called.
+
+  $ . "$TESTDIR/setup"
+
+  $ run tarnpolicy --help
+  Usage: tarnpolicy SUBCOMMAND ...
+         tarnpolicy SUBCOMMAND --help
+         tarnpolicy --version
+  
+  $ tarnpolicy -h > short; tarnpolicy --help | cmp - short
+  $ run tarnpolicy --version
+  tarnpolicy [0-9.]+ (re)
+
+Called wrongly.
+
+  $ run tarnpolicy
+  err| tarnpolicy: a subcommand is missing
+  err| Usage: tarnpolicy SUBCOMMAND ...
+  err|        tarnpolicy SUBCOMMAND --help
+  err|        tarnpolicy --version
+  err| 
+  [2]
+  $ run tarnpolicy frobnicate 2>&1 | head -1
+  err| tarnpolicy: no subcommand frobnicate
+  $ run tarnpolicy confirm 2>&1 | head -1
+  err| tarnpolicy: this version does not have the subcommand confirm
+
+Output that is lost.
+
+  $ run tarnpolicy --help > /dev/full
+  err| tarnpolicy: failed to write output: No space left on device
+  [2]
