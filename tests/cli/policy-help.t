@@ -27,6 +27,9 @@ Called wrongly.
 
 Output that is lost.
 
-  $ run tarnpolicy --help > /dev/full
-  err| tarnpolicy: failed to write output: No space left on device
+  $ (tarnpolicy --help > /dev/full) 2>&1
+  tarnpolicy: failed to write output: No space left on device
+  [2]
+  $ (tarnpolicy --version >&-) 2>&1
+  tarnpolicy: failed to write output: Bad file descriptor
   [2]
