@@ -199,14 +199,14 @@ std::uint32_t readConfig(Context context, Body& body) {
 constexpr NumberSetting clearedStatistics{"balancer.cleared"};
 
 namespace Stat {
-constexpr std::size_t size = 4141, membersAt = 141, mostPools = 1000;
+constexpr std::size_t size = 4141, membersAt = 141;
 constexpr std::size_t virtualServerBlock = 200, poolBlock = 49, memberBlock = 183;
 constexpr U32 bytes{0, "bytes"}, virtualServers{4, "virtual servers"}, pools{8, "pools"};
 constexpr Name service{12, uuidSize, "service", "service uuid"};
 constexpr Name uuid{76, uuidSize, "uuid", "uuid"};
 constexpr U8 flags{140, "flags"};
-constexpr unsigned byService = 1, byUuid = 2, ofVirtualServers = 4, ofPools = 8, reset = 32,
-                   noService = 64, noEntry = 128;
+constexpr unsigned byService = 1, byUuid = 2, ofVirtualServers = 4, ofPools = 8, noService = 64,
+                   noEntry = 128;
 }  // namespace Stat
 
 /// What a request chooses: entries of one service, by their places.
