@@ -99,25 +99,23 @@ std::unique_ptr<CTarnFWRule> assembleRule(const FWParse& parse, FWRuleParts& par
 
 }  // namespace
 
-std::unique_ptr<CTarnFWProtocol> protocolOfName(const FWParse& parse, const FWParserText& name,
-                                                bool negated) {
+FWParserProtocol protocolOfName(const FWParse& parse, const FWParserText& name, bool negated) {
   const int number = parse.extra().protocols.number(name.data);
   if (number < 0) {
     throw CParseFailure(formatText("unknown protocol (%s)", name.data),
                         FW_STATUS_UNKNOWN_PROTOCOL_NAME);
   }
-  return std::make_unique<CTarnFWProtocol>(FWProtocolLayer::ip, static_cast<unsigned short>(number),
-                                           negated);
+  return {FWProtocolLayer::ip, static_cast<std::uint16_t>(number), negated, true};
 }
 
-std::unique_ptr<CTarnFWProtocol> protocolOfNumber(std::int64_t number, bool negated) {
+FWParserProtocol protocolOfNumber(std::int64_t number, bool negated) {
   const auto value = numberUpTo<std::uint8_t>(number, 0xff, "ip protocol value overflows");
-  return std::make_unique<CTarnFWProtocol>(FWProtocolLayer::ip, value, negated);
+  return {FWProtocolLayer::ip, value, negated, true};
 }
 
-std::unique_ptr<CTarnFWProtocol> etherType(std::int64_t number, bool negated) {
+FWParserProtocol etherType(std::int64_t number, bool negated) {
   const auto value = numberUpTo<std::uint16_t>(number, 0xffff, "ether type value overflows");
-  return std::make_unique<CTarnFWProtocol>(FWProtocolLayer::ethernet, value, negated);
+  return {FWProtocolLayer::ethernet, value, negated, true};
 }
 
 std::unique_ptr<CTarnFWProtocolSpec> port(std::int64_t number, bool negated) {
@@ -271,8 +269,9 @@ std::unique_ptr<CTarnFWRuleAction> loadBalancing(std::uint16_t type, std::int64_
   return std::make_unique<CTarnFWRuleActionLB>(type, idleTime, closeTime, options);
 }
 
-std::optional<CTarnFWProtocol> takeProtocol(std::unique_ptr<CTarnFWProtocol> protocol) {
-  return *protocol;
+CTarnFWProtocol ruleProtocol(const FWParserProtocol& protocol) {
+  if (!protocol.defined) return CTarnFWProtocol(protocol.layer);
+  return {protocol.layer, protocol.number, protocol.negated};
 }
 
 CTarnFWProtocolSpecList takeSpecs(std::unique_ptr<CTarnFWProtocolSpecList> specs,
@@ -280,6 +279,14 @@ CTarnFWProtocolSpecList takeSpecs(std::unique_ptr<CTarnFWProtocolSpecList> specs
   if (specs == nullptr) return CTarnFWProtocolSpecList(dir);
   specs->setDir(dir);
   return std::move(*specs);
+}
+
+CTarnFWProtocolSpecList portSpecs(std::unique_ptr<CTarnFWProtocolSpec> ports,
+                                  FWProtocolSpecDir dir) {
+  CTarnFWProtocolSpecList list(dir);
+  if (ports != nullptr) ports->setDir(dir);
+  list.setSpec(std::move(ports));
+  return list;
 }
 
 std::unique_ptr<CTarnFWRule> buildRule(const FWParse& parse, CTarnFWParserArena::Mark mark,

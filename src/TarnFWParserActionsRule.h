@@ -18,11 +18,18 @@ namespace TarnFirewall {
 
 // --- Protocol
 
+/// A rule's protocol until the rule is built: it fits into the parser's value.
+struct FWParserProtocol {
+  FWProtocolLayer layer;
+  std::uint16_t number;
+  bool negated;
+  bool defined;
+};
+
 /// By the host's name of the protocol. Throws `CParseFailure` with status 52.
-std::unique_ptr<CTarnFWProtocol> protocolOfName(const FWParse& parse, const FWParserText& name,
-                                                bool negated);
-std::unique_ptr<CTarnFWProtocol> protocolOfNumber(std::int64_t number, bool negated);
-std::unique_ptr<CTarnFWProtocol> etherType(std::int64_t number, bool negated);
+FWParserProtocol protocolOfName(const FWParse& parse, const FWParserText& name, bool negated);
+FWParserProtocol protocolOfNumber(std::int64_t number, bool negated);
+FWParserProtocol etherType(std::int64_t number, bool negated);
 
 // --- Ports
 
@@ -111,12 +118,15 @@ std::unique_ptr<CTarnFWRuleAction> loadBalancing(std::uint16_t type, std::int64_
 
 // --- Rule
 
-/// The protocol of a rule.
-std::optional<CTarnFWProtocol> takeProtocol(std::unique_ptr<CTarnFWProtocol> protocol);
+CTarnFWProtocol ruleProtocol(const FWParserProtocol& protocol);
 
 /// The specs of one place of a rule, turned to its direction. Null, which is what the grammar has
 /// for most rules, gives an empty list.
 CTarnFWProtocolSpecList takeSpecs(std::unique_ptr<CTarnFWProtocolSpecList> specs,
+                                  FWProtocolSpecDir dir);
+
+/// The ports of one end of a rule, or an empty list for null.
+CTarnFWProtocolSpecList portSpecs(std::unique_ptr<CTarnFWProtocolSpec> ports,
                                   FWProtocolSpecDir dir);
 
 /// The rule. Each address range in it becomes a reference to an address set named after the rule's

@@ -11,7 +11,6 @@
 %define api.pure full
 %define api.token.prefix {TK_}
 %define parse.error verbose
-%locations
 %expect 0
 
 %parse-param {TarnFirewall::FWStatus_t* status} {void* scanner} {const char* filename}
@@ -25,6 +24,15 @@
 #include "TarnFWParserActionsConnection.h"
 #include "TarnFWParserActionsRule.h"
 #include "TarnFWParserActionsRuleSet.h"
+
+/// A place in the text. The parser keeps none, and the scanner fills none: the line counter serves.
+struct YYLTYPE {
+  int first_line;
+  int first_column;
+  int last_line;
+  int last_column;
+};
+#define YYLTYPE_IS_DECLARED 1
 }
 
 %code provides {
@@ -101,8 +109,13 @@ using namespace TarnFirewall;
     if (!attempt(PARSE, [&] { __VA_ARGS__; })) YYERROR; \
   } while (false)
 
-/* The scanner fills no location, so that none is carried along. */
-#define YYLLOC_DEFAULT(current, right, count) ((void)(right))
+/* The generated parser calls both without a location. */
+static int yylex(YYSTYPE* value, void* lexer) { return yylex(value, nullptr, lexer); }
+
+static void yyerror(FWStatus_t* status, void* lexer, const char* filename,
+                    CTarnFWCmdList** cmdList, CTarnFWCmdConfig** cmdConfig, const char* message) {
+  yyerror(nullptr, status, lexer, filename, cmdList, cmdConfig, message);
+}
 }
 
 %union {
@@ -128,7 +141,7 @@ using namespace TarnFirewall;
   TarnFirewall::CTarnFWIDList* idList;
   TarnFirewall::FWConnection_* connection;  /* in the arena */
   TarnFirewall::CTarnFWConnectionList* connectionList;
-  TarnFirewall::CTarnFWProtocol* protocol;
+  TarnFirewall::FWParserProtocol protocol;
   TarnFirewall::CTarnFWProtocolSpec* spec;
   TarnFirewall::CTarnFWProtocolSpecL4PortSet* portSet;
   TarnFirewall::CTarnFWProtocolSpecList* specList;
@@ -144,7 +157,7 @@ using namespace TarnFirewall;
 }
 
 %destructor { delete $$; }
-  <command> <address> <addressList> <idList> <protocol> <spec> <portSet> <specList> <action>
+  <command> <address> <addressList> <idList> <spec> <portSet> <specList> <action>
   <containerID> <rule> <ruleList> <connectionList> <texts> <numbers> <namedUuids> <attributes>
 
 %token COMMENT "TK_COMMENT"
@@ -320,8 +333,8 @@ using namespace TarnFirewall;
 %nterm <ipPort> Single_IP_Port Single_IP_Or_Any_Port
 %nterm <idList> ID_List Single_ID_Or_List
 %nterm <text> Optional_Save_to Optional_Rule_Tag Key_Policy
-%nterm <specList> Optional_Protocol_Spec Protocol_Spec Proto_Spec_List Optional_Port_Spec
-%nterm <spec> Single_Port_Spec Single_Proto_Spec
+%nterm <specList> Optional_Protocol_Spec Protocol_Spec Proto_Spec_List
+%nterm <spec> Optional_Port_Spec Single_Port_Spec Single_Proto_Spec
 %nterm <portSet> L4_Port_List
 %nterm <action> Rule_Action Single_Rule_Action
 %nterm <protocol> Rule_Protocol
@@ -1009,12 +1022,12 @@ Single_Rule:
     { TRY($$ = buildRule(PARSE, $1, $2, $3, $15,
                          {.direction = $4,
                           .af = $5,
-                          .protocol = takeProtocol(own($6)),
+                          .protocol = ruleProtocol($6),
                           .connection = takeSpecs(own($7), FW_SPEC_DIR_BOTH),
                           .source = own($8),
-                          .sourcePorts = takeSpecs(own($9), FW_SPEC_DIR_SOURCE),
+                          .sourcePorts = portSpecs(own($9), FW_SPEC_DIR_SOURCE),
                           .destination = own($10),
-                          .destinationPorts = takeSpecs(own($11), FW_SPEC_DIR_DESTINATION),
+                          .destinationPorts = portSpecs(own($11), FW_SPEC_DIR_DESTINATION),
                           .action = own($14),
                           .extendedSource = own($12),
                           .attributeProfile = own($13)}).release()); }
@@ -1053,21 +1066,21 @@ Optional_Rule_Tag:
 
 Rule_Protocol:
     PROTOCOL ANY  /* 244 */
-      { TRY($$ = new CTarnFWProtocol(FWProtocolLayer::ip)); }
+      { $$ = {FWProtocolLayer::ip, 0, false, false}; }
   | PROTOCOL STRING  /* 245 */
-      { TRY($$ = protocolOfName(PARSE, $2, false).release()); }
+      { TRY($$ = protocolOfName(PARSE, $2, false)); }
   | NOT PROTOCOL STRING  /* 246 */
-      { TRY($$ = protocolOfName(PARSE, $3, true).release()); }
+      { TRY($$ = protocolOfName(PARSE, $3, true)); }
   | PROTOCOL NUMBER  /* 247 */
-      { TRY($$ = protocolOfNumber($2, false).release()); }
+      { TRY($$ = protocolOfNumber($2, false)); }
   | NOT PROTOCOL NUMBER  /* 248 */
-      { TRY($$ = protocolOfNumber($3, true).release()); }
+      { TRY($$ = protocolOfNumber($3, true)); }
   | ETHERTYPE ANY  /* 249 */
-      { TRY($$ = new CTarnFWProtocol(FWProtocolLayer::ethernet)); }
+      { $$ = {FWProtocolLayer::ethernet, 0, false, false}; }
   | ETHERTYPE NUMBER  /* 250 */
-      { TRY($$ = etherType($2, false).release()); }
+      { TRY($$ = etherType($2, false)); }
   | NOT ETHERTYPE NUMBER  /* 251 */
-      { TRY($$ = etherType($3, true).release()); }
+      { TRY($$ = etherType($3, true)); }
     ;
 
 Src_Addr_Spec:
@@ -1100,7 +1113,6 @@ Optional_Port_Spec:
     %empty  /* 267 */
       { $$ = nullptr; }
   | Single_Port_Spec  /* 268 */
-      { TRY($$ = withSpec({}, own($1)).release()); }
     ;
 
 Optional_ExtSrc_Profile_Spec:
