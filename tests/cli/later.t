@@ -1,14 +1,6 @@
-Commands that this build does not have say so, whatever their options; one of each family.
+Commands for debug builds only say so, whatever their options.
 
   $ . "$TESTDIR/setup"
-
-Trace and inspection.
-
-  $ run tarnioctl tracetarn -x
-  err| ERROR: command tracetarn is not available in this build.
-  [1]
-
-These are for debug builds only.
 
   $ run tarnioctl getskifferdata
   Command unsupported in release build.

@@ -352,6 +352,14 @@ const Row kRows[] = {
     {"Getstatedpiinfo",
      {"getstatedpiinfo", "-Override", "-f", FILTER, "-s", "1001"},
      {"255 part", "0 part"}},
+    {"TracehulldList", {"tracehulld", "-c", "help"}, {}},
+    {"Tracetarn",
+     {"tracetarn", "-f", FILTER, "-s"},
+     {"255 part", "0 ERROR: failed to execute tarn trace command: out of memory"}},
+    {"TracetarnLevel",
+     {"tracetarn", "-f", FILTER, "-c", "comp-log", "-m", "icmp"},
+     {"255 whole", "0 ERROR: failed to execute tarn trace command: out of memory"}},
+    {"GetdpiinfoHelp", {"getdpiinfo", "-h"}, {}},
     {"Uuid2number", {"uuid2number", "01234567-89ab-cdef-0123-456789abcdef"}, {}},
     {"Number2uuid", {"number2uuid", "81985529216486895,81985529216486895"}, {}},
 };
@@ -415,18 +423,14 @@ TEST_P(Commands, ReportsOutputThatIsLost) {
 INSTANTIATE_TEST_SUITE_P(All, Commands, testing::ValuesIn(kRows),
                          [](const auto& row) { return row.param.name; });
 
-TEST(CommandRows, NameEveryHandlerOfThisBuild) {
+TEST(CommandRows, NameEveryHandler) {
   std::set<FWHandler_t> named;
   for (const Row& row : kRows) {
     if (const FWCommand_* const command = findCommand(row.words[0].c_str()))
       named.insert(command->handler);
   }
-  for (const FWCommand_& command : g_cmd_table) {
-    const Result result = CommandProcess::run({command.name, "-Override", "-h"});
-    if (result.err.find("is not available in this build") == std::string::npos) {
-      EXPECT_EQ(named.count(command.handler), 1u) << command.name << " has no row in kRows";
-    }
-  }
+  for (const FWCommand_& command : g_cmd_table)
+    EXPECT_EQ(named.count(command.handler), 1u) << command.name << " has no row in kRows";
 }
 
 TEST(LostOutput, IsReportedWithTheFirstErrorWhenItIsLostInTheMiddle) {

@@ -312,6 +312,11 @@ struct FuzzHostCalls {
     return g_host->answers() ? __real_open("/dev/null", O_RDWR | O_CLOEXEC) : -1;
   }
 
+  static int socket(int family) {
+    g_host->local_ = family == AF_UNIX;
+    return g_host->local_ && g_host->outcome() != 0 ? -1 : descriptor();
+  }
+
   static bool hostile() { return g_host->hostile_; }
   static int outcome() { return g_host->outcome(); }
 
@@ -400,17 +405,18 @@ struct FuzzHostCalls {
     g_host->received_ = 0;
     const std::size_t most = g_host->number(1);
     if (most == 255)
-      return g_host->fail(g_host->hostile_ ? static_cast<int>(g_host->number(1)) : EAGAIN);
+      return g_host->fail(g_host->hostile_ || g_host->local_ ? static_cast<int>(g_host->number(1))
+                                                             : EAGAIN);
     return static_cast<ssize_t>(most == 0 ? size : std::min(size, most));
   }
 
   static ssize_t recv(void* buffer, std::size_t size) {
     if (!g_host->answers()) return -1;
     const std::size_t claimed = g_host->number(2);
-    if (g_host->hostile_ && claimed == 0xffff)
+    if ((g_host->hostile_ || g_host->local_) && claimed == 0xffff)
       return g_host->fail(static_cast<int>(g_host->number(1)));
     const auto bytes = g_host->take(std::min(claimed, size));
-    if (g_host->hostile_) {
+    if (g_host->hostile_ || g_host->local_) {
       std::copy(bytes.begin(), bytes.end(), static_cast<std::uint8_t*>(buffer));
       return static_cast<ssize_t>(bytes.size());
     }
@@ -450,6 +456,8 @@ int __wrap_close(int descriptor) {
 ssize_t __real_write(int descriptor, const void* bytes, std::size_t size);
 ssize_t __wrap_write(int descriptor, const void* bytes, std::size_t size);
 ssize_t __wrap_write(int descriptor, const void* bytes, std::size_t size) {
+  if (g_host != nullptr && descriptor == STDOUT_FILENO)
+    return static_cast<ssize_t>(std::fwrite(bytes, 1, size, stdout));
   return isHostile(descriptor) ? FuzzHostCalls::send(size) : __real_write(descriptor, bytes, size);
 }
 
@@ -520,7 +528,7 @@ int __real_socket(int family, int type, int protocol) noexcept;
 int __wrap_socket(int family, int type, int protocol) noexcept;
 int __wrap_socket(int family, int type, int protocol) noexcept {
   if (g_host == nullptr) return __real_socket(family, type, protocol);
-  return FuzzHostCalls::descriptor();
+  return FuzzHostCalls::socket(family);
 }
 
 int __real_connect(int descriptor, const sockaddr* address, socklen_t size);

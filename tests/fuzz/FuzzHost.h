@@ -39,6 +39,9 @@
 ///     send                    a byte: 0 takes all, 255 is busy, else the most that is taken
 ///     recv                    16 bits length and the bytes; none is the peer's end
 ///
+/// A local socket begins with a byte: errno, 0 for success. It fails as those of a hostile host do,
+/// and hands over all that its peer says.
+///
 /// A command that repeats until a signal ends it gets one when it waits after so many calls that
 /// all of them fail: `Signal` is thrown then.
 ///
@@ -113,6 +116,7 @@ class FuzzHost {
   unsigned int slept_ = 0;
   unsigned int calls_ = 0;
   unsigned int openFiles_ = 0;
+  bool local_ = false;        // the peers of sockets are processes of this host
   std::size_t received_ = 0;  // since the last send
   std::FILE* input_ = nullptr;
   std::FILE* realInput_;

@@ -6,7 +6,9 @@
 #include <poll.h>
 #include <signal.h>
 #include <spawn.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -16,7 +18,9 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <list>
 #include <map>
+#include <utility>
 
 #include "HostCallName.h"
 
@@ -35,6 +39,10 @@ int __real_posix_spawn_file_actions_adddup2(posix_spawn_file_actions_t* actions,
 int __real_posix_spawn(pid_t* child, const char* path, const posix_spawn_file_actions_t* actions,
                        const posix_spawnattr_t* attributes, char* const* arguments,
                        char* const* environment);
+int __real_socket(int family, int type, int protocol) noexcept;
+int __real_connect(int descriptor, const sockaddr* address, socklen_t size);
+ssize_t __real_send(int descriptor, const void* bytes, std::size_t size, int flags);
+ssize_t __real_recv(int descriptor, void* bytes, std::size_t size, int flags);
 void* __real_dlopen(const char* name, int flags);
 void* __real_dlsym(void* library, const char* name);
 }
@@ -48,14 +56,32 @@ int g_error = 0;
 const char* g_only = nullptr;
 std::string g_failed;
 
+constexpr std::size_t kUnlimited = std::numeric_limits<std::size_t>::max();
 unsigned int g_writesLeft = kNone;
-std::size_t g_limit = std::numeric_limits<std::size_t>::max();
+std::size_t g_writeLimit = kUnlimited;
+std::size_t g_limit = kUnlimited;
 bool g_interrupts = false;
 std::map<std::string, bool> g_interrupted;  // whether the last one of a name was
 
 std::string g_path;
 std::string g_script;
 std::vector<std::string> g_starts;
+
+unsigned int g_wholeReceives = kNone;  // up to the first pause
+bool g_paused = false;
+
+/// What is to follow a call.
+struct Hook {
+  std::string name;
+  unsigned int left;
+  std::function<void()> body;
+};
+std::list<Hook> g_hooks;
+
+std::vector<std::pair<std::string, std::string>> g_moved;  // from, to
+
+bool g_keepsSocketCalls = false;
+std::vector<std::string> g_socketCalls;
 
 CallShim::HostCall g_hostCall = CallShim::HostCall::kNone;
 void* g_function = nullptr;
@@ -79,6 +105,46 @@ bool isInterrupted(const char* name) {
   return now;
 }
 
+/// Runs what is to follow this call, unless it failed. Returns what the call gave.
+template <typename Result>
+Result followed(const char* name, Result result) {
+  if (result == -1) return result;
+  for (Hook& hook : g_hooks)
+    if (hook.name == name && hook.left-- == 0) hook.body();
+  return result;
+}
+
+std::string movedPath(const char* path) {
+  const std::string text = path;
+  for (const auto& [from, to] : g_moved)
+    if (text.starts_with(from + "/")) return to + text.substr(from.size());
+  return text;
+}
+
+void keepSocketCall(const std::string& line) {
+  if (g_keepsSocketCalls) g_socketCalls.push_back(line);
+}
+
+/// Whether this `recv` finds an end that is none.
+bool pauses() {
+  if (g_wholeReceives == kNone) return false;
+  if (g_wholeReceives != 0) return --g_wholeReceives, false;
+  return g_paused = !g_paused;
+}
+
+int connectLocal(int descriptor, const sockaddr* address, socklen_t size) {
+  constexpr std::size_t kHead = offsetof(sockaddr_un, sun_path);
+  const std::string path(reinterpret_cast<const char*>(address) + kHead, size - kHead);
+  keepSocketCall("connect " + path + " " + std::to_string(size));
+  const std::string moved = movedPath(path.c_str());
+  sockaddr_un there{};
+  if (moved.size() >= sizeof there.sun_path) std::abort();
+  there.sun_family = AF_UNIX;
+  std::memcpy(there.sun_path, moved.data(), moved.size());
+  const auto length = static_cast<socklen_t>(kHead + moved.size());
+  return __real_connect(descriptor, reinterpret_cast<const sockaddr*>(&there), length);
+}
+
 }  // namespace
 
 extern "C" {
@@ -89,7 +155,9 @@ int __wrap_open(const char* path, int flags, ...) {
   va_start(arguments, flags);
   const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(arguments, mode_t) : 0;
   va_end(arguments);
-  return fails("open") ? -1 : __real_open(path, flags, mode);
+  if (fails("open")) return -1;
+  if (g_moved.empty()) return __real_open(path, flags, mode);
+  return __real_open(movedPath(path).c_str(), flags, mode);
 }
 
 int __wrap_close(int descriptor);
@@ -112,7 +180,7 @@ ssize_t __wrap_write(int descriptor, const void* bytes, std::size_t size) {
     return -1;
   }
   if (g_writesLeft != kNone) --g_writesLeft;
-  return __real_write(descriptor, bytes, std::min(size, g_limit));
+  return __real_write(descriptor, bytes, std::min({size, g_limit, g_writeLimit}));
 }
 
 int __wrap_fchmod(int descriptor, mode_t mode);
@@ -175,6 +243,37 @@ int __wrap_posix_spawn(pid_t* child, const char* path, const posix_spawn_file_ac
   return __real_posix_spawn(child, "/bin/sh", actions, attributes, shell, environment);
 }
 
+int __wrap_socket(int family, int type, int protocol) noexcept;
+int __wrap_socket(int family, int type, int protocol) noexcept {
+  keepSocketCall("socket " + std::to_string(family) + " " + std::to_string(type) + " " +
+                 std::to_string(protocol));
+  return fails("socket") ? -1 : __real_socket(family, type, protocol);
+}
+
+int __wrap_connect(int descriptor, const sockaddr* address, socklen_t size);
+int __wrap_connect(int descriptor, const sockaddr* address, socklen_t size) {
+  if (fails("connect")) return -1;
+  return followed("connect", address->sa_family == AF_UNIX
+                                 ? connectLocal(descriptor, address, size)
+                                 : __real_connect(descriptor, address, size));
+}
+
+ssize_t __wrap_send(int descriptor, const void* bytes, std::size_t size, int flags);
+ssize_t __wrap_send(int descriptor, const void* bytes, std::size_t size, int flags) {
+  keepSocketCall("send " + std::to_string(size) + " " + std::to_string(flags));
+  if (fails("send") || isInterrupted("send")) return -1;
+  return followed("send", __real_send(descriptor, bytes, std::min(size, g_limit), flags));
+}
+
+ssize_t __wrap_recv(int descriptor, void* bytes, std::size_t size, int flags);
+ssize_t __wrap_recv(int descriptor, void* bytes, std::size_t size, int flags) {
+  if (fails("recv")) return g_error == 0 ? 0 : -1;
+  if (isInterrupted("recv")) return -1;
+  const std::size_t most = g_wholeReceives != kNone ? 1 : g_limit;
+  if (pauses()) return 0;
+  return followed("recv", __real_recv(descriptor, bytes, std::min(size, most), flags));
+}
+
 void* __wrap_dlopen(const char* name, int flags);
 void* __wrap_dlopen(const char* name, int flags) {
   if (std::strcmp(name, "librudder.so.0") != 0) return __real_dlopen(name, flags);
@@ -204,8 +303,14 @@ Failing::~Failing() { g_left = kNone; }
 bool Failing::reached() const { return !g_failed.empty(); }
 std::string Failing::name() const { return g_failed; }
 
-FullDisk::FullDisk(unsigned int number) { g_writesLeft = number; }
-FullDisk::~FullDisk() { g_writesLeft = kNone; }
+FullDisk::FullDisk(unsigned int number, std::size_t limit) {
+  g_writesLeft = number;
+  g_writeLimit = limit;
+}
+FullDisk::~FullDisk() {
+  g_writesLeft = kNone;
+  g_writeLimit = kUnlimited;
+}
 
 ShortCalls::ShortCalls(std::size_t limit) {
   g_limit = limit;
@@ -213,9 +318,30 @@ ShortCalls::ShortCalls(std::size_t limit) {
   g_interrupted.clear();
 }
 ShortCalls::~ShortCalls() {
-  g_limit = std::numeric_limits<std::size_t>::max();
+  g_limit = kUnlimited;
   g_interrupts = false;
 }
+
+PausingStream::PausingStream(unsigned int whole) {
+  g_wholeReceives = whole;
+  g_paused = false;
+}
+PausingStream::~PausingStream() { g_wholeReceives = kNone; }
+
+After::After(const char* name, unsigned int number, std::function<void()> body) {
+  g_hooks.push_back({name, number, std::move(body)});
+}
+After::~After() { g_hooks.pop_back(); }
+
+Moved::Moved(const std::string& from, const std::string& to) { g_moved.emplace_back(from, to); }
+Moved::~Moved() { g_moved.pop_back(); }
+
+SocketCalls::SocketCalls() {
+  g_keepsSocketCalls = true;
+  g_socketCalls.clear();
+}
+SocketCalls::~SocketCalls() { g_keepsSocketCalls = false; }
+const std::vector<std::string>& SocketCalls::lines() const { return g_socketCalls; }
 
 Program::Program(const std::string& path, const std::string& script) {
   g_path = path;

@@ -5,13 +5,15 @@
 /// (`tarnfw_call_shim` in CMake says which). They pass through while none of these objects lives.
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <vector>
 
 namespace CallShim {
 
 /// The call of this number fails with `error`, counted from 0 over all functions or over those of
-/// one name. A descriptor that is closed is closed all the same.
+/// one name. A descriptor that is closed is closed all the same. A `recv` that fails with 0 finds
+/// the end of the stream.
 class Failing {
  public:
   Failing(unsigned int number, int error, const char* name = nullptr);
@@ -24,23 +26,68 @@ class Failing {
   std::string name() const;
 };
 
-/// All writes from the one of this number on find the disk full.
+/// All writes from the one of this number on find the disk full; those before it move no more than
+/// `limit` bytes each.
 class FullDisk {
  public:
-  explicit FullDisk(unsigned int number);
+  explicit FullDisk(unsigned int number, std::size_t limit = std::string::npos);
   ~FullDisk();
   FullDisk(const FullDisk&) = delete;
   FullDisk& operator=(const FullDisk&) = delete;
 };
 
-/// Reads and writes move no more than `limit` bytes at once, and every other one is interrupted
-/// before it has moved any, as are waiting for a child and for a descriptor.
+/// Reads and writes, of sockets too, move no more than `limit` bytes at once, and every other one
+/// is interrupted before it has moved any, as are waiting for a child and for a descriptor.
 class ShortCalls {
  public:
   explicit ShortCalls(std::size_t limit);
   ~ShortCalls();
   ShortCalls(const ShortCalls&) = delete;
   ShortCalls& operator=(const ShortCalls&) = delete;
+};
+
+/// Each `recv` gives one byte; after the first `whole` of them every other one finds the end of the
+/// stream.
+class PausingStream {
+ public:
+  explicit PausingStream(unsigned int whole);
+  ~PausingStream();
+  PausingStream(const PausingStream&) = delete;
+  PausingStream& operator=(const PausingStream&) = delete;
+};
+
+/// Runs `body` once, after the successful call of a name that has this number, counted from 0.
+class After {
+ public:
+  After(const char* name, unsigned int number, std::function<void()> body);
+  ~After();
+  After(const After&) = delete;
+  After& operator=(const After&) = delete;
+};
+
+/// Files that are opened and sockets that are connected to stand below `to` where the program says
+/// that they stand below `from`.
+class Moved {
+ public:
+  Moved(const std::string& from, const std::string& to);
+  ~Moved();
+  Moved(const Moved&) = delete;
+  Moved& operator=(const Moved&) = delete;
+};
+
+/// The calls of sockets since it was made, also those that failed, a line each:
+///
+///     socket FAMILY TYPE PROTOCOL
+///     connect PATH SIZE             of a local socket, with the size of the address
+///     send SIZE FLAGS
+class SocketCalls {
+ public:
+  SocketCalls();
+  ~SocketCalls();
+  SocketCalls(const SocketCalls&) = delete;
+  SocketCalls& operator=(const SocketCalls&) = delete;
+
+  const std::vector<std::string>& lines() const;
 };
 
 /// The shell runs `script` where `path` is to be started.

@@ -5,7 +5,7 @@
 /// verbosity and a library that cannot be opened.
 ///
 /// A handler's row stands in the file of its family, `tests/unit/HandlerRows<Family>.cpp`. A
-/// command without a row is expected to say that it is not in this build.
+/// command without a row fails a test.
 
 #include <utility>
 #include <vector>

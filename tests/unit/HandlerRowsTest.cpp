@@ -152,17 +152,9 @@ TEST(RowsOfHandlers, NameCommandsOfTheTableOnce) {
   }
 }
 
-TEST(RowsOfHandlers, CommandsWithoutOneSayThatTheyAreNotInThisBuild) {
+TEST(RowsOfHandlers, NameEveryCommand) {
   std::set<std::string> here;
   for (const HandlerRow& row : handlerRows()) here.insert(row.words.begin(), row.words.end());
-  for (const FWCommand_& command : g_cmd_table) {
-    const std::string word = command.name;
-    if (here.contains(word)) continue;
-    std::vector<std::string> words{word};
-    if ((command.flags & kCommandDangerous) != 0) words.emplace_back("-Override");
-    words.emplace_back("-h");
-    EXPECT_EQ(
-        runCommand(words),
-        (CommandResult{1, "", "ERROR: command " + word + " is not available in this build.\n"}));
-  }
+  for (const FWCommand_& command : g_cmd_table)
+    EXPECT_TRUE(here.contains(command.name)) << command.name << " has no row";
 }
