@@ -43,7 +43,6 @@ struct Family {
   FAMILY(flowExclusionFamily)       \
   FAMILY(flowFamily)                \
   FAMILY(greFamily)                 \
-  FAMILY(inspectionFamily)          \
   FAMILY(kifFamily)                 \
   FAMILY(memoryFamily)              \
   FAMILY(messageFamily)             \
@@ -57,7 +56,6 @@ struct Family {
   FAMILY(spoofGuardFamily)          \
   FAMILY(thresholdFamily)           \
   FAMILY(timeoutFamily)             \
-  FAMILY(traceFamily)               \
   FAMILY(userFamily)
 
 #define TARNLAB_DECLARE_FAMILY(name) extern const Family name;

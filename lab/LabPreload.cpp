@@ -1,6 +1,5 @@
 // The preload library: takes open, ioctl, close and the dup calls in front of the C library's, and
-// answers for the control devices. Everything else goes on to the C library as it came, but for the
-// host's files, which are those in the lab's folder.
+// answers for the control devices. Everything else goes on to the C library as it came.
 #include <fcntl.h>
 #include <pthread.h>
 #include <stdarg.h>
@@ -15,11 +14,9 @@
 
 #include "LabModel.h"
 #include "LabPreloadNext.h"
-#include "LabPreloadPath.h"
 #include "LabUndisturbed.h"
 
 using TarnLab::Device;
-using TarnLab::HostPath;
 using TarnLab::Next;
 
 namespace {
@@ -155,26 +152,26 @@ int fcntlDevice(Next<int(int, int, ...)>& next, int fd, int command, void* argum
 
 }  // namespace
 
-#define TARNLAB_OPEN(name, next)                                    \
-  TARNLAB_EXPORT int name(const char* path, int flags, ...) {       \
-    va_list arguments;                                              \
-    va_start(arguments, flags);                                     \
-    const mode_t mode = modeOf(flags, arguments);                   \
-    va_end(arguments);                                              \
-    const Device device = deviceOfPath(path);                       \
-    if (device != Device::none) return openDevice(device, flags);   \
-    return passed((next).get()(HostPath(path).get(), flags, mode)); \
+#define TARNLAB_OPEN(name, next)                                  \
+  TARNLAB_EXPORT int name(const char* path, int flags, ...) {     \
+    va_list arguments;                                            \
+    va_start(arguments, flags);                                   \
+    const mode_t mode = modeOf(flags, arguments);                 \
+    va_end(arguments);                                            \
+    const Device device = deviceOfPath(path);                     \
+    if (device != Device::none) return openDevice(device, flags); \
+    return passed((next).get()(path, flags, mode));               \
   }
 
-#define TARNLAB_OPENAT(name, next)                                          \
-  TARNLAB_EXPORT int name(int folder, const char* path, int flags, ...) {   \
-    va_list arguments;                                                      \
-    va_start(arguments, flags);                                             \
-    const mode_t mode = modeOf(flags, arguments);                           \
-    va_end(arguments);                                                      \
-    const Device device = deviceOfPath(path);                               \
-    if (device != Device::none) return openDevice(device, flags);           \
-    return passed((next).get()(folder, HostPath(path).get(), flags, mode)); \
+#define TARNLAB_OPENAT(name, next)                                        \
+  TARNLAB_EXPORT int name(int folder, const char* path, int flags, ...) { \
+    va_list arguments;                                                    \
+    va_start(arguments, flags);                                           \
+    const mode_t mode = modeOf(flags, arguments);                         \
+    va_end(arguments);                                                    \
+    const Device device = deviceOfPath(path);                             \
+    if (device != Device::none) return openDevice(device, flags);         \
+    return passed((next).get()(folder, path, flags, mode));               \
   }
 
 // With checking turned on, the headers make inline functions and redirections of these names.
@@ -192,37 +189,36 @@ TARNLAB_OPENAT(openat64, nextOpenAt64)
 TARNLAB_EXPORT int creat(const char* path, mode_t mode) {
   const Device device = deviceOfPath(path);
   return device != Device::none ? openDevice(device, O_WRONLY)
-                                : passed(nextCreat.get()(HostPath(path).get(), mode));
+                                : passed(nextCreat.get()(path, mode));
 }
 
 TARNLAB_EXPORT int creat64(const char* path, mode_t mode) {
   const Device device = deviceOfPath(path);
   return device != Device::none ? openDevice(device, O_WRONLY)
-                                : passed(nextCreat64.get()(HostPath(path).get(), mode));
+                                : passed(nextCreat64.get()(path, mode));
 }
 
 TARNLAB_EXPORT int __open_2(const char* path, int flags) {
   const Device device = deviceOfPath(path);
-  return device != Device::none ? openDevice(device, flags)
-                                : passed(nextOpen2.get()(HostPath(path).get(), flags));
+  return device != Device::none ? openDevice(device, flags) : passed(nextOpen2.get()(path, flags));
 }
 
 TARNLAB_EXPORT int __open64_2(const char* path, int flags) {
   const Device device = deviceOfPath(path);
   return device != Device::none ? openDevice(device, flags)
-                                : passed(nextOpen642.get()(HostPath(path).get(), flags));
+                                : passed(nextOpen642.get()(path, flags));
 }
 
 TARNLAB_EXPORT int __openat_2(int folder, const char* path, int flags) {
   const Device device = deviceOfPath(path);
   return device != Device::none ? openDevice(device, flags)
-                                : passed(nextOpenAt2.get()(folder, HostPath(path).get(), flags));
+                                : passed(nextOpenAt2.get()(folder, path, flags));
 }
 
 TARNLAB_EXPORT int __openat64_2(int folder, const char* path, int flags) {
   const Device device = deviceOfPath(path);
   return device != Device::none ? openDevice(device, flags)
-                                : passed(nextOpenAt642.get()(folder, HostPath(path).get(), flags));
+                                : passed(nextOpenAt642.get()(folder, path, flags));
 }
 
 TARNLAB_EXPORT int ioctl(int fd, unsigned long number, ...) {

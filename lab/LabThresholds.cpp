@@ -1,6 +1,4 @@
 // Requests 28 and 29 of the firewall device: the load above which the host raises an event.
-#include "LabThresholds.h"
-
 #include <algorithm>
 #include <cerrno>
 
@@ -10,9 +8,8 @@ namespace TarnLab {
 
 namespace {
 
-constexpr const NumberSetting& cpuThreshold = eventThresholds[0].setting;
-constexpr const NumberSetting& memoryThreshold = eventThresholds[1].setting;
-constexpr const NumberSetting& connectionThreshold = eventThresholds[2].setting;
+constexpr NumberSetting cpuThreshold{"threshold.cpu", 80};
+constexpr NumberSetting connectionThreshold{"threshold.connections", 5000};
 
 constexpr std::size_t bodySize = 8;
 constexpr Bits given{0, 0x03, "given"};
@@ -61,7 +58,7 @@ constexpr DirectKind requests[] = {
      .reply = {cpu, cpuUsed, connections}},
 };
 
-constexpr Setting settings[] = {cpuThreshold, memoryThreshold, connectionThreshold};
+constexpr Setting settings[] = {cpuThreshold, connectionThreshold};
 
 }  // namespace
 

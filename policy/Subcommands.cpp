@@ -1,9 +1,10 @@
+#include "Check.h"
 #include "Subcommand.h"
 
 namespace {
 
 constexpr Subcommand kSubcommands[] = {
-    {"check", "finds the mistakes in configuration text", "", nullptr},
+    {"check", "finds the mistakes in configuration text", kCheckUsage, runCheck},
     {"save", "prints what a filter holds as configuration text", "", nullptr},
     {"diff", "shows in what two policies differ", "", nullptr},
     {"apply", "changes a filter to what a text says", "", nullptr},

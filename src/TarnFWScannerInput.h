@@ -35,6 +35,9 @@ class CTarnFWScannerInput {
   /// ends where the text ends.
   void readAgain();
 
+  /// Size of the text that is being read again: the last bytes of the whole input. 0 while none is.
+  std::size_t againSize() const { return readsAgain_ ? again_.size() : 0; }
+
   /// Reads up to `room` bytes, to the end of a line only when `interactive`; 0 at the end. Throws
   /// `CTarnFWException` with status 12 when the stream can't be read.
   std::size_t read(std::FILE* stream, bool interactive, char* buffer, std::size_t room);

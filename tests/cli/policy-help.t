@@ -2,24 +2,21 @@ How tarnpolicy is called.
 
   $ . "$TESTDIR/setup"
 
-  $ run tarnpolicy --help
+  $ run tarnpolicy --help | head -3
   Usage: tarnpolicy SUBCOMMAND ...
          tarnpolicy SUBCOMMAND --help
          tarnpolicy --version
-  
   $ tarnpolicy -h > short; tarnpolicy --help | cmp - short
   $ run tarnpolicy --version
   tarnpolicy [0-9.]+ (re)
 
 Called wrongly.
 
-  $ run tarnpolicy
-  err| tarnpolicy: a subcommand is missing
-  err| Usage: tarnpolicy SUBCOMMAND ...
-  err|        tarnpolicy SUBCOMMAND --help
-  err|        tarnpolicy --version
-  err| 
+  $ tarnpolicy > out 2>&1
   [2]
+  $ head -2 out
+  tarnpolicy: a subcommand is missing
+  Usage: tarnpolicy SUBCOMMAND ...
   $ run tarnpolicy frobnicate 2>&1 | head -1
   err| tarnpolicy: no subcommand frobnicate
   $ run tarnpolicy confirm 2>&1 | head -1

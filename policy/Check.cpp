@@ -1,0 +1,63 @@
+#include "Check.h"
+
+#include <unistd.h>
+
+#include <cstdlib>
+#include <string>
+#include <string_view>
+
+#include "CheckTexts.h"
+#include "DiagnosticPrinter.h"
+#include "Options.h"
+
+const char kCheckUsage[] =
+    "Usage: tarnpolicy check [OPTION]... FILE...\n"
+    "Finds the mistakes in configuration text. Several files are one policy, in their order; `-' "
+    "is\n"
+    "standard input. Nothing is sent and nothing is changed.\n"
+    "\n"
+    "      --format FORM  human (the default), json or sarif\n"
+    "      --strict       warnings count as errors\n"
+    "  -h, --help         this text\n"
+    "\n"
+    "Exit status: 0 without errors, 1 with errors, 2 for a call that is wrong or a file that "
+    "cannot\n"
+    "be read.\n";
+
+namespace {
+
+enum class Format { human, json, sarif };
+
+Format formatOf(std::string_view word) {
+  if (word == "human") return Format::human;
+  if (word == "json") return Format::json;
+  if (word == "sarif") return Format::sarif;
+  throw CallError("no format " + std::string(word) + ": it is human, json or sarif");
+}
+
+bool wantsColours() {
+  const char* const refused = std::getenv("NO_COLOR");
+  return isatty(STDOUT_FILENO) != 0 && (refused == nullptr || *refused == '\0');
+}
+
+}  // namespace
+
+int runCheck(int argc, char** argv) {
+  constexpr OptionForm kForms[] = {{"format", 'F', false, true}, {"strict", 's', false, false}};
+  Format format = Format::human;
+  bool strict = false;
+  OptionReader options(argc, argv, kForms);
+  while (const char letter = options.next()) {
+    if (letter == 'F') format = formatOf(options.argument());
+    if (letter == 's') strict = true;
+  }
+  if (options.operands().empty()) throw CallError("a file is missing");
+
+  SourceTexts sources;
+  for (const char* path : options.operands()) sources.push_back(SourceText::read(path));
+  const Diagnostics diagnostics = checkTexts(sources);
+  if (format == Format::human) printForPeople(stdout, sources, diagnostics, wantsColours());
+  if (format == Format::json) printJson(stdout, sources, diagnostics);
+  if (format == Format::sarif) printSarif(stdout, sources, diagnostics);
+  return diagnostics.errors() > 0 || (strict && diagnostics.warnings() > 0) ? 1 : 0;
+}

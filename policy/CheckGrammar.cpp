@@ -1,0 +1,75 @@
+#include "CheckGrammar.h"
+
+#include "TarnFWParserActions.h"
+#include "TarnFWScanner.h"
+
+// The generated names, as the instance has them.
+union POLICY_STYPE;
+struct POLICY_LTYPE;
+int policy_lex(POLICY_STYPE* value, POLICY_LTYPE* location, void* scanner);
+
+namespace TarnFirewall {
+
+namespace {
+
+GrammarClient& clientOf(void* scanner) {
+  return *static_cast<GrammarClient*>(yyget_extra(scanner));
+}
+
+/// Takes the place of `attempt` in the actions: what fails goes to the client.
+template <typename Action>
+bool attemptForClient(bool lookedAhead, const FWParse& parse, Action&& action) {
+  try {
+    action();
+    return true;
+  } catch (...) {
+    clientOf(parse.scanner).refused(lookedAhead);
+    dropParseResults(parse);
+    return false;
+  }
+}
+
+}  // namespace
+
+}  // namespace TarnFirewall
+
+#define attempt(...) attemptForClient(yychar != TK_POLICY_EMPTY, __VA_ARGS__)
+
+#include <policy_grammar.inc>
+
+#undef attempt
+
+int policy_lex(POLICY_STYPE* value, POLICY_LTYPE*, void* scanner) {
+  return clientOf(scanner).nextToken(value, sizeof *value);
+}
+
+/// Called by the generated parser. 0: the message has been made.
+static int yyreport_syntax_error(const yypcontext_t* context, FWStatus_t*, void* scanner,
+                                 const char*, CTarnFWCmdList**, CTarnFWCmdConfig**) {
+  // Kinds of symbols are numbered as the tokens are; 0 is the end of the text in both.
+  constexpr int kFirstToken = 255;
+  yysymbol_kind_t kinds[YYNTOKENS];
+  const int count = yypcontext_expected_tokens(context, kinds, YYNTOKENS);
+  std::vector<int> expected;
+  for (int i = 0; i < count; ++i) {
+    expected.push_back(kinds[i] == YYSYMBOL_YYEOF ? 0 : kinds[i] + kFirstToken);
+  }
+  clientOf(scanner).unexpected(expected);
+  return 0;
+}
+
+const char* grammarName(int code) {
+  constexpr int kFirstToken = 255;
+  return yysymbol_name(code == 0 ? YYSYMBOL_YYEOF
+                                 : static_cast<yysymbol_kind_t>(code - kFirstToken));
+}
+
+bool runGrammar(GrammarClient& client, void* scanner, CTarnFWCmdList** list,
+                CTarnFWCmdConfig** config) {
+  FWStatus_t status = FW_STATUS_OK;
+  const int result = policy_parse(&status, scanner, "", list, config);
+  if (result == 2) client.exhausted();
+  FWStatus_t ignored = status;
+  if (result != 0) dropParseResults({&ignored, scanner, "", list, config});
+  return result == 0;
+}

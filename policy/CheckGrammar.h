@@ -1,0 +1,42 @@
+#pragma once
+
+/// The language's grammar, with the actions of the library, in an instance of its own that keeps
+/// every place and knows what would have been accepted.
+
+#include <cstddef>
+#include <vector>
+
+#include "TarnFWParserValues.h"
+
+namespace TarnFirewall {
+class CTarnFWCmdConfig;
+class CTarnFWCmdList;
+}  // namespace TarnFirewall
+
+/// What a run of the grammar asks, and what it reports to. It is attached to the scanner as its
+/// extra record.
+struct GrammarClient : TarnFirewall::fw_lex_extra_ {
+  /// Stores the next token's value, `size` bytes, and returns its code as the scanner does.
+  virtual int nextToken(void* value, std::size_t size) = 0;
+
+  /// The token that was given last has no place. `expected`: the codes that have one.
+  virtual void unexpected(const std::vector<int>& expected) = 0;
+
+  /// An action failed; called while its exception is handled. `lookedAhead`: the token that was
+  /// given last is not part of what failed.
+  virtual void refused(bool lookedAhead) = 0;
+
+  /// The parser's stack is full, or there is no memory for it.
+  virtual void exhausted() = 0;
+
+ protected:
+  ~GrammarClient() = default;
+};
+
+/// The grammar's name of a token by its code: "keyword rule", ";", "decimal" and so on.
+const char* grammarName(int code);
+
+/// Parses from the client's tokens up to their end or to the first mistake, which has been reported
+/// then: false, and the results are empty.
+bool runGrammar(GrammarClient& client, void* scanner, TarnFirewall::CTarnFWCmdList** list,
+                TarnFirewall::CTarnFWCmdConfig** config);

@@ -1,0 +1,152 @@
+#include "CheckTokens.h"
+
+#include <cstdio>
+#include <new>
+#include <utility>
+
+#include "TarnFWScanner.h"
+#include "tarnfw_parser.h"
+
+// Parts of the generated scanner that the library itself has no use for.
+yy_buffer_state* yy_scan_bytes(const char* bytes, int size, void* scanner);
+char* yyget_text(void* scanner);
+int yyget_leng(void* scanner);
+
+namespace {
+
+using TarnFirewall::FW_STATUS_OK;
+
+bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
+
+}  // namespace
+
+class TokenReader::QuietErrors {
+ public:
+  QuietErrors() : former_(stderr) {
+    cookie_io_functions_t functions{};
+    functions.write = [](void*, const char*, std::size_t size) {
+      return static_cast<ssize_t>(size);
+    };
+    if (std::FILE* quiet = fopencookie(nullptr, "w", functions)) stderr = quiet;
+  }
+  ~QuietErrors() {
+    std::FILE* quiet = std::exchange(stderr, former_);
+    if (quiet != former_) std::fclose(quiet);
+  }
+  QuietErrors(const QuietErrors&) = delete;
+  QuietErrors& operator=(const QuietErrors&) = delete;
+
+ private:
+  std::FILE* former_;
+};
+
+TokenReader::TokenReader(const SourceText& source, TarnFirewall::fw_lex_extra_& extra,
+                         StrayFunction stray)
+    : source_(source),
+      extra_(extra),
+      stray_(std::move(stray)),
+      quiet_(std::make_unique<QuietErrors>()) {
+  start(0);
+}
+
+TokenReader::~TokenReader() { stop(); }
+
+void TokenReader::start(std::uint32_t offset) {
+  if (yylex_init_extra(&extra_, &scanner_) != 0) throw std::bad_alloc();
+  const std::string_view rest = source_.text().substr(offset);
+  buffer_ = yy_scan_bytes(rest.data(), static_cast<int>(rest.size()), scanner_);
+  base_ = yyget_text(scanner_);
+  yyset_lineno(1, scanner_);
+  offset_ = place_ = offset;
+}
+
+void TokenReader::stop() {
+  if (scanner_ == nullptr) return;
+  if (buffer_ != nullptr) yy_delete_buffer(buffer_, scanner_);
+  buffer_ = nullptr;
+  yylex_destroy(std::exchange(scanner_, nullptr));
+}
+
+/// Skips blanks and comments, and reports the other bytes before `to`. Without `to`, which is 0
+/// then, it stops at the first byte that may begin a word; returns the place.
+std::uint32_t TokenReader::skipGap(std::uint32_t from, std::uint32_t to) {
+  const std::string_view text = source_.text();
+  const std::uint32_t end = to != 0 ? to : static_cast<std::uint32_t>(text.size());
+  std::uint32_t at = from;
+  std::uint32_t strayBegin = 0, strayEnd = 0;
+  const auto flush = [&] {
+    if (strayEnd > strayBegin) stray_(strayBegin, strayEnd);
+    strayBegin = strayEnd = 0;
+  };
+  while (at < end) {
+    if (isBlank(text[at])) {
+      ++at;
+    } else if (text[at] == '#') {
+      const std::size_t line = text.find('\n', at);
+      at = static_cast<std::uint32_t>(line < end ? line : end);
+    } else if (text.substr(at).starts_with("/*") && text.find("*/", at + 2) < end) {
+      at = static_cast<std::uint32_t>(text.find("*/", at + 2) + 2);
+    } else if (to == 0) {
+      break;
+    } else {
+      if (at != strayEnd) {
+        flush();
+        strayBegin = at;
+      }
+      strayEnd = ++at;
+    }
+  }
+  flush();
+  return at;
+}
+
+Token TokenReader::placed(int code) {
+  const auto size = static_cast<std::uint32_t>(source_.text().size());
+  const std::string_view matched(yyget_text(scanner_),
+                                 static_cast<std::size_t>(yyget_leng(scanner_)));
+  if (extra_.status != FW_STATUS_OK) {
+    const std::uint32_t begin = skipGap(place_, 0);
+    return {begin, begin < size ? begin + 1 : begin, code};
+  }
+  if (code == 0) return {skipGap(place_, size), size, code};
+  // What is read again lies elsewhere in memory. There the words are looked for in the text.
+  if (!extra_.unclosed && extra_.input.againSize() == 0) {
+    const auto begin = offset_ + static_cast<std::uint32_t>(matched.data() - base_);
+    if (begin > place_) skipGap(place_, begin);
+    return {begin, begin + static_cast<std::uint32_t>(matched.size()), code};
+  }
+  // The word that an unclosed comment begins with is made of its slash alone.
+  std::string_view word = matched;
+  if (code == TK_STRING && source_.text().substr(skipGap(place_, 0)).starts_with("/*")) word = "/";
+  std::uint32_t begin = skipGap(place_, 0);
+  while (begin < size && !source_.text().substr(begin).starts_with(word)) {
+    stray_(begin, begin + 1);
+    begin = skipGap(begin + 1, 0);
+  }
+  const auto end = static_cast<std::uint32_t>(begin + word.size());
+  return {begin, end < size ? end : size, code};
+}
+
+Token TokenReader::read(YYSTYPE* value) {
+  const Token token = placed(yylex(value, nullptr, scanner_));
+  place_ = token.end;
+  return token;
+}
+
+void TokenReader::skipFailed(const Token& token) {
+  const std::string_view text = source_.text();
+  std::size_t next = token.begin;
+  const char first = next < text.size() ? text[next] : '\0';
+  if (first == '"' || first == '\'') {
+    next = text.find(first, next + 1);
+    next = next == text.npos ? text.size() : next + 1;
+  } else {
+    while (next < text.size() && !isBlank(text[next]) && text[next] != ';' && text[next] != ',') {
+      ++next;
+    }
+  }
+  stop();
+  extra_.status = FW_STATUS_OK;
+  extra_.message[0] = '\0';
+  start(static_cast<std::uint32_t>(next));
+}

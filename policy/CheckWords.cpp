@@ -1,0 +1,191 @@
+#include "CheckWords.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+
+#include "CheckGrammar.h"
+#include "tarnfw_parser.h"
+
+namespace {
+
+constexpr std::string_view kKeyword = "keyword ";
+constexpr std::size_t kShownLength = 60;
+
+/// How the keyword of a token is written; nothing for tokens that are none.
+std::string_view spelling(int code) {
+  switch (code) {
+    case TK_ACCEPT:
+      return "accept";
+    case TK_REJECT:
+      return "reject";
+    case TK_LB_L4:
+      return "l4";
+    case TK_LB_L7:
+      return "l7";
+    default:
+      break;
+  }
+  const std::string_view name = grammarName(code);
+  return name.starts_with(kKeyword) ? name.substr(kKeyword.size()) : std::string_view();
+}
+
+/// Other spellings of a token's keyword.
+std::string_view otherSpelling(int code) {
+  switch (code) {
+    case TK_ACCEPT:
+      return "pass";
+    case TK_REJECT:
+      return "deny";
+    case TK_OPTION:
+      return "options";
+    case TK_CONNECTION:
+      return "connections";
+    default:
+      return {};
+  }
+}
+
+/// Number of single changes (a letter more, less or other, two letters swapped) between two words;
+/// more than `limit` is `limit + 1`.
+std::size_t distance(std::string_view a, std::string_view b, std::size_t limit) {
+  constexpr std::size_t kLongest = 20;
+  if (a.size() > kLongest || b.size() > kLongest) return limit + 1;
+  std::array<std::array<std::size_t, kLongest + 1>, kLongest + 1> d;
+  for (std::size_t i = 0; i <= a.size(); ++i) d[i][0] = i;
+  for (std::size_t j = 0; j <= b.size(); ++j) d[0][j] = j;
+  const auto same = [](char x, char y) {
+    return std::tolower(static_cast<unsigned char>(x)) ==
+           std::tolower(static_cast<unsigned char>(y));
+  };
+  for (std::size_t i = 1; i <= a.size(); ++i) {
+    for (std::size_t j = 1; j <= b.size(); ++j) {
+      const std::size_t change = same(a[i - 1], b[j - 1]) ? 0 : 1;
+      d[i][j] = std::min({d[i - 1][j] + 1, d[i][j - 1] + 1, d[i - 1][j - 1] + change});
+      if (i > 1 && j > 1 && same(a[i - 1], b[j - 2]) && same(a[i - 2], b[j - 1])) {
+        d[i][j] = std::min(d[i][j], d[i - 2][j - 2] + 1);
+      }
+    }
+  }
+  return std::min(d[a.size()][b.size()], limit + 1);
+}
+
+}  // namespace
+
+bool isKeyword(int code) { return !spelling(code).empty(); }
+
+std::string expectedWord(int code) {
+  switch (code) {
+    case 0:
+      return "the end of the text";
+    case TK_IPV4_CIDR:
+    case TK_IPV4_MASK:
+    case TK_IPV4_RANGE:
+    case TK_IPV4:
+    case TK_IPV6:
+    case TK_IPV6_CIDR:
+    case TK_IPV6_RANGE:
+      return "an IP address";
+    case TK_IPV4_PORT:
+      return "an IPv4 address with a port";
+    case TK_ANY_PORT:
+      return "`any:` with a port";
+    case TK_ETHER:
+    case TK_ETHER_RANGE:
+    case TK_ETHER_MASK:
+      return "an Ethernet address";
+    case TK_ID_PORT:
+      return "an identifier with a port";
+    case TK_STRING:
+      return "a name";
+    case TK_NUMBER:
+      return "a number";
+    case TK_NUMBER_RANGE:
+      return "a range of numbers";
+    default:
+      break;
+  }
+  const std::string_view keyword = spelling(code);
+  return "`" + std::string(keyword.empty() ? grammarName(code) : keyword) + "`";
+}
+
+std::vector<std::string> expectedWords(std::span<const int> codes, std::size_t limit) {
+  std::vector<std::string> words;
+  for (const int code : codes) {
+    std::string word = expectedWord(code);
+    if (std::find(words.begin(), words.end(), word) != words.end()) continue;
+    if (words.size() == limit) {
+      words.emplace_back("...");
+      break;
+    }
+    words.push_back(std::move(word));
+  }
+  return words;
+}
+
+std::string joinedWords(std::span<const std::string> words) {
+  std::string text;
+  for (std::size_t i = 0; i < words.size(); ++i) {
+    if (i > 0) text += i + 1 == words.size() && words[i] != "..." ? " or " : ", ";
+    text += words[i];
+  }
+  return text;
+}
+
+std::string nearestKeyword(std::string_view word, std::span<const int> codes) {
+  const std::size_t limit = word.size() < 3 ? 1 : word.size() < 6 ? 2 : 3;
+  std::size_t least = std::min(limit, word.size() - std::min<std::size_t>(word.size(), 1)) + 1;
+  std::string_view nearest;
+  for (const int code : codes) {
+    for (const std::string_view keyword : {spelling(code), otherSpelling(code)}) {
+      if (keyword.empty()) continue;
+      const std::size_t difference = distance(word, keyword, limit);
+      // A word that shares too little with the keyword is another word.
+      if (difference >= least || difference * 2 > keyword.size()) continue;
+      least = difference;
+      nearest = keyword;
+    }
+  }
+  return std::string(nearest);
+}
+
+std::size_t characterSize(std::string_view text) {
+  if (text.empty()) return 0;
+  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+  const unsigned char first = byte(0);
+  if (first < 0x80) return 1;
+  const std::size_t size = first >= 0xf0 ? 4 : first >= 0xe0 ? 3 : 2;
+  if (first < 0xc2 || first > 0xf4 || text.size() < size) return 0;
+  for (std::size_t i = 1; i < size; ++i) {
+    if ((byte(i) & 0xc0) != 0x80) return 0;
+  }
+  // Overlong forms, surrogates and what lies beyond the last character.
+  if ((first == 0xe0 && byte(1) < 0xa0) || (first == 0xed && byte(1) > 0x9f) ||
+      (first == 0xf0 && byte(1) < 0x90) || (first == 0xf4 && byte(1) > 0x8f)) {
+    return 0;
+  }
+  return size;
+}
+
+std::string printableText(std::string_view text) {
+  std::string printable;
+  while (!text.empty()) {
+    const std::size_t size = characterSize(text);
+    const auto first = static_cast<unsigned char>(text[0]);
+    const bool control = (first < 0x20 && first != '\t') || first == 0x7f ||
+                         (size == 2 && first == 0xc2 && static_cast<unsigned char>(text[1]) < 0xa0);
+    if (size == 0 || control) {
+      printable += '?';
+    } else {
+      printable += text.substr(0, size);
+    }
+    text.remove_prefix(std::max<std::size_t>(size, 1));
+  }
+  return printable;
+}
+
+std::string quotedWord(std::string_view text) {
+  std::string word = printableText(text.substr(0, kShownLength));
+  std::replace(word.begin(), word.end(), '\t', ' ');
+  return "`" + word + (text.size() > kShownLength ? "...`" : "`");
+}
