@@ -6,6 +6,7 @@
 #include "LabCommandNames.h"
 #include "LabFamily.h"
 #include "LabMessage.h"
+#include "LabPeer.h"
 #include "LabSelector.h"
 
 namespace TarnLab {
@@ -121,6 +122,13 @@ std::string directText(const JournalEntry& entry) {
   return text + " = ok" + inBraces(fieldsText(kind->reply, whole(entry.answered, entry.size)));
 }
 
+/// What a peer was asked and, unless it failed, how much it answered.
+std::string peerText(const JournalEntry& entry) {
+  std::string text = Peer::asked(entry);
+  if (entry.error != 0) return text;
+  return text + " = ok" + (entry.result != 0 ? format(" {bytes %d}", entry.result) : "");
+}
+
 std::string line(const std::string& text) { return "    " + printable(text) + "\n"; }
 
 /// A line for each record of a body.
@@ -190,9 +198,13 @@ std::string decodeEntry(const JournalEntry& entry) {
 }
 
 std::string decodeRequest(const JournalEntry& entry) {
-  std::string text =
-      format("%s %u: ", std::string(deviceName(entry.device)).c_str(), entry.request);
-  text += isMessage(entry) ? messageText(entry) : directText(entry);
+  std::string text(deviceName(entry.device));
+  if (isPeer(entry.device)) {
+    text += entry.size == 0 ? ": nothing" : " " + peerText(entry);
+  } else {
+    text += format(" %u: ", entry.request);
+    text += isMessage(entry) ? messageText(entry) : directText(entry);
+  }
   if (entry.error != 0) {
     const char* name = ::strerrorname_np(entry.error);
     text += " = " + (name != nullptr ? std::string(name) : format("errno %d", entry.error));
@@ -205,6 +217,7 @@ std::string decodeRecords(const JournalEntry& entry) {
   const ByteVector sent = whole(entry.sent, entry.size);
   const ByteVector answered =
       entry.answered.empty() ? ByteVector() : whole(entry.answered, entry.size);
+  if (isPeer(entry.device)) return Peer::answerLines(entry);
   if (isMessage(entry)) return messageLines(sent, true) + messageLines(answered, false);
   const DirectKind* kind = findDirect(entry.device, entry.request);
   if (kind == nullptr || kind->list.record == nullptr) return "";
@@ -218,7 +231,11 @@ std::string dumpEntry(const JournalEntry& entry) {
     text += dump("selector", entry.selector, entry.selector.size());
   }
   if (!entry.sent.empty()) text += dump("sent", entry.sent, entry.size);
-  if (!entry.answered.empty()) text += dump("answered", entry.answered, entry.size);
+  if (!entry.answered.empty()) {
+    const bool peer = isPeer(entry.device);
+    text += dump("answered", entry.answered,
+                 peer ? static_cast<std::uint64_t>(entry.result) : entry.size);
+  }
   return text;
 }
 

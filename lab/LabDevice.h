@@ -1,4 +1,4 @@
-// The control devices that the lab answers for.
+// The control devices and the host's processes that the lab answers for.
 #ifndef TARNLAB_DEVICE_H
 #define TARNLAB_DEVICE_H
 
@@ -7,7 +7,15 @@
 
 namespace TarnLab {
 
-enum class Device : std::uint8_t { none, firewall, filterTables, serviceInsertion };
+/// The last two are no devices but processes of the host, which listen on sockets.
+enum class Device : std::uint8_t {
+  none,
+  firewall,
+  filterTables,
+  serviceInsertion,
+  trace,
+  inspection
+};
 
 struct DeviceNode {
   std::string_view path;
@@ -22,6 +30,14 @@ inline constexpr DeviceNode deviceNodes[] = {
     {"/dev/brq-tarn-ploy", Device::serviceInsertion, "insertion"},
 };
 
+/// The sockets of the host daemon and of the inspection process: the lab's peers.
+inline constexpr DeviceNode peerNodes[] = {
+    {"/var/run/kelpco/hulld_trace", Device::trace, "trace"},
+    {"/var/run/kelpco/vdpi_stats_channel", Device::inspection, "inspection"},
+};
+
+constexpr bool isPeer(Device device) { return device >= Device::trace; }
+
 /// The device that a path names, by its exact spelling.
 constexpr Device deviceOfPath(std::string_view path) {
   for (const DeviceNode& node : deviceNodes) {
@@ -30,8 +46,19 @@ constexpr Device deviceOfPath(std::string_view path) {
   return Device::none;
 }
 
+/// The peer whose socket has that path.
+constexpr Device peerOfPath(std::string_view path) {
+  for (const DeviceNode& node : peerNodes) {
+    if (path == node.path) return node.device;
+  }
+  return Device::none;
+}
+
 constexpr std::string_view deviceName(Device device) {
   for (const DeviceNode& node : deviceNodes) {
+    if (device == node.device) return node.name;
+  }
+  for (const DeviceNode& node : peerNodes) {
     if (device == node.device) return node.name;
   }
   return "none";

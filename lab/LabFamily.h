@@ -43,6 +43,7 @@ struct Family {
   FAMILY(flowExclusionFamily)       \
   FAMILY(flowFamily)                \
   FAMILY(greFamily)                 \
+  FAMILY(inspectionFamily)          \
   FAMILY(kifFamily)                 \
   FAMILY(memoryFamily)              \
   FAMILY(messageFamily)             \
@@ -56,6 +57,7 @@ struct Family {
   FAMILY(spoofGuardFamily)          \
   FAMILY(thresholdFamily)           \
   FAMILY(timeoutFamily)             \
+  FAMILY(traceFamily)               \
   FAMILY(userFamily)
 
 #define TARNLAB_DECLARE_FAMILY(name) extern const Family name;

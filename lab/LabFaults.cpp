@@ -12,8 +12,8 @@ namespace {
 
 // The file "faults": 20 bytes for each fault.
 constexpr std::size_t recordSize = 20, fileLimit = recordSize << 20;
-constexpr std::size_t atKind = 0, atDevice = 1, atHasOnly = 2, atValue = 4, atRemaining = 8,
-                      atOnly = 12;
+constexpr std::size_t atKind = 0, atDevice = 1, atHasOnly = 2, atPeer = 3, atValue = 4,
+                      atRemaining = 8, atOnly = 12;
 
 /// Whether "tarnlab fault" could have ordered it.
 bool isPossible(const Fault& fault) {
@@ -27,8 +27,27 @@ bool isPossible(const Fault& fault) {
       return fault.value <= Fault::delayLimit;
     case Fault::Kind::absent:
       return fault.device != Device::none && fault.device <= Device::serviceInsertion;
+    case Fault::Kind::peer:
+      return (fault.device == Device::none || fault.device == Device::trace ||
+              fault.device == Device::inspection) &&
+             peerFaultKind(fault.peer) != nullptr &&
+             fault.only.value_or(PeerLength::exact) <= PeerLength::less &&
+             (fault.peer != PeerFault::slow || fault.value <= Fault::delayLimit);
   }
   return false;
+}
+
+/// A fault of a peer in words, without the peer.
+std::string sentenceOf(const Fault& fault) {
+  const PeerFaultKind& kind = *peerFaultKind(fault.peer);
+  std::string value = format("%u", fault.value);
+  if (kind.value == PeerFaultKind::Value::length) {
+    static constexpr const char* words[] = {"", " more", " less"};
+    value += words[fault.only.value_or(PeerLength::exact)];
+  }
+  std::string text = kind.sentence;
+  if (const std::size_t at = text.find("%s"); at != std::string::npos) text.replace(at, 2, value);
+  return text;
 }
 
 }  // namespace
@@ -52,6 +71,10 @@ std::string Fault::toString() const {
       break;
     case Kind::absent:
       return "the device " + std::string(deviceName(device)) + " is absent";
+    case Kind::peer:
+      text = device == Device::none ? "every peer" : "the peer " + std::string(deviceName(device));
+      text += " " + sentenceOf(*this);
+      break;
   }
   return text +
          (remaining == 0 ? std::string(", until cleared") : format(", the next %u", remaining));
@@ -68,6 +91,7 @@ Faults Faults::load(const Store& store) {
     Fault fault;
     fault.kind = static_cast<Fault::Kind>(get8(rest, atKind));
     fault.device = static_cast<Device>(get8(rest, atDevice));
+    fault.peer = static_cast<PeerFault>(get8(rest, atPeer));
     fault.value = get32(rest, atValue);
     fault.remaining = get32(rest, atRemaining);
     if (get8(rest, atHasOnly) != 0) fault.only = get32(rest, atOnly);
@@ -88,6 +112,7 @@ void Faults::save(const Store& store) const {
     put8(rest, atKind, static_cast<std::uint8_t>(fault.kind));
     put8(rest, atDevice, static_cast<std::uint8_t>(fault.device));
     put8(rest, atHasOnly, fault.only ? 1 : 0);
+    put8(rest, atPeer, static_cast<std::uint8_t>(fault.peer));
     put32(rest, atValue, fault.value);
     put32(rest, atRemaining, fault.remaining);
     put32(rest, atOnly, fault.only.value_or(0));
@@ -139,6 +164,43 @@ std::optional<std::uint32_t> Faults::takeStatus(const std::vector<std::uint16_t>
     }
   }
   return std::nullopt;
+}
+
+bool Faults::takeOne(PeerFault wanted, Device peer, PeerManner& manner) {
+  if (peer == Device::trace && isOfLengths(wanted)) return false;
+  for (std::size_t i = 0; i < faults_.size(); ++i) {
+    const Fault fault = faults_[i];
+    if (fault.kind != Fault::Kind::peer || fault.peer != wanted ||
+        (fault.device != Device::none && fault.device != peer)) {
+      continue;
+    }
+    strike(i);
+    manner.note += (manner.note.empty() ? "ordered fault: " : ", ") + sentenceOf(fault);
+    if (wanted == PeerFault::cut) manner.cut = fault.value;
+    if (wanted == PeerFault::slow) manner.slow = fault.value;
+    if (wanted == PeerFault::length) {
+      manner.length = {fault.value, fault.only.value_or(PeerLength::exact)};
+    }
+    return true;
+  }
+  return false;
+}
+
+PeerManner Faults::takePeer(Device peer) {
+  PeerManner manner;
+  // Whoever does not get as far as an answer leaves the faults of answers in force.
+  manner.absent = takeOne(PeerFault::absent, peer, manner);
+  manner.refuses = !manner.absent && takeOne(PeerFault::refuse, peer, manner);
+  manner.closes = !manner.absent && !manner.refuses && takeOne(PeerFault::close, peer, manner);
+  if (manner.absent || manner.refuses || manner.closes) return manner;
+  for (const PeerFault fault : {PeerFault::cut, PeerFault::slow, PeerFault::length}) {
+    takeOne(fault, peer, manner);
+  }
+  manner.bytewise = takeOne(PeerFault::bytes, peer, manner);
+  manner.unterminated = takeOne(PeerFault::unterminated, peer, manner);
+  manner.silent = takeOne(PeerFault::silent, peer, manner);
+  manner.endless = takeOne(PeerFault::endless, peer, manner);
+  return manner;
 }
 
 }  // namespace TarnLab

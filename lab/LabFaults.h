@@ -7,18 +7,21 @@
 #include <vector>
 
 #include "LabDevice.h"
+#include "LabPeerManner.h"
 #include "LabStore.h"
 
 namespace TarnLab {
 
 struct Fault {
-  enum class Kind : std::uint8_t { status, error, delay, absent };
+  enum class Kind : std::uint8_t { status, error, delay, absent, peer };
   static constexpr std::uint32_t errnoLimit = 4095, delayLimit = 3600000;
   Kind kind = Kind::status;
-  std::uint32_t value = 0;            // status, errno or milliseconds
+  std::uint32_t value = 0;            // status, errno, milliseconds or bytes
   std::uint32_t remaining = 0;        // how often it still strikes; 0 until it is cleared
-  std::optional<std::uint32_t> only;  // the one command or request that it strikes
-  Device device = Device::none;       // of `absent` and `error`; none is every device
+  std::optional<std::uint32_t> only;  // the one command or request that it strikes;
+                                      // of an announced length, its relation
+  Device device = Device::none;       // of `absent`, `error` and `peer`; none is every one
+  PeerFault peer = PeerFault::absent;
 
   /// One line as "tarnlab fault" lists it.
   std::string toString() const;
@@ -48,11 +51,15 @@ class Faults {
   /// The status with which this message is to be answered. Counts. `commands` are its commands.
   std::optional<std::uint32_t> takeStatus(const std::vector<std::uint16_t>& commands);
 
+  /// How the peer treats this connection. Counts.
+  PeerManner takePeer(Device peer);
+
   /// Whether a fault has struck since load, so that the file must be replaced.
   bool changed() const { return changed_; }
 
  private:
   std::uint32_t strike(std::size_t index);
+  bool takeOne(PeerFault fault, Device peer, PeerManner& manner);
 
   std::vector<Fault> faults_;
   bool changed_ = false;

@@ -20,7 +20,7 @@ struct JournalEntry {
   std::uint32_t request = 0;
   int error = 0;             // the errno of a request that failed
   std::uint32_t status = 0;  // of a direct request, in its frame
-  int result = 0;            // what ioctl returned without an errno
+  int result = 0;            // what ioctl returned without an errno; bytes of a peer's answer
   std::string note;          // why it was refused, or what else is worth a line
   ByteVector selector;
   std::uint64_t size = 0;  // of the message or body, as it was sent

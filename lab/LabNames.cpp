@@ -1,5 +1,7 @@
 // Commands 69 to 72 and 76: the addresses of domain names that a filter knows, and the identifiers
 // of the names that an address has.
+#include "LabNames.h"
+
 #include "LabAddressRecord.h"
 #include "LabChain.h"
 #include "LabFamily.h"
@@ -350,5 +352,16 @@ constexpr Table tables[] = {names};
 }  // namespace
 
 constinit const Family nameFamily{.commands = commands, .fill = fill, .tables = tables};
+
+std::vector<DomainName> domainNames(const Store& store, const std::string& folder) {
+  std::vector<DomainName> found;
+  for (const ByteVector& entry : names.load(store, folder)) {
+    for (std::uint32_t i = 0; i < Entry::identifiers.get(entry); ++i) {
+      const ConstBytes item = itemOf(entry, i);
+      found.push_back({std::string(Item::identifier.get(item)), std::string(Item::name.get(item))});
+    }
+  }
+  return found;
+}
 
 }  // namespace TarnLab

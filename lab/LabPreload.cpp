@@ -1,5 +1,6 @@
 // The preload library: takes open, ioctl, close and the dup calls in front of the C library's, and
-// answers for the control devices. Everything else goes on to the C library as it came.
+// answers for the control devices. Everything else goes on to the C library as it came, but for the
+// host's files, which are those in the lab's folder.
 #include <fcntl.h>
 #include <pthread.h>
 #include <stdarg.h>
@@ -14,9 +15,11 @@
 
 #include "LabModel.h"
 #include "LabPreloadNext.h"
+#include "LabPreloadPath.h"
 #include "LabUndisturbed.h"
 
 using TarnLab::Device;
+using TarnLab::HostPath;
 using TarnLab::Next;
 
 namespace {
@@ -152,26 +155,26 @@ int fcntlDevice(Next<int(int, int, ...)>& next, int fd, int command, void* argum
 
 }  // namespace
 
-#define TARNLAB_OPEN(name, next)                                  \
-  TARNLAB_EXPORT int name(const char* path, int flags, ...) {     \
-    va_list arguments;                                            \
-    va_start(arguments, flags);                                   \
-    const mode_t mode = modeOf(flags, arguments);                 \
-    va_end(arguments);                                            \
-    const Device device = deviceOfPath(path);                     \
-    if (device != Device::none) return openDevice(device, flags); \
-    return passed((next).get()(path, flags, mode));               \
+#define TARNLAB_OPEN(name, next)                                    \
+  TARNLAB_EXPORT int name(const char* path, int flags, ...) {       \
+    va_list arguments;                                              \
+    va_start(arguments, flags);                                     \
+    const mode_t mode = modeOf(flags, arguments);                   \
+    va_end(arguments);                                              \
+    const Device device = deviceOfPath(path);                       \
+    if (device != Device::none) return openDevice(device, flags);   \
+    return passed((next).get()(HostPath(path).get(), flags, mode)); \
   }
 
-#define TARNLAB_OPENAT(name, next)                                        \
-  TARNLAB_EXPORT int name(int folder, const char* path, int flags, ...) { \
-    va_list arguments;                                                    \
-    va_start(arguments, flags);                                           \
-    const mode_t mode = modeOf(flags, arguments);                         \
-    va_end(arguments);                                                    \
-    const Device device = deviceOfPath(path);                             \
-    if (device != Device::none) return openDevice(device, flags);         \
-    return passed((next).get()(folder, path, flags, mode));               \
+#define TARNLAB_OPENAT(name, next)                                          \
+  TARNLAB_EXPORT int name(int folder, const char* path, int flags, ...) {   \
+    va_list arguments;                                                      \
+    va_start(arguments, flags);                                             \
+    const mode_t mode = modeOf(flags, arguments);                           \
+    va_end(arguments);                                                      \
+    const Device device = deviceOfPath(path);                               \
+    if (device != Device::none) return openDevice(device, flags);           \
+    return passed((next).get()(folder, HostPath(path).get(), flags, mode)); \
   }
 
 // With checking turned on, the headers make inline functions and redirections of these names.
@@ -189,36 +192,37 @@ TARNLAB_OPENAT(openat64, nextOpenAt64)
 TARNLAB_EXPORT int creat(const char* path, mode_t mode) {
   const Device device = deviceOfPath(path);
   return device != Device::none ? openDevice(device, O_WRONLY)
-                                : passed(nextCreat.get()(path, mode));
+                                : passed(nextCreat.get()(HostPath(path).get(), mode));
 }
 
 TARNLAB_EXPORT int creat64(const char* path, mode_t mode) {
   const Device device = deviceOfPath(path);
   return device != Device::none ? openDevice(device, O_WRONLY)
-                                : passed(nextCreat64.get()(path, mode));
+                                : passed(nextCreat64.get()(HostPath(path).get(), mode));
 }
 
 TARNLAB_EXPORT int __open_2(const char* path, int flags) {
   const Device device = deviceOfPath(path);
-  return device != Device::none ? openDevice(device, flags) : passed(nextOpen2.get()(path, flags));
+  return device != Device::none ? openDevice(device, flags)
+                                : passed(nextOpen2.get()(HostPath(path).get(), flags));
 }
 
 TARNLAB_EXPORT int __open64_2(const char* path, int flags) {
   const Device device = deviceOfPath(path);
   return device != Device::none ? openDevice(device, flags)
-                                : passed(nextOpen642.get()(path, flags));
+                                : passed(nextOpen642.get()(HostPath(path).get(), flags));
 }
 
 TARNLAB_EXPORT int __openat_2(int folder, const char* path, int flags) {
   const Device device = deviceOfPath(path);
   return device != Device::none ? openDevice(device, flags)
-                                : passed(nextOpenAt2.get()(folder, path, flags));
+                                : passed(nextOpenAt2.get()(folder, HostPath(path).get(), flags));
 }
 
 TARNLAB_EXPORT int __openat64_2(int folder, const char* path, int flags) {
   const Device device = deviceOfPath(path);
   return device != Device::none ? openDevice(device, flags)
-                                : passed(nextOpenAt642.get()(folder, path, flags));
+                                : passed(nextOpenAt642.get()(folder, HostPath(path).get(), flags));
 }
 
 TARNLAB_EXPORT int ioctl(int fd, unsigned long number, ...) {

@@ -43,6 +43,13 @@ Device parseDevice(std::string_view text) {
   return Device::none;
 }
 
+Device parsePeer(std::string_view text) {
+  for (const DeviceNode& node : peerNodes) {
+    if (text == node.name || text == node.path) return node.device;
+  }
+  return Device::none;
+}
+
 int listFaults(const Store& store) {
   const Faults faults = Faults::load(store);
   if (faults.all().empty()) std::puts("no faults");
@@ -56,11 +63,12 @@ int clearFaults(const Store& store) {
   return exitOk;
 }
 
-/// Reads "--count N", "--only WHAT" and "--device DEVICE"; 0 or the exit status of a mistake.
+/// Reads "--count N", "--only WHAT", "--device DEVICE" and "--peer PEER"; 0 or the exit status of a
+/// mistake.
 int readOptions(Fault& fault, Arguments arguments) {
   for (; !arguments.empty(); arguments = arguments.subspan(2)) {
     const std::string option = arguments[0];
-    if (option != "--count" && option != "--only" && option != "--device") {
+    if (option != "--count" && option != "--only" && option != "--device" && option != "--peer") {
       return misused("fault", "unknown argument " + printable(option));
     }
     if (arguments.size() < 2) return misused("fault", option + " needs a value");
@@ -81,6 +89,9 @@ int readOptions(Fault& fault, Arguments arguments) {
       fault.device = parseDevice(value);
       if (fault.device == Device::none)
         return misused("fault", "unknown device " + printable(value));
+    } else if (option == "--peer" && fault.kind == Fault::Kind::peer) {
+      fault.device = parsePeer(value);
+      if (fault.device == Device::none) return misused("fault", "unknown peer " + printable(value));
     } else {
       return misused("fault", option + " does not go with this fault");
     }
@@ -109,6 +120,61 @@ int orderAbsence(const Store& store, Arguments devices) {
   return exitOk;
 }
 
+int order(const Store& store, const Fault& fault) {
+  const StoreLock lock(store);
+  Faults faults = Faults::load(store);
+  faults.add(fault);
+  faults.save(store);
+  return exitOk;
+}
+
+const PeerFaultKind* findPeerFault(std::string_view name) {
+  for (const PeerFaultKind& kind : peerFaultKinds) {
+    if (kind.name == name) return &kind;
+  }
+  return nullptr;
+}
+
+/// The value of a peer's fault: a number, or for an announced length one with a sign in front,
+/// which is so much more or less than there is. False for anything else.
+bool parsePeerValue(const PeerFaultKind& kind, std::string_view text, Fault& fault) {
+  std::uint32_t relation = PeerLength::exact;
+  if (kind.value == PeerFaultKind::Value::length && !text.empty()) {
+    if (text[0] == '+') relation = PeerLength::more;
+    if (text[0] == '-') relation = PeerLength::less;
+    if (relation != PeerLength::exact) text.remove_prefix(1);
+    fault.only = relation;
+  }
+  const bool time = kind.value == PeerFaultKind::Value::milliseconds;
+  const auto number = parseNumber(text, time ? Fault::delayLimit : 0xffffffff);
+  if (number) fault.value = static_cast<std::uint32_t>(*number);
+  return number.has_value();
+}
+
+/// Reads what a peer is to do wrong; 0 or the exit status of a mistake.
+int readPeerFault(Fault& fault, Arguments arguments) {
+  fault.kind = Fault::Kind::peer;
+  if (arguments.empty()) return misused("fault", "peer needs a fault");
+  const PeerFaultKind* kind = findPeerFault(arguments[0]);
+  if (kind == nullptr)
+    return misused("fault", "unknown fault of a peer " + printable(arguments[0]));
+  fault.peer = kind->fault;
+  arguments = arguments.subspan(1);
+  if (kind->value != PeerFaultKind::Value::none) {
+    const std::string name = "peer " + std::string(kind->name);
+    if (arguments.empty()) return misused("fault", name + " needs a value");
+    if (!parsePeerValue(*kind, arguments[0], fault)) {
+      return misused("fault", "bad " + name + " " + printable(arguments[0]));
+    }
+    arguments = arguments.subspan(1);
+  }
+  if (const int mistake = readOptions(fault, arguments); mistake != 0) return mistake;
+  if (fault.device == Device::trace && isOfLengths(fault.peer)) {
+    return misused("fault", "the peer trace announces no lengths");
+  }
+  return 0;
+}
+
 }  // namespace
 
 int runFault(const Store& store, Arguments arguments) {
@@ -122,6 +188,10 @@ int runFault(const Store& store, Arguments arguments) {
   if (what == "absent") return orderAbsence(store, arguments);
 
   Fault fault;
+  if (what == "peer") {
+    if (const int mistake = readPeerFault(fault, arguments); mistake != 0) return mistake;
+    return order(store, fault);
+  }
   if (what == "status") {
     fault.kind = Fault::Kind::status;
   } else if (what == "errno") {
@@ -136,12 +206,7 @@ int runFault(const Store& store, Arguments arguments) {
   if (!value) return misused("fault", "bad " + what + " " + printable(arguments[0]));
   fault.value = *value;
   if (const int mistake = readOptions(fault, arguments.subspan(1)); mistake != 0) return mistake;
-
-  const StoreLock lock(store);
-  Faults faults = Faults::load(store);
-  faults.add(fault);
-  faults.save(store);
-  return exitOk;
+  return order(store, fault);
 }
 
 }  // namespace TarnLab

@@ -6,6 +6,7 @@
 
 #include "LabFamily.h"
 #include "LabHost.h"
+#include "LabHostFiles.h"
 #include "LabJournal.h"
 #include "LabProgram.h"
 #include "LabText.h"
@@ -106,6 +107,7 @@ int runInit(const Store& store, Arguments arguments) {
   }
   host.save(store);
   fillHost(store, host);
+  HostFiles::make(store);
   std::printf("Made a lab with %zu filters at %s.\n", host.filterCount(), store.folder().c_str());
   return exitOk;
 }
@@ -115,10 +117,12 @@ int runReset(const Store& store, Arguments arguments) {
   requireLab(store);
   const StoreLock lock(store);
   const Host host = Host::make(Host::load(store).plan());
-  for (const char* folder : {"filters", "shared", "tables"}) store.removeTree(folder);
+  for (const char* folder : {"filters", "shared", "tables", HostFiles::root})
+    store.removeTree(folder);
   for (const char* file : {"faults", "settings"}) store.remove(file);
   host.save(store);
   fillHost(store, host);
+  HostFiles::make(store);
   Journal(store).clear();
   return exitOk;
 }

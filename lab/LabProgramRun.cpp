@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <optional>
 
+#include "LabHostFiles.h"
 #include "LabProgram.h"
 #include "LabText.h"
 
@@ -102,6 +103,10 @@ bool isStatic(const std::string& path) {
 /// Becomes the program.
 int become(const Store& store, char* const* command) {
   requireLab(store);
+  if (!store.exists(HostFiles::root)) {
+    const StoreLock lock(store);
+    HostFiles::make(store);
+  }
   ::setenv("TARNLAB_HOME", absolute(store.folder()).c_str(), 1);
   ::setenv("TARNLAB_PROGRAM", absolute("/proc/self/exe").c_str(), 1);
   prepend("LD_PRELOAD", preloadLibrary(), ':');

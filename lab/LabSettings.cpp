@@ -138,25 +138,62 @@ void Settings::set(const BytesSetting& setting, ConstBytes value) {
   put(setting, digitsOf(value), value.empty());
 }
 
-std::vector<std::string> Settings::lines() const {
+namespace {
+
+/// A setting and its value as the file has it, as one line.
+std::string lineOf(const Setting& setting, const std::string& value) {
   constexpr std::size_t shownDigits = 64;
+  if (setting.sentence != nullptr && value == "on") return setting.sentence;
+  std::string shown = value;
+  if (setting.kind == Setting::Kind::text) shown = "\"" + value + "\"";
+  if (setting.kind == Setting::Kind::bytes && value.empty()) {
+    shown = "none";
+  } else if (setting.words != nullptr) {
+    shown = setting.words(bytesOf(value).value_or(ByteVector()));
+  } else if (setting.kind == Setting::Kind::bytes && value.size() > shownDigits) {
+    shown = value.substr(0, shownDigits) + format("... (%zu bytes)", value.size() / 2);
+  }
+  return std::string(setting.name) + ": " + shown;
+}
+
+/// The usual value of a setting, as the file would have it; the number of those that have none of
+/// their own is the largest one.
+std::string usualValue(const Setting& setting) {
+  switch (setting.kind) {
+    case Setting::Kind::flag:
+      return setting.number != 0 ? "on" : "off";
+    case Setting::Kind::number:
+      if (setting.number == ~0ull) return "as made";
+      return format("%llu", static_cast<unsigned long long>(setting.number));
+    case Setting::Kind::text:
+      return printable(setting.text);
+    case Setting::Kind::bytes:
+      break;
+  }
+  return "";
+}
+
+}  // namespace
+
+std::vector<std::string> Settings::lines() const {
   std::vector<std::string> shown;
   for (const Family* family : families()) {
     for (const Setting& setting : family->settings) {
       const auto found = values_.find(setting.name);
-      if (found == values_.end()) continue;
-      std::string value = found->second;
-      if (setting.sentence != nullptr && value == "on") {
-        shown.emplace_back(setting.sentence);
-        continue;
-      }
-      if (setting.kind == Setting::Kind::text) value = "\"" + value + "\"";
-      if (setting.words != nullptr) {
-        value = setting.words(bytesOf(value).value_or(ByteVector()));
-      } else if (setting.kind == Setting::Kind::bytes && value.size() > shownDigits) {
-        value = value.substr(0, shownDigits) + format("... (%zu bytes)", value.size() / 2);
-      }
-      shown.push_back(std::string(setting.name) + ": " + value);
+      if (found != values_.end()) shown.push_back(lineOf(setting, found->second));
+    }
+  }
+  return shown;
+}
+
+std::vector<std::string> Settings::linesOf(std::string_view beginning) const {
+  std::vector<std::string> shown;
+  for (const Family* family : families()) {
+    for (const Setting& setting : family->settings) {
+      if (!setting.name.starts_with(beginning)) continue;
+      const auto found = values_.find(setting.name);
+      shown.push_back(
+          lineOf(setting, found != values_.end() ? found->second : usualValue(setting)));
     }
   }
   return shown;

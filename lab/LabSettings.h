@@ -85,6 +85,9 @@ class Settings {
   /// A line for each that has another value than usually, as "tarnlab show" prints them.
   std::vector<std::string> lines() const;
 
+  /// A line for each whose name begins so, whatever its value.
+  std::vector<std::string> linesOf(std::string_view beginning) const;
+
   static constexpr std::uint64_t fileLimit = std::uint64_t{16} << 20;
 
  private:

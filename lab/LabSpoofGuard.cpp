@@ -1,4 +1,6 @@
 // The spoof guard of a filter: commands 25 to 28.
+#include "LabSpoofGuard.h"
+
 #include "LabAddrSetCommands.h"
 #include "LabFamily.h"
 
@@ -112,15 +114,21 @@ std::uint32_t destroy(Context context, Body& body) {
   });
 }
 
+/// Puts a spoof guard down as it is answered, without its addresses.
+template <typename Target>
+void putGuard(Context context, const Settings& settings, ConstBytes addresses, Target&& target) {
+  mac.put(target, macOf(context, settings));
+  enabled.put(target, settings.get(guarding) ? 1 : 0);
+  count.put(target, static_cast<std::uint32_t>(addresses.size() / AddressRecord::size));
+}
+
 std::uint32_t check(Context context, Body& body) {
   if (count.get(body) != 1) {
     return context.refuse(Status::badMessage, format("%u spoof guards", count.get(body)));
   }
   const Settings settings = settingsOf(context);
   const ByteVector addresses = settings.get(allowed);
-  mac.put(body, macOf(context, settings));
-  enabled.put(body, settings.get(guarding) ? 1 : 0);
-  count.put(body, static_cast<std::uint32_t>(addresses.size() / AddressRecord::size));
+  putGuard(context, settings, addresses, body);
   copyRecord(body.reply(addressesAt, addresses.size()), addresses);
   return Status::ok;
 }
@@ -222,5 +230,26 @@ constexpr Setting settings[] = {guarding, guarded, allowed};
 }  // namespace
 
 constinit const Family spoofGuardFamily{.commands = commands, .settings = settings, .fill = fill};
+
+ByteVector spoofGuardOf(const Store& store, const Host& host, std::size_t index) {
+  const SelectedFilter target{SelectorMatch::filter, index, host.folderOf(index)};
+  JournalEntry unwritten;
+  const CommandContext context{store, host, target, unwritten};
+  const Settings settings = settingsOf(context);
+  const ByteVector addresses = settings.get(allowed);
+  ByteVector record(addressesAt);
+  putGuard(context, settings, addresses, Bytes(record));
+  record.insert(record.end(), addresses.begin(), addresses.end());
+  return record;
+}
+
+std::string spoofGuardText(ConstBytes record) {
+  std::string text = macText(mac.get(record)) + (enabled.get(record) != 0 ? ", on" : ", off");
+  for (ConstBytes rest = record.subspan(addressesAt); rest.size() >= AddressRecord::size;
+       rest = rest.subspan(AddressRecord::size)) {
+    text += "\n  " + AddressRecord::text(rest.first(AddressRecord::size));
+  }
+  return text;
+}
 
 }  // namespace TarnLab

@@ -1,4 +1,6 @@
 // Requests 28 and 29 of the firewall device: the load above which the host raises an event.
+#include "LabThresholds.h"
+
 #include <algorithm>
 #include <cerrno>
 
@@ -8,8 +10,9 @@ namespace TarnLab {
 
 namespace {
 
-constexpr NumberSetting cpuThreshold{"threshold.cpu", 80};
-constexpr NumberSetting connectionThreshold{"threshold.connections", 5000};
+constexpr const NumberSetting& cpuThreshold = eventThresholds[0].setting;
+constexpr const NumberSetting& memoryThreshold = eventThresholds[1].setting;
+constexpr const NumberSetting& connectionThreshold = eventThresholds[2].setting;
 
 constexpr std::size_t bodySize = 8;
 constexpr Bits given{0, 0x03, "given"};
@@ -58,7 +61,7 @@ constexpr DirectKind requests[] = {
      .reply = {cpu, cpuUsed, connections}},
 };
 
-constexpr Setting settings[] = {cpuThreshold, connectionThreshold};
+constexpr Setting settings[] = {cpuThreshold, memoryThreshold, connectionThreshold};
 
 }  // namespace
 

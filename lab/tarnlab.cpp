@@ -80,11 +80,11 @@ constexpr ProgramCommand commands[] = {
      "                  agent, the tables include and exclude; of nothing, those of the host\n"
      "  --help          this text\n",
      runShow},
-    {"log", "show what was asked of the devices",
+    {"log", "show what was asked of the devices and peers",
      "Usage: tarnlab log [-s] [-v] [-x] [-n N]\n"
      "\n"
-     "Shows every message and direct request so far, one line each: when, which program,\n"
-     "device and request number, what was asked, and the answer.\n"
+     "Shows every message, direct request and exchange with a peer so far, one line each: when,\n"
+     "which program, device and request number, what was asked, and the answer.\n"
      "\n"
      "  -s              short: without when and which program\n"
      "  -v              with the rules, addresses, elements and names in it\n"
@@ -98,6 +98,7 @@ constexpr ProgramCommand commands[] = {
      "       tarnlab fault errno E [--count N] [--only REQUEST] [--device DEVICE]\n"
      "       tarnlab fault delay MS [--count N]\n"
      "       tarnlab fault absent [DEVICE...]\n"
+     "       tarnlab fault peer WHAT [VALUE] [--count N] [--peer PEER]\n"
      "       tarnlab fault clear\n"
      "\n"
      "Without an argument, lists the faults in force. Otherwise:\n"
@@ -107,11 +108,15 @@ constexpr ProgramCommand commands[] = {
      "  errno E         requests fail with the errno E, a number or a name like ENOMEM\n"
      "  delay MS        requests are held up for so many milliseconds\n"
      "  absent          the devices cannot be opened; without a DEVICE, the firewall\n"
+     "  peer WHAT       the processes that programs talk to over sockets: absent, refuse, close\n"
+     "                  (at once), cut BYTES (of the answer), slow MS, bytes (one by one),\n"
+     "                  length [+-]N (announced), unterminated, silent, endless\n"
      "  clear           no faults from now on\n"
      "  --count N       only the next N; without it, until cleared\n"
      "  --only COMMAND  only messages with this command, by name or number\n"
      "  --only REQUEST  only this request number\n"
      "  --device DEVICE firewall, tables or insertion\n"
+     "  --peer PEER     trace or inspection; without it, both\n"
      "  --help          this text\n",
      runFault},
 };

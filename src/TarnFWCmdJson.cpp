@@ -74,10 +74,12 @@ void CTarnFWJson::beginObject() {
   begin('}');
 }
 
+// An object ends a line also when it has no items, as the report of a clearing does.
 void CTarnFWJson::end() {
   const Level ended = levels_[--level_];
-  if (ended.hasItems) out_.print(out_.context, "%s%s", "", "\n");
-  out_.print(out_.context, ended.closing == '}' ? "%*s}" : "%*s]", width(), "");
+  const bool isObject = ended.closing == '}';
+  if (ended.hasItems || isObject) out_.print(out_.context, "%s%s", "", "\n");
+  out_.print(out_.context, isObject ? "%*s}" : "%*s]", width(), "");
   if (level_ == 0) out_.print(out_.context, "%s%s", "", "\n");
 }
 

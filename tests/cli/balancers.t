@@ -205,6 +205,22 @@ Statistics of virtual servers or of pools. What is cleared stays 0.
   }
   $ quiet tarnioctl getlbstat -f $filter -l $service -p -d | python3 -c 'import json, sys; sys.stdin.readline(); sys.stdin.readline(); print(len(json.load(sys.stdin)["pools"]))'
   2
+  $ quiet tarnioctl getlbstat -f $filter -l 1b0a7c50-5e41-4d03-a000-0000632a0000 -p -d
+  vs cnt: 0, pool cnt: 0
+  pm cnt: 0
+  {
+      "virtual_server_count": 0,
+      "pool_count": 0,
+      "virtual_servers": [
+      ],
+      "pools": [
+      ]
+  }
+  $ quiet tarnioctl getlbstat -f $filter -l $service -s -d | head -n 2
+  vs cnt: 2, pool cnt: 0
+  pm cnt: 0
+  $ quiet tarnioctl getlbstat -f $filter -l $service -s | python3 -c 'import json, sys; print(json.load(sys.stdin)["virtual_servers"])'
+  [{'index': 0}, {'index': 1}]
   $ quiet tarnioctl getlbstat -f $filter -l $service -p -u 1b0a7c50-5e41-4d01-a002-0000632a0001 -d | head -n 2
   vs cnt: 0, pool cnt: 1
   pm cnt: 1 
@@ -229,6 +245,8 @@ Statistics of virtual servers or of pools. What is cleared stays 0.
   }
   $ tarnlab show $filter | tail -n 1
     balancer.cleared: 3
+  $ quiet tarnioctl getlbstat -f $filter -l 1b0a7c50-5e41-4d02-a000-0000632a0000 -s -z | python3 -c 'import json, sys; print(json.load(sys.stdin)["result"][:20])'
+  vs stats on datapath
   $ quiet tarnioctl getlbstat -f nic-9-eth0-kelpco-sfw.9 -l $service -s
   err| ERROR: Failed to get LB stat size
   [1]

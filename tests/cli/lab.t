@@ -13,7 +13,7 @@ The program that makes labs and runs programs in them.
     reset    make the lab's host fresh again
     machines list the machines of the host
     show     show what the host holds
-    log      show what was asked of the devices
+    log      show what was asked of the devices and peers
     fault    order failures, or list or clear them
   
     --home FOLDER  the lab's folder; without it the one that TARNLAB_HOME names, or
@@ -31,7 +31,7 @@ The program that makes labs and runs programs in them.
   err|   reset    make the lab's host fresh again
   err|   machines list the machines of the host
   err|   show     show what the host holds
-  err|   log      show what was asked of the devices
+  err|   log      show what was asked of the devices and peers
   err|   fault    order failures, or list or clear them
   err| 
   err|   --home FOLDER  the lab's folder; without it the one that TARNLAB_HOME names, or
@@ -50,7 +50,7 @@ The program that makes labs and runs programs in them.
   err|   reset    make the lab's host fresh again
   err|   machines list the machines of the host
   err|   show     show what the host holds
-  err|   log      show what was asked of the devices
+  err|   log      show what was asked of the devices and peers
   err|   fault    order failures, or list or clear them
   err| 
   err|   --home FOLDER  the lab's folder; without it the one that TARNLAB_HOME names, or
@@ -69,7 +69,7 @@ The program that makes labs and runs programs in them.
   err|   reset    make the lab's host fresh again
   err|   machines list the machines of the host
   err|   show     show what the host holds
-  err|   log      show what was asked of the devices
+  err|   log      show what was asked of the devices and peers
   err|   fault    order failures, or list or clear them
   err| 
   err|   --home FOLDER  the lab's folder; without it the one that TARNLAB_HOME names, or
@@ -88,7 +88,7 @@ The program that makes labs and runs programs in them.
   err|   reset    make the lab's host fresh again
   err|   machines list the machines of the host
   err|   show     show what the host holds
-  err|   log      show what was asked of the devices
+  err|   log      show what was asked of the devices and peers
   err|   fault    order failures, or list or clear them
   err| 
   err|   --home FOLDER  the lab's folder; without it the one that TARNLAB_HOME names, or
@@ -463,8 +463,8 @@ The log
   $ run tarnlab log --help
   Usage: tarnlab log [-s] [-v] [-x] [-n N]
   
-  Shows every message and direct request so far, one line each: when, which program,
-  device and request number, what was asked, and the answer.
+  Shows every message, direct request and exchange with a peer so far, one line each: when,
+  which program, device and request number, what was asked, and the answer.
   
     -s              short: without when and which program
     -v              with the rules, addresses, elements and names in it
@@ -547,6 +547,7 @@ Faults
          tarnlab fault errno E [--count N] [--only REQUEST] [--device DEVICE]
          tarnlab fault delay MS [--count N]
          tarnlab fault absent [DEVICE...]
+         tarnlab fault peer WHAT [VALUE] [--count N] [--peer PEER]
          tarnlab fault clear
   
   Without an argument, lists the faults in force. Otherwise:
@@ -556,11 +557,15 @@ Faults
     errno E         requests fail with the errno E, a number or a name like ENOMEM
     delay MS        requests are held up for so many milliseconds
     absent          the devices cannot be opened; without a DEVICE, the firewall
+    peer WHAT       the processes that programs talk to over sockets: absent, refuse, close
+                    (at once), cut BYTES (of the answer), slow MS, bytes (one by one),
+                    length [+-]N (announced), unterminated, silent, endless
     clear           no faults from now on
     --count N       only the next N; without it, until cleared
     --only COMMAND  only messages with this command, by name or number
     --only REQUEST  only this request number
     --device DEVICE firewall, tables or insertion
+    --peer PEER     trace or inspection; without it, both
     --help          this text
   $ run tarnlab fault
   no faults

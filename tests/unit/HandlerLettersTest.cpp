@@ -1,6 +1,7 @@
 // The option letters of the commands on features, settings, discovery, identity and memory, on
-// filters, agents, tables, service insertion, traces and inspection: which there are, and which of
-// them take a value. Every other letter is refused.
+// filters, agents, tables, service insertion, traces and inspection, on balancers, gateways,
+// statistics and single connections: which there are, and which of them take a value. Every other
+// letter is refused.
 
 #include <gtest/gtest.h>
 
@@ -77,6 +78,14 @@ const Letters kLetters[] = {
     {"getprofiles", "hf:"},
     {"gre", "ha:f:k:e:m:g:"},
     {"getsisvmstats", "hp:"},
+    {"getfilterstat", "hv::m:f:z"},
+    {"clearfilterstat", "hv::f:"},
+    {"rtt", "f:i:rh"},
+    {"getattrinfo", "hv::a:x:C:U:f:t:S:D:s:d:p:i:o:m:"},
+    {"getstatedpiinfo", "hv::f:s:"},
+    {"getalginfo", "f:c:d:h"},
+    {"getlbinfo", "hv::m:f:i:u:cad"},
+    {"getlbstat", "hv::m:f:u:l:spdz"},
     {"tracehulld", "heqsc:v::m:i:ot:", 1, "e"},
     {"tracetarn", "heqsc:v::m:i:ot:f:", 1, "eqo"},
     {"getdpiinfo", "hsedtclm:", 1, "", true},

@@ -84,7 +84,7 @@ TEST_F(LabTable, NoTwoTablesOfTheHostHaveTheSameName) {
       names.push_back(each.name);
     }
   }
-  EXPECT_EQ(names.size(), 6u);
+  EXPECT_EQ(names.size(), 7u);
 }
 
 TEST_F(LabTable, OnlyTheFirstFilterOfTheUsualHostIsFilled) {

@@ -26,8 +26,8 @@ std::string printed(Print print) {
 
 }  // namespace
 
-TEST(TarnFWJson, AnObjectWithoutItemsIsTwoBraces) {
-  EXPECT_EQ(printed([](CTarnFWJson&) {}), "{\n}\n");
+TEST(TarnFWJson, AnObjectWithoutItemsHasAnEmptyLine) {
+  EXPECT_EQ(printed([](CTarnFWJson&) {}), "{\n\n}\n");
 }
 
 TEST(TarnFWJson, ItemsAreFourColumnsALevelWithCommasBetweenThem) {
@@ -51,6 +51,7 @@ TEST(TarnFWJson, ItemsAreFourColumnsALevelWithCommasBetweenThem) {
             "    ],\n"
             "    \"list\": [\n"
             "        {\n"
+            "\n"
             "        },\n"
             "        {\n"
             "            \"last\": 18446744073709551615\n"
