@@ -1,7 +1,6 @@
 #include "LocalSocket.h"
 
 #include <sys/socket.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -16,14 +15,9 @@ bool LocalSocket::open() {
   return descriptor_ != -1;
 }
 
-bool LocalSocket::connect(const char* path) {
+bool LocalSocket::connect(const char* path, std::size_t length) {
   sockaddr_un address{};
   address.sun_family = AF_UNIX;
-  const std::size_t length = std::strlen(path);
-  if (length >= sizeof address.sun_path) {
-    errno = ENAMETOOLONG;
-    return false;
-  }
   std::memcpy(address.sun_path, path, length);
   // The NUL after the path is not counted.
   const auto size = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + length);

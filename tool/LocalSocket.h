@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sys/un.h>
+
 #include <cstddef>
 
 /// A stream to a process of this host, which listens at a path. Interrupted transfers go on. What
@@ -14,8 +16,12 @@ class LocalSocket {
   /// Makes the socket, once. False on failure.
   bool open();
 
-  /// Connects it to the process at a path of at most 107 characters. False on failure.
-  bool connect(const char* path);
+  /// Connects it to the process at a path. False on failure.
+  template <std::size_t Size>
+  bool connect(const char (&path)[Size]) {
+    static_assert(Size <= sizeof sockaddr_un::sun_path);
+    return connect(path, Size - 1);
+  }
 
   /// Sends all of it, in as many pieces as the peer takes. False on failure.
   bool send(const void* bytes, std::size_t size);
@@ -25,5 +31,7 @@ class LocalSocket {
   long receive(void* buffer, std::size_t size);
 
  private:
+  bool connect(const char* path, std::size_t length);
+
   int descriptor_ = -1;
 };

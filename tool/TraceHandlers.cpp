@@ -250,8 +250,8 @@ int enableTrace() {
   return 0;
 }
 
-/// Writes to standard output at once, past its buffer, for whoever watches a daemon that takes its
-/// time. Returns how much was written.
+/// Writes to standard output at once, past its buffer, which is empty: for whoever watches a daemon
+/// that takes its time. Returns how much was written.
 std::size_t writeOut(const char* bytes, std::size_t size) {
   std::size_t written = 0;
   while (written < size) {
@@ -265,7 +265,6 @@ std::size_t writeOut(const char* bytes, std::size_t size) {
 
 /// Copies what the daemon says. Scripts do not see by the status that it was cut.
 int copyReply(LocalSocket& daemon) {
-  std::fflush(stdout);
   char piece[1024];
   for (;;) {
     const long size = daemon.receive(piece, sizeof piece);

@@ -325,6 +325,7 @@ TEST_F(HulldTrace, RefusesValues) {
       {{"-c", "M", "-v4294967296"}, threshold},
       {{"-c", "M", "-v-1"}, threshold},
       {{"-c", "M", "-v12x"}, threshold},
+      {{"-c", "M", "-v0x10"}, threshold},
       {{"-s", "-t", "31"}, timeout},
       {{"-s", "-t", "-1"}, timeout},
       {{"-s", "-t", "soon"}, timeout},
@@ -641,6 +642,7 @@ TEST(TarnTrace, ListsItsCommands) {
     EXPECT_EQ(tarn({"-c", text}),
               (CommandResult{1, kTarnList, "ERROR: invalid trace command `" + text + "'.\n"}));
   EXPECT_EQ(tarn({"-c", "?", "-s"}), (CommandResult{1, kTarnList, ""}));
+  EXPECT_EQ(tarn({"-c", "?", "-c", "B"}), (CommandResult{1, kTarnList, ""}));
   EXPECT_EQ(tarn({"-s", "-c", "?"}), (CommandResult{1, kTarnList, ""}));
   // Before it is noticed that a filter is missing.
   EXPECT_EQ(runCommand({"tracetarn", "-c", "?"}), (CommandResult{1, kTarnList, ""}));
