@@ -15,11 +15,11 @@ Mutex::Mutex() {
 
 Mutex::~Mutex() { pthread_mutex_destroy(&mutex_); }
 
-void Mutex::lock() {
+void StaticMutex::lock() {
   if (const int error = pthread_mutex_lock(&mutex_); error != 0) throw LockException(error);
 }
 
-void Mutex::unlock() {
+void StaticMutex::unlock() {
   if (const int error = pthread_mutex_unlock(&mutex_); error != 0) throw LockException(error);
 }
 

@@ -20,32 +20,40 @@ class LockException : public std::exception {
   std::string message_;
 };
 
-/// A plain, non-recursive mutex. Every operation that fails throws `LockException`.
-class Mutex {
+/// A plain, non-recursive mutex of the process itself: the compiler makes it, and nothing destroys
+/// it, so that it costs a start of the program nothing. Every operation that fails throws
+/// `LockException`.
+class StaticMutex {
  public:
-  Mutex();
-  ~Mutex();
-  Mutex(const Mutex&) = delete;
-  Mutex& operator=(const Mutex&) = delete;
+  constexpr StaticMutex() = default;
+  StaticMutex(const StaticMutex&) = delete;
+  StaticMutex& operator=(const StaticMutex&) = delete;
 
   void lock();
   void unlock();
 
- private:
-  pthread_mutex_t mutex_;
+ protected:
+  pthread_mutex_t mutex_ = PTHREAD_MUTEX_INITIALIZER;
 };
 
-/// Holds a mutex for a scope. Works with `Mutex`; a failing unlock on the way out is ignored, since
-/// a destructor must not throw.
+/// The same in an object that comes and goes.
+class Mutex : public StaticMutex {
+ public:
+  Mutex();
+  ~Mutex();
+};
+
+/// Holds a mutex for a scope. A failing unlock on the way out is ignored, since a destructor must
+/// not throw.
 class Guard {
  public:
-  explicit Guard(Mutex& mutex) : mutex_(mutex) { mutex_.lock(); }
+  explicit Guard(StaticMutex& mutex) : mutex_(mutex) { mutex_.lock(); }
   ~Guard();
   Guard(const Guard&) = delete;
   Guard& operator=(const Guard&) = delete;
 
  private:
-  Mutex& mutex_;
+  StaticMutex& mutex_;
 };
 
 /// The process's only object of a class, which `make` makes on first use; the lock is held

@@ -3,6 +3,7 @@
 /// What the kernel's commands are called and how large they are: one constant row per command
 /// number, from 0 to 91.
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 
@@ -20,7 +21,7 @@ struct FWCmdForm_ {
 };
 
 struct FWCmdRow_ {
-  const char* name;       // as logs print it
+  char name[28];          // as logs print it
   std::uint32_t request;  // bytes of the body that really are request
   FWCmdForm_ forms[2] = {};
 };
@@ -126,13 +127,31 @@ inline constexpr FWCmdRow_ kCmdCatalogue[kCmdCount] = {
 };
 // clang-format on
 
+/// The name of a command.
+struct FWCmdName_ {
+  constexpr operator const char*() const { return text; }  // NOLINT(google-explicit-constructor)
+  char text[sizeof FWCmdRow_::name];
+};
+
+// Code takes the column that it needs. The catalogue itself, with its names of classes for the
+// compiler and for tests, would be a table of addresses for the loader to move.
+
 /// Names by number.
-inline constexpr std::array<const char*, kCmdCount> cmd_name = [] {
-  std::array<const char*, kCmdCount> names{};
+inline constexpr auto cmd_name = [] {
+  std::array<FWCmdName_, kCmdCount> names{};
   for (std::uint16_t number = 0; number < kCmdCount; ++number) {
-    names[number] = kCmdCatalogue[number].name;
+    std::ranges::copy(kCmdCatalogue[number].name, names[number].text);
   }
   return names;
+}();
+
+/// Bytes of the requests by number.
+inline constexpr auto cmd_request = [] {
+  std::array<std::uint32_t, kCmdCount> requests{};
+  for (std::uint16_t number = 0; number < kCmdCount; ++number) {
+    requests[number] = kCmdCatalogue[number].request;
+  }
+  return requests;
 }();
 
 /// Name of any number, "unknown" above 91.

@@ -44,8 +44,9 @@ Ends endsOf(const FWFlowRecord_& flow, unsigned int index) {
     case FW_FLOW_IPV6_HOST:
     case FW_FLOW_IPV6: {
       // No address of an IPv6 connection stands in the line, which scripts expect.
-      inet_ntop(AF_INET6, &in6addr_any, ends.source, sizeof ends.source);
-      inet_ntop(AF_INET6, &in6addr_any, ends.destination, sizeof ends.destination);
+      constexpr in6_addr none{};
+      inet_ntop(AF_INET6, &none, ends.source, sizeof ends.source);
+      inet_ntop(AF_INET6, &none, ends.destination, sizeof ends.destination);
       setAlg(ends, flow, loadRecord<FWFlowIPv6_>(flow.addresses).transport.alg);
       break;
     }

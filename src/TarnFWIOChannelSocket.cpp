@@ -51,7 +51,7 @@ FWStatus_t CTarnFWIOChannelSocket::sendIOCTL(dvs_port_*, void* message, unsigned
 
   const std::uint16_t command = envelope.command;
   if (command != 0 && command < kCmdCount) {
-    const std::uint32_t request = kCmdCatalogue[command].request;
+    const std::uint32_t request = cmd_request[command];
     envelope.bodyLength = request;
     // The peer expects the whole message's size in the header here, not the body's.
     header.bodyLength = request + static_cast<std::uint32_t>(kHeadSize);

@@ -11,7 +11,7 @@ constinit FWVerbose_ g_tarnfw_verbose[kComponentRows] = {
     {1, 0, "flow"},     {1, 0, "filter"}, {1, 0, "trie"},     {1, 0, "cache"},
 };
 constinit std::atomic<unsigned int> g_tarnfw_max_component = FW_COMPONENT_PREDEFINED;
-Locks::Mutex g_tarnfw_verbose_mutex;
+constinit Locks::StaticMutex g_tarnfw_verbose_mutex;
 
 constinit const char* const hulld_comp_name[kHulldComponents] = {
     "misc",     "api",  "library",  "lexer", "parser", "io",   "msgbuf", "cmd",  "address", "rule",
@@ -26,7 +26,7 @@ constinit FWLoggerPlace gTarnFWLogger;
 
 constinit FWPrettyPrinting_t g_tarnfw_pretty_printing = nullptr;
 constinit void* g_tarnfw_pretty_printing_context = nullptr;
-Locks::Mutex g_tarnfw_pretty_printing_mutex;
+constinit Locks::StaticMutex g_tarnfw_pretty_printing_mutex;
 
 FWLogger_ FWLoggerPlace::load() const {
   for (;;) {

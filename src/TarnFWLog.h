@@ -57,7 +57,7 @@ inline constexpr unsigned int kComponentRows = 64;
 /// row is written before it is counted, under the mutex, so that a row below the count is whole.
 extern FWVerbose_ g_tarnfw_verbose[kComponentRows];
 extern std::atomic<unsigned int> g_tarnfw_max_component;
-extern Locks::Mutex g_tarnfw_verbose_mutex;
+extern Locks::StaticMutex g_tarnfw_verbose_mutex;
 
 /// Level of a row, for the guard of a debug line: one load.
 [[gnu::always_inline]] inline std::int32_t verboseLevel(unsigned int component) {
@@ -98,7 +98,7 @@ void vLogger(int priority, const char* format, va_list arguments)
 
 extern FWPrettyPrinting_t g_tarnfw_pretty_printing;
 extern void* g_tarnfw_pretty_printing_context;
-extern Locks::Mutex g_tarnfw_pretty_printing_mutex;
+extern Locks::StaticMutex g_tarnfw_pretty_printing_mutex;
 
 /// Holds the printing mutex for the whole of one command's output.
 ///

@@ -7,7 +7,8 @@ namespace TarnFirewall {
 
 namespace {
 
-constexpr const char* kStatusTexts[] = {
+// Texts and not their addresses, which the loader would have to move.
+constexpr char kStatusTexts[][40] = {
     "ok",                                 // 0
     "lib not initialized",                // 1
     "invalid lib handle",                 // 2

@@ -107,8 +107,10 @@ const FWCommand_* findCommand(const char* word) {
 }
 
 const char* programName(const char* path) {
-  const char* const slash = std::strrchr(path, '/');
-  return slash != nullptr ? slash + 1 : path;
+  const char* name = path;
+  for (const char* at = path; *at != '\0'; ++at)
+    if (*at == '/') name = at + 1;
+  return name;
 }
 
 int runCommand(int argc, char** argv) {

@@ -12,12 +12,16 @@ constexpr std::size_t kRecord = 136;
 
 }  // namespace
 
-std::map<std::uint64_t, std::string> attrmap;
+std::map<std::uint64_t, std::string>& attrmap() {
+  static std::map<std::uint64_t, std::string> texts;
+  return texts;
+}
 
 std::string DpiString(std::uint64_t flowId) {
-  if (attrmap.empty()) return {};
-  const auto place = attrmap.find(flowId);
-  return place != attrmap.end() ? place->second : std::string();
+  const auto& texts = attrmap();
+  if (texts.empty()) return {};
+  const auto place = texts.find(flowId);
+  return place != texts.end() ? place->second : std::string();
 }
 
 void populateFlows(std::span<const std::byte> records, std::size_t count) {
@@ -29,7 +33,7 @@ void populateFlows(std::span<const std::byte> records, std::size_t count) {
     std::vector<std::uint32_t> numbers;
     std::vector<std::string> texts;
     getDPIString(true, text.c_str(), result, numbers, texts);
-    attrmap[id] = result;
+    attrmap()[id] = result;
     records = records.subspan(kRecord);
   }
 }

@@ -10,8 +10,8 @@
 #include <string>
 #include <vector>
 
-/// Texts by flow id.
-extern std::map<std::uint64_t, std::string> attrmap;
+/// Texts by flow id, made at first use.
+std::map<std::uint64_t, std::string>& attrmap();
 
 /// The text of a flow, empty when there is none.
 std::string DpiString(std::uint64_t flowId);

@@ -25,7 +25,7 @@ StandardOutput::~StandardOutput() {
 
 int StandardOutput::finish(int status) {
   if (std::fflush(stdout) != 0 && error_ == 0) error_ = errno;
-  if (std::ferror(stdout) == 0 && error_ == 0) return status;
+  if (ferror_unlocked(stdout) == 0 && error_ == 0) return status;
   if (!reported_) {
     error("ERROR: failed to write output: %s\n", std::strerror(error_ != 0 ? error_ : EIO));
     reported_ = true;

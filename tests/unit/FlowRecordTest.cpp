@@ -369,20 +369,20 @@ TEST(FlowAttributes, AreNotLookedAtWhereNoneArrive) {
 
 TEST(DpiString, AFlowHasTheTextThatWasStored) {
   EXPECT_EQ(DpiString(5), "");
-  attrmap[5] = " dpi";
+  attrmap()[5] = " dpi";
   EXPECT_EQ(DpiString(5), " dpi");
   EXPECT_EQ(DpiString(6), "");
-  attrmap[0x0102030405060708] = " seen";
+  attrmap()[0x0102030405060708] = " seen";
   EXPECT_EQ(line(ipv4Flow(47)), ipv4Line("gre", "10.0.0.1 -> 10.0.0.2 seen"));
-  attrmap.clear();
+  attrmap().clear();
 }
 
 TEST(PopulateFlows, EveryRecordMakesOrEmptiesAnEntry) {
   Bytes records(3 * 136);
   put64(put64(records, 0, 7), 136, 8).text(8, "whatever the kernel says");
-  attrmap[7] = "old";
+  attrmap()[7] = "old";
   populateFlows(std::as_bytes(std::span(records.data(), records.size() - 1)), 99);
-  EXPECT_EQ(attrmap, (std::map<std::uint64_t, std::string>{{7, ""}, {8, ""}}))
+  EXPECT_EQ(attrmap(), (std::map<std::uint64_t, std::string>{{7, ""}, {8, ""}}))
       << "the third is not whole";
-  attrmap.clear();
+  attrmap().clear();
 }
