@@ -33,10 +33,11 @@ constexpr char kMissingCommand[] = "ERROR: missing trace command\n";
 
 // --- Commands of a trace
 
+/// The texts stand in the row: their addresses would be moved at each start of the program.
 struct TraceCommand {
   char letter;
-  const char* name;
-  const char* text;
+  char name[24];
+  char text[48];
 };
 
 constexpr char kNoCommand = '\0';
