@@ -186,3 +186,148 @@ Commands of the daemon.
   $ run tarnioctl tracehulld -s -m 64
   err| ERROR: bad component id 64
   [1]
+
+Tracing is enabled by a file that must not be there before.
+
+  $ (umask 022; lab tarnioctl tracehulld -e)
+  hulld trace is scheduled to start shortly. please check hulld.log to confirm.
+  $ lab tarnioctl tracehulld -e
+  err| ERROR: failed to enable trace: File exists
+  [1]
+  $ stat -c '%a %s %n' "$TARNLAB_HOME"/root/etc/kelpco/hulld/* | sed 's|/.*/root||'
+  644 0 /etc/kelpco/hulld/enable_trace
+  $ lab tarnioctl tracehulld -s
+  tracing: on
+  process log level: 3
+  library log level: 2
+  L2 rule optimization: on
+  L3 rule optimization: on
+  shared addrset: off
+  clean protobuf: off
+  addrset aggregation timeout: 5 seconds
+  addrset aggregation interval: 10 seconds
+  filters: 8, agents: 3
+
+Levels of the daemon's logs. A level counts up from 0, or is given.
+
+  $ lab tarnioctl tracehulld -c log -v
+  process log level of all components is 1
+  $ lab tarnioctl tracehulld -c log -v -v
+  process log level of all components is 2
+  $ lab tarnioctl tracehulld -c LOG -v7 -m flow
+  process log level of flow is 7
+  $ lab tarnioctl tracehulld -c D -v9 -m all
+  library log level of all components is 9
+  $ lab tarnioctl tracehulld -s | grep level
+  process log level: 2, flow 7
+  library log level: 9
+
+A feature is on with -o; without it, off.
+
+  $ lab tarnioctl tracehulld -c tune-l2rule
+  L2 rule optimization is off
+  $ lab tarnioctl tracehulld -c P -o
+  L2 rule optimization is on
+
+A timeout has up to 30 seconds, a threshold its kind and a value. Both depend on the command before them.
+
+  $ lab tarnioctl tracehulld -c addrset-timeout -t 30
+  addrset aggregation timeout is 30 seconds
+  $ lab tarnioctl tracehulld -c a -t 0
+  addrset aggregation interval is 0 seconds
+  $ lab tarnioctl tracehulld -c save-threshold -t 0 -v 65
+  err| ERROR: Threshold value not provided.
+  [1]
+  $ lab tarnioctl tracehulld -c save-threshold -t 0 -v65
+  threshold of CPU is 65 percent
+  $ lab tarnioctl tracehulld -t 2 -v9 -c M -t 2 -v9999
+  threshold of connections is 9999 per second
+  $ lab tarnioctl tracehulld -c M -t 200
+  ERROR: there is no threshold 200
+  $ lab tarnioctl tracehulld -c dump-threshold
+  threshold of CPU: 65 percent
+  threshold of memory: 75 percent
+  threshold of connections: 9999 per second
+
+A letter and a name are the same command.
+
+  $ quiet tarnioctl tracehulld -c Z > letter
+  $ quiet tarnioctl tracehulld -c dump-timeout > name
+  $ cmp letter name
+  $ head -2 name
+  filter nic-1002672-eth0-kelpco-sfw.2
+    dfw.tcp.first_packet: 120
+  $ tarnlab log | tail -2 | sed 's/.*trace /trace /; s/bytes .*/bytes/'
+  trace Z: dump timeout config() = ok {bytes
+  trace Z: dump timeout config() = ok {bytes
+
+A dump that is longer than a piece comes whole; some go into a file of the host.
+
+  $ quiet tarnioctl tracehulld -c dump-filter | grep -c '^filter '
+  8
+  $ quiet tarnioctl tracehulld -c dump-flow | wc -c | grep -c '^......$'
+  1
+  $ quiet tarnioctl tracehulld -c save-flow -i /var/run/kelpco/flows | sed 's/[0-9][0-9]*/N/'
+  saved N bytes to /var/run/kelpco/flows
+  $ cmp <(quiet tarnioctl tracehulld -c L) "$TARNLAB_HOME"/root/var/run/kelpco/flows
+  $ run tarnioctl tracehulld -c E -i "$(printf 'p%.0s' {1..256})"
+  err| ERROR: Failed: Input file path is longer than 255
+  [1]
+
+Nothing is sent after a list.
+
+  $ lines() { tarnlab log | wc -l; }
+  $ before=$(lines)
+  $ lab tarnioctl tracehulld -c help -c status > list
+  [1]
+  $ test $before = $(lines)
+
+The daemon is absent, refuses, goes away or takes its time.
+
+  $ fault() { tarnlab fault peer "$@" --count 1; }
+  $ fault absent && lab tarnioctl tracehulld -s
+  err| ERROR: failed to connect trace ctrl socket: No such file or directory
+  [1]
+  $ fault refuse && lab tarnioctl tracehulld -s
+  err| ERROR: failed to connect trace ctrl socket: Connection refused
+  [1]
+  $ fault close && lab tarnioctl tracehulld -s
+  err| ERROR: failed to send trace ctrl command: Broken pipe
+  [1]
+  $ fault cut 12 && lab tarnioctl tracehulld -s; echo
+  tracing: on
+  
+  $ fault bytes && lab tarnioctl tracehulld -s | tail -1
+  filters: 8, agents: 3
+  $ fault slow 20 && lab tarnioctl tracehulld -s | tail -1
+  filters: 8, agents: 3
+  $ fault endless && tarnlab run tarnioctl tracehulld -s | head -1
+  tracing: on
+  $ fault silent && timeout 1 tarnlab run tarnioctl tracehulld -s
+  [124]
+  $ tarnlab run tarnioctl tracehulld -s > /dev/full
+  ERROR: failed to print data: 0
+  $ tarnlab fault
+  no faults
+
+A path that is no socket.
+
+  $ rm "$TARNLAB_HOME"/root/var/run/kelpco/hulld_trace
+  $ echo text > "$TARNLAB_HOME"/root/var/run/kelpco/hulld_trace
+  $ lab tarnioctl tracehulld -s
+  err| ERROR: failed to connect trace ctrl socket: Connection refused
+  [1]
+
+Without the socket there is no daemon. Tracing is stopped, which can be repeated.
+
+  $ rm "$TARNLAB_HOME"/root/var/run/kelpco/hulld_trace
+  $ lab tarnioctl tracehulld -q
+  err| ERROR: failed to connect trace ctrl socket: No such file or directory
+  [1]
+  $ tarnlab reset > made
+  $ lab tarnioctl tracehulld -e
+  hulld trace is scheduled to start shortly. please check hulld.log to confirm.
+  $ lab tarnioctl tracehulld -q
+  tracing is stopped
+  $ lab tarnioctl tracehulld -c exit
+  tracing was not on
