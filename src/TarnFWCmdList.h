@@ -19,6 +19,7 @@ class CTarnFWCmdList final : public ITarnFWObject {
 
   std::size_t size() const { return commands_.size(); }
   const CTarnFWCmd& at(std::size_t index) const { return *commands_.at(index); }
+  CTarnFWCmd& at(std::size_t index) { return *commands_.at(index); }
 
   /// Size of the largest command, 0 for an empty list.
   unsigned int getMsgSize() const override;

@@ -1,7 +1,5 @@
 #include "HandlerCommon.h"
 
-#include <strings.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <climits>
@@ -75,33 +73,6 @@ bool decimalOption(const char* text, int* value) {
 
 long boundedOption(const char* text, long least, long most) {
   return std::clamp(std::strtol(text, nullptr, 10), least, most);
-}
-
-int GetAgentFromFilterName(const char* name, char* agent) {
-  constexpr std::size_t kAgentSize = 99;
-  constexpr char kSharedPrefix[] = "shared-addrset-filter-";
-  constexpr std::size_t kSharedPrefixLength = sizeof kSharedPrefix - 1;
-
-  if (strncasecmp(name, kSharedPrefix, kSharedPrefixLength) == 0) {
-    Strncpy(agent, name + kSharedPrefixLength, kAgentSize);
-    agent[std::strcspn(agent, ".")] = '\0';
-    return agent[0] == '\0' ? 1 : 0;
-  }
-
-  // nic-<world>-<virtual nic>-<agent>.<slot>
-  char copy[kAgentSize];
-  Strncpy(copy, name, sizeof copy);
-  char* begin = copy;
-  for (int dash = 0; dash < 3; ++dash) {
-    begin = std::strchr(begin, '-');
-    if (begin == nullptr) return 1;
-    ++begin;
-  }
-  char* const dot = std::strrchr(begin, '.');
-  if (dot == nullptr) return 1;
-  *dot = '\0';
-  Strncpy(agent, begin, kAgentSize);
-  return 0;
 }
 
 FilterTarget::FilterTarget() { Strncpy(agent, kDefaultAgent, sizeof agent); }

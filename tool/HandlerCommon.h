@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <string>
 
+#include "TarnFWUtilFilter.h"
 #include "tarnfw.h"
 
 // --- Texts
@@ -99,17 +100,6 @@ inline constexpr option kVerboseWord{"verbose", optional_argument, nullptr, 'v'}
 inline constexpr option kLastWord{nullptr, 0, nullptr, 0};
 
 // --- The filter
-
-/// Agent of a filter whose name has none.
-inline constexpr char kDefaultAgent[] = "kelpco-sfw";
-
-/// Characters of a filter's or an agent's name on the command line.
-inline constexpr std::size_t kMaxName = 99;
-
-/// Writes the agent of a filter name, at most 98 characters, into a buffer of at least 99 bytes.
-/// Returns 0; or 1 when the name has none, and the buffer is then as it was, except for the filter
-/// of shared address sets, which leaves it empty.
-int GetAgentFromFilterName(const char* name, char* agent);
 
 /// The filter that a command works on, as `-f` names it.
 struct FilterTarget {

@@ -1,0 +1,41 @@
+#pragma once
+
+/// What a filter of this host holds, read by the library's flat functions. What the kernel answers
+/// is untrusted: counts are bounds that may be wrong, names may hold anything.
+
+#include <string>
+
+#include "State.h"
+#include "tarnfw.h"
+
+/// The library on the control device, while it lives. `StateError` when there is none.
+class FilterLibrary {
+ public:
+  FilterLibrary();
+  ~FilterLibrary();
+  FilterLibrary(const FilterLibrary&) = delete;
+  FilterLibrary& operator=(const FilterLibrary&) = delete;
+
+  fwlibhandle_* handle() const { return handle_; }
+
+ private:
+  fwlibhandle_* handle_ = nullptr;
+};
+
+/// The selector of a filter by its name, as `-f` of `tarnioctl` takes it. Throws `StateError` for a
+/// name that is too long.
+dvs_port_ filterSelector(const std::string& name);
+
+/// Most entries that are read from one filter; one that says it has more is not believed.
+inline constexpr std::uint32_t kMostSets = 1000000;
+inline constexpr std::uint32_t kMostRules = 4000000;
+inline constexpr std::uint32_t kMostAddresses = 16000000;
+inline constexpr std::uint32_t kMostElementBytes = 64u << 20;
+
+/// Everything that the filter holds. A filter that changes while it is read is read again, three
+/// times in all. Throws `StateError` with the question that failed and why; `name` stands in it. A
+/// rule set that the kernel is purging is not there.
+State stateOfFilter(fwlibhandle_* library, const dvs_port_& port, const std::string& name);
+
+/// The same by name.
+State stateOfFilter(const std::string& name);

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "FakeKernel.h"
+#include "State.h"
+
+/// A kernel with one filter that holds a state and answers the questions about it, by offsets of
+/// its own. Tests change the answer to any question. The generations are 7, until a test touches
+/// them.
+class PolicyKernel {
+ public:
+  /// The body of a request, over which the reply is written.
+  struct Body {
+    std::uint8_t* at;
+    std::size_t size;
+
+    std::uint32_t word(std::size_t offset) const;
+    std::string text(std::size_t offset, std::size_t length) const;
+    void put32(std::size_t offset, std::uint32_t value);
+    void put64(std::size_t offset, std::uint64_t value);
+    void put(std::size_t offset, const void* bytes, std::size_t count);
+  };
+  using Answer = std::function<TarnFirewall::FWStatus_t(Body)>;
+
+  explicit PolicyKernel(State state);
+
+  /// Puts an answer before the usual one. It may return `kUsual` to leave the question to that.
+  static constexpr TarnFirewall::FWStatus_t kUsual = 0xffffffff;
+  void before(unsigned int command, Answer answer) { before_[command] = std::move(answer); }
+
+  /// Changes what was answered.
+  void after(unsigned int command, std::function<void(Body)> change) {
+    after_[command] = std::move(change);
+  }
+
+  /// The question fails from now on.
+  void fail(unsigned int command, TarnFirewall::FWStatus_t status);
+
+  State& state() { return state_; }
+  TarnFirewall::fwlibhandle_* handle() { return kernel_.handle(); }
+  unsigned int timesAsked(unsigned int command) const;
+
+ private:
+  TarnFirewall::FWStatus_t answer(unsigned int command, Body body);
+  TarnFirewall::FWStatus_t answerSets(unsigned int command, Body body);
+  TarnFirewall::FWStatus_t answerRuleSets(unsigned int command, Body body);
+
+  State state_;
+  FakeKernel kernel_;
+  std::map<unsigned int, Answer> before_;
+  std::map<unsigned int, std::function<void(Body)>> after_;
+  std::vector<unsigned int> asked_;
+};
