@@ -1,7 +1,8 @@
 #include "CheckTexts.h"
 
+#include "CheckNames.h"
 #include "CheckParse.h"
-#include "TarnFWCmdList.h"
+#include "CheckShadow.h"
 #include "TarnFWLog.h"
 #include "TarnFWParserActionsSelector.h"
 
@@ -28,21 +29,19 @@ class Undisturbed {
   TarnFirewall::FWLogger_ logger_;
 };
 
-class NoListener final : public TextListener {
- public:
-  void word(const Token&) override {}
-  void statement(TarnFirewall::CTarnFWCmdList*) override {}
-};
-
 }  // namespace
 
-Diagnostics checkTexts(const SourceTexts& sources) {
+Diagnostics checkTexts(const SourceTexts& sources, const HeldNames* held) {
   const Undisturbed undisturbed;
   Diagnostics diagnostics;
-  NoListener listener;
+  ShadowCheck shadows(diagnostics);
+  NameCheck names(sources, held, shadows, diagnostics);
   for (std::uint32_t file = 0; file < sources.size(); ++file) {
-    readText(sources[file], file, listener, diagnostics);
+    names.beginFile(file);
+    readText(sources[file], file, names, diagnostics);
   }
+  names.finish();
+  shadows.finish();
   diagnostics.sort();
   return diagnostics;
 }

@@ -7,7 +7,7 @@ Configuration text is checked without being sent.
 
 Text without mistakes: nothing is printed, and nothing goes to the system log.
 
-  $ run tarnpolicy check "$examples"/*.conf
+  $ for example in "$examples"/*.conf; do run tarnpolicy check "$example"; done
 
 Each mistake has its place, the line, a mark under the word, and a remedy.
 

@@ -1,0 +1,414 @@
+#include "CheckShadow.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+#include <map>
+#include <memory>
+
+#include "TarnFWAddrSetHead.h"
+#include "TarnFWCmdCreateAddrSet.h"
+#include "TarnFWCmdCreateRuleSet.h"
+#include "TarnFWCmdList.h"
+#include "TarnFWText.h"
+
+using namespace TarnFirewall;
+
+namespace {
+
+/// Bounds of the work on texts that are made to cost: beyond them less is found.
+constexpr std::size_t kMaxRests = 256;       // combinations that are compared with a rule's
+constexpr std::size_t kMaxWider = 64;        // addresses that are wider than one
+constexpr std::size_t kMaxSetsOfBlock = 16;  // sets that hold one block
+constexpr std::size_t kMaxPorts = 8;         // lists of ports for the same addresses
+
+/// Kinds of rules: the kernel goes through each by itself.
+enum Kind : std::uint8_t { kFilter, kSnat, kDnat };
+
+Kind kindOf(unsigned int action) {
+  if (action == FW_ACTION_SNAT) return kSnat;
+  return action == FW_ACTION_DNAT || action == FW_ACTION_LB ? kDnat : kFilter;
+}
+
+bool isFinalAction(unsigned int action) {
+  return action == FW_ACTION_ACCEPT || action == FW_ACTION_DROP || action == FW_ACTION_REJECT ||
+         action == FW_ACTION_SNAT || action == FW_ACTION_DNAT;
+}
+
+std::string scopedName(std::size_t scope, const char* field, std::size_t size) {
+  std::string key(field, fieldLength(field, size));
+  key += '\0';
+  key += std::to_string(scope);
+  return key;
+}
+
+std::uint64_t mixed(std::uint64_t hash) {
+  hash = (hash ^ hash >> 32) * 0xd6e8feb86659fd93u;
+  hash = (hash ^ hash >> 32) * 0xd6e8feb86659fd93u;
+  return hash ^ hash >> 32;
+}
+
+}  // namespace
+
+std::size_t ShadowCheck::KeyHash::operator()(const Key& key) const {
+  const std::uint64_t both = static_cast<std::uint64_t>(key.source) << 32 | key.destination;
+  return static_cast<std::size_t>(mixed(both + key.rest * 0x9e3779b97f4a7c15u));
+}
+
+/// The earlier rules that say the same but for the ports of the destination. Of single ranges only
+/// those are kept that no other one holds, so that both their ends rise.
+class ShadowCheck::Bucket {
+ public:
+  /// The rule that lets all of these ports through, or null.
+  const Rule* find(const std::vector<PortRanges>& lists, const Rule& rule) const {
+    if (first_ == nullptr) return nullptr;
+    if (contains(first_->hull, rule.hull) && first_->ports == 0) return first_;
+    if (more_ == nullptr) return nullptr;
+    auto next = more_->ranges.upper_bound(rule.hull.low);
+    if (next != more_->ranges.begin() && contains((--next)->second->hull, rule.hull)) {
+      return next->second;
+    }
+    const PortRanges own = rangesOf(lists, rule);
+    for (const Rule* earlier : more_->lists) {
+      if (::covers(rangesOf(lists, *earlier), own)) return earlier;
+    }
+    return nullptr;
+  }
+
+  void add(const Rule& rule) {
+    if (first_ == nullptr && rule.ports == 0) {
+      first_ = &rule;
+      return;
+    }
+    if (more_ == nullptr) more_ = std::make_unique<More>();
+    if (first_ == nullptr) first_ = &rule;
+    if (rule.ports != 0) {
+      if (more_->lists.size() < kMaxPorts) more_->lists.push_back(&rule);
+      return;
+    }
+    auto& ranges = more_->ranges;
+    auto place = ranges.insert_or_assign(rule.hull.low, &rule).first;
+    while (std::next(place) != ranges.end() &&
+           contains(rule.hull, std::next(place)->second->hull)) {
+      ranges.erase(std::next(place));
+    }
+  }
+
+ private:
+  struct More {
+    std::map<std::uint16_t, const Rule*> ranges;  // by their low ends
+    std::vector<const Rule*> lists;
+  };
+
+  static bool contains(const PortRange& outer, const PortRange& inner) {
+    return outer.low <= inner.low && inner.high <= outer.high;
+  }
+  static PortRanges rangesOf(const std::vector<PortRanges>& lists, const Rule& rule) {
+    return rule.ports != 0 ? lists[rule.ports] : PortRanges{rule.hull};
+  }
+
+  const Rule* first_ = nullptr;
+  std::unique_ptr<More> more_;
+};
+
+void ShadowCheck::statement(std::size_t scope, std::uint32_t file, const CTarnFWCmdList& commands,
+                            std::span<const std::uint32_t> places) {
+  for (std::size_t i = 0; i < commands.size(); ++i) {
+    const CTarnFWCmd& command = commands.at(i);
+    if (const auto* set = dynamic_cast<const CTarnFWCmdCreateAddrSet*>(&command)) {
+      takeSet(scope, const_cast<CTarnFWCmdCreateAddrSet&>(*set));
+    } else if (const auto* rules = dynamic_cast<const CTarnFWCmdCreateRuleSet*>(&command)) {
+      if (rules->rules().getRuleCount() == places.size()) {
+        takeRules(scope, file, rules->rules(), places);
+      }
+    }
+  }
+}
+
+/// Reads a set out of the message that would create it.
+void ShadowCheck::takeSet(std::size_t scope, CTarnFWCmd& command) {
+  const unsigned int size = command.getMsgSize();
+  std::vector<std::uint8_t> body(size);
+  unsigned int written = 0;
+  if (!command.writeCmdBody(body.data(), size, &written, 0) || written > size ||
+      written < sizeof(FWAddrSetHead_)) {
+    return;
+  }
+  const auto head = loadRecord<FWAddrSetHead_>(body.data());
+  Contents contents{true, {}};
+  for (std::size_t at = sizeof head; written - at >= sizeof(FWAddress_); at += sizeof(FWAddress_)) {
+    const auto record = loadRecord<FWAddress_>(&body[at]);
+    const std::size_t before = contents.blocks.size();
+    if (const auto block = blockOf(record)) {
+      contents.blocks.push_back(*block);
+    } else {
+      addBlocksOf(record, contents.blocks);
+    }
+    if (contents.blocks.size() == before || (record.flags & kAddressNegated) != 0) {
+      contents.known = false;
+    }
+  }
+  if (!contents.known) contents.blocks.clear();
+  contents.blocks = merged(std::move(contents.blocks));
+  const auto number = static_cast<std::uint32_t>(sets_.size() + 1);
+  const auto [place, added] =
+      setNumbers_.emplace(scopedName(scope, head.name.text, sizeof head.name.text), number);
+  if (added) sets_.emplace_back();
+  sets_[place->second - 1] = std::move(contents);
+}
+
+void ShadowCheck::takeRules(std::size_t scope, std::uint32_t file, const CTarnFWRuleList& rules,
+                            std::span<const std::uint32_t> places) {
+  RuleSet& set = ruleSets_.emplace_back(RuleSet{file, {}});
+  set.rules.reserve(places.size());
+  FWRule_ record;
+  for (const auto& rule : rules.getRules()) {
+    std::memset(&record, 0, sizeof record);
+    unsigned int written = 0;
+    if (!rule->toMessage(&record, sizeof record, &written)) continue;
+    Rule& taken = set.rules.emplace_back(ruleOf(scope, record));
+    taken.place = places[static_cast<std::size_t>(&rule - rules.getRules().data())];
+  }
+  const auto byPosition = [](const Rule& a, const Rule& b) { return a.position < b.position; };
+  if (!std::is_sorted(set.rules.begin(), set.rules.end(), byPosition)) {
+    std::stable_sort(set.rules.begin(), set.rules.end(), byPosition);
+  }
+}
+
+ShadowCheck::Rule ShadowCheck::ruleOf(std::size_t scope, const FWRule_& record) {
+  Rule rule{};
+  rule.rest = restOf(record);
+  rule.source = addressOf(scope, record.source, (record.flags & kRuleHasSource) != 0);
+  rule.destination =
+      addressOf(scope, record.destination, (record.flags & kRuleHasDestination) != 0);
+  rule.id = record.id;
+  rule.position = record.position;
+  rule.ports = portsNumber(record.destinationPorts, rule.hull);
+  rule.isFinal = isFinalAction(record.action.action);
+  return rule;
+}
+
+std::uint32_t ShadowCheck::restOf(const FWRule_& record) {
+  Rest rest;
+  std::memset(&rest, 0, sizeof rest);
+  rest.kind = kindOf(record.action.action);
+  rest.layer3 = (record.flags & kRuleLayer3) != 0;
+  rest.direction =
+      static_cast<std::uint8_t>(record.flags >> kRuleDirectionShift & kRuleDirectionMask);
+  rest.af = static_cast<std::uint8_t>(ruleAF(record));
+  rest.askedAf = (record.origin & kRuleAFDerived) != 0 ? std::uint8_t{FW_AF_NONE} : rest.af;
+  rest.hasProtocol = (record.flags & kRuleHasProtocol) != 0;
+  rest.protocolNegated = (record.flags & kRuleProtocolNegated) != 0;
+  rest.protocol = record.protocol;
+  rest.dscp = static_cast<std::uint16_t>(record.session.flags & kSessionDSCPMask);
+  rest.sourcePorts = record.sourcePorts;
+  static_assert(sizeof rest.session ==
+                sizeof record.session - offsetof(FWSessionBlock_, flagsHeader));
+  std::memcpy(rest.session, &record.session.flagsHeader, sizeof rest.session);
+  std::memcpy(rest.extendedSource, record.extendedSource.name.text, sizeof rest.extendedSource);
+  std::memcpy(rest.attributeProfile, record.attributeProfile.name.text,
+              sizeof rest.attributeProfile);
+  if (!rests_.empty() && std::memcmp(&rests_.back(), &rest, sizeof rest) == 0) {
+    return static_cast<std::uint32_t>(rests_.size() - 1);
+  }
+  const auto view = [](const Rest& value) {
+    return std::string_view(reinterpret_cast<const char*>(&value), sizeof value);
+  };
+  const auto place = restNumbers_.find(view(rest));
+  if (place != restNumbers_.end()) return place->second;
+  const auto number = static_cast<std::uint32_t>(rests_.size());
+  rests_.push_back(rest);
+  restNumbers_.emplace(view(rests_.back()), number);
+  return number;
+}
+
+std::uint32_t ShadowCheck::addressOf(std::size_t scope, const FWAddress_& record, bool present) {
+  const bool negated = (record.flags & kAddressNegated) != 0;
+  const auto block = blockOf(record);
+  const bool isSet = record.type == FW_ADDRESS_ADDRSET;
+  char bytes[sizeof record + 1];
+  std::size_t size = 1;
+  bytes[0] = static_cast<char>(record.type << 1 | (negated ? 1 : 0));
+  std::string key;
+  if (!present) {
+    key = "any";
+  } else if (isSet) {
+    key = scopedName(scope, reinterpret_cast<const char*>(record.value), sizeof(FWAddrSetID_t));
+    key += negated ? "!" : "=";
+  } else {
+    // IPv4 with a prefix, or all that may differ.
+    const std::size_t used = block && block->isIPv4 ? 5 : sizeof record.value;
+    std::memcpy(bytes + 1, record.value, used);
+    size += used;
+    key.assign(bytes, size);
+  }
+  const auto [place, added] =
+      addressNumbers_.emplace(std::move(key), static_cast<std::uint32_t>(addresses_.size()));
+  if (!added) return place->second;
+  Address& address = addresses_.emplace_back();
+  address.any = !present;
+  address.negated = negated;
+  address.isSet = isSet;
+  address.block = block;
+  if (!present) any_ = place->second + 1;
+  if (isSet && !negated) {
+    const auto number = static_cast<std::uint32_t>(sets_.size() + 1);
+    const auto [set, made] = setNumbers_.emplace(
+        scopedName(scope, reinterpret_cast<const char*>(record.value), sizeof(FWAddrSetID_t)),
+        number);
+    if (made) sets_.emplace_back();
+    address.set = set->second;
+  }
+  return place->second;
+}
+
+std::uint32_t ShadowCheck::portsNumber(const FWPortBlock_& block, PortRange& hull) {
+  PortRanges ports = portsOf(block);
+  hull = ports.empty() ? PortRange{0, 0} : PortRange{ports.front().low, ports.back().high};
+  if (ports.size() == 1) return 0;
+  ports_.push_back(std::move(ports));
+  return static_cast<std::uint32_t>(ports_.size() - 1);
+}
+
+bool ShadowCheck::covers(const Rest& outer, const Rest& inner) {
+  if (outer.kind != inner.kind || outer.layer3 != inner.layer3) return false;
+  if (outer.direction != FW_DIRECTION_INOUT && outer.direction != inner.direction) return false;
+  if (outer.askedAf != FW_AF_NONE && outer.askedAf != inner.af) return false;
+  if (outer.hasProtocol != 0) {
+    if (inner.hasProtocol == 0) return false;
+    const bool same = outer.protocol == inner.protocol;
+    const bool fits =
+        outer.protocolNegated == inner.protocolNegated ? same : outer.protocolNegated != 0 && !same;
+    if (!fits) return false;
+  }
+  const auto emptyOrSame = [](const auto& wide, const auto& narrow) {
+    const auto* const bytes = reinterpret_cast<const char*>(&wide);
+    return std::all_of(bytes, bytes + sizeof wide, [](char c) { return c == 0; }) ||
+           std::memcmp(&wide, &narrow, sizeof wide) == 0;
+  };
+  return (outer.dscp == 0 || outer.dscp == inner.dscp) &&
+         emptyOrSame(outer.session, inner.session) &&
+         emptyOrSame(outer.extendedSource, inner.extendedSource) &&
+         emptyOrSame(outer.attributeProfile, inner.attributeProfile) &&
+         ::covers(portsOf(outer.sourcePorts), portsOf(inner.sourcePorts));
+}
+
+const std::vector<std::uint32_t>& ShadowCheck::widerRests(std::uint32_t number) {
+  std::vector<std::uint32_t>& wider = restsWider_[number];
+  if (!wider.empty()) return wider;
+  wider.push_back(number);
+  const std::size_t compared = std::min(rests_.size(), kMaxRests);
+  for (std::uint32_t other = 0; other < compared; ++other) {
+    if (other != number && covers(rests_[other], rests_[number])) wider.push_back(other);
+  }
+  return wider;
+}
+
+void ShadowCheck::indexAddresses() {
+  bool lengths[2][129] = {};
+  for (std::uint32_t number = 0; number < addresses_.size(); ++number) {
+    const Address& address = addresses_[number];
+    if (address.negated) continue;
+    if (address.block) {
+      blockNumbers_.emplace(*address.block, number);
+      lengths[address.block->isIPv4][address.block->length] = true;
+    }
+    if (address.set == 0) continue;
+    for (const AddressBlock& block : sets_[address.set - 1].blocks) {
+      auto& sets = setsOfBlock_[block];
+      if (sets.size() < kMaxSetsOfBlock) sets.push_back(number);
+      lengths[block.isIPv4][block.length] = true;
+    }
+  }
+  for (std::size_t family = 0; family < 2; ++family) {
+    for (std::size_t length = 0; length <= 128; ++length) {
+      if (lengths[family][length]) lengths_[family].push_back(static_cast<std::uint8_t>(length));
+    }
+  }
+}
+
+/// Adds the addresses that hold the block: blocks, and sets by one block of theirs.
+void ShadowCheck::addWiderBlocks(const AddressBlock& block,
+                                 std::vector<std::uint32_t>& wider) const {
+  for (const std::uint8_t length : lengths_[block.isIPv4]) {
+    if (length > block.length) return;
+    const AddressBlock cut = block.cutTo(length);
+    if (const auto place = blockNumbers_.find(cut); place != blockNumbers_.end()) {
+      wider.push_back(place->second);
+    }
+    if (const auto place = setsOfBlock_.find(cut); place != setsOfBlock_.end()) {
+      wider.insert(wider.end(), place->second.begin(), place->second.end());
+    }
+  }
+}
+
+const std::vector<std::uint32_t>& ShadowCheck::widerAddresses(std::uint32_t number) {
+  Address& address = addresses_[number];
+  std::vector<std::uint32_t>& wider = address.wider;
+  if (std::exchange(address.widened, true)) return wider;
+  wider.push_back(number);
+  if (any_ != 0 && any_ - 1 != number) wider.push_back(any_ - 1);
+  std::vector<std::uint32_t> candidates;
+  if (!address.negated && address.block) addWiderBlocks(*address.block, candidates);
+  if (address.set != 0 && !sets_[address.set - 1].blocks.empty()) {
+    const std::vector<AddressBlock>& blocks = sets_[address.set - 1].blocks;
+    addWiderBlocks(blocks.front(), candidates);
+    const auto hull = hullOf(blocks);
+    std::erase_if(candidates, [&](std::uint32_t candidate) {
+      const Address& other = addresses_[candidate];
+      if (other.block) return !hull || !other.block->contains(*hull);
+      const std::vector<AddressBlock>& outer = sets_[other.set - 1].blocks;
+      return !std::all_of(blocks.begin(), blocks.end(),
+                          [&](const AddressBlock& block) { return holds(outer, block); });
+    });
+  }
+  for (const std::uint32_t candidate : candidates) {
+    if (wider.size() == kMaxWider) break;
+    if (std::find(wider.begin(), wider.end(), candidate) == wider.end()) wider.push_back(candidate);
+  }
+  return wider;
+}
+
+const ShadowCheck::Rule* ShadowCheck::findWider(const RuleSet&, const Buckets& buckets,
+                                                const Rule& rule) {
+  if (rule.ports != 0 && ports_[rule.ports].empty()) return nullptr;
+  const Rule* found = nullptr;
+  const auto& sources = widerAddresses(rule.source);
+  const auto& destinations = widerAddresses(rule.destination);
+  for (const std::uint32_t rest : widerRests(rule.rest)) {
+    for (const std::uint32_t source : sources) {
+      for (const std::uint32_t destination : destinations) {
+        const auto bucket = buckets.find({rest, source, destination});
+        if (bucket == buckets.end()) continue;
+        const Rule* const wider = bucket->second.find(ports_, rule);
+        // The earliest is the one that users look for.
+        if (wider != nullptr && (found == nullptr || wider < found)) found = wider;
+      }
+    }
+  }
+  return found;
+}
+
+void ShadowCheck::look(RuleSet& set) {
+  Buckets buckets;
+  buckets.reserve(set.rules.size());
+  for (const Rule& rule : set.rules) {
+    if (const Rule* const wider = findWider(set, buckets, rule)) {
+      diagnostics_.add({.check = Check::shadowedRule,
+                        .range = {set.file, rule.place, rule.place + 4},
+                        .message = "rule " + std::to_string(rule.id) + " is never reached: rule " +
+                                   std::to_string(wider->id) +
+                                   " before it matches all that it matches",
+                        .relatedMessage = "rule " + std::to_string(wider->id),
+                        .related = {set.file, wider->place, wider->place + 4}});
+    } else if (rule.isFinal) {
+      buckets[{rule.rest, rule.source, rule.destination}].add(rule);
+    }
+  }
+}
+
+void ShadowCheck::finish() {
+  indexAddresses();
+  restsWider_.resize(rests_.size());
+  for (RuleSet& set : ruleSets_) look(set);
+}

@@ -1,0 +1,137 @@
+#pragma once
+
+/// Rules that are never reached: those after a rule of their rule set that matches all of what they
+/// match, in every field.
+///
+/// Each address, and each combination of the other fields, has a number. For a rule the numbers of
+/// what is wider than its fields are found by looking up, not by comparing it with every earlier
+/// rule, so that the work grows with the number of rules. What this leaves out stands in
+/// docs/policy-checks.md: it finds less there, and nothing that is not so.
+
+#include <cstdint>
+#include <deque>
+#include <span>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "AddressBlocks.h"
+#include "Diagnostic.h"
+#include "PortRanges.h"
+#include "TarnFWRuleRecord.h"
+
+namespace TarnFirewall {
+class CTarnFWCmd;
+class CTarnFWCmdList;
+class CTarnFWRuleList;
+}  // namespace TarnFirewall
+
+class ShadowCheck {
+ public:
+  explicit ShadowCheck(Diagnostics& diagnostics) : diagnostics_(diagnostics) {}
+
+  /// Takes the sets and rules of a statement for the filter with this number. `places`: where the
+  /// word `rule` of each of its rules stands.
+  void statement(std::size_t scope, std::uint32_t file,
+                 const TarnFirewall::CTarnFWCmdList& commands,
+                 std::span<const std::uint32_t> places);
+
+  /// After the last text: looks at the rules, now that the sets are known.
+  void finish();
+
+ private:
+  /// Fields of a rule that are compared as a whole.
+  struct Rest {
+    std::uint8_t kind;
+    std::uint8_t layer3;
+    std::uint8_t direction;
+    std::uint8_t af;       // of the rule or of its addresses
+    std::uint8_t askedAf;  // what the rule itself asks for
+    std::uint8_t hasProtocol;
+    std::uint8_t protocolNegated;
+    std::uint16_t protocol;
+    std::uint16_t dscp;
+    TarnFirewall::FWPortBlock_ sourcePorts;
+    std::uint8_t session[52];  // headers and bodies of flags and options
+    char extendedSource[38];
+    char attributeProfile[38];
+  };
+  /// What a rule says of one side, as a value.
+  struct Address {
+    bool negated = false;
+    bool any = false;
+    bool isSet = false;
+    std::optional<AddressBlock> block;
+    std::uint32_t set = 0;  // of those with contents, from 1
+    bool widened = false;   // `wider` has been found
+    std::vector<std::uint32_t> wider;
+  };
+  /// What a set holds; known only while nothing but plain addresses is in it.
+  struct Contents {
+    bool known = false;
+    std::vector<AddressBlock> blocks;  // merged
+  };
+  struct Rule {
+    std::uint32_t rest;
+    std::uint32_t source;
+    std::uint32_t destination;
+    std::uint32_t id;
+    std::int32_t position;
+    std::uint32_t place;  // in the text
+    std::uint32_t ports;  // of the destination: 0 for one range, else a number of `ports_`
+    PortRange hull;       // from the first port to the last
+    bool isFinal;         // a packet that it matches goes no further
+  };
+  struct RuleSet {
+    std::uint32_t file;
+    std::vector<Rule> rules;
+  };
+  struct Key {
+    std::uint32_t rest;
+    std::uint32_t source;
+    std::uint32_t destination;
+    bool operator==(const Key&) const = default;
+  };
+  struct KeyHash {
+    std::size_t operator()(const Key& key) const;
+  };
+  class Bucket;
+  using Buckets = std::unordered_map<Key, Bucket, KeyHash>;
+
+  void takeSet(std::size_t scope, TarnFirewall::CTarnFWCmd& command);
+  void takeRules(std::size_t scope, std::uint32_t file, const TarnFirewall::CTarnFWRuleList& rules,
+                 std::span<const std::uint32_t> places);
+  Rule ruleOf(std::size_t scope, const TarnFirewall::FWRule_& record);
+  std::uint32_t restOf(const TarnFirewall::FWRule_& record);
+  std::uint32_t addressOf(std::size_t scope, const TarnFirewall::FWAddress_& record, bool present);
+  std::uint32_t portsNumber(const TarnFirewall::FWPortBlock_& block, PortRange& hull);
+
+  void indexAddresses();
+  const std::vector<std::uint32_t>& widerAddresses(std::uint32_t number);
+  void addWiderBlocks(const AddressBlock& block, std::vector<std::uint32_t>& wider) const;
+  const std::vector<std::uint32_t>& widerRests(std::uint32_t number);
+  static bool covers(const Rest& outer, const Rest& inner);
+  void look(RuleSet& set);
+  const Rule* findWider(const RuleSet& set, const Buckets& buckets, const Rule& rule);
+
+  Diagnostics& diagnostics_;
+  std::deque<RuleSet> ruleSets_;
+
+  std::deque<Rest> rests_;
+  std::unordered_map<std::string_view, std::uint32_t> restNumbers_;
+  std::vector<std::vector<std::uint32_t>> restsWider_;
+
+  std::deque<Address> addresses_;
+  std::unordered_map<std::string, std::uint32_t> addressNumbers_;
+  std::uint32_t any_ = 0;  // number of "any" and 1, once there is one
+
+  std::unordered_map<std::string, std::uint32_t> setNumbers_;  // filter and name
+  std::deque<Contents> sets_;                                  // from number 1
+
+  std::vector<PortRanges> ports_{{}};
+
+  // Made by `indexAddresses`: addresses of blocks, and of sets by the blocks that they hold.
+  std::unordered_map<AddressBlock, std::uint32_t, AddressBlockHash> blockNumbers_;
+  std::unordered_map<AddressBlock, std::vector<std::uint32_t>, AddressBlockHash> setsOfBlock_;
+  std::vector<std::uint8_t> lengths_[2];  // of prefixes in the indexes: IPv6, IPv4
+};

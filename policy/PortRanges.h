@@ -1,0 +1,20 @@
+#pragma once
+
+/// The ports that a block of a rule's record lets through, as rising ranges that do not touch.
+
+#include <cstdint>
+#include <vector>
+
+#include "TarnFWRuleRecord.h"
+
+struct PortRange {
+  std::uint16_t low;
+  std::uint16_t high;
+};
+using PortRanges = std::vector<PortRange>;
+
+/// All ports for a block without a spec.
+PortRanges portsOf(const TarnFirewall::FWPortBlock_& block);
+
+/// Whether each port of `inner` is one of `outer`.
+bool covers(const PortRanges& outer, const PortRanges& inner);

@@ -1,0 +1,152 @@
+#include <gtest/gtest.h>
+
+#include "PolicyText.h"
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+const std::string kRule = "rule 1 in protocol any from any to any ";
+
+TEST(PolicyNames, AnUnknownNameIsReportedOnceWithTheNumberOfItsUses) {
+  EXPECT_EQ(foundOf("unknown-set",
+                    "create ruleset \"r\" {\n"
+                    " rule 1 in protocol tcp from \"a\" to not addrset a accept;\n"
+                    " rule 2 out protocol tcp from any to any snat addrset \"b\";\n"
+                    "};"),
+            (Lines{"2:30 unknown-set: nothing creates the set `a` (used in 2 places)",
+                   "3:55 unknown-set: nothing creates the set `b`"}));
+}
+
+TEST(PolicyNames, OrderDoesNotMatterForRulesAndMattersForStatements) {
+  EXPECT_EQ(
+      found("create ruleset \"r\" { rule 1 in protocol tcp from \"a\" to any jumpto \"s\"; };\n"
+            "create addrset \"a\" 10.0.0.1;\n"
+            "create ruleset \"s\" { " +
+            kRule + "drop; };"),
+      Lines{});
+  EXPECT_EQ(found("destroy addrset \"a\";\ncreate addrset \"a\" 10.0.0.1;\n"
+                  "destroy addrset \"a\";\ndestroy addrset \"a\";"),
+            (Lines{"1:17 unknown-set: the set `a` is not there when this statement is carried out",
+                   "4:17 unknown-set: the set `a` is not there when this statement is carried "
+                   "out"}));
+  EXPECT_EQ(found("create ruleset \"r\"; destroy all ruleset; clear rule of ruleset \"r\";"),
+            (Lines{"1:64 unknown-ruleset: the rule set `r` is not there when this statement is "
+                   "carried out"}));
+}
+
+TEST(PolicyNames, EveryStatementThatNeedsANameIsLookedAt) {
+  for (const char* statement :
+       {"set jumpto of ruleset \"x\" as \"y\";", "describe jumpto of ruleset \"x\";",
+        "clear jumpto of ruleset \"x\";", "clear rule of ruleset \"x\";", "destroy ruleset \"x\";",
+        "describe rule count of ruleset \"x\";", "describe snat rule of ruleset \"x\" from 2;",
+        "describe stat of ruleset \"x\" with { 1, 2 };", "describe info of ruleset \"x\";",
+        "set root ruleset \"x\" and \"y\";"}) {
+    const std::string text = std::string("create ruleset \"y\";\n") + statement;
+    EXPECT_EQ(foundOf("unknown-ruleset", text).size(), 1u) << text;
+    EXPECT_EQ(found("create ruleset \"x\";\n" + text), Lines{}) << text;
+  }
+  for (const char* statement :
+       {"delete all from addrset \"x\";", "destroy addrset \"x\";",
+        "describe size of addrset \"x\";", "describe address of addrset \"x\" from 5;",
+        "describe info of addrset \"x\";",
+        "create spoofguard with addrset \"x\" and mac 00:11:22:33:44:55;"}) {
+    EXPECT_EQ(foundOf("unknown-set", statement).size(), 1u) << statement;
+    EXPECT_EQ(found(std::string("create addrset \"x\" 10.0.0.1;\n") + statement), Lines{})
+        << statement;
+  }
+}
+
+TEST(PolicyNames, FiltersHaveNamesOfTheirOwn) {
+  const std::string a = "create addrset \"a\" of filter \"f1\" { 10.0.0.1 };\n";
+  EXPECT_EQ(found(a + "create addrset \"a\" of filter \"f2\" { 10.0.0.1 };"), Lines{});
+  EXPECT_EQ(foundOf("unknown-set", a + "create ruleset \"r\" of filter \"f2\" { rule 1 in protocol "
+                                       "any from a to any drop; };")
+                .size(),
+            1u);
+  EXPECT_EQ(
+      found(a + "create ruleset \"r\" of filter \"f1\" { rule 1 in protocol any from a to any "
+                "drop; };"),
+      Lines{});
+}
+
+TEST(PolicyNames, WhatAFilterHoldsIsKnownAndWhatItDoesNotHoldIsAnError) {
+  HeldNames held;
+  held.names[static_cast<std::size_t>(NameKind::set)].insert("a");
+  held.names[static_cast<std::size_t>(NameKind::ruleSet)].insert({"s", "r_L2"});
+  const auto errorsIn = [&](const std::string& text) {
+    SourceTexts sources;
+    sources.emplace_back("1", text);
+    const Diagnostics diagnostics = checkTexts(sources, &held);
+    std::string messages;
+    for (const Diagnostic& diagnostic : diagnostics.all()) {
+      messages += (diagnostic.severity == Severity::error ? "error " : "warning ") +
+                  diagnostic.message + "\n";
+    }
+    return messages;
+  };
+  EXPECT_EQ(
+      errorsIn("create ruleset \"r\" of filter \"other\" { rule 1 in protocol any from a to any "
+               "jumpto s; };\nset root ruleset \"r\";"),
+      "");
+  EXPECT_EQ(errorsIn("create ruleset \"r\" { rule 1 in protocol any from b to any jumpto t; };"),
+            "error nothing creates the set `b`, and the filter does not hold it\n"
+            "error the jump leads to the rule set `t`, which nothing creates, and the filter does "
+            "not hold it\n");
+  EXPECT_EQ(
+      errorsIn("destroy all addrset; describe info of addrset a;"),
+      "error the set `a` is not there when this statement is carried out, and the filter does "
+      "not hold it\n");
+}
+
+TEST(PolicyNames, NamesInStatementsWithErrorsAreTakenForRight) {
+  EXPECT_EQ(found("create addrset \"a\" { 10.0.0.1 10.0.0.2 };\n"
+                  "create ruleset \"r\" { rule 1 in protocol any from a to any accept; };"),
+            (Lines{"1:31 syntax: unexpected `10.0.0.2`"}));
+}
+
+TEST(PolicyNames, CirclesOfAllLengthsAreFoundOnce) {
+  const auto jump = [](const std::string& from, const std::string& to) {
+    return "create ruleset \"" + from + "\" { rule 1 in protocol any from any to any jumpto \"" +
+           to + "\"; };\n";
+  };
+  EXPECT_EQ(foundOf("jump-circle", jump("a", "a")),
+            (Lines{"1:68 jump-circle: the jumps lead in a circle: `a`, `a`"}));
+  EXPECT_EQ(foundOf("jump-circle", jump("a", "b") + jump("b", "c") + jump("c", "a")).size(), 1u);
+  EXPECT_EQ(foundOf("jump-circle", jump("a", "b") + jump("b", "c") + jump("d", "b")).size(), 0u);
+  std::string chain;
+  for (int i = 0; i < 20000; ++i) chain += jump(std::to_string(i), std::to_string(i + 1));
+  EXPECT_EQ(foundOf("jump-circle", chain).size(), 0u);
+  EXPECT_EQ(foundOf("jump-circle", chain + jump("20000", "0")).size(), 1u);
+}
+
+TEST(PolicyNames, GeneratedSetsHaveTheNamesOfTheLibrary) {
+  EXPECT_EQ(foundOf("generated-set",
+                    "create addrset \"dst7\" 10.0.0.1; create addrset \"target7\" 10.0.0.1;\n"
+                    "create addrset \"src-1\" 10.0.0.1;\n"
+                    "create ruleset \"r\" {\n"
+                    " rule 7 out protocol tcp from any to 10.0.0.1-9 snat ip 192.0.2.1-192.0.2.9;\n"
+                    " rule 0xffffffff in protocol tcp from 2001:db8::1-2001:db8::9 to any accept;\n"
+                    "};")
+                .size(),
+            3u);
+  // The order of the two does not matter.
+  EXPECT_EQ(
+      foundOf("generated-set",
+              "create ruleset \"r\" { rule 7 in protocol tcp from 10.0.0.1-9 to any accept; };\n"
+              "create addrset \"src7\" 10.0.0.1;"),
+      (Lines{"2:16 generated-set: the set `src7` has the name of one that is made for a "
+             "range"}));
+}
+
+TEST(PolicyNames, EveryPartWithoutEffectIsNamed) {
+  for (const char* statement :
+       {"debug \"xx\" 1;", "describe tcp strict;", "describe config of lb;", "describe stat of lb;",
+        "config file \"a\" save to \"b\";", "config file \"a\"; config file \"b\";"}) {
+    EXPECT_EQ(foundOf("no-effect", statement).size(), 1u) << statement;
+  }
+  EXPECT_EQ(found("debug \"dp\" 1; config device \"a\"; enable tcp strict; describe stat of kif;"),
+            Lines{});
+}
+
+}  // namespace
