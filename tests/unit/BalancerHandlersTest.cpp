@@ -308,6 +308,25 @@ TEST(GetLbStat, SaysWhatIsNotThereAndSucceeds) {
             (CommandResult{0, "lbs " + kService + " is not valid\npool  is not valid\n", ""}));
 }
 
+TEST(GetLbStat, WhatIsNotThereIsNamedAsItWasAskedForWhateverTheReplyHas) {
+  BalancerKernel kernel;
+  for (const unsigned int command : {kStat, kClear}) {
+    const HandlerKernel::Answer answer = kernel.answerTo(command);
+    kernel.on(command, [answer](Body& body) {
+      answer(body);
+      body.putText(12, "another service");
+      body.putText(76, "another entry");
+      body.at[140] = 192 + 8;
+      return 0;
+    });
+  }
+  const std::string lines =
+      "lbs " + kService + " is not valid\nvirtual server " + kEntry + " is not valid\n";
+  EXPECT_EQ(statistics({"-s", "-u", kEntry}), (CommandResult{0, lines, ""}));
+  const CommandResult cleared = statistics({"-s", "-u", kEntry, "-z"});
+  EXPECT_EQ(cleared.out.substr(cleared.out.find("}\n") + 2), lines);
+}
+
 TEST(GetLbStat, ReportsWhichCallFailed) {
   BalancerKernel kernel;
   kernel.missing = 64;

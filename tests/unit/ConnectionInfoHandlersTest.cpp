@@ -189,6 +189,18 @@ TEST(GetAttrInfo, SaysWhatItAsksForAndCallsEveryProtocolTcp) {
                 kAnswer);
 }
 
+TEST(GetAttrInfo, LevelsAddUpAndAnAgentThatIsNotInTheNameIsTheUsualOne) {
+  const LogCapture log;
+  const InfoKernel kernel;
+  const std::string level =
+      "verbose level : 5\nweirgate agent: kelpco-sfw\nweirgate vm uuid: nic-1\n";
+  for (const char* const command : {"getattrinfo", "getstatedpiinfo"}) {
+    const std::string out =
+        runCommand({command, "-Override", "-f", "nic-1", "-v2", "-v-4", "-v", "-v2"}).out;
+    EXPECT_EQ(out.substr(0, level.size()), level) << command;
+  }
+}
+
 TEST(GetAttrInfo, AFailureHasAStatusAndNoText) {
   InfoKernel kernel;
   kernel.fail(kAttributes, 3);

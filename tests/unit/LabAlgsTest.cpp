@@ -70,6 +70,9 @@ TEST_F(LabAlgs, FewerRecordsThanThereAre) {
   EXPECT_EQ(get32(reply, 4), 2u);
   EXPECT_FALSE(isZero(part(ConstBytes(reply), 14, 6)));
   EXPECT_EQ(get8(reply, 20), 0u);
+  ASSERT_EQ(fetch(47, 18, 2), 0u);
+  EXPECT_EQ(get32(reply, 4), 2u) << "as many as are asked for, not as have room";
+  EXPECT_TRUE(isZero(part(ConstBytes(reply), 20, 6)));
   ASSERT_EQ(fetch(47, 6 * (records + 1), records + 1), 0u);
   EXPECT_EQ(get32(reply, 4), records);
 }
@@ -95,6 +98,8 @@ TEST_F(LabAlgs, TheLogHasALineForEachRecordThatCame) {
   ASSERT_EQ(fetch(47, 12, 2), 0u);
   const std::string lines = decodeRecords(journal().back());
   EXPECT_EQ(std::count(lines.begin(), lines.end(), '\n'), 2);
+  ASSERT_EQ(fetch(47, 18, 2), 0u);
+  EXPECT_EQ(decodeRecords(journal().back()), lines) << "none for the room that is left";
   ASSERT_EQ(command(47, Record().zero(8)), 0u);
   EXPECT_EQ(decodeRecords(journal().back()), "");
 }

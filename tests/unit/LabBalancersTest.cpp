@@ -78,6 +78,7 @@ TEST_F(LabBalancers, ActiveServicesComeFirst) {
   EXPECT_EQ(get32(reply, 4), 2u);
   EXPECT_EQ(get32(reply, 8), 1u);
   EXPECT_EQ(getText(reply, 81, 64), uuid(1));
+  EXPECT_EQ(get32(reply, 81 + 64), 4001u);
   EXPECT_EQ(get32(reply, 81 + 68), 2u) << "the counts stay";
   const std::size_t second = 81 + 85 + 180 + 48 + 4 * 74;
   EXPECT_EQ(getText(reply, second, 64), uuid(2));
@@ -95,6 +96,11 @@ TEST_F(LabBalancers, FlagsChoose) {
   fetch(8, 0, uuid(3));
   EXPECT_EQ(getText(reply, 81, 64), uuid(3));
   EXPECT_EQ(get32(reply, 8), 1u) << "a stale one is found by its name";
+  fetch(16, 4003);
+  EXPECT_EQ(get32(reply, 8), 1u) << "and by its number";
+  fetch(1 | 2);
+  EXPECT_EQ(get32(reply, 8), 0u) << "but not where only active ones are asked for";
+  EXPECT_EQ(fetch(1 | 8, 0, uuid(3)), 81u);
   EXPECT_EQ(fetch(8 | 16, 4001, uuid(3)), 81u);
   EXPECT_EQ(fetch(16, 7), 81u);
 }
@@ -117,6 +123,15 @@ TEST_F(LabBalancers, RefusesAConfigurationOfOtherCounts) {
   EXPECT_EQ(note(), "1 and 0 services, there are 2 and 0");
   EXPECT_EQ(command(config, Record().u32(300).u32(2).to(300)), 25u);
   EXPECT_EQ(note(), "service 0 with other counts");
+  // The second service, which has 1 virtual server, 1 pool and 2 members, with one count changed.
+  for (const unsigned wrong : {0u, 1u, 2u}) {
+    Record body = Record().u32(428).u32(1).u32(0).u32(4002).to(80).u8(16).to(81 + 68);
+    for (const unsigned count : {0u, 1u, 2u}) {
+      body.u32((count == 2 ? 2 : 1) + (count == wrong ? 1 : 0));
+    }
+    EXPECT_EQ(command(config, body.to(428)), 25u);
+    EXPECT_EQ(note(), "service 1 with other counts") << wrong;
+  }
   EXPECT_EQ(command(config, Record().u32(82).to(82)), 25u);
   EXPECT_EQ(note(), "1 bytes too many");
   EXPECT_EQ(command(configSize, sizes(32)), 3u);
@@ -164,6 +179,16 @@ TEST_F(LabBalancers, ClearingIsOfOneServiceAndOneKind) {
   ASSERT_EQ(fetchStatistics(ofPools, uuid(1)), 0u);
   EXPECT_EQ(get64(reply, 4141 + 49 - 8), 0u);
   ASSERT_EQ(fetchStatistics(ofPools, uuid(2)), 0u);
+  EXPECT_NE(get64(reply, 4141 + 49 - 8), 0u);
+}
+
+TEST_F(LabBalancers, WhatIsNotThereIsNotCleared) {
+  const auto clear = [&](const std::string& service, const std::string& entry) {
+    return command(clearStat, statistics(ofPools | byUuid, service, entry).set(0, 0x2d).set(1, 16));
+  };
+  ASSERT_EQ(clear(uuid(1), uuid(1, 2, 7)), 0u);
+  EXPECT_EQ(get8(reply, 140), ofPools | byUuid | 128);
+  ASSERT_EQ(fetchStatistics(ofPools, uuid(1)), 0u);
   EXPECT_NE(get64(reply, 4141 + 49 - 8), 0u);
 }
 

@@ -158,14 +158,25 @@ TEST(Rtt, WhatWouldBeDividedByZeroIsZero) {
   EXPECT_EQ(lineOf(runOnFlow().out, "cyc"), "cyc_per_usec = 0");
 }
 
-// 4 samples of a weight of 2 leave 4294967294 averages of 2 ticks, which is in 64 bits.
+// 4 samples of a weight of 2 leave 4294967294 averages of 3 ticks. Their half is 6442450941, of
+// which the last 32 bits are printed.
 TEST(Rtt, SubtractsInThirtyTwoBitsAndGoesOnInSixtyFour) {
   RttKernel kernel;
   put64(kernel.reply, 40, 0);
-  put64(kernel.reply, 64, 2);
+  put64(kernel.reply, 64, 3);
   put64(kernel.reply, 80, 1);
   put32(put32(put32(kernel.reply, 92, 1), 96, 1), 100, 1);
-  EXPECT_EQ(lineOf(runOnFlow().out, "RTT"), "RTT = 168 (outRTT = 4294967294, inRTT = 15600)");
+  EXPECT_EQ(lineOf(runOnFlow().out, "RTT"), "RTT = 168 (outRTT = 2147483645, inRTT = 15600)");
+}
+
+// A weight of 2^33, of which 4 and 5 samples leave 4294967292 and 4294967291 averages.
+TEST(Rtt, AWeightMayHaveMoreThanThirtyTwoBits) {
+  RttKernel kernel;
+  put64(put64(kernel.reply, 40, 0), 48, 0);
+  put64(put64(kernel.reply, 64, 1u << 20), 72, 1u << 21);
+  put64(kernel.reply, 80, 1);
+  put32(put32(put32(kernel.reply, 92, 2), 96, 1u << 31), 100, 1u << 31);
+  EXPECT_EQ(lineOf(runOnFlow().out, "RTT"), "RTT = 168 (outRTT = 524287, inRTT = 1048575)");
 }
 
 TEST(Rtt, FiguresOfAllOnesArePrinted) {

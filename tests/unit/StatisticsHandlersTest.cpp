@@ -140,14 +140,14 @@ TEST(ClearFilterStat, SendsTheNameOfTheFilter) {
 TEST(ClearFilterStat, SaysWhatItDoesBeforeItAsksAndSucceedsInAnyCase) {
   const LogCapture log;
   DirectKernel kernel;
+  kernel.on(35, [](std::uint8_t*) { return 7u; });
+  EXPECT_EQ(run("clearfilterstat", {"-f", kFilter}), (CommandResult{0, "", ""}));
   kernel.fail(35, ENOENT);
   EXPECT_EQ(run("clearfilterstat", {"-v", "-f", kFilter}),
             (CommandResult{0,
                            "verbose level : 1\nweirgate agent: kelpco-sfw\n"
                            "DEBUG: Clear stats for filter nic-1002672-eth0-kelpco-sfw.2\n",
                            ""}));
-  kernel.on(35, [](std::uint8_t*) { return 7u; });
-  EXPECT_EQ(run("clearfilterstat", {"-f", kFilter}), (CommandResult{0, "", ""}));
 }
 
 TEST(ClearFilterStat, SendsNothingWithoutAFilter) {

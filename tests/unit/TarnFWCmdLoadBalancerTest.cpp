@@ -7,6 +7,7 @@
 #include <memory>
 #include <sstream>
 #include <tuple>
+#include <utility>
 
 #include "CommandTest.h"
 #include "TarnFWCmdClearLBStat.h"
@@ -141,11 +142,15 @@ TEST_F(TarnFWCmdLoadBalancer, ABlockThatGoesPastTheReplyEndsTheList) {
               configHead("1", "1") + service(0, "active", 1) + "\n" + kConfigEnd)
         << count;
   }
-  // A first block that says it is smaller: what follows it is read as the next.
+  // A first block that says it is smaller: what follows it is read as the next, up to the number
+  // that was asked for.
   Bytes reply = twoServicesReply();
   put32(put32(put32(reply, kFirst + 68, 0), kFirst + 72, 0), kFirst + 76, 0);
-  EXPECT_EQ(printedFor(command, reply), configHead("1", "1") + service(0, "active", 0) + ",\n" +
-                                            service(1, "stale", 0) + "\n" + kConfigEnd);
+  for (const std::uint32_t stale : {1u, 2u, kMost}) {
+    EXPECT_EQ(printedFor(command, put32(reply, 8, stale)),
+              configHead("1", std::to_string(stale)) + service(0, "active", 0) + ",\n" +
+                  service(1, "stale", 0) + "\n" + kConfigEnd);
+  }
 }
 
 TEST_F(TarnFWCmdLoadBalancer, AnIdentifierOfAnyBytesStaysInItsQuotes) {
@@ -214,6 +219,35 @@ TEST_F(TarnFWCmdLoadBalancer, CountsAboveThoseThatWereAskedForAreNotBelieved) {
   put32(put32(reply, 4, 0), 8, 0);
   EXPECT_EQ(printedFor(command, reply),
             statistics("0", "0") + "    ],\n    \"pools\": [\n    ]\n}\n");
+}
+
+TEST_F(TarnFWCmdLoadBalancer, MembersAreThoseOfTheirPoolAsFarAsTheyWereAskedFor) {
+  FWLBStat_ stat = statOf(0, 2);
+  stat.flags = kLBStatDebug;
+  stat.memberCounts[0] = 1;
+  stat.memberCounts[1] = 1;
+  CTarnFWCmdGetLBStat command(nullptr, &stat);
+  Bytes whole = requestOf(command);
+  std::size_t at = 4141;
+  for (const auto& [size, value] :
+       {std::pair{49, 0xb1}, std::pair{49, 0xb2}, std::pair{183, 0xc1}, std::pair{183, 0xc2}}) {
+    for (int i = 0; i < size; ++i) whole[at++] = static_cast<std::uint8_t>(value);
+  }
+  // The first byte of each block that is printed.
+  const auto blocksOf = [&](std::size_t offset, std::uint32_t count) {
+    Bytes reply = whole;
+    const std::string text = printedFor(command, put32(reply, offset, count));
+    const std::string start = "\"bytes\": \"";
+    std::string blocks;
+    for (std::size_t i = 0; (i = text.find(start, i)) != std::string::npos; ++i) {
+      blocks += text.substr(i + start.size(), 2) + " ";
+    }
+    return blocks;
+  };
+  EXPECT_EQ(blocksOf(8, 2), "b1 c1 b2 c2 ");
+  EXPECT_EQ(blocksOf(141, 2), "b1 c1 b2 c2 ") << "not the member of the next pool";
+  EXPECT_EQ(blocksOf(141, 0), "b1 b2 c1 ");
+  EXPECT_EQ(blocksOf(8, 1), "b1 b2 ") << "the members stand after one pool";
 }
 
 TEST_F(TarnFWCmdLoadBalancer, NothingIsPrintedOfWhatIsNotThere) {
@@ -401,4 +435,15 @@ TEST_F(TarnFWCmdLoadBalancer, TheRequestIsLoggedWithItsBlocksAboveLevelOne) {
                         "id 7 uuid lbs-1)\n\n",
                 place + "LB-0: vs 0 pool 0 pm 0 lbs " + addressOf(81) + "\n\n",
                 place + "LB-1: vs 1 pool 2 pm 3 lbs " + addressOf(81 + 85) + "\n\n"}));
+  // Of the active ones, by id and by uuid.
+  for (const auto& [flags, options] :
+       {std::pair{0x01, "current 1 all 0 debug 0"}, std::pair{0x1a, "current 0 all 1 debug 0"}}) {
+    sizes.flags = static_cast<std::uint8_t>(flags);
+    CTarnFWCmdGetLBConfig other(nullptr, &sizes);
+    log.clear();
+    unsigned int written = 0;
+    EXPECT_TRUE(other.writeCmdBody(body.data(), other.getMsgSize(), &written, 0));
+    EXPECT_EQ(log.normalized().at(0), place + "size 611 lbs_cnt 1 stale_lbs 1 options: (" +
+                                          options + " id 7 uuid lbs-1)\n\n");
+  }
 }

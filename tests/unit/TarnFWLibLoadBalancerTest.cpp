@@ -172,7 +172,14 @@ TEST_F(TarnFWLibLoadBalancer, RecordsAreCopiedUpToTheCallersRoom) {
     ASSERT_EQ(FW_GetAlgs(handle, &port, nullptr, room, ~0u, algs, &number), 0u);
     EXPECT_EQ(bytesOf(algs[0]), room >= 6 ? first : Bytes(6, 0xcd)) << room;
     EXPECT_EQ(bytesOf(algs[1]), Bytes(6, 0xcd)) << room;
+    EXPECT_EQ(number, 2u) << "what the kernel counts";
   }
+  // And for more: what is asked for counts.
+  algs[1] = of<FWAlg_>(Bytes(6, 0xcd));
+  kernel.answer(0, reply);
+  ASSERT_EQ(FW_GetAlgs(handle, &port, nullptr, 12, 1, algs, &number), 0u);
+  EXPECT_EQ(bytesOf(algs[0]), first);
+  EXPECT_EQ(bytesOf(algs[1]), Bytes(6, 0xcd));
 }
 
 TEST_F(TarnFWLibLoadBalancer, PortsAreCopiedInTheSameWay) {
