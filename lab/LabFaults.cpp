@@ -167,13 +167,9 @@ std::optional<std::uint32_t> Faults::takeStatus(const std::vector<std::uint16_t>
 }
 
 bool Faults::takeOne(PeerFault wanted, Device peer, PeerManner& manner) {
-  if (peer == Device::trace && isOfLengths(wanted)) return false;
   for (std::size_t i = 0; i < faults_.size(); ++i) {
     const Fault fault = faults_[i];
-    if (fault.kind != Fault::Kind::peer || fault.peer != wanted ||
-        (fault.device != Device::none && fault.device != peer)) {
-      continue;
-    }
+    if (!fault.strikes(peer) || fault.peer != wanted) continue;
     strike(i);
     manner.note += (manner.note.empty() ? "ordered fault: " : ", ") + sentenceOf(fault);
     if (wanted == PeerFault::cut) manner.cut = fault.value;

@@ -23,6 +23,12 @@ struct Fault {
   Device device = Device::none;       // of `absent`, `error` and `peer`; none is every one
   PeerFault peer = PeerFault::absent;
 
+  /// Whether it is one of that peer.
+  bool strikes(Device which) const {
+    return kind == Kind::peer && (device == Device::none || device == which) &&
+           !(which == Device::trace && isOfLengths(peer));
+  }
+
   /// One line as "tarnlab fault" lists it.
   std::string toString() const;
 };

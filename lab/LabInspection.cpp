@@ -221,6 +221,13 @@ std::optional<std::string> Inspection::answer(const PeerRequest& request) {
   return command->answers ? std::optional(text) : std::nullopt;
 }
 
+std::string Inspection::state(const Store& store, const Host& host) {
+  const bool on = Settings::load(store, Settings::ofHost).get(tracing);
+  return format("tracing: %s\n", on ? "on" : "off") +
+         format("names: %zu, %zu of them loaded\n", allNames(store, host).size(),
+                loadedNames.load(store, hostTableFolder).size());
+}
+
 std::string Inspection::asked(ConstBytes sent) {
   if (sent.size() < 8) return format("%u: no command", sent.size() < 5 ? 0u : get8(sent, 4));
   const std::uint32_t number = get32(sent, 4);

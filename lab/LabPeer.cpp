@@ -172,6 +172,7 @@ std::string PeerRequest::refuse(const std::string& why) const {
 namespace Peer {
 
 int admit(const Store& store, Device peer, PeerManner& manner) {
+  manner = {};
   try {
     if (!store.exists()) return ENOENT;
     if (!Faults::load(store).all().empty()) {
@@ -226,6 +227,10 @@ void serve(const Store& store, Device peer, const PeerManner& manner, int fd) {
   } catch (const std::exception&) {
     // A lab that is not there any more: the program sees the end of the stream.
   }
+}
+
+std::string state(const Store& store, const Host& host, Device peer) {
+  return peer == Device::trace ? Trace::state(store, host) : Inspection::state(store, host);
 }
 
 std::string asked(const JournalEntry& entry) {

@@ -27,6 +27,9 @@ namespace Trace {
 inline constexpr std::size_t messageSize = 260;
 std::string answer(const PeerRequest& request);
 
+/// What it is set to, a line each.
+std::string state(const Store& store, const Host& host);
+
 /// A request in words, for the log: "C: set process log level(level 5)".
 std::string asked(ConstBytes message);
 }  // namespace Trace
@@ -37,6 +40,7 @@ inline constexpr std::uint32_t matchName = 71, commandSize = 4, nameLimit = 1024
 
 /// Nothing for a command without an answer.
 std::optional<std::string> answer(const PeerRequest& request);
+std::string state(const Store& store, const Host& host);
 std::string asked(ConstBytes sent);
 }  // namespace Inspection
 
@@ -49,6 +53,8 @@ int admit(const Store& store, Device peer, PeerManner& manner);
 
 /// Serves one connection to its end. The descriptor stays the caller's.
 void serve(const Store& store, Device peer, const PeerManner& manner, int fd);
+
+std::string state(const Store& store, const Host& host, Device peer);
 
 /// An exchange as a line of the log, without the answer; the answer's lines.
 std::string asked(const JournalEntry& entry);

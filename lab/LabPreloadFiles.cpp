@@ -90,3 +90,13 @@ TARNLAB_PATH(int, mkdir, (const char* path, mode_t mode), noexcept, MOVED, mode)
 TARNLAB_PATH(int, mkdirat, (int folder, const char* path, mode_t mode), noexcept, folder, MOVED,
              mode)
 TARNLAB_PATH(int, rmdir, (const char* path), noexcept, MOVED)
+TARNLAB_PATH(int, chmod, (const char* path, mode_t mode), noexcept, MOVED, mode)
+TARNLAB_PATH(int, truncate, (const char* path, off_t size), noexcept, MOVED, size)
+TARNLAB_PATH(int, utimensat, (int folder, const char* path, const timespec* times, int flags),
+             noexcept, folder, MOVED, times, flags)
+TARNLAB_PATH(int, rename, (const char* path, const char* to), noexcept, MOVED, HostPath(to).get())
+TARNLAB_PATH(int, renameat, (int folder, const char* path, int toFolder, const char* to), noexcept,
+             folder, MOVED, toFolder, HostPath(to).get())
+TARNLAB_PATH(int, renameat2,
+             (int folder, const char* path, int toFolder, const char* to, unsigned flags), noexcept,
+             folder, MOVED, toFolder, HostPath(to).get(), flags)

@@ -124,16 +124,20 @@ int start(Exchange* exchange) {
 
 /// Connects the program's socket to one of ours, by a name outside the file system that is gone
 /// when both are connected. The other end, or -1 with errno.
-int pairWith(int fd) {
+int pairWith(int fd, const TarnLab::Store& store) {
   const int listener = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
   if (listener < 0) return -1;
   sockaddr_un name{};
   name.sun_family = AF_UNIX;
+  // The lab's folder and this connection, so that no two have the same name.
+  struct stat home {};
+  ::stat(store.folder().c_str(), &home);
   timespec now{};
   ::clock_gettime(CLOCK_MONOTONIC, &now);
-  const int length = std::snprintf(name.sun_path + 1, sizeof name.sun_path - 1, "tarnlab-%d-%d-%ld",
-                                   static_cast<int>(::getpid()), static_cast<int>(::gettid()),
-                                   now.tv_sec * 1000000000 + now.tv_nsec);
+  const int length =
+      std::snprintf(name.sun_path + 1, sizeof name.sun_path - 1, "tarnlab-%lu-%d-%d-%ld",
+                    static_cast<unsigned long>(home.st_ino), static_cast<int>(::getpid()),
+                    static_cast<int>(::gettid()), now.tv_sec * 1000000000 + now.tv_nsec);
   const auto size =
       static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 + static_cast<unsigned>(length));
   const auto* const address = reinterpret_cast<const sockaddr*>(&name);
@@ -151,7 +155,11 @@ int pairWith(int fd) {
 /// Connects the program to the model of a peer. 0 or an errno.
 int connectToPeer(int fd, Device peer, const TarnLab::Store& store,
                   const TarnLab::PeerManner& manner) {
-  const int other = pairWith(fd);
+  int type = 0;
+  socklen_t typeSize = sizeof type;
+  if (::getsockopt(fd, SOL_SOCKET, SO_TYPE, &type, &typeSize) != 0) return errno;
+  if (type != SOCK_STREAM) return EPROTOTYPE;
+  const int other = pairWith(fd, store);
   if (other < 0) return errno;
   if (manner.closes) {
     ::close(other);

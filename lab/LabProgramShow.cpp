@@ -1,4 +1,6 @@
 // tarnlab show: what the host holds.
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <cstdio>
 
@@ -6,6 +8,8 @@
 #include "LabFaults.h"
 #include "LabHoldings.h"
 #include "LabHost.h"
+#include "LabHostFiles.h"
+#include "LabPeer.h"
 #include "LabProgram.h"
 #include "LabSelector.h"
 #include "LabSetFile.h"
@@ -72,6 +76,36 @@ int showAll(const Store& store, const Host& host) {
   }
   const Faults faults = Faults::load(store);
   for (const Fault& fault : faults.all()) std::printf("fault: %s\n", fault.toString().c_str());
+  return exitOk;
+}
+
+/// The files below a folder of the host, with their sizes. Sockets are those of the peers.
+void showFiles(const Store& store, const std::string& folder) {
+  for (const std::string& name : store.list(HostFiles::fileOf(folder))) {
+    const std::string path = folder + "/" + name;
+    struct stat status;
+    if (::lstat(store.path(HostFiles::fileOf(path)).c_str(), &status) != 0) continue;
+    if (S_ISDIR(status.st_mode)) showFiles(store, path);
+    if (!S_ISREG(status.st_mode)) continue;
+    std::printf("file %s: %lld bytes\n", printable(path).c_str(),
+                static_cast<long long>(status.st_size));
+  }
+}
+
+/// What the peers are set to, how they fail, and the files that they and the programs have made.
+int showPeers(const Store& store, const Host& host) {
+  const Faults faults = Faults::load(store);
+  for (const DeviceNode& peer : peerNodes) {
+    std::printf("peer %s at %s\n", std::string(peer.name).c_str(), std::string(peer.path).c_str());
+    const std::string state = Peer::state(store, host, peer.device);
+    for (std::size_t at = 0, end; (end = state.find('\n', at)) != std::string::npos; at = end + 1) {
+      std::printf("  %s\n", state.substr(at, end - at).c_str());
+    }
+    for (const Fault& fault : faults.all()) {
+      if (fault.strikes(peer.device)) std::printf("  fault: %s\n", fault.toString().c_str());
+    }
+  }
+  showFiles(store, "");
   return exitOk;
 }
 
@@ -149,8 +183,9 @@ int showTables(const Store& store, const Host& host, Arguments arguments) {
 int runShow(const Store& store, Arguments arguments) {
   const std::string_view option = arguments.empty() ? "" : arguments[0];
   const bool tables = option == "--tables";
+  const bool peers = option == "--peers";
   const bool contents = option == "--rules" || option == "--addrsets" || tables;
-  if (!contents && option.starts_with('-')) {
+  if (!contents && !peers && option.starts_with('-')) {
     return misused("show", "unknown argument " + printable(option));
   }
   const bool ofHost = tables && arguments.size() == 1;
@@ -158,10 +193,12 @@ int runShow(const Store& store, Arguments arguments) {
     return misused("show", std::string(option) + " needs a filter and takes the name of a " +
                                (tables ? "table" : "set"));
   }
+  if (peers && arguments.size() > 1) return misused("show", "--peers takes no filter");
   if (!contents && arguments.size() > 1) return misused("show", "takes one filter");
 
   requireLab(store);
   const Host host = Host::load(store);
+  if (peers) return showPeers(store, host);
   if (tables) return showTables(store, host, arguments.subspan(1));
   if (contents) return showContents(store, host, option == "--rules", arguments.subspan(1));
   return arguments.empty() ? showAll(store, host) : showOne(store, host, arguments[0]);

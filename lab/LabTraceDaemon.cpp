@@ -104,24 +104,12 @@ std::string changed(Request request, Change change) {
 
 std::string levelsText(const Settings& settings, const Log& log) {
   const std::string single = componentLevels(settings.get(log.each));
-  return std::string(log.name) + format(" log level: %u", unsigned(settings.get(log.all))) +
+  return std::string(log.name) +
+         format(" log level: %u", static_cast<unsigned>(settings.get(log.all))) +
          (single.empty() ? "" : ", " + single) + "\n";
 }
 
-std::string status(Request request) {
-  const Settings settings = Settings::load(request.store, Settings::ofHost);
-  std::string text = format("tracing: %s\n", words[isTracing(request.store)]);
-  for (const Log* log : {&processLog, &libraryLog}) text += levelsText(settings, *log);
-  for (const Feature* each : {&layer2, &layer3, &sharedSets, &cleaning}) {
-    text += std::string(each->name) + ": " + words[settings.get(each->setting)] + "\n";
-  }
-  for (const Span* each : {&aggregation, &interval}) {
-    text +=
-        std::string(each->name) + format(": %u seconds\n", unsigned(settings.get(each->setting)));
-  }
-  return text + format("filters: %zu, agents: %zu\n", request.host.filterCount(),
-                       request.host.agents().size());
-}
+std::string status(Request request) { return Trace::state(request.store, request.host); }
 
 std::string stopTracing(Request request) {
   return request.store.remove(HostFiles::fileOf(marker)) ? "tracing is stopped\n"
@@ -312,6 +300,20 @@ std::string Trace::answer(const PeerRequest& request) {
     return request.refuse(format("there is no command %u", letter.get(request.sent)));
   }
   return command->answer(request);
+}
+
+std::string Trace::state(const Store& store, const Host& host) {
+  const Settings settings = Settings::load(store, Settings::ofHost);
+  std::string text = format("tracing: %s\n", words[isTracing(store)]);
+  for (const Log* log : {&processLog, &libraryLog}) text += levelsText(settings, *log);
+  for (const Feature* each : {&layer2, &layer3, &sharedSets, &cleaning}) {
+    text += std::string(each->name) + ": " + words[settings.get(each->setting)] + "\n";
+  }
+  for (const Span* each : {&aggregation, &interval}) {
+    text += std::string(each->name) +
+            format(": %u seconds\n", static_cast<unsigned>(settings.get(each->setting)));
+  }
+  return text + format("filters: %zu, agents: %zu\n", host.filterCount(), host.agents().size());
 }
 
 std::string Trace::asked(ConstBytes message) {

@@ -66,6 +66,7 @@ constexpr ProgramCommand commands[] = {
      "       tarnlab show --rules FILTER [RULESET]\n"
      "       tarnlab show --addrsets FILTER [ADDRSET]\n"
      "       tarnlab show --tables [FILTER|AGENT [TABLE]]\n"
+     "       tarnlab show --peers\n"
      "\n"
      "Shows the host's agents and filters, what each of these holds, and the faults in force;\n"
      "with a FILTER, that one only. An agent's shared address sets are shown and named as the\n"
@@ -78,6 +79,8 @@ constexpr ProgramCommand commands[] = {
      "  --tables        what the filter has learnt or was given, table by table, or of the one:\n"
      "                  attributes, inspections, discovered, names, service-profile, users; of an\n"
      "                  agent, the tables include and exclude; of nothing, those of the host\n"
+     "  --peers         what the host daemon and the inspection process are set to, how they\n"
+     "                  fail, and the host's files\n"
      "  --help          this text\n",
      runShow},
     {"log", "show what was asked of the devices and peers",

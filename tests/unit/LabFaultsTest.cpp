@@ -90,6 +90,42 @@ TEST_F(LabFaults, ASignalMakesADelayNoShorter) {
   ASSERT_EQ(::sigaction(SIGALRM, &before, nullptr), 0);
 }
 
+TEST_F(LabFaults, AFaultOfOnePeerSparesTheOtherAndAllAreKept) {
+  {
+    const StoreLock lock(store);
+    Faults faults;
+    faults.add({Fault::Kind::peer, 7, 1, std::nullopt, Device::trace, PeerFault::cut});
+    faults.add({Fault::Kind::peer, 9, 0, PeerLength::less, Device::inspection, PeerFault::length});
+    faults.save(store);
+  }
+  Faults faults = Faults::load(store);
+  EXPECT_FALSE(faults.takePeer(Device::inspection).cut);
+  const PeerManner manner = faults.takePeer(Device::trace);
+  EXPECT_EQ(manner.cut, 7u);
+  EXPECT_FALSE(manner.length);
+  EXPECT_TRUE(faults.changed());
+  ASSERT_EQ(faults.all().size(), 1u);
+  EXPECT_EQ(faults.takePeer(Device::inspection).length->of(100), 91u);
+  EXPECT_EQ(faults.takeError(Device::firewall, 15), std::nullopt) << "no fault of a device";
+}
+
+TEST_F(LabFaults, AFileWithAFaultThatNobodyOrdersIsDamaged) {
+  // Kind, device, whether there is a restriction, what a peer does; value, how often, restriction.
+  const ByteVector damaged[] = {
+      Record().u8(4).u8(1).u8(0).u8(0).u32(0).u32(0).u64(0),         // no peer
+      Record().u8(4).u8(6).u8(0).u8(0).u32(0).u32(0).u64(0),         // nor that
+      Record().u8(4).u8(4).u8(0).u8(10).u32(0).u32(0).u64(0),        // no fault of a peer
+      Record().u8(4).u8(5).u8(1).u8(6).u32(0).u32(0).u32(3).u32(0),  // no relation
+      Record().u8(4).u8(4).u8(0).u8(4).u32(3600001).u32(0).u64(0),   // longer than an hour
+      Record().u8(5).u8(0).u8(0).u8(0).u32(0).u32(0).u64(0),         // no kind
+  };
+  for (const ByteVector& content : damaged) {
+    const StoreLock lock(store);
+    store.replace("faults", {content});
+    EXPECT_THROW(Faults::load(store), StoreError);
+  }
+}
+
 TEST_F(LabFaults, EachHasItsLineOfText) {
   const auto text = [](Fault fault) { return fault.toString(); };
   using Kind = Fault::Kind;
@@ -103,6 +139,12 @@ TEST_F(LabFaults, EachHasItsLineOfText) {
             "requests are held up for 5 ms, until cleared");
   EXPECT_EQ(text({Kind::absent, 0, 0, std::nullopt, Device::serviceInsertion}),
             "the device insertion is absent");
+  EXPECT_EQ(text({Kind::peer, 0, 0, std::nullopt, Device::trace, PeerFault::refuse}),
+            "the peer trace refuses connections, until cleared");
+  EXPECT_EQ(text({Kind::peer, 250, 2, std::nullopt, Device::none, PeerFault::slow}),
+            "every peer waits 250 ms before each piece of its answer, the next 2");
+  EXPECT_EQ(text({Kind::peer, 3, 0, PeerLength::more, Device::inspection, PeerFault::length}),
+            "the peer inspection announces 3 more bytes, until cleared");
 }
 
 }  // namespace

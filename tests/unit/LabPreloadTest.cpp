@@ -7,17 +7,23 @@
 #include <signal.h>
 #include <spawn.h>
 #include <sys/ioctl.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/time.h>
+#include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -466,6 +472,366 @@ TEST(LabPreload, AChildHasTheDeviceThatItsParentOpened) {
   ASSERT_EQ(::waitpid(child, &status, 0), child);
   EXPECT_EQ(WEXITSTATUS(status), 8);
   ::close(fd);
+}
+
+// --- The host's processes and files
+
+constexpr const char* traceSocket = "/var/run/kelpco/hulld_trace";
+constexpr const char* marker = "/etc/kelpco/hulld/enable_trace";
+
+/// Connects as programs do, with an address of the path's length and 2. The descriptor, or -1.
+int connected(const char* path, int type = SOCK_STREAM) {
+  const int fd = ::socket(AF_UNIX, type | SOCK_CLOEXEC, 0);
+  sockaddr_un name{};
+  name.sun_family = AF_UNIX;
+  std::strcpy(name.sun_path, path);
+  const auto size = static_cast<socklen_t>(std::strlen(path) + 2);
+  if (::connect(fd, reinterpret_cast<const sockaddr*>(&name), size) == 0) return fd;
+  const int error = errno;
+  ::close(fd);
+  errno = error;
+  return -1;
+}
+
+/// Asks the host daemon for its status over a descriptor; the first line of the answer.
+std::string askStatus(int fd) {
+  char message[260] = {'t', 'c', 'A', 10};
+  if (::send(fd, message, sizeof message, MSG_NOSIGNAL) != 260) return "";
+  std::string text;
+  char piece[64];
+  for (ssize_t got = 0; (got = ::recv(fd, piece, sizeof piece, 0)) > 0;) {
+    text.append(piece, static_cast<std::size_t>(got));
+  }
+  return text.substr(0, text.find('\n'));
+}
+
+std::string status() {
+  const int fd = connected(traceSocket);
+  if (fd < 0) return std::strerror(errno);
+  std::string text = askStatus(fd);
+  ::close(fd);
+  return text;
+}
+
+void runTarnlab(const std::string& arguments) {
+  const std::string command = "\"$TARNLAB_PROGRAM\" " + arguments;
+  ASSERT_EQ(std::system(command.c_str()), 0) << command;
+}
+
+/// The sockets of this lab's peers, of whatever process.
+int peerSockets() {
+  struct stat home {};
+  EXPECT_EQ(::stat(std::getenv("TARNLAB_HOME"), &home), 0);
+  const std::string ours = "@tarnlab-" + std::to_string(home.st_ino) + "-";
+  std::ifstream table("/proc/net/unix");
+  EXPECT_TRUE(table.is_open());
+  int count = 0;
+  for (std::string line; std::getline(table, line);) count += line.find(ours) != line.npos;
+  return count;
+}
+
+int threads() {
+  return static_cast<int>(
+      std::distance(std::filesystem::directory_iterator("/proc/self/task"), {}));
+}
+
+/// After every test no thread, socket or descriptor of a peer is left. A thread that has ended is
+/// there a moment longer.
+class LabPreloadPeer : public ::testing::Test {
+ protected:
+  void TearDown() override { expectNothingLeft(); }
+
+  void expectNothingLeft() const {
+    const auto left = [&] {
+      return threads() > threadsBefore_ || peerSockets() > 0 ||
+             openDescriptors() > descriptorsBefore_;
+    };
+    for (int turn = 0; turn < 2000 && left(); ++turn) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    EXPECT_LE(threads(), threadsBefore_);
+    EXPECT_EQ(peerSockets(), 0);
+    EXPECT_LE(openDescriptors(), descriptorsBefore_);
+  }
+
+ private:
+  int threadsBefore_ = threads();
+  int descriptorsBefore_ = openDescriptors();
+};
+
+/// Whether the machine itself has that file, as the kernel says.
+bool isOutside(const char* path) { return ::syscall(SYS_access, path, F_OK) == 0; }
+
+TEST_F(LabPreloadPeer, TheHostDaemonAnswersAndNothingIsLeftOfIt) {
+  for (int turn = 0; turn < 20; ++turn) EXPECT_EQ(status(), "tracing: off");
+}
+
+TEST_F(LabPreloadPeer, ManyThreadsTalkToPeersAtOnce) {
+  std::vector<std::thread> all;
+  for (int t = 0; t < 8; ++t) {
+    all.emplace_back([] {
+      for (int turn = 0; turn < 10; ++turn) EXPECT_EQ(status(), "tracing: off");
+    });
+  }
+  for (std::thread& thread : all) thread.join();
+}
+
+TEST_F(LabPreloadPeer, TheAddressOfAPeerIsReadAsFarAsItGoes) {
+  const int fd = ::socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK, 0);
+  struct {
+    sockaddr_un name;
+    char after[8];
+  } address{};
+  address.name.sun_family = AF_UNIX;
+  std::strcpy(address.name.sun_path, traceSocket);
+  const auto* name = reinterpret_cast<const sockaddr*>(&address.name);
+  const auto whole = static_cast<socklen_t>(2 + std::strlen(traceSocket));
+  EXPECT_EQ(::connect(fd, name, whole - 1), -1) << "another name, which is not there";
+  EXPECT_EQ(errno, ENOENT);
+  EXPECT_EQ(::connect(fd, name, sizeof address), -1);
+  EXPECT_EQ(errno, EINVAL);
+  EXPECT_EQ(::connect(fd, name, 2), -1);
+  EXPECT_EQ(errno, EINVAL);
+  EXPECT_EQ(::connect(fd, name, sizeof address.name), 0);
+  EXPECT_EQ(::connect(fd, name, sizeof address.name), -1) << "connected already";
+  EXPECT_EQ(errno, EISCONN);
+  ::close(fd);
+  EXPECT_EQ(::connect(-1, name, whole), -1);
+  EXPECT_EQ(errno, EBADF);
+  EXPECT_EQ(connected(traceSocket, SOCK_DGRAM), -1);
+  EXPECT_EQ(errno, EPROTOTYPE);
+}
+
+TEST_F(LabPreloadPeer, WhatIsNoSocketOfAPeerIsNoPeer) {
+  EXPECT_EQ(connected("/var/run/kelpco/nobody"), -1);
+  EXPECT_EQ(errno, ENOENT);
+  const int fd = ::open("/var/run/kelpco/plain", O_WRONLY | O_CREAT | O_EXCL, 0600);
+  ASSERT_GE(fd, 0);
+  ::close(fd);
+  EXPECT_EQ(connected("/var/run/kelpco/plain"), -1);
+  EXPECT_EQ(errno, ECONNREFUSED);
+  ASSERT_EQ(::unlink(traceSocket), 0);
+  EXPECT_EQ(connected(traceSocket), -1);
+  EXPECT_EQ(errno, ENOENT);
+  ASSERT_EQ(::rename("/var/run/kelpco/plain", traceSocket), 0);
+  EXPECT_EQ(connected(traceSocket), -1) << "a plain file in its place";
+  EXPECT_EQ(errno, ECONNREFUSED);
+  runTarnlab("reset");
+  EXPECT_EQ(status(), "tracing: off");
+}
+
+TEST_F(LabPreloadPeer, AProgramOfTheLabMayListenItself) {
+  ASSERT_EQ(::unlink(traceSocket), 0);
+  const int listener = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  sockaddr_un name{};
+  name.sun_family = AF_UNIX;
+  std::strcpy(name.sun_path, traceSocket);
+  ASSERT_EQ(::bind(listener, reinterpret_cast<const sockaddr*>(&name), sizeof name), 0);
+  EXPECT_EQ(::bind(listener, reinterpret_cast<const sockaddr*>(&name), sizeof name), -1);
+  EXPECT_FALSE(isOutside(traceSocket));
+  ASSERT_EQ(::listen(listener, 1), 0);
+  const int fd = connected(traceSocket);
+  ASSERT_GE(fd, 0);
+  const int served = ::accept(listener, nullptr, nullptr);
+  ASSERT_GE(served, 0);
+  EXPECT_EQ(::send(served, "own", 3, 0), 3);
+  char text[4] = {};
+  EXPECT_EQ(::recv(fd, text, 3, 0), 3);
+  EXPECT_STREQ(text, "own");
+  for (const int each : {fd, served, listener}) ::close(each);
+  EXPECT_EQ(status(), "tracing: off") << "nobody listens any more, so the lab's own peer answers";
+}
+
+TEST_F(LabPreloadPeer, APeerThatIsKeptAwayIsNotThere) {
+  runTarnlab("fault peer absent --count 1");
+  EXPECT_EQ(connected(traceSocket), -1);
+  EXPECT_EQ(errno, ENOENT);
+  runTarnlab("fault peer refuse --count 1");
+  EXPECT_EQ(connected(traceSocket), -1);
+  EXPECT_EQ(errno, ECONNREFUSED);
+  runTarnlab("fault peer close --count 1");
+  const int fd = connected(traceSocket);
+  ASSERT_GE(fd, 0);
+  EXPECT_EQ(::send(fd, "t", 1, MSG_NOSIGNAL), -1) << "closed before the first byte";
+  EXPECT_EQ(errno, EPIPE);
+  ::close(fd);
+  EXPECT_EQ(status(), "tracing: off");
+}
+
+TEST_F(LabPreloadPeer, APeerEndsWithAProgramThatIsKilled) {
+  for (const char* fault : {"silent", "endless", "slow 60000"}) {
+    runTarnlab(std::string("fault peer ") + fault + " --count 1");
+    int ready[2];
+    ASSERT_EQ(::pipe2(ready, O_CLOEXEC), 0);
+    const pid_t child = ::fork();
+    if (child == 0) {
+      const int fd = connected(traceSocket);
+      const char message[260] = {'t', 'c', 'A', 10};
+      const bool sent = ::send(fd, message, sizeof message, 0) == 260;
+      if (!sent || ::write(ready[1], "r", 1) != 1) ::_exit(1);
+      for (;;) ::pause();
+    }
+    char byte = 0;
+    ASSERT_EQ(::read(ready[0], &byte, 1), 1);
+    EXPECT_EQ(peerSockets(), 1) << fault;
+    ::kill(child, SIGKILL);
+    EXPECT_EQ(waitFor(child), SIGKILL);
+    ::close(ready[0]);
+    ::close(ready[1]);
+    expectNothingLeft();
+  }
+}
+
+TEST_F(LabPreloadPeer, APeerEndsWhenItsProgramClosesOrExits) {
+  runTarnlab("fault peer silent");
+  const int fd = connected(traceSocket);
+  const char message[260] = {'t', 'c', 'A', 10};
+  ASSERT_EQ(::send(fd, message, sizeof message, 0), 260);
+  ::close(fd);
+  expectNothingLeft();
+  runTarnlab("fault clear");
+
+  // What a program sends last is read, also when it ends at once.
+  std::fflush(stdout);  // which the child's exit would write once more
+  const pid_t child = ::fork();
+  if (child == 0) {
+    const int last = connected("/var/run/kelpco/vdpi_stats_channel");
+    const std::uint32_t enable[] = {4, 66};
+    std::exit(::send(last, enable, sizeof enable, 0) == 8 ? 0 : 1);
+  }
+  EXPECT_EQ(waitFor(child), 0);
+  runTarnlab("show | grep -q 'the inspection process traces'");
+  EXPECT_EQ(peerSockets(), 0);
+}
+
+TEST_F(LabPreloadPeer, AChildThatWasForkedBesideAConnectionDoesNotWaitForIt) {
+  runTarnlab("fault peer silent --count 1");
+  const int fd = connected(traceSocket);
+  const char message[260] = {'t', 'c', 'A', 10};
+  ASSERT_EQ(::send(fd, message, sizeof message, 0), 260);
+  const auto start = std::chrono::steady_clock::now();
+  std::fflush(stdout);
+  const pid_t child = ::fork();
+  if (child == 0) std::exit(status() == "tracing: off" ? 0 : 1);
+  EXPECT_EQ(waitFor(child), 0);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(4));
+  ::close(fd);
+}
+
+TEST_F(LabPreloadPeer, EveryFormOfOpenMakesTheHostsFilesInTheLab) {
+  ASSERT_FALSE(isOutside(marker));
+  const auto form = [](int fd) {
+    EXPECT_GE(fd, 0) << std::strerror(errno);
+    ::close(fd);
+    EXPECT_FALSE(isOutside(marker));
+    EXPECT_EQ(::unlink(marker), 0);
+  };
+  const int make = O_WRONLY | O_CREAT | O_EXCL;
+  form(::open(marker, make, 0644));
+  form(::open64(marker, make, 0644));
+  form(::openat(AT_FDCWD, marker, make, 0644));
+  form(::openat64(-1, marker, make, 0644));
+  form(::creat(marker, 0644));
+  form(::creat64(marker, 0644));
+  for (const auto& open : {&::fopen, &::fopen64}) {
+    std::FILE* stream = open(marker, "w");
+    ASSERT_NE(stream, nullptr);
+    std::fclose(stream);
+    EXPECT_FALSE(isOutside(marker));
+    EXPECT_EQ(::remove(marker), 0);
+  }
+  const ::mode_t mask = ::umask(0);
+  EXPECT_EQ(::close(::open(marker, make, 0640)), 0);
+  ::umask(mask);
+  EXPECT_EQ(::open(marker, make, 0644), -1);
+  EXPECT_EQ(errno, EEXIST);
+  for (const int fd : {__open_2(marker, O_RDONLY), __open64_2(marker, O_RDONLY),
+                       __openat_2(-1, marker, O_RDONLY), __openat64_2(-1, marker, O_RDONLY)}) {
+    EXPECT_GE(fd, 0);
+    ::close(fd);
+  }
+  EXPECT_EQ(status(), "tracing: on");
+  EXPECT_EQ(::unlink(marker), 0);
+}
+
+TEST_F(LabPreloadPeer, EveryLookAtAFileSeesTheLabs) {
+  EXPECT_EQ(::access(marker, F_OK), -1);
+  ASSERT_EQ(::close(::creat(marker, 0600)), 0);
+  struct stat seen {};
+  struct stat64 seen64 {};
+  struct statx seenx {};
+  EXPECT_EQ(::access(marker, R_OK), 0);
+  EXPECT_EQ(::eaccess(marker, R_OK), 0);
+  EXPECT_EQ(::euidaccess(marker, R_OK), 0);
+  EXPECT_EQ(::faccessat(AT_FDCWD, marker, R_OK, 0), 0);
+  EXPECT_EQ(::stat(marker, &seen), 0);
+  EXPECT_EQ(::lstat(marker, &seen), 0);
+  EXPECT_EQ(::fstatat(-1, marker, &seen, 0), 0);
+  EXPECT_EQ(::stat64(marker, &seen64), 0);
+  EXPECT_EQ(::lstat64(marker, &seen64), 0);
+  EXPECT_EQ(::fstatat64(-1, marker, &seen64, 0), 0);
+  EXPECT_EQ(::statx(-1, marker, 0, STATX_MODE, &seenx), 0);
+  EXPECT_EQ(seenx.stx_mode & 0777, 0600);
+  EXPECT_EQ(::chmod(marker, 0604), 0);
+  EXPECT_EQ(::truncate(marker, 5), 0);
+  const timespec times[] = {{1000, 0}, {2000, 0}};
+  EXPECT_EQ(::utimensat(AT_FDCWD, marker, times, 0), 0);
+  EXPECT_EQ(::stat(marker, &seen), 0);
+  EXPECT_EQ(seen.st_mode & 0777, 0604u);
+  EXPECT_EQ(seen.st_size, 5);
+  EXPECT_EQ(seen.st_mtime, 2000);
+  EXPECT_EQ(::stat(traceSocket, &seen), 0);
+  EXPECT_TRUE(S_ISSOCK(seen.st_mode));
+  DIR* folder = ::opendir("/etc/kelpco/hulld");
+  ASSERT_NE(folder, nullptr);
+  int found = 0;
+  while (const dirent* entry = ::readdir(folder)) found += entry->d_name[0] == 'e';
+  ::closedir(folder);
+  EXPECT_EQ(found, 1);
+  EXPECT_EQ(::unlinkat(AT_FDCWD, marker, 0), 0);
+  EXPECT_EQ(::access(marker, F_OK), -1);
+}
+
+TEST_F(LabPreloadPeer, FilesAndFoldersOfTheHostAreMadeMovedAndRemoved) {
+  ASSERT_EQ(::mkdir("/etc/kelpco/made", 0755), 0);
+  ASSERT_EQ(::mkdirat(-1, "/etc/kelpco/made/inner", 0755), 0);
+  ASSERT_EQ(::close(::creat("/etc/kelpco/made/one", 0600)), 0);
+  EXPECT_EQ(::rename("/etc/kelpco/made/one", "/var/run/kelpco/two"), 0);
+  EXPECT_EQ(::renameat(-1, "/var/run/kelpco/two", -1, "/var/run/kelpco/three"), 0);
+  EXPECT_EQ(::renameat2(-1, "/var/run/kelpco/three", -1, "/etc/kelpco/four", 0), 0);
+  std::FILE* stream = ::freopen("/etc/kelpco/four", "w", ::fopen("/dev/null", "w"));
+  ASSERT_NE(stream, nullptr);
+  std::fputs("text", stream);
+  stream = ::freopen64("/etc/kelpco/four", "r", stream);
+  ASSERT_NE(stream, nullptr);
+  EXPECT_EQ(std::fgetc(stream), 't');
+  std::fclose(stream);
+  for (const char* path : {"/etc/kelpco/made", "/etc/kelpco/four"}) EXPECT_FALSE(isOutside(path));
+  EXPECT_EQ(::unlink("/etc/kelpco/four"), 0);
+  EXPECT_EQ(::rmdir("/etc/kelpco/made/inner"), 0);
+  EXPECT_EQ(::rmdir("/etc/kelpco/made"), 0);
+}
+
+TEST_F(LabPreloadPeer, OnlyTheHostsOwnFoldersAreMoved) {
+  for (const char* path : {"/etc/kelpco/../hostname-of-nobody", "/etc/kelpcos",
+                           "/etc/kelpco/hulld/..", "/var/run/kelpc", "etc/kelpco"}) {
+    EXPECT_EQ(::access(path, F_OK) == 0, isOutside(path)) << path;
+  }
+  EXPECT_EQ(::access("/etc/kelpco/hulld/..", F_OK), -1) << "for the kernel, which has no such";
+  EXPECT_EQ(::access("/etc/kelpco/..name", F_OK), -1);
+  EXPECT_EQ(::access("/etc/kelpco", F_OK), 0);
+  EXPECT_EQ(::access("/etc/kelpco/", F_OK), 0);
+  const std::string longest = "/etc/kelpco/" + std::string(4000, 'n');
+  EXPECT_EQ(::access(longest.c_str(), F_OK), -1);
+  EXPECT_EQ(errno, ENAMETOOLONG);
+  const std::string longer = "/etc/kelpco/" + std::string(2000, '/') + std::string(2100, '/');
+  EXPECT_EQ(::access(longer.c_str(), F_OK), -1);
+  EXPECT_EQ(errno, ENAMETOOLONG);
+#ifndef __SANITIZE_THREAD__  // whose own calls read the path
+  const char* volatile nowhere = reinterpret_cast<const char*>(16);
+  EXPECT_EQ(::access(nowhere, F_OK), -1);
+  EXPECT_EQ(errno, EFAULT);
+#endif
 }
 
 }  // namespace
