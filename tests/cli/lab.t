@@ -282,6 +282,7 @@ Showing
          tarnlab show --rules FILTER [RULESET]
          tarnlab show --addrsets FILTER [ADDRSET]
          tarnlab show --tables [FILTER|AGENT [TABLE]]
+         tarnlab show --peers
   
   Shows the host's agents and filters, what each of these holds, and the faults in force;
   with a FILTER, that one only. An agent's shared address sets are shown and named as the
@@ -294,6 +295,8 @@ Showing
     --tables        what the filter has learnt or was given, table by table, or of the one:
                     attributes, inspections, discovered, names, service-profile, users; of an
                     agent, the tables include and exclude; of nothing, those of the host
+    --peers         what the host daemon and the inspection process are set to, how they
+                    fail, and the host's files
     --help          this text
   $ tarnlab show | sed "s|$TARNLAB_HOME|HOME|"
   lab HOME
