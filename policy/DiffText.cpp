@@ -101,7 +101,7 @@ class Counts {
   void add(std::size_t count, const char* what, const char* change) {
     if (count == 0) return;
     if (!text_.empty()) text_ += ", ";
-    text_ += std::to_string(count) + " " + what + (count == 1 ? " " : "s ") + change;
+    text_ += countedText(count, what) + " " + change;
   }
   void add(const std::string& words) {
     if (!text_.empty()) text_ += ", ";
@@ -212,12 +212,9 @@ std::string diffStatistics(const StateDiff& diff) {
     rules += set.rules.size();
   }
   if (diff.root.changed()) text += "root: changed\n";
-  const auto counted = [](std::size_t count, const char* what) {
-    return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
-  };
-  return text + "in all: " + counted(diff.sets.size(), "set") + " with " +
-         counted(members, "member") + ", " + counted(diff.ruleSets.size(), "rule set") + " with " +
-         counted(rules, "rule") + "\n";
+  return text + "in all: " + countedText(diff.sets.size(), "set") + " with " +
+         countedText(members, "member") + ", " + countedText(diff.ruleSets.size(), "rule set") +
+         " with " + countedText(rules, "rule") + "\n";
 }
 
 void writeDiffJson(const StateDiff& diff, std::FILE* stream) {

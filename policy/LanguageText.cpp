@@ -126,3 +126,7 @@ std::string shownName(std::string_view name) {
     text += c == '"' ? std::string("\\x22") : std::string(1, c);
   return text + '"';
 }
+
+std::string countedText(std::size_t count, const char* what) {
+  return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
+}

@@ -2,6 +2,7 @@
 
 /// Names and addresses as the configuration language writes them, and as people read them.
 
+#include <cstddef>
 #include <cstdint>
 #include <stdexcept>
 #include <string>
@@ -35,3 +36,6 @@ std::string escapedText(std::string_view text);
 
 /// The same for a name, in double quotes; a double quote in it is \x22.
 std::string shownName(std::string_view name);
+
+/// "1 rule", "2 rules".
+std::string countedText(std::size_t count, const char* what);

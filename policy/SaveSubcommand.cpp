@@ -4,6 +4,7 @@
 #include <ostream>
 #include <string>
 
+#include "LanguageText.h"
 #include "Options.h"
 #include "PolicyProgram.h"
 #include "SaveText.h"
@@ -69,9 +70,10 @@ bool verify(const State& held, const SavedText& saved) {
   for (const auto& [name, set] : loaded.sets) {
     members += set.addresses.size() + set.elements.size();
   }
-  std::fprintf(stderr,
-               "tarnpolicy save: verified: %zu rules in %zu rule sets, %zu members in %zu sets\n",
-               rules, loaded.ruleSets.size(), members, loaded.sets.size());
+  std::fprintf(
+      stderr, "tarnpolicy save: verified: %s in %s, %s in %s\n", countedText(rules, "rule").c_str(),
+      countedText(loaded.ruleSets.size(), "rule set").c_str(),
+      countedText(members, "member").c_str(), countedText(loaded.sets.size(), "set").c_str());
   return true;
 }
 

@@ -264,15 +264,20 @@ class Reader {
 
 FilterLibrary::FilterLibrary() {
   int reserved = 0;
+  fwlibhandle_* handle = nullptr;
   const FWStatus_t status =
-      FW_Initialize(FW_INTERFACE_VERSION, &reserved, FW_IO_IOCTL, 0, nullptr, &handle_);
+      FW_Initialize(FW_INTERFACE_VERSION, &reserved, FW_IO_IOCTL, 0, nullptr, &handle);
   if (status != FW_STATUS_OK) {
     throw StateError(std::string("the firewall of this host can't be reached: ") +
                      FW_StatusToString(status));
   }
+  // FW_Exit would make the default handle, to know that this one is another.
+  library_.reset(fromLibHandle(handle));
 }
 
-FilterLibrary::~FilterLibrary() { FW_Exit(handle_); }
+FilterLibrary::~FilterLibrary() = default;
+
+fwlibhandle_* FilterLibrary::handle() const { return toLibHandle(library_.get()); }
 
 dvs_port_ filterSelector(const std::string& name) {
   dvs_port_ port{};

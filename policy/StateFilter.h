@@ -3,10 +3,15 @@
 /// What a filter of this host holds, read by the library's flat functions. What the kernel answers
 /// is untrusted: counts are bounds that may be wrong, names may hold anything.
 
+#include <memory>
 #include <string>
 
 #include "State.h"
 #include "tarnfw.h"
+
+namespace TarnFirewall {
+class CTarnFWLibHandle;
+}
 
 /// The library on the control device, while it lives. `StateError` when there is none.
 class FilterLibrary {
@@ -16,10 +21,10 @@ class FilterLibrary {
   FilterLibrary(const FilterLibrary&) = delete;
   FilterLibrary& operator=(const FilterLibrary&) = delete;
 
-  fwlibhandle_* handle() const { return handle_; }
+  fwlibhandle_* handle() const;
 
  private:
-  fwlibhandle_* handle_ = nullptr;
+  std::unique_ptr<TarnFirewall::CTarnFWLibHandle> library_;
 };
 
 /// The selector of a filter by its name, as `-f` of `tarnioctl` takes it. Throws `StateError` for a
