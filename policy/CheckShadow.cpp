@@ -7,9 +7,9 @@
 #include <memory>
 
 #include "TarnFWAddrSetHead.h"
-#include "TarnFWCmdCreateAddrSet.h"
-#include "TarnFWCmdCreateRuleSet.h"
+#include "TarnFWCmdCatalogue.h"
 #include "TarnFWCmdList.h"
+#include "TarnFWRuleSetCreateCmd.h"
 #include "TarnFWText.h"
 
 using namespace TarnFirewall;
@@ -21,6 +21,9 @@ constexpr std::size_t kMaxRests = 256;       // combinations that are compared w
 constexpr std::size_t kMaxWider = 64;        // addresses that are wider than one
 constexpr std::size_t kMaxSetsOfBlock = 16;  // sets that hold one block
 constexpr std::size_t kMaxPorts = 8;         // lists of ports for the same addresses
+
+/// Commands by their object types: their classes have no type information to ask for.
+constexpr int kCreateRuleSet = kCmdObjectType + 3, kCreateAddrSet = kCmdObjectType + 13;
 
 /// Kinds of rules: the kernel goes through each by itself.
 enum Kind : std::uint8_t { kFilter, kSnat, kDnat };
@@ -111,16 +114,15 @@ class ShadowCheck::Bucket {
   std::unique_ptr<More> more_;
 };
 
-void ShadowCheck::statement(std::size_t scope, std::uint32_t file, const CTarnFWCmdList& commands,
+void ShadowCheck::statement(std::size_t scope, std::uint32_t file, CTarnFWCmdList& commands,
                             std::span<const std::uint32_t> places) {
   for (std::size_t i = 0; i < commands.size(); ++i) {
-    const CTarnFWCmd& command = commands.at(i);
-    if (const auto* set = dynamic_cast<const CTarnFWCmdCreateAddrSet*>(&command)) {
-      takeSet(scope, const_cast<CTarnFWCmdCreateAddrSet&>(*set));
-    } else if (const auto* rules = dynamic_cast<const CTarnFWCmdCreateRuleSet*>(&command)) {
-      if (rules->rules().getRuleCount() == places.size()) {
-        takeRules(scope, file, rules->rules(), places);
-      }
+    CTarnFWCmd& command = commands.at(i);
+    if (command.getType() == kCreateAddrSet) {
+      takeSet(scope, command);
+    } else if (command.getType() == kCreateRuleSet) {
+      const CTarnFWRuleList& rules = static_cast<CTarnFWRuleSetCreateCmd&>(command).rules();
+      if (rules.getRuleCount() == places.size()) takeRules(scope, file, rules, places);
     }
   }
 }

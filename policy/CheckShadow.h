@@ -32,8 +32,7 @@ class ShadowCheck {
 
   /// Takes the sets and rules of a statement for the filter with this number. `places`: where the
   /// word `rule` of each of its rules stands.
-  void statement(std::size_t scope, std::uint32_t file,
-                 const TarnFirewall::CTarnFWCmdList& commands,
+  void statement(std::size_t scope, std::uint32_t file, TarnFirewall::CTarnFWCmdList& commands,
                  std::span<const std::uint32_t> places);
 
   /// After the last text: looks at the rules, now that the sets are known.
