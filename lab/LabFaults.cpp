@@ -42,7 +42,7 @@ std::string sentenceOf(const Fault& fault) {
   const PeerFaultKind& kind = *peerFaultKind(fault.peer);
   std::string value = format("%u", fault.value);
   if (kind.value == PeerFaultKind::Value::length) {
-    static constexpr const char* words[] = {"", " more", " less"};
+    static constexpr const char* words[] = {" bytes", " bytes more", " bytes less"};
     value += words[fault.only.value_or(PeerLength::exact)];
   }
   std::string text = kind.sentence;

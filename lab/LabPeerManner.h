@@ -39,7 +39,7 @@ inline constexpr PeerFaultKind peerFaultKinds[] = {
     {PeerFault::slow, "slow", PeerFaultKind::Value::milliseconds,
      "waits %s ms before each piece of its answer"},
     {PeerFault::bytes, "bytes", PeerFaultKind::Value::none, "answers byte by byte"},
-    {PeerFault::length, "length", PeerFaultKind::Value::length, "announces %s bytes"},
+    {PeerFault::length, "length", PeerFaultKind::Value::length, "announces %s"},
     {PeerFault::unterminated, "unterminated", PeerFaultKind::Value::none,
      "sends its text without the NUL at the end"},
     {PeerFault::silent, "silent", PeerFaultKind::Value::none, "says nothing and stays connected"},

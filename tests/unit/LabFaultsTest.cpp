@@ -144,7 +144,7 @@ TEST_F(LabFaults, EachHasItsLineOfText) {
   EXPECT_EQ(text({Kind::peer, 250, 2, std::nullopt, Device::none, PeerFault::slow}),
             "every peer waits 250 ms before each piece of its answer, the next 2");
   EXPECT_EQ(text({Kind::peer, 3, 0, PeerLength::more, Device::inspection, PeerFault::length}),
-            "the peer inspection announces 3 more bytes, until cleared");
+            "the peer inspection announces 3 bytes more, until cleared");
 }
 
 }  // namespace
