@@ -153,6 +153,10 @@ TEST_F(DpiHandlers, PrintsTheTextOfAReply) {
       {word(4) + "text", "text"},
       {word(4) + "text and more", "text"},
       {word(5) + "\0text"s, ""},
+      // Lengths whose memory ends with them.
+      {word(24) + std::string(24, 'x'), std::string(24, 'x')},
+      {word(40) + std::string(40, 'y'), std::string(40, 'y')},
+      {word(1032) + std::string(1032, 'z'), std::string(1032, 'z')},
       {word(4) + "%s%n", "%s%n"},
       {word(3) + "\xff\x01\n", "\xff\x01\n"},
       {word(100000) + std::string(100000, 'x'), std::string(100000, 'x')},
