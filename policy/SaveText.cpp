@@ -313,6 +313,16 @@ void compareMaps(const Map& wanted, const Map& made, const char* what, Report& r
 
 SavedText saveText(const State& state) { return Saver(state).run(); }
 
+std::string ruleSetStatement(const std::string& name, const StateRuleSet& set) {
+  std::string text = "create ruleset " + quoted(name);
+  if (set.count() == 0) return text;
+  text += " with {\n";
+  for (const StateRules kind : kStateRuleOrder) {
+    for (const FWRule_& rule : set.of(kind)) text += "    " + ruleText(rule) + ";\n";
+  }
+  return text + "}";
+}
+
 std::vector<std::string> recordDifferences(const State& wanted, const State& made,
                                            std::size_t most) {
   Report report(most);

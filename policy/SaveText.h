@@ -30,6 +30,9 @@ SavedText saveText(const State& state);
 /// The statement that makes a set, without its semicolon. Throws `Unsayable`.
 std::string setStatement(const std::string& name, const StateSet& set);
 
+/// The statement that makes a rule set, without its semicolon. Throws `Unsayable`.
+std::string ruleSetStatement(const std::string& name, const StateRuleSet& set);
+
 /// Differences between two states, for the report of a verification that failed; at most `most`
 /// lines. Empty when they are equal, record by record.
 std::vector<std::string> recordDifferences(const State& wanted, const State& made,

@@ -107,17 +107,11 @@ class Order {
 
   /// The targets that are there, by name, each once. Their addresses are those of the state's keys.
   std::vector<const std::string*> targetsOf(const StateRuleSet& set) const {
-    std::set<std::string_view> found;
-    if (!set.jump.empty()) found.insert(set.jump);
-    for (const auto& rules : set.rules) {
-      for (const FWRule_& rule : rules) {
-        if (rule.action.action != FW_ACTION_JUMPTO) continue;
-        if (const std::string_view jump = referencesOf(rule).jump; !jump.empty())
-          found.insert(jump);
-      }
-    }
+    std::vector<std::string> found = ruleTargetsOf(set);
+    if (!set.jump.empty()) found.push_back(set.jump);
+    std::sort(found.begin(), found.end());
     std::vector<const std::string*> targets;
-    for (const std::string_view name : found) {
+    for (const std::string& name : found) {
       const auto at = state_.ruleSets.find(name);
       if (at != state_.ruleSets.end()) targets.push_back(&at->first);
     }
@@ -264,6 +258,17 @@ StateReferences referencesOf(const FWRule_& rule) {
       break;
   }
   return found;
+}
+
+std::vector<std::string> ruleTargetsOf(const StateRuleSet& set) {
+  std::set<std::string_view> found;
+  for (const auto& rules : set.rules) {
+    for (const FWRule_& rule : rules) {
+      if (rule.action.action != FW_ACTION_JUMPTO) continue;
+      if (const std::string_view jump = referencesOf(rule).jump; !jump.empty()) found.insert(jump);
+    }
+  }
+  return {found.begin(), found.end()};
 }
 
 std::vector<std::string> ruleSetsTargetsFirst(const State& state) { return Order(state).run(); }

@@ -121,6 +121,9 @@ StateReferences referencesOf(const TarnFirewall::FWRule_& rule);
 /// The name in a record of an address set's reference, empty for an address of another type.
 std::string_view setNameOf(const TarnFirewall::FWAddress_& address);
 
+/// The rule sets that the rules of a set jump to, by name, each once.
+std::vector<std::string> ruleTargetsOf(const StateRuleSet& set);
+
 /// The names of the rule sets in an order in which a set comes after those that its rules and its
 /// jump lead to; otherwise by name. Where they lead in a circle, by name.
 std::vector<std::string> ruleSetsTargetsFirst(const State& state);
