@@ -82,7 +82,7 @@ Into a file, verified; what was there is kept. A filter that holds nothing becom
   $ tarnlab run tarnioctl tarnfwcli -Override -f $other -l saved.conf
   $ tarnlab run tarnpolicy save -f $other | cmp - saved.conf
   $ tarnlab run tarnpolicy diff filter:$filter filter:$other
-  $ tarnpolicy check saved.conf
+  $ tarnpolicy check saved.conf > checked
 
 What the language can't say: nothing is written to a file then, unless that is wanted.
 
