@@ -104,6 +104,13 @@ std::string indexLine(int level, int index, const char* end) {
          "\"index\": " + std::to_string(index) + end;
 }
 
+/// The command reads a reply of the first bytes of this one, after which memory ends.
+void checkCut(CTarnFWCmd& command, const Bytes& whole, std::size_t size) {
+  const std::unique_ptr<std::uint8_t[]> block(new std::uint8_t[size]);
+  std::copy_n(whole.begin(), size, block.get());
+  command.checkCmdReply(block.get(), static_cast<unsigned int>(size));
+}
+
 }  // namespace
 
 TEST_F(TarnFWCmdLoadBalancer, TheConfigurationIsPrintedWithItsServices) {
@@ -263,18 +270,15 @@ TEST_F(TarnFWCmdLoadBalancer, AReplyThatEndsEarlyIsPrintedAsFarAsItsBlocksGo) {
   const FWLBStat_ stat = someStatistics();
   CTarnFWCmdGetLBStat command(nullptr, &stat);
   const Bytes whole = requestOf(command);
-  const auto printedOf = [&](std::size_t size) {
-    const std::unique_ptr<std::uint8_t[]> block(new std::uint8_t[size]);
-    std::copy_n(whole.begin(), size, block.get());
-    const Printed printed;
-    command.checkCmdReply(block.get(), static_cast<unsigned int>(size));
-    return printed.text();
-  };
   for (const std::size_t size : {std::size_t{0}, std::size_t{140}, std::size_t{4140}}) {
-    EXPECT_THROW(printedOf(size), CInsufficientMsgBufException) << size;
+    const Printed printed;
+    EXPECT_THROW(checkCut(command, whole, size), CInsufficientMsgBufException) << size;
+    EXPECT_EQ(printed.text(), "") << size;
   }
   for (std::size_t size = 4141; size <= whole.size(); ++size) {
-    const std::string text = printedOf(size);
+    const Printed printed;
+    checkCut(command, whole, size);
+    const std::string text = printed.text();
     std::size_t found = 0;
     for (std::size_t at = 0; (at = text.find("\"index\"", at)) != std::string::npos; ++at) ++found;
     // The virtual server, its pools, and the member of the first one.
@@ -290,16 +294,13 @@ TEST_F(TarnFWCmdLoadBalancer, AConfigurationThatEndsEarlyIsPrintedAsFarAsItsBloc
   CTarnFWCmdGetLBConfig command(nullptr, &sizes);
   const Bytes whole = twoServicesReply();
   for (std::size_t size = 0; size <= whole.size(); ++size) {
-    const std::unique_ptr<std::uint8_t[]> block(new std::uint8_t[size]);
-    std::copy_n(whole.begin(), size, block.get());
     const Printed printed;
-    const auto check = [&] { command.checkCmdReply(block.get(), static_cast<unsigned int>(size)); };
     if (size < kFirst) {
-      EXPECT_THROW(check(), CInsufficientMsgBufException) << size;
+      EXPECT_THROW(checkCut(command, whole, size), CInsufficientMsgBufException) << size;
       EXPECT_EQ(printed.text(), "") << size;
       continue;
     }
-    check();
+    checkCut(command, whole, size);
     std::string services;
     if (size >= kSecond) services = service(0, "active", 1);
     if (size == whole.size()) services += ",\n" + service(1, "stale", 0);
