@@ -55,7 +55,8 @@ class LibraryLines {
   const std::string& error() const { return error_; }
 
  private:
-  static void take(int priority, const char* format, va_list arguments);
+  static void take(int priority, const char* format, va_list arguments)
+      __attribute__((format(printf, 2, 0)));
 
   TarnFirewall::FWLogger_ before_;
   LibraryLines* outer_;
