@@ -14,13 +14,23 @@ namespace {
 using Kind = PlanStep::Kind;
 using Names = std::set<std::string, std::less<>>;
 
+bool sameButPosition(const FWRule_& a, const FWRule_& b) {
+  constexpr std::size_t kAt = offsetof(FWRule_, position);
+  constexpr std::size_t kAfter = kAt + sizeof(FWRule_::position);
+  const auto* const left = reinterpret_cast<const char*>(&a);
+  const auto* const right = reinterpret_cast<const char*>(&b);
+  return std::memcmp(left, right, kAt) == 0 &&
+         std::memcmp(left + kAfter, right + kAfter, sizeof a - kAfter) == 0;
+}
+
+/// A position only makes the order.
 bool sameRules(const StateRuleSet& a, const StateRuleSet& b) {
   for (std::size_t kind = 0; kind < kStateRuleKinds; ++kind) {
     const auto& left = a.rules[kind];
     const auto& right = b.rules[kind];
-    if (left.size() != right.size()) return false;
-    if (left.empty()) continue;
-    if (std::memcmp(left.data(), right.data(), left.size() * sizeof(FWRule_)) != 0) return false;
+    if (!std::equal(left.begin(), left.end(), right.begin(), right.end(), sameButPosition)) {
+      return false;
+    }
   }
   return true;
 }

@@ -42,7 +42,8 @@ struct PlanStep {
   std::string name;  // of the set; empty for the root and for all
 };
 
-/// The steps from one state to the other; none when they are equal, record by record.
+/// The steps from one state to the other; none when they are equal. Other positions of the same
+/// rules in the same order are no difference, as in a diff.
 std::vector<PlanStep> planSteps(const State& from, const State& to);
 
 /// The statement of a step in the configuration language, without its semicolon. Throws `Unsayable`

@@ -1,4 +1,6 @@
+#include "ApplySubcommand.h"
 #include "Check.h"
+#include "ConfirmSubcommand.h"
 #include "DiffSubcommand.h"
 #include "SaveSubcommand.h"
 #include "Subcommand.h"
@@ -9,8 +11,8 @@ constexpr Subcommand kSubcommands[] = {
     {"check", "finds the mistakes in configuration text", kCheckUsage, runCheck},
     {"save", "prints what a filter holds as configuration text", kSaveUsage, runSave},
     {"diff", "shows in what two policies differ", kDiffUsage, runDiff},
-    {"apply", "changes a filter to what a text says", "", nullptr},
-    {"confirm", "keeps what was applied until it is confirmed", "", nullptr},
+    {"apply", "changes filters to what a text says", kApplyUsage, runApply},
+    {"confirm", "keeps what apply has done for a time only", kConfirmUsage, runConfirm},
 };
 
 }  // namespace

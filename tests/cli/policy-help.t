@@ -19,8 +19,6 @@ Called wrongly.
   Usage: tarnpolicy SUBCOMMAND ...
   $ run tarnpolicy frobnicate 2>&1 | head -1
   err| tarnpolicy: no subcommand frobnicate
-  $ run tarnpolicy confirm 2>&1 | head -1
-  err| tarnpolicy: this version does not have the subcommand confirm
 
 Output that is lost.
 

@@ -1,0 +1,123 @@
+#include "ApplyFilter.h"
+
+#include <unistd.h>
+
+#include "PlanCommand.h"
+#include "SaveText.h"
+#include "StateFilter.h"
+#include "TarnFWCmdRun.h"
+#include "TarnFWException.h"
+#include "TarnFWText.h"
+
+using namespace TarnFirewall;
+
+namespace {
+
+/// How often putting the earlier state back is tried; between two tries the program waits a second,
+/// as it does for a kernel that is busy.
+constexpr int kTries = 3;
+constexpr unsigned int kPauseSeconds = 1;
+
+std::string inCommand(const std::string& word) {
+  std::string quotedWord = "'";
+  for (const char c : word) quotedWord += c == '\'' ? std::string("'\\''") : std::string(1, c);
+  return quotedWord + "'";
+}
+
+}  // namespace
+
+ApplyFilter::ApplyFilter(fwlibhandle_* library, std::string name)
+    : library_(library), name_(std::move(name)), port_(filterSelector(name_)) {}
+
+void ApplyFilter::prepare(const State& wanted, bool partial, bool toRun) {
+  if (toRun) lock_ = std::make_unique<JournalLock>(name_);
+  earlier_ = stateOfFilter(library_, port_, name_);
+  wanted_ = &wanted;
+  plan_ = planSteps(earlier_, wanted);
+  partial_ = partial;
+  if (plan_.empty()) {
+    earlier_ = {};
+    return;
+  }
+  SavedText saved = saveText(earlier_);
+  earlierText_ = std::move(saved.text);
+  if (saved.missing.empty() || partial) return;
+  throw StateError(formatText("it holds what no file can keep (%zu in all); --partial goes on: ",
+                              saved.missing.size()) +
+                   saved.missing.front());
+}
+
+void ApplyFilter::send(const PlanStep& step, const State& to) const {
+  FWStatus_t status = FW_STATUS_OK;
+  try {
+    const auto command = stepCommand(step, to, &port_);
+    status = ::TarnFirewall::run(*fromLibHandle(library_), *command, nullptr);
+  } catch (const CTarnFWException& e) {
+    status = static_cast<FWStatus_t>(e.retcode());
+  }
+  if (status == FW_STATUS_OK) return;
+  throw StateError("`" + shownStep(step, to) + "' failed: " + FW_StatusToString(status));
+}
+
+ApplyReport ApplyFilter::run(const ApplyProgress& progress) {
+  try {
+    file_.write(name_, earlierText_);
+  } catch (const StateError& e) {
+    return {ApplyEnd::untouched, 0, e.what(), {}};
+  }
+  done_ = 0;
+  for (const PlanStep& step : plan_) {
+    if (!progress(done_, plan_.size())) {
+      if (done_ > 0) return restore("interrupted");
+      file_.remove();
+      return {ApplyEnd::untouched, 0, "interrupted", {}};
+    }
+    try {
+      send(step, *wanted_);
+    } catch (const StateError& e) {
+      return restore(e.what());
+    }
+    ++done_;
+  }
+  return {ApplyEnd::done, plan_.size(), {}, {}};
+}
+
+ApplyReport ApplyFilter::undo(const std::string& reason) { return restore(reason); }
+
+ApplyReport ApplyFilter::restore(const std::string& reason) {
+  std::string problem;
+  for (int attempt = 0; attempt < kTries; ++attempt) {
+    if (attempt > 0) sleep(kPauseSeconds);
+    try {
+      // What the filter holds now decides, not what was sent: a statement that failed may have
+      // been carried out all the same.
+      const State now = stateOfFilter(library_, port_, name_);
+      for (const PlanStep& step : planSteps(now, earlier_)) send(step, earlier_);
+      file_.remove();
+      return {ApplyEnd::restored, done_, reason, {}};
+    } catch (const StateError& e) {
+      problem = e.what();
+    }
+  }
+  return reportMixture(reason, problem);
+}
+
+ApplyReport ApplyFilter::reportMixture(const std::string& reason,
+                                       const std::string& problem) const {
+  ApplyReport report{ApplyEnd::mixture, done_, reason, {}};
+  std::string& text = report.instructions;
+  text = formatText("%zu of %zu statements were carried out", done_, plan_.size());
+  text += ": " + reason + "\nPutting the earlier state back failed too: " + problem + "\n";
+  text += "The earlier state is in " + file_.path();
+  if (partial_) text += ", as far as the language can say it";
+  text += ". This puts it back:\n    tarnpolicy apply " +
+          std::string(partial_ ? "--partial " : "") + "-f " + inCommand(name_) + " " +
+          inCommand(file_.path()) + "\n";
+  State now = earlier_;
+  for (std::size_t i = 0; i < done_; ++i) applyStep(now, plan_[i], *wanted_);
+  const std::vector<PlanStep> rest = planSteps(now, earlier_);
+  if (rest.empty()) return report;
+  text += "Statement by statement, after those that were answered, these are still to be done:\n";
+  for (const PlanStep& step : rest) text += stepText(step, earlier_);
+  return report;
+}

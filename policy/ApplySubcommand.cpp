@@ -1,0 +1,276 @@
+#include "ApplySubcommand.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "ApplyConfirm.h"
+#include "ApplyFilter.h"
+#include "ApplyProgress.h"
+#include "ApplySignals.h"
+#include "FilterNames.h"
+#include "LanguageText.h"
+#include "Options.h"
+#include "PlanCommand.h"
+#include "StateFilter.h"
+#include "StateText.h"
+#include "TarnFWText.h"
+
+using TarnFirewall::formatText;
+
+namespace {
+
+constexpr int kFailedStatus = 1;
+constexpr int kMixtureStatus = 3;
+constexpr unsigned int kMostSeconds = 86400;
+
+constexpr OptionForm kForms[] = {{"filter", 'f', true, true},
+                                 {"agent", 'a', true, true},
+                                 {"dry-run", 'n', true, false},
+                                 {"confirm", 'c', true, true},
+                                 {"partial", 'p', false, false}};
+
+struct ApplyCall {
+  std::vector<std::string> filters;
+  std::string agent;
+  std::string file;
+  bool dryRun = false;
+  bool partial = false;
+  unsigned int confirmSeconds = 0;  // 0 for no confirmation
+};
+
+unsigned int secondsOf(const char* text) {
+  unsigned int seconds = 0;
+  const char* const end = text + std::strlen(text);
+  const auto [after, error] = std::from_chars(text, end, seconds);
+  if (error != std::errc() || after != end || seconds == 0 || seconds > kMostSeconds) {
+    throw CallError(formatText("the seconds must be a number from 1 to %u", kMostSeconds));
+  }
+  return seconds;
+}
+
+void takeFilter(ApplyCall& call, const std::string& name) {
+  if (name.empty()) throw CallError("the filter's name is empty");
+  if (std::find(call.filters.begin(), call.filters.end(), name) == call.filters.end()) {
+    call.filters.push_back(name);
+  }
+}
+
+ApplyCall readCall(int argc, char** argv) {
+  ApplyCall call;
+  OptionReader options(argc, argv, kForms);
+  while (const char letter = options.next()) {
+    switch (letter) {
+      case 'f':
+        takeFilter(call, options.argument());
+        break;
+      case 'a':
+        call.agent = options.argument();
+        break;
+      case 'n':
+        call.dryRun = true;
+        break;
+      case 'c':
+        call.confirmSeconds = secondsOf(options.argument());
+        break;
+      default:
+        call.partial = true;
+        break;
+    }
+  }
+  const auto operands = options.operands();
+  if (operands.empty()) throw CallError("the file is missing");
+  if (operands.size() > 1) throw CallError(std::string("unexpected ") + operands[1]);
+  call.file = operands.front();
+  if (call.filters.empty() == call.agent.empty()) {
+    throw CallError("either filters (-f) or an agent (--agent) must be given");
+  }
+  return call;
+}
+
+/// The state that the text makes. Throws `StateError` for one that no filter can be given whole.
+State wantedState(const ApplyCall& call) {
+  StateText text = stateOfFile(call.file.c_str());
+  const std::string name = call.file == "-" ? "standard input" : call.file;
+  if (!text.others.empty()) {
+    const std::string first = "`" + escapedText(text.others.front()) + "'";
+    if (!call.partial) {
+      throw StateError(name + ": " + first +
+                       " is no part of a policy and would not be carried out; load it by tarnioctl "
+                       "tarnfwcli, or pass it over with --partial");
+    }
+    std::fprintf(stderr, "tarnpolicy apply: %s: passed over: %zu statements, the first is %s\n",
+                 name.c_str(), text.others.size(), first.c_str());
+  }
+  if (const std::string obstacle = obstacleOf(text.state); !obstacle.empty()) {
+    throw StateError(name + ": " + obstacle);
+  }
+  return std::move(text.state);
+}
+
+/// A filter that did not get the policy.
+struct Failure {
+  std::string filter;
+  ApplyReport report;
+};
+
+class Apply {
+ public:
+  explicit Apply(const ApplyCall& call) : call_(call), wanted_(wantedState(call)) {}
+
+  int run() {
+    const FilterLibrary library;
+    names_ = call_.agent.empty() ? call_.filters : filtersOfAgent(call_.agent);
+    const ApplySignals signals;
+    std::optional<ConfirmPlace> place;
+    if (call_.confirmSeconds != 0 && !call_.dryRun) place.emplace();
+    for (const std::string& name : names_) one(library.handle(), name);
+    if (place && !done_.empty()) confirm(*place);
+    printFailures();
+    return status();
+  }
+
+ private:
+  void one(TarnFirewall::fwlibhandle_* library, const std::string& name) {
+    if (ApplySignals::seen() != 0 || stopped_) {
+      failed(name, {ApplyEnd::untouched, 0, "not begun", {}});
+      return;
+    }
+    try {
+      auto filter = std::make_unique<ApplyFilter>(library, name);
+      filter->prepare(wanted_, call_.partial, !call_.dryRun);
+      if (call_.dryRun) {
+        printPlan(*filter);
+      } else if (filter->plan().empty()) {
+        std::printf("%s: nothing to do\n", shown(name).c_str());
+      } else {
+        change(std::move(filter));
+      }
+    } catch (const StateError& e) {
+      failed(name, {ApplyEnd::untouched, 0, e.what(), {}});
+    }
+  }
+
+  void printPlan(const ApplyFilter& filter) {
+    std::printf("# %s: %s\n", shown(filter.name()).c_str(), counted(filter.plan()).c_str());
+    for (const PlanStep& step : filter.plan()) std::fputs(stepText(step, wanted_).c_str(), stdout);
+  }
+
+  void change(std::unique_ptr<ApplyFilter> filter) {
+    ProgressLine line(shown(filter->name()));
+    ApplyReport report = filter->run([&](std::size_t done, std::size_t all) {
+      line.show(done, all);
+      return ApplySignals::seen() == 0;
+    });
+    line.clear();
+    if (report.end != ApplyEnd::done) {
+      failed(filter->name(), std::move(report));
+      return;
+    }
+    std::printf("%s: done, %s\n", shown(filter->name()).c_str(), counted(filter->plan()).c_str());
+    if (call_.confirmSeconds == 0) {
+      filter->keep();
+    } else {
+      done_.push_back(std::move(filter));
+    }
+  }
+
+  void confirm(ConfirmPlace& place) {
+    std::vector<std::string> names;
+    for (const auto& filter : done_) names.push_back(filter->name());
+    std::fflush(stdout);
+    const bool asksTerminal = call_.file != "-";
+    std::fprintf(stderr,
+                 "tarnpolicy apply: undone in %s unless confirmed: by Enter here, or by "
+                 "\"tarnpolicy confirm\" elsewhere\n",
+                 countedText(call_.confirmSeconds, "second").c_str());
+    const ConfirmEnd end = place.wait(names, call_.confirmSeconds, asksTerminal);
+    if (end == ConfirmEnd::confirmed) {
+      for (const auto& filter : done_) filter->keep();
+      std::puts("confirmed");
+      return;
+    }
+    // First the filters: a terminal that is lost may hold up whoever writes to it.
+    const std::string reason = reasonOf(end);
+    for (const auto& filter : done_) failed(filter->name(), filter->undo(reason));
+  }
+
+  static std::string reasonOf(ConfirmEnd end) {
+    switch (end) {
+      case ConfirmEnd::refused:
+        return "not confirmed";
+      case ConfirmEnd::interrupted:
+        return std::string("not confirmed, ") + signalName(ApplySignals::seen());
+      default:
+        return "not confirmed in time";
+    }
+  }
+
+  void failed(const std::string& name, ApplyReport report) {
+    // One that can't be put back says that something is wrong with more than this filter.
+    stopped_ = stopped_ || report.end == ApplyEnd::mixture;
+    const std::string prefix = "filter " + name + ": ";
+    if (report.reason.starts_with(prefix)) report.reason.erase(0, prefix.size());
+    failures_.push_back({name, std::move(report)});
+  }
+
+  void printFailures() const {
+    if (failures_.empty()) return;
+    std::fflush(stdout);
+    for (const Failure& failure : failures_) {
+      if (failure.report.end != ApplyEnd::mixture) continue;
+      std::fprintf(stderr, "tarnpolicy apply: filter %s holds a mixture: %s",
+                   shown(failure.filter).c_str(), failure.report.instructions.c_str());
+    }
+    std::fprintf(stderr, "tarnpolicy apply: %zu of %zu filters failed:\n", failures_.size(),
+                 names_.size());
+    std::size_t width = std::strlen("FILTER");
+    for (const Failure& failure : failures_) width = std::max(width, shown(failure.filter).size());
+    const auto row = [&](const std::string& filter, const char* holds, const std::string& why) {
+      std::fprintf(stderr, "  %-*s  %-13s  %s\n", static_cast<int>(width), filter.c_str(), holds,
+                   why.c_str());
+    };
+    row("FILTER", "HOLDS", "WHY");
+    for (const Failure& failure : failures_) {
+      row(shown(failure.filter), heldBy(failure.report.end), escapedText(failure.report.reason));
+    }
+  }
+
+  static const char* heldBy(ApplyEnd end) {
+    if (end == ApplyEnd::mixture) return "a mixture";
+    return end == ApplyEnd::untouched ? "what it held" : "earlier state";
+  }
+
+  int status() const {
+    const auto isMixture = [](const Failure& failure) {
+      return failure.report.end == ApplyEnd::mixture;
+    };
+    if (std::any_of(failures_.begin(), failures_.end(), isMixture)) return kMixtureStatus;
+    return failures_.empty() ? 0 : kFailedStatus;
+  }
+
+  static std::string shown(const std::string& name) { return escapedText(name); }
+
+  static std::string counted(const std::vector<PlanStep>& plan) {
+    return plan.empty() ? "nothing to do" : countedText(plan.size(), "statement");
+  }
+
+  const ApplyCall& call_;
+  State wanted_;
+  std::vector<std::string> names_;
+  std::vector<std::unique_ptr<ApplyFilter>> done_;  // that wait to be confirmed
+  std::vector<Failure> failures_;
+  bool stopped_ = false;
+};
+
+}  // namespace
+
+int runApply(int argc, char** argv) {
+  const ApplyCall call = readCall(argc, argv);
+  return Apply(call).run();
+}
