@@ -68,8 +68,7 @@ void NameCheck::word(const Token& token) {
               " are kept: " + quotedWord(word.text.substr(0, kept)));
     }
   }
-  const bool rules = code(0) == TK_CREATE && code(1) == TK_RULESET;
-  if (token.code == TK_RULE && rules) {
+  if (token.code == TK_RULE && code(0) == TK_CREATE && code(1) == TK_RULESET) {
     beginRule();
     rulePlaces_.push_back(token.begin);
   } else if (inRule_) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 
@@ -189,17 +190,19 @@ bool TextParse::isRuleSet() const {
 
 int TextParse::nextToken(void* value, std::size_t size) {
   static_assert(std::is_trivially_copyable_v<YYSTYPE>);
-  YYSTYPE made{};
+  // The grammar's own instance has a type of its own, made from the same lines.
+  if (size != sizeof(YYSTYPE)) std::abort();
   if (prefix_ > 0) {
     constexpr int kPrefix[] = {TK_LBRACE, TK_STRING, TK_RULESET, TK_CREATE};
+    YYSTYPE made{};
     made.text = {"x", 1};
-    std::memcpy(value, &made, std::min(size, sizeof made));
+    std::memcpy(value, &made, sizeof made);
     return kPrefix[--prefix_];
   }
   settle();
   if (ended_) endStatement();
   readOne();
-  std::memcpy(value, &value_, std::min(size, sizeof value_));
+  std::memcpy(value, &value_, sizeof value_);
   switch (token_.code) {
     case TK_RULE:
       if (isRuleSet()) words_.resize(headSize_);

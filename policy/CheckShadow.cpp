@@ -53,11 +53,6 @@ std::uint64_t mixed(std::uint64_t hash) {
 
 }  // namespace
 
-std::size_t ShadowCheck::KeyHash::operator()(const Key& key) const {
-  const std::uint64_t both = static_cast<std::uint64_t>(key.source) << 32 | key.destination;
-  return static_cast<std::size_t>(mixed(both + key.rest * 0x9e3779b97f4a7c15u));
-}
-
 /// The earlier rules that say the same but for the ports of the destination. Of single ranges only
 /// those are kept that no other one holds, so that both their ends rise.
 class ShadowCheck::Bucket {
@@ -112,6 +107,47 @@ class ShadowCheck::Bucket {
 
   const Rule* first_ = nullptr;
   std::unique_ptr<More> more_;
+};
+
+/// Buckets by their keys, in a table of numbers that is never more than half full.
+class ShadowCheck::Buckets {
+ public:
+  explicit Buckets(std::size_t most) : places_(std::bit_ceil(2 * most + 2)) {
+    entries_.reserve(most);
+  }
+
+  const Bucket* find(const Key& key) const {
+    const std::uint32_t number = places_[placeOf(key)];
+    return number == 0 ? nullptr : &entries_[number - 1].bucket;
+  }
+
+  Bucket& at(const Key& key) {
+    std::uint32_t& number = places_[placeOf(key)];
+    if (number == 0) {
+      entries_.push_back({key, {}});
+      number = static_cast<std::uint32_t>(entries_.size());
+    }
+    return entries_[number - 1].bucket;
+  }
+
+ private:
+  struct Entry {
+    Key key;
+    Bucket bucket;
+  };
+
+  std::size_t placeOf(const Key& key) const {
+    const std::uint64_t both = static_cast<std::uint64_t>(key.source) << 32 | key.destination;
+    std::size_t place = mixed(both + key.rest * 0x9e3779b97f4a7c15u);
+    for (;; ++place) {
+      place &= places_.size() - 1;
+      const std::uint32_t number = places_[place];
+      if (number == 0 || entries_[number - 1].key == key) return place;
+    }
+  }
+
+  std::vector<std::uint32_t> places_;  // numbers of entries from 1, a power of two of them
+  std::vector<Entry> entries_;
 };
 
 void ShadowCheck::statement(std::size_t scope, std::uint32_t file, CTarnFWCmdList& commands,
@@ -210,27 +246,32 @@ std::uint32_t ShadowCheck::restOf(const FWRule_& record) {
   std::memcpy(rest.extendedSource, record.extendedSource.name.text, sizeof rest.extendedSource);
   std::memcpy(rest.attributeProfile, record.attributeProfile.name.text,
               sizeof rest.attributeProfile);
-  if (!rests_.empty() && std::memcmp(&rests_.back(), &rest, sizeof rest) == 0) {
-    return static_cast<std::uint32_t>(rests_.size() - 1);
+  if (!rests_.empty() && std::memcmp(&rests_[lastRest_], &rest, sizeof rest) == 0) {
+    return lastRest_;
   }
   const auto view = [](const Rest& value) {
     return std::string_view(reinterpret_cast<const char*>(&value), sizeof value);
   };
   const auto place = restNumbers_.find(view(rest));
-  if (place != restNumbers_.end()) return place->second;
-  const auto number = static_cast<std::uint32_t>(rests_.size());
+  if (place != restNumbers_.end()) return lastRest_ = place->second;
+  const auto number = lastRest_ = static_cast<std::uint32_t>(rests_.size());
   rests_.push_back(rest);
   restNumbers_.emplace(view(rests_.back()), number);
   return number;
 }
 
 std::uint32_t ShadowCheck::addressOf(std::size_t scope, const FWAddress_& record, bool present) {
+  if (!present && any_ != 0) return any_ - 1;
   const bool negated = (record.flags & kAddressNegated) != 0;
-  const auto block = blockOf(record);
+  const auto block = present && !negated ? blockOf(record) : std::nullopt;
+  const auto next = static_cast<std::uint32_t>(addresses_.size());
+  if (block) {
+    const auto [place, added] = blockNumbers_.try_emplace(*block, next);
+    if (added) addresses_.emplace_back().block = block;
+    ++addresses_[place->second].uses;
+    return place->second;
+  }
   const bool isSet = record.type == FW_ADDRESS_ADDRSET;
-  char bytes[sizeof record + 1];
-  std::size_t size = 1;
-  bytes[0] = static_cast<char>(record.type << 1 | (negated ? 1 : 0));
   std::string key;
   if (!present) {
     key = "any";
@@ -238,20 +279,18 @@ std::uint32_t ShadowCheck::addressOf(std::size_t scope, const FWAddress_& record
     key = scopedName(scope, reinterpret_cast<const char*>(record.value), sizeof(FWAddrSetID_t));
     key += negated ? "!" : "=";
   } else {
-    // IPv4 with a prefix, or all that may differ.
-    const std::size_t used = block && block->isIPv4 ? 5 : sizeof record.value;
-    std::memcpy(bytes + 1, record.value, used);
-    size += used;
-    key.assign(bytes, size);
+    key.assign(reinterpret_cast<const char*>(&record), sizeof record);
   }
-  const auto [place, added] =
-      addressNumbers_.emplace(std::move(key), static_cast<std::uint32_t>(addresses_.size()));
-  if (!added) return place->second;
+  const auto [place, added] = addressNumbers_.emplace(std::move(key), next);
+  if (!added) {
+    ++addresses_[place->second].uses;
+    return place->second;
+  }
   Address& address = addresses_.emplace_back();
   address.any = !present;
+  address.uses = 1;
   address.negated = negated;
   address.isSet = isSet;
-  address.block = block;
   if (!present) any_ = place->second + 1;
   if (isSet && !negated) {
     const auto number = static_cast<std::uint32_t>(sets_.size() + 1);
@@ -265,6 +304,10 @@ std::uint32_t ShadowCheck::addressOf(std::size_t scope, const FWAddress_& record
 }
 
 std::uint32_t ShadowCheck::portsNumber(const FWPortBlock_& block, PortRange& hull) {
+  if (const auto only = onlyRangeOf(block)) {
+    hull = *only;
+    return 0;
+  }
   PortRanges ports = portsOf(block);
   hull = ports.empty() ? PortRange{0, 0} : PortRange{ports.front().low, ports.back().high};
   if (ports.size() == 1) return 0;
@@ -311,10 +354,7 @@ void ShadowCheck::indexAddresses() {
   for (std::uint32_t number = 0; number < addresses_.size(); ++number) {
     const Address& address = addresses_[number];
     if (address.negated) continue;
-    if (address.block) {
-      blockNumbers_.emplace(*address.block, number);
-      lengths[address.block->isIPv4][address.block->length] = true;
-    }
+    if (address.block) lengths[address.block->isIPv4][address.block->length] = true;
     if (address.set == 0) continue;
     for (const AddressBlock& block : sets_[address.set - 1].blocks) {
       auto& sets = setsOfBlock_[block];
@@ -344,19 +384,17 @@ void ShadowCheck::addWiderBlocks(const AddressBlock& block,
   }
 }
 
-const std::vector<std::uint32_t>& ShadowCheck::widerAddresses(std::uint32_t number) {
-  Address& address = addresses_[number];
-  std::vector<std::uint32_t>& wider = address.wider;
-  if (std::exchange(address.widened, true)) return wider;
-  wider.push_back(number);
+void ShadowCheck::widen(std::uint32_t number, std::vector<std::uint32_t>& wider) {
+  const Address& address = addresses_[number];
+  wider.assign(1, number);
   if (any_ != 0 && any_ - 1 != number) wider.push_back(any_ - 1);
-  std::vector<std::uint32_t> candidates;
-  if (!address.negated && address.block) addWiderBlocks(*address.block, candidates);
+  candidates_.clear();
+  if (!address.negated && address.block) addWiderBlocks(*address.block, candidates_);
   if (address.set != 0 && !sets_[address.set - 1].blocks.empty()) {
     const std::vector<AddressBlock>& blocks = sets_[address.set - 1].blocks;
-    addWiderBlocks(blocks.front(), candidates);
+    addWiderBlocks(blocks.front(), candidates_);
     const auto hull = hullOf(blocks);
-    std::erase_if(candidates, [&](std::uint32_t candidate) {
+    std::erase_if(candidates_, [&](std::uint32_t candidate) {
       const Address& other = addresses_[candidate];
       if (other.block) return !hull || !other.block->contains(*hull);
       const std::vector<AddressBlock>& outer = sets_[other.set - 1].blocks;
@@ -364,25 +402,35 @@ const std::vector<std::uint32_t>& ShadowCheck::widerAddresses(std::uint32_t numb
                           [&](const AddressBlock& block) { return holds(outer, block); });
     });
   }
-  for (const std::uint32_t candidate : candidates) {
+  for (const std::uint32_t candidate : candidates_) {
     if (wider.size() == kMaxWider) break;
     if (std::find(wider.begin(), wider.end(), candidate) == wider.end()) wider.push_back(candidate);
   }
-  return wider;
 }
 
-const ShadowCheck::Rule* ShadowCheck::findWider(const RuleSet&, const Buckets& buckets,
-                                                const Rule& rule) {
+/// In `room`, unless they are kept.
+const std::vector<std::uint32_t>& ShadowCheck::widerAddresses(std::uint32_t number,
+                                                              std::vector<std::uint32_t>& room) {
+  Address& address = addresses_[number];
+  if (address.uses == 1) {
+    widen(number, room);
+    return room;
+  }
+  if (!std::exchange(address.widened, true)) widen(number, address.wider);
+  return address.wider;
+}
+
+const ShadowCheck::Rule* ShadowCheck::findWider(const Buckets& buckets, const Rule& rule) {
   if (rule.ports != 0 && ports_[rule.ports].empty()) return nullptr;
   const Rule* found = nullptr;
-  const auto& sources = widerAddresses(rule.source);
-  const auto& destinations = widerAddresses(rule.destination);
+  const auto& sources = widerAddresses(rule.source, sourceRoom_);
+  const auto& destinations = widerAddresses(rule.destination, destinationRoom_);
   for (const std::uint32_t rest : widerRests(rule.rest)) {
     for (const std::uint32_t source : sources) {
       for (const std::uint32_t destination : destinations) {
-        const auto bucket = buckets.find({rest, source, destination});
-        if (bucket == buckets.end()) continue;
-        const Rule* const wider = bucket->second.find(ports_, rule);
+        const Bucket* const bucket = buckets.find({rest, source, destination});
+        if (bucket == nullptr) continue;
+        const Rule* const wider = bucket->find(ports_, rule);
         // The earliest is the one that users look for.
         if (wider != nullptr && (found == nullptr || wider < found)) found = wider;
       }
@@ -392,10 +440,9 @@ const ShadowCheck::Rule* ShadowCheck::findWider(const RuleSet&, const Buckets& b
 }
 
 void ShadowCheck::look(RuleSet& set) {
-  Buckets buckets;
-  buckets.reserve(set.rules.size());
+  Buckets buckets(set.rules.size());
   for (const Rule& rule : set.rules) {
-    if (const Rule* const wider = findWider(set, buckets, rule)) {
+    if (const Rule* const wider = findWider(buckets, rule)) {
       diagnostics_.add({.check = Check::shadowedRule,
                         .range = {set.file, rule.place, rule.place + 4},
                         .message = "rule " + std::to_string(rule.id) + " is never reached: rule " +
@@ -404,7 +451,7 @@ void ShadowCheck::look(RuleSet& set) {
                         .relatedMessage = "rule " + std::to_string(wider->id),
                         .related = {set.file, wider->place, wider->place + 4}});
     } else if (rule.isFinal) {
-      buckets[{rule.rest, rule.source, rule.destination}].add(rule);
+      buckets.at({rule.rest, rule.source, rule.destination}).add(rule);
     }
   }
 }

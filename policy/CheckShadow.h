@@ -62,8 +62,9 @@ class ShadowCheck {
     bool isSet = false;
     std::optional<AddressBlock> block;
     std::uint32_t set = 0;  // of those with contents, from 1
-    bool widened = false;   // `wider` has been found
-    std::vector<std::uint32_t> wider;
+    std::uint32_t uses = 0;
+    bool widened = false;              // `wider` has been found
+    std::vector<std::uint32_t> wider;  // kept for an address that is used again
   };
   /// What a set holds; known only while nothing but plain addresses is in it.
   struct Contents {
@@ -91,11 +92,8 @@ class ShadowCheck {
     std::uint32_t destination;
     bool operator==(const Key&) const = default;
   };
-  struct KeyHash {
-    std::size_t operator()(const Key& key) const;
-  };
   class Bucket;
-  using Buckets = std::unordered_map<Key, Bucket, KeyHash>;
+  class Buckets;
 
   void takeSet(std::size_t scope, TarnFirewall::CTarnFWCmd& command);
   void takeRules(std::size_t scope, std::uint32_t file, const TarnFirewall::CTarnFWRuleList& rules,
@@ -106,12 +104,14 @@ class ShadowCheck {
   std::uint32_t portsNumber(const TarnFirewall::FWPortBlock_& block, PortRange& hull);
 
   void indexAddresses();
-  const std::vector<std::uint32_t>& widerAddresses(std::uint32_t number);
+  const std::vector<std::uint32_t>& widerAddresses(std::uint32_t number,
+                                                   std::vector<std::uint32_t>& room);
+  void widen(std::uint32_t number, std::vector<std::uint32_t>& wider);
   void addWiderBlocks(const AddressBlock& block, std::vector<std::uint32_t>& wider) const;
   const std::vector<std::uint32_t>& widerRests(std::uint32_t number);
   static bool covers(const Rest& outer, const Rest& inner);
   void look(RuleSet& set);
-  const Rule* findWider(const RuleSet& set, const Buckets& buckets, const Rule& rule);
+  const Rule* findWider(const Buckets& buckets, const Rule& rule);
 
   Diagnostics& diagnostics_;
   std::deque<RuleSet> ruleSets_;
@@ -121,16 +121,18 @@ class ShadowCheck {
   std::vector<std::vector<std::uint32_t>> restsWider_;
 
   std::deque<Address> addresses_;
-  std::unordered_map<std::string, std::uint32_t> addressNumbers_;
-  std::uint32_t any_ = 0;  // number of "any" and 1, once there is one
+  std::unordered_map<AddressBlock, std::uint32_t, AddressBlockHash> blockNumbers_;
+  std::unordered_map<std::string, std::uint32_t> addressNumbers_;  // of those that are no block
+  std::uint32_t any_ = 0;       // number of "any" and 1, once there is one
+  std::uint32_t lastRest_ = 0;  // what the last rule had
 
   std::unordered_map<std::string, std::uint32_t> setNumbers_;  // filter and name
   std::deque<Contents> sets_;                                  // from number 1
 
   std::vector<PortRanges> ports_{{}};
 
-  // Made by `indexAddresses`: addresses of blocks, and of sets by the blocks that they hold.
-  std::unordered_map<AddressBlock, std::uint32_t, AddressBlockHash> blockNumbers_;
+  // Made by `indexAddresses`: the addresses of sets by the blocks that these hold.
   std::unordered_map<AddressBlock, std::vector<std::uint32_t>, AddressBlockHash> setsOfBlock_;
-  std::vector<std::uint8_t> lengths_[2];  // of prefixes in the indexes: IPv6, IPv4
+  std::vector<std::uint8_t> lengths_[2];  // of the prefixes of both: IPv6, IPv4
+  std::vector<std::uint32_t> sourceRoom_, destinationRoom_, candidates_;
 };

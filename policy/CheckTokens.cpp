@@ -16,7 +16,7 @@ namespace {
 
 using TarnFirewall::FW_STATUS_OK;
 
-bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
+inline bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
 
 }  // namespace
 
@@ -78,10 +78,10 @@ std::uint32_t TokenReader::skipGap(std::uint32_t from, std::uint32_t to) {
     if (strayEnd > strayBegin) stray_(strayBegin, strayEnd);
     strayBegin = strayEnd = 0;
   };
-  while (at < end) {
-    if (isBlank(text[at])) {
-      ++at;
-    } else if (text[at] == '#') {
+  for (;;) {
+    while (at < end && isBlank(text[at])) ++at;
+    if (at >= end) break;
+    if (text[at] == '#') {
       const std::size_t line = text.find('\n', at);
       at = static_cast<std::uint32_t>(line < end ? line : end);
     } else if (text.substr(at).starts_with("/*") && text.find("*/", at + 2) < end) {
@@ -112,7 +112,10 @@ Token TokenReader::placed(int code) {
   // What is read again lies elsewhere in memory. There the words are looked for in the text.
   if (!extra_.unclosed && extra_.input.againSize() == 0) {
     const auto begin = offset_ + static_cast<std::uint32_t>(matched.data() - base_);
-    if (begin > place_) skipGap(place_, begin);
+    // One blank is what mostly stands between two words.
+    if (begin > place_ && (begin > place_ + 1 || !isBlank(matched.data()[-1]))) {
+      skipGap(place_, begin);
+    }
     return {begin, begin + static_cast<std::uint32_t>(matched.size()), code};
   }
   // The word that an unclosed comment begins with is made of its slash alone.

@@ -12,32 +12,6 @@ namespace {
 
 constexpr PortRange kAllPorts = {0, 0xffff};
 
-PortRanges written(const FWPortBlock_& block) {
-  switch (block.header.kind()) {
-    case FW_SPEC_L4_PORT: {
-      const auto body = loadRecord<CTarnFWProtocolSpecL4Port::Body>(block.body);
-      return {{body.port, body.port}};
-    }
-    case FW_SPEC_L4_PORT_RANGE: {
-      const auto body = loadRecord<CTarnFWProtocolSpecL4PortRange::Body>(block.body);
-      return {{body.low, body.high}};
-    }
-    case FW_SPEC_L4_PORT_SET: {
-      const auto body = loadRecord<CTarnFWProtocolSpecL4PortSet::Body>(block.body);
-      PortRanges ports;
-      const unsigned int count = body.count & 0xf;
-      for (unsigned int i = 0; i < count; ++i) {
-        const bool range = (body.ranges >> i & 1) != 0 && i + 1 < count;
-        ports.push_back({body.entries[i], body.entries[range ? i + 1 : i]});
-        if (range) ++i;
-      }
-      return ports;
-    }
-    default:
-      return {kAllPorts};
-  }
-}
-
 PortRanges joined(PortRanges ports) {
   std::sort(ports.begin(), ports.end(),
             [](const PortRange& a, const PortRange& b) { return a.low < b.low; });
@@ -64,6 +38,41 @@ PortRanges others(const PortRanges& ports) {
   }
   if (next <= 0xffff) result.push_back({static_cast<std::uint16_t>(next), 0xffff});
   return result;
+}
+
+}  // namespace
+
+std::optional<PortRange> onlyRangeOf(const FWPortBlock_& block) {
+  const unsigned int kind = block.header.kind();
+  if (kind == FW_SPEC_NONE) return kAllPorts;
+  if (block.header.negated()) return std::nullopt;
+  if (kind == FW_SPEC_L4_PORT) {
+    const auto body = loadRecord<CTarnFWProtocolSpecL4Port::Body>(block.body);
+    return PortRange{body.port, body.port};
+  }
+  if (kind == FW_SPEC_L4_PORT_RANGE) {
+    const auto body = loadRecord<CTarnFWProtocolSpecL4PortRange::Body>(block.body);
+    return PortRange{body.low, body.high};
+  }
+  return std::nullopt;
+}
+
+namespace {
+
+PortRanges written(const FWPortBlock_& block) {
+  FWPortBlock_ plain = block;
+  plain.header.word = static_cast<std::uint16_t>(plain.header.word & ~0x4);
+  if (const auto only = onlyRangeOf(plain)) return {*only};
+  if (plain.header.kind() != FW_SPEC_L4_PORT_SET) return {kAllPorts};
+  const auto body = loadRecord<CTarnFWProtocolSpecL4PortSet::Body>(block.body);
+  PortRanges ports;
+  const unsigned int count = body.count & 0xf;
+  for (unsigned int i = 0; i < count; ++i) {
+    const bool range = (body.ranges >> i & 1) != 0 && i + 1 < count;
+    ports.push_back({body.entries[i], body.entries[range ? i + 1 : i]});
+    if (range) ++i;
+  }
+  return ports;
 }
 
 }  // namespace
