@@ -129,6 +129,23 @@ std::string peerText(const JournalEntry& entry) {
   return text + " = ok" + (entry.result != 0 ? format(" {bytes %d}", entry.result) : "");
 }
 
+/// A message for the system log, with its facility and priority as log daemons name them. The line
+/// ends after it are left out.
+std::string messageOfLog(const JournalEntry& entry) {
+  static constexpr const char* facilities[] = {
+      "kern",   "user",   "mail",     "daemon", "auth",   "syslog", "lpr",    "news",
+      "uucp",   "cron",   "authpriv", "ftp",    "ntp",    "audit",  "alert",  "clock",
+      "local0", "local1", "local2",   "local3", "local4", "local5", "local6", "local7"};
+  static constexpr const char* priorities[] = {"emerg",   "alert",  "crit", "err",
+                                               "warning", "notice", "info", "debug"};
+  const std::uint32_t facility = entry.request >> 3;
+  std::string_view text(reinterpret_cast<const char*>(entry.sent.data()), entry.sent.size());
+  while (text.ends_with('\n')) text.remove_suffix(1);
+  return "syslog " +
+         (facility < std::size(facilities) ? facilities[facility] : format("%u", facility)) + "." +
+         priorities[entry.request & 7] + " " + printable(entry.note) + ": " + printable(text);
+}
+
 std::string line(const std::string& text) { return "    " + printable(text) + "\n"; }
 
 /// A line for each record of a body.
@@ -198,6 +215,7 @@ std::string decodeEntry(const JournalEntry& entry) {
 }
 
 std::string decodeRequest(const JournalEntry& entry) {
+  if (entry.device == Device::systemLog) return messageOfLog(entry);
   std::string text(deviceName(entry.device));
   if (isPeer(entry.device)) {
     text += entry.size == 0 ? ": nothing" : " " + peerText(entry);
@@ -217,6 +235,7 @@ std::string decodeRecords(const JournalEntry& entry) {
   const ByteVector sent = whole(entry.sent, entry.size);
   const ByteVector answered =
       entry.answered.empty() ? ByteVector() : whole(entry.answered, entry.size);
+  if (entry.device == Device::systemLog) return "";
   if (isPeer(entry.device)) return Peer::answerLines(entry);
   if (isMessage(entry)) return messageLines(sent, true) + messageLines(answered, false);
   const DirectKind* kind = findDirect(entry.device, entry.request);

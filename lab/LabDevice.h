@@ -7,14 +7,16 @@
 
 namespace TarnLab {
 
-/// The last two are no devices but processes of the host, which listen on sockets.
+/// Trace and inspection are no devices but processes of the host, which listen on sockets; the
+/// system log is what programs write to it.
 enum class Device : std::uint8_t {
   none,
   firewall,
   filterTables,
   serviceInsertion,
   trace,
-  inspection
+  inspection,
+  systemLog
 };
 
 struct DeviceNode {
@@ -36,7 +38,9 @@ inline constexpr DeviceNode peerNodes[] = {
     {"/var/run/kelpco/vdpi_stats_channel", Device::inspection, "inspection"},
 };
 
-constexpr bool isPeer(Device device) { return device >= Device::trace; }
+constexpr bool isPeer(Device device) {
+  return device == Device::trace || device == Device::inspection;
+}
 
 /// The device that a path names, by its exact spelling.
 constexpr Device deviceOfPath(std::string_view path) {

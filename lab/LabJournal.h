@@ -1,4 +1,5 @@
-// The lab's log: what every program asked of the devices, and what it was answered.
+// The lab's log: what every program asked of the devices and peers, what it was answered, and what
+// it wrote to the system log.
 #ifndef TARNLAB_JOURNAL_H
 #define TARNLAB_JOURNAL_H
 
@@ -21,7 +22,8 @@ struct JournalEntry {
   int error = 0;             // the errno of a request that failed
   std::uint32_t status = 0;  // of a direct request, in its frame
   int result = 0;            // what ioctl returned without an errno; bytes of a peer's answer
-  std::string note;          // why it was refused, or what else is worth a line
+  std::string note;          // why it was refused, or what else is worth a line; of a message for
+                             // the system log, whose it is
   ByteVector selector;
   std::uint64_t size = 0;  // of the message or body, as it was sent
   ByteVector sent;

@@ -11,6 +11,7 @@ int runLog(const Store& store, Arguments arguments) {
   bool withBytes = false;
   bool withRecords = false;
   bool shortened = false;
+  bool withSystemLog = false;
   std::optional<unsigned long long> last;
   for (; !arguments.empty(); arguments = arguments.subspan(1)) {
     const std::string_view option = arguments[0];
@@ -18,6 +19,8 @@ int runLog(const Store& store, Arguments arguments) {
       withBytes = true;
     } else if (option == "-s") {
       shortened = true;
+    } else if (option == "-l") {
+      withSystemLog = true;
     } else if (option == "-v") {
       withRecords = true;
     } else if (option == "-n" && arguments.size() > 1) {
@@ -32,13 +35,20 @@ int runLog(const Store& store, Arguments arguments) {
   }
   requireLab(store);
   const Journal journal(store);
+  const auto isShown = [&](const JournalEntry& entry) {
+    return withSystemLog || entry.device != Device::systemLog;
+  };
   unsigned long long skipped = 0;
   if (last) {
     unsigned long long total = 0;
-    journal.read([&total](const JournalEntry&) { return ++total > 0; });
+    journal.read([&](const JournalEntry& entry) {
+      total += isShown(entry);
+      return true;
+    });
     skipped = total > *last ? total - *last : 0;
   }
   journal.read([&](const JournalEntry& entry) {
+    if (!isShown(entry)) return true;
     if (skipped > 0) {
       --skipped;
       return true;

@@ -84,12 +84,13 @@ constexpr ProgramCommand commands[] = {
      "  --help          this text\n",
      runShow},
     {"log", "show what was asked of the devices and peers",
-     "Usage: tarnlab log [-s] [-v] [-x] [-n N]\n"
+     "Usage: tarnlab log [-s] [-l] [-v] [-x] [-n N]\n"
      "\n"
      "Shows every message, direct request and exchange with a peer so far, one line each: when,\n"
      "which program, device and request number, what was asked, and the answer.\n"
      "\n"
      "  -s              short: without when and which program\n"
+     "  -l              with what programs wrote to the system log, in order with the rest\n"
      "  -v              with the rules, addresses, elements and names in it\n"
      "  -x              with the bytes that were sent and answered\n"
      "  -n N            only the last N\n"

@@ -464,12 +464,13 @@ Showing
 The log
 
   $ run tarnlab log --help
-  Usage: tarnlab log [-s] [-v] [-x] [-n N]
+  Usage: tarnlab log [-s] [-l] [-v] [-x] [-n N]
   
   Shows every message, direct request and exchange with a peer so far, one line each: when,
   which program, device and request number, what was asked, and the answer.
   
     -s              short: without when and which program
+    -l              with what programs wrote to the system log, in order with the rest
     -v              with the rules, addresses, elements and names in it
     -x              with the bytes that were sent and answered
     -n N            only the last N
@@ -658,7 +659,7 @@ Help, wherever it is asked for
   $ run tarnlab fault status 26 --help | head -1
   Usage: tarnlab fault
   $ run tarnlab log -s -h | head -1
-  Usage: tarnlab log [-s] [-v] [-x] [-n N]
+  Usage: tarnlab log [-s] [-l] [-v] [-x] [-n N]
   $ run tarnlab run -h | head -1
   Usage: tarnlab run COMMAND [ARGUMENT...]
   $ run tarnlab fault

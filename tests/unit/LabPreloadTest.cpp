@@ -13,11 +13,13 @@
 #include <sys/time.h>
 #include <sys/un.h>
 #include <sys/wait.h>
+#include <syslog.h>
 #include <unistd.h>
 
 #include <atomic>
 #include <cerrno>
 #include <chrono>
+#include <cstdarg>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -33,6 +35,7 @@ extern "C" int __open_2(const char*, int);
 extern "C" int __open64_2(const char*, int);
 extern "C" int __openat_2(int, const char*, int);
 extern "C" int __openat64_2(int, const char*, int);
+extern "C" void __syslog_chk(int, int, const char*, ...);
 
 namespace {
 
@@ -832,6 +835,64 @@ TEST_F(LabPreloadPeer, OnlyTheHostsOwnFoldersAreMoved) {
   EXPECT_EQ(::access(nowhere, F_OK), -1);
   EXPECT_EQ(errno, EFAULT);
 #endif
+}
+
+// --- The system log
+
+/// The last lines of the lab's log with what went to the system log, in short form.
+std::string lastLines(int count) {
+  std::fflush(stdout);
+  const std::string command = "\"$TARNLAB_PROGRAM\" log -s -l -n " + std::to_string(count);
+  std::FILE* stream = ::popen(command.c_str(), "r");
+  std::string text;
+  for (int c = 0; stream != nullptr && (c = std::fgetc(stream)) != EOF;) {
+    text += static_cast<char>(c);
+  }
+  EXPECT_EQ(::pclose(stream), 0);
+  return text;
+}
+
+[[gnu::format(printf, 2, 3)]] void write(int priority, const char* format, ...) {
+  va_list arguments;
+  va_start(arguments, format);
+  ::vsyslog(priority, format, arguments);
+  va_end(arguments);
+}
+
+TEST(LabPreload, WhatGoesToTheSystemLogIsInTheLabsLogToo) {
+  const int fd = ::open(device, O_RDWR);
+  ::openlog("tester", LOG_PID, LOG_LOCAL3);
+  errno = ENOSPC;
+  void (*const form)(int, const char*, ...) = ::syslog;  // %m is no format of the standard
+  form(LOG_ERR, "no %s: %m\n\n", "room");
+  EXPECT_EQ(errno, ENOSPC);
+  EXPECT_EQ(filters(fd), 8);
+  write(LOG_DAEMON | LOG_DEBUG, "%d and\n%d", 1, 2);
+  __syslog_chk(LOG_INFO, 1, "checked %u", 3u);
+  EXPECT_EQ(lastLines(4),
+            "syslog local3.err tester: no room: No space left on device\n"
+            "firewall 20: number of filters of every agent = ok {count 8}\n"
+            "syslog daemon.debug tester: 1 and\\x0a2\n"
+            "syslog local3.info tester: checked 3\n");
+  ::closelog();
+  ::syslog(LOG_NOTICE, "after");
+  EXPECT_EQ(lastLines(1), "syslog local3.notice tarnlab_preloaded: after\n")
+      << "a program without a name in the log has its own";
+  ::close(fd);
+}
+
+TEST(LabPreload, AMessageThatIsHeldBackOrTooLongIsNoneOrCut) {
+  const std::string before = lastLines(1);
+  const int mask = ::setlogmask(LOG_UPTO(LOG_ERR));
+  ::syslog(LOG_INFO, "held back");
+  EXPECT_EQ(lastLines(1), before);
+  ::setlogmask(mask);
+  const std::string text(100000, 'l');
+  ::syslog(LOG_INFO, "%s", text.c_str());
+  const std::string line = lastLines(1);
+  EXPECT_EQ(line.size() - line.find("lllll"), 65537u) << "64 KiB and the line's end";
+  ::syslog(LOG_INFO, "%s", "");
+  EXPECT_TRUE(lastLines(1).ends_with(": \n"));
 }
 
 }  // namespace
