@@ -71,17 +71,18 @@ constexpr Known kKnown[] = {
 const char* literalHelp(int code) {
   switch (code) {
     case TK_IPV4:
-    case TK_IPV4_RANGE:
+      return "each of the four numbers goes from 0 to 255";
     case TK_IPV4_CIDR:
+      return "a prefix goes from 0 to 32, and each number before it from 0 to 255";
     case TK_IPV4_MASK:
-      return "each of the four numbers goes from 0 to 255, a prefix from 0 to 32; "
-             "a mask has its ones first, and a range rises";
-    case TK_IPV6:
+      return "a mask has its ones first, as 255.255.255.0, and numbers go from 0 to 255";
     case TK_IPV6_CIDR:
+      return "a prefix goes from 0 to 128, and a mask has its ones first, as ffff:ffff::";
+    case TK_IPV4_RANGE:
     case TK_IPV6_RANGE:
-      return "a prefix goes from 0 to 128; a mask has its ones first, and a range rises";
+      return "the lower address of a range stands first";
     case TK_ETHER_RANGE:
-      return "a range rises";
+      return "the lower address of a range stands first";
     default:
       return "";
   }

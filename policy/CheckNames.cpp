@@ -494,6 +494,10 @@ void NameCheck::add(Check check, const TextRange& range, std::string message, st
 void NameCheck::addUnknown(Check check, const TextRange& range, std::string message) {
   if (held_ != nullptr) message += ", and the filter does not hold it";
   Diagnostic diagnostic{.check = check, .range = range, .message = std::move(message)};
-  if (held_ != nullptr) diagnostic.severity = Severity::error;
+  if (held_ != nullptr) {
+    diagnostic.severity = Severity::error;
+  } else {
+    diagnostic.help = "create it, or let `-f FILTER` ask whether the filter holds it";
+  }
   diagnostics_.add(std::move(diagnostic));
 }

@@ -23,7 +23,7 @@ Each mistake has its place, the line, a mark under the word, and a remedy.
   web.conf:1:34: error: invalid value `10.0.0.0/33` [value]
       create addrset "web" { 10.0.0.1, 10.0.0.0/33 };
                                        ^~~~~~~~~~~
-      help: each of the four numbers goes from 0 to 255, a prefix from 0 to 32; a mask has its ones first, and a range rises
+      help: a prefix goes from 0 to 32, and each number before it from 0 to 255
   web.conf:3:13: error: unexpected `protocl` [syntax]
       \trule 10 in protocl tcp from any to "web" port 80 accept; (esc)
       \t           ^~~~~~~ (esc)
@@ -132,6 +132,28 @@ For other programs.
       }
     ]
   }
+
+With a filter, what it holds is known, and what nobody has is an error.
+
+  $ tarnlab init > /dev/null
+  $ filter=nic-1002672-eth0-kelpco-sfw.2
+  $ quiet tarnioctl tarnfwcli -Override -f $filter -c 'create addrset "clients" 10.0.0.1;'
+  $ cat > clients.conf << 'END'
+  > create ruleset "in" with { rule 1 in protocol any from "clients" to "cleints" accept; };
+  > END
+  $ quiet tarnpolicy check clients.conf | grep warning
+  clients.conf:1:56: warning: nothing creates the set `clients` [unknown-set]
+  clients.conf:1:69: warning: nothing creates the set `cleints` [unknown-set]
+  0 errors, 2 warnings
+  $ quiet tarnpolicy check -f $filter clients.conf
+  clients.conf:1:69: error: nothing creates the set `cleints`, and the filter does not hold it [unknown-set]
+      ...uleset "in" with { rule 1 in protocol any from "clients" to "cleints" accept; };
+                                                                     ^~~~~~~~~
+  1 error, 0 warnings
+  [1]
+  $ quiet tarnpolicy check -f nowhere clients.conf
+  err| tarnpolicy check: filter nowhere: * (glob)
+  [2]
 
 Called wrongly, and files that can't be read.
 

@@ -81,8 +81,8 @@ TEST(PolicyCheck, AKeywordAsANameNeedsQuotes) {
 
 TEST(PolicyCheck, ValuesHaveTheirPlaceAndRemedy) {
   EXPECT_EQ(mistake("create addrset \"a\" { 10.0.0.0/8, 10.0.0.0/33 };"),
-            "1:34 invalid value `10.0.0.0/33` | each of the four numbers goes from 0 to 255, a "
-            "prefix from 0 to 32; a mask has its ones first, and a range rises");
+            "1:34 invalid value `10.0.0.0/33` | a prefix goes from 0 to 32, and each number before "
+            "it from 0 to 255");
   EXPECT_EQ(mistake(rule("rule 1 in protocol tcp from any port 80 to any port 90-80 accept;")),
             "2:53 invalid port range | the low end of a range of ports stands first: 80-90");
   EXPECT_EQ(mistake(rule("rule 1 in protocol nosuch from any to any accept;")),
