@@ -16,28 +16,21 @@ GrammarClient& clientOf(void* scanner) {
   return *static_cast<GrammarClient*>(yyget_extra(scanner));
 }
 
-/// Takes the place of `attempt` in the actions: what fails goes to the client.
-template <typename Action>
-bool attemptForClient(bool lookedAhead, const FWParse& parse, Action&& action) {
-  try {
-    action();
-    return true;
-  } catch (...) {
-    clientOf(parse.scanner).refused(lookedAhead);
-    dropParseResults(parse);
-    return false;
-  }
+/// Takes the place of `reportParseFailure` in the actions: what fails goes to the client.
+void reportToClient(bool lookedAhead, const FWParse& parse) {
+  clientOf(parse.scanner).refused(lookedAhead);
+  dropParseResults(parse);
 }
 
 }  // namespace
 
 }  // namespace TarnFirewall
 
-#define attempt(...) attemptForClient(yychar != TK_POLICY_EMPTY, __VA_ARGS__)
+#define reportParseFailure(parse) reportToClient(yychar != TK_POLICY_EMPTY, parse)
 
 #include <policy_grammar.inc>
 
-#undef attempt
+#undef reportParseFailure
 
 int policy_lex(POLICY_STYPE* value, POLICY_LTYPE*, void* scanner) {
   return clientOf(scanner).nextToken(value, sizeof *value);

@@ -75,9 +75,10 @@ class CTarnFWAddressIPSingle : public CTarnFWAddressIP<Family> {
  public:
   using typename Base::Address;
 
-  CTarnFWAddressIPSingle(const char* text, bool negated) : Base(negated) {
-    const std::string_view all = Base::whole(text);
-    if (!Base::read(all, &address_)) throw CInvalidAddressException(all);
+  CTarnFWAddressIPSingle(const char* text, bool negated)
+      : CTarnFWAddressIPSingle(Base::whole(text), negated) {}
+  CTarnFWAddressIPSingle(std::string_view text, bool negated) : Base(negated) {
+    if (!Base::read(text, &address_)) throw CInvalidAddressException(text);
   }
   CTarnFWAddressIPSingle(const Address& address, bool negated) : Base(negated), address_(address) {}
   explicit CTarnFWAddressIPSingle(const FWAddress_* record)
@@ -175,12 +176,13 @@ class CTarnFWAddressIPCIDR : public CTarnFWAddressIP<Family> {
   using typename Base::Address;
 
   /// The text has a prefix length, or a mask of contiguous bits, after the slash.
-  CTarnFWAddressIPCIDR(const char* text, bool negated) : Base(negated) {
-    const std::string_view all = Base::whole(text);
-    const std::size_t slash = all.find('/');
-    if (slash == all.npos || !Base::read(all.substr(0, slash), &address_) ||
-        !readMask(all.data() + slash + 1)) {
-      throw CInvalidAddressException(all);
+  CTarnFWAddressIPCIDR(const char* text, bool negated)
+      : CTarnFWAddressIPCIDR(Base::whole(text), negated) {}
+  CTarnFWAddressIPCIDR(std::string_view text, bool negated) : Base(negated) {
+    const std::size_t slash = text.find('/');
+    if (slash == text.npos || !Base::read(text.substr(0, slash), &address_) ||
+        !readMask(text.substr(slash + 1))) {
+      throw CInvalidAddressException(text);
     }
   }
 
@@ -211,10 +213,9 @@ class CTarnFWAddressIPCIDR : public CTarnFWAddressIP<Family> {
   }
 
  private:
-  bool readMask(const char* text) {
-    const std::string_view mask(text);
-    if (mask.find(Family::maskMark) != mask.npos) {
-      return Base::read(mask, &mask_) && Family::mask2prefix(mask_, &prefix_);
+  bool readMask(std::string_view text) {
+    if (text.find(Family::maskMark) != text.npos) {
+      return Base::read(text, &mask_) && Family::mask2prefix(mask_, &prefix_);
     }
     return Family::str2prefix(text, &prefix_) && Family::prefix2mask(prefix_, &mask_);
   }

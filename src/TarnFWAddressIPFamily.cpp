@@ -2,6 +2,7 @@
 
 #include <arpa/inet.h>
 
+#include <cerrno>
 #include <cstring>
 
 #include "TarnFWAddressConvert.h"
@@ -14,6 +15,26 @@ namespace {
 
 std::array<net32, 4> words(const in6_addr& address) {
   return loadRecord<std::array<net32, 4>>(&address);
+}
+
+bool isDigit(char c) { return c >= '0' && c <= '9'; }
+
+/// A prefix length by the parser of the family. One or two digits, which is what most are, are read
+/// here: it would read them alike.
+bool readPrefix(std::string_view text, long most, bool (*parse)(const char*, long*),
+                unsigned char* prefix) {
+  long number = 0;
+  const bool plain =
+      !text.empty() && text.size() <= 2 && isDigit(text.front()) && isDigit(text.back());
+  if (plain) {
+    for (const char digit : text) number = 10 * number + (digit - '0');
+    errno = 0;  // as the parser leaves it, since the scanner looks at it
+    if (number > most) return false;
+  } else if (!parse(std::string(text).c_str(), &number)) {
+    return false;
+  }
+  *prefix = static_cast<unsigned char>(number);
+  return true;
 }
 
 }  // namespace
@@ -33,11 +54,8 @@ bool IPv4Family::mask2prefix(const Address& mask, unsigned char* prefix) {
   return ipv4mask2cidr(mask, prefix);
 }
 
-bool IPv4Family::str2prefix(const char* text, unsigned char* prefix) {
-  long number = 0;
-  if (!Str2CIDR4(text, &number)) return false;
-  *prefix = static_cast<unsigned char>(number);
-  return true;
+bool IPv4Family::str2prefix(std::string_view text, unsigned char* prefix) {
+  return readPrefix(text, maxPrefix, Str2CIDR4, prefix);
 }
 
 bool IPv4Family::isTextRange(const Address& first, const Address& last) {
@@ -59,11 +77,8 @@ bool IPv6Family::mask2prefix(const Address& mask, unsigned char* prefix) {
   return ipv6mask2cidr(mask, prefix);
 }
 
-bool IPv6Family::str2prefix(const char* text, unsigned char* prefix) {
-  long number = 0;
-  if (!Str2CIDR6(text, &number)) return false;
-  *prefix = static_cast<unsigned char>(number);
-  return true;
+bool IPv6Family::str2prefix(std::string_view text, unsigned char* prefix) {
+  return readPrefix(text, maxPrefix, Str2CIDR6, prefix);
 }
 
 bool IPv6Family::isTextRange(const Address& first, const Address& last) {

@@ -8,6 +8,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 #include "TarnFWAddressConvert.h"
 #include "TarnFWException.h"
@@ -33,7 +34,7 @@ struct IPv4Family {
     return cidr2ipv4mask(prefix, mask);
   }
   static bool mask2prefix(const Address& mask, unsigned char* prefix);
-  static bool str2prefix(const char* text, unsigned char* prefix);
+  static bool str2prefix(std::string_view text, unsigned char* prefix);
 
   /// The rule for a range in a text: first strictly below last.
   static bool isTextRange(const Address& first, const Address& last);
@@ -60,7 +61,7 @@ struct IPv6Family {
     return cidr2ipv6mask(prefix, mask);
   }
   static bool mask2prefix(const Address& mask, unsigned char* prefix);
-  static bool str2prefix(const char* text, unsigned char* prefix);
+  static bool str2prefix(std::string_view text, unsigned char* prefix);
 
   /// The rule for a range in a text: first not above last, byte by byte, so that a range of one
   /// address is one.

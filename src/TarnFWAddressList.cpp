@@ -14,6 +14,21 @@ CTarnFWAddressList::CTarnFWAddressList(bool borrowed) : id_{}, borrowed_(borrowe
 CTarnFWAddressList::CTarnFWAddressList(const FWAddrSetID_t& id, bool negated, bool borrowed)
     : CTarnFWAddress(negated), id_(id), borrowed_(borrowed) {}
 
+CTarnFWAddressList::CTarnFWAddressList(CTarnFWLoadMemory& memory)
+    : memory_(&memory), id_{}, borrowed_(false) {}
+
+CTarnFWAddressList::~CTarnFWAddressList() {
+  if (!borrowed_) return;
+  auto own = owned_.begin();
+  for (Member& member : addresses_) {
+    if (own != owned_.end() && *own == member.get()) {
+      ++own;
+    } else {
+      static_cast<void>(member.release());
+    }
+  }
+}
+
 CTarnFWAddressList::CTarnFWAddressList(const FWAddrSetID_t& id, const FWAddress_* records,
                                        unsigned int count, bool (*belongs)(int type))
     : id_(id), borrowed_(false) {
@@ -22,7 +37,7 @@ CTarnFWAddressList::CTarnFWAddressList(const FWAddrSetID_t& id, const FWAddress_
     unsigned int used = 0;
     auto address = CTarnFWAddressFactory::newFromMsgBuf(place, sizeof(FWAddress_), &used);
     if (!belongs(address->getType())) throw CInvalidAddressException(address->toString());
-    addresses_.push_back(Member(address.release()));
+    addresses_.push_back(std::move(address));
     place += used;
   }
 }
@@ -51,7 +66,12 @@ bool CTarnFWAddressList::accepts(int type) const {
   }
 }
 
-CTarnFWAddressList::Taken CTarnFWAddressList::add(CTarnFWAddress* address) {
+void CTarnFWAddressList::keep(std::unique_ptr<CTarnFWAddress> address) {
+  if (borrowed_) owned_.push_back(address.get());
+  addresses_.push_back(std::move(address));
+}
+
+CTarnFWAddressList::Taken CTarnFWAddressList::add(const CTarnFWAddress* address) {
   if (address == nullptr) return Taken::no;
   const int type = address->getType();
   if (!accepts(type)) return Taken::no;
@@ -66,37 +86,38 @@ CTarnFWAddressList::Taken CTarnFWAddressList::add(CTarnFWAddress* address) {
     if (prefix == 0) {
       TARNFW_WARNING("handling 0 prefix ip cidr\n");
       for (const char* const half : {"0.0.0.0/1", "128.0.0.0/1"}) {
-        addresses_.push_back(Member(new CTarnFWAddressIPv4CIDR(half, false)));
+        keep(make<CTarnFWAddressIPv4CIDR>(half, false));
       }
       return Taken::replaced;
     }
   }
-  addresses_.emplace_back(address, Release{!borrowed_});
-  return Taken::yes;
+  if (!isFull()) return Taken::yes;
+  count();
+  return Taken::counted;
 }
 
-bool CTarnFWAddressList::addAddress(CTarnFWAddress* address) { return add(address) != Taken::no; }
+bool CTarnFWAddressList::addAddress(CTarnFWAddress* address) {
+  const Taken taken = add(address);
+  if (taken == Taken::yes) addresses_.emplace_back().reset(address);
+  return taken != Taken::no;
+}
 
 bool CTarnFWAddressList::addAddress(std::unique_ptr<CTarnFWAddress> address) {
   const Taken taken = add(address.get());
-  if (taken == Taken::yes) {
-    addresses_.back().get_deleter().owned = true;
-    static_cast<void>(address.release());  // the list's from here on
-  }
+  if (taken == Taken::yes) keep(std::move(address));
   return taken != Taken::no;
 }
 
 std::vector<std::unique_ptr<CTarnFWAddress>> CTarnFWAddressList::takeAddresses() {
-  std::vector<std::unique_ptr<CTarnFWAddress>> taken;
-  taken.reserve(addresses_.size());
-  for (Member& member : addresses_) taken.emplace_back(member.release());
-  addresses_.clear();
-  return taken;
+  if (unkept_ != 0) static_cast<void>(getMsgSize());
+  return std::exchange(addresses_, {});
 }
 
 int CTarnFWAddressList::getType() const { return FW_ADDRESS_LIST; }
 
-unsigned int CTarnFWAddressList::getMsgSize() const { return getMsgSize(addresses_.size()); }
+unsigned int CTarnFWAddressList::getMsgSize() const {
+  return getMsgSize(addresses_.size() + unkept_);
+}
 
 unsigned int CTarnFWAddressList::getMsgSize(std::size_t count) {
   if (!itemsFit(count, sizeof(FWAddress_), std::numeric_limits<unsigned int>::max())) {

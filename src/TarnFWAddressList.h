@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "TarnFWAddress.h"
+#include "TarnFWLoadMemory.h"
 #include "TarnFWTypes.h"
 
 namespace TarnFirewall {
@@ -13,20 +14,25 @@ namespace TarnFirewall {
 /// The members of an address set, with the set's name.
 class CTarnFWAddressList : public CTarnFWAddress {
  public:
-  /// Deletes what belongs to the list and leaves what is borrowed.
-  struct Release {
-    Release() : owned(true) {}
-    explicit Release(bool isOwned) : owned(isOwned) {}
-    bool owned;
-    void operator()(CTarnFWAddress* address) const {
-      if (owned) delete address;
-    }
-  };
-  using Member = std::unique_ptr<CTarnFWAddress, Release>;
+  using Member = std::unique_ptr<CTarnFWAddress>;
 
   /// With an empty name. The members of a borrowed list stay their caller's and must outlive it.
   explicit CTarnFWAddressList(bool borrowed);
   CTarnFWAddressList(const FWAddrSetID_t& id, bool negated, bool borrowed);
+
+  /// An owning list with an empty name, of addresses in the memory of a load.
+  explicit CTarnFWAddressList(CTarnFWLoadMemory& memory);
+
+  ~CTarnFWAddressList() override;
+  CTarnFWAddressList(const CTarnFWAddressList&) = delete;
+  CTarnFWAddressList& operator=(const CTarnFWAddressList&) = delete;
+
+  /// Makes an address where those of the list lie: in the memory of its load, if it has one.
+  template <typename Address, typename... Arguments>
+  std::unique_ptr<Address> make(Arguments&&... arguments) const {
+    return memory_ != nullptr ? memory_->make<Address>(std::forward<Arguments>(arguments)...)
+                              : std::make_unique<Address>(std::forward<Arguments>(arguments)...);
+  }
 
   /// 0 (any kind) at start, 1 for an IP set, 2 for a MAC set: what `addAddress` accepts goes by it.
   void setSetType(FWAddrSetType_t setType) { setType_ = setType; }
@@ -40,18 +46,27 @@ class CTarnFWAddressList : public CTarnFWAddress {
   /// The same for a list that owns its members. An address that is not kept is destroyed.
   bool addAddress(std::unique_ptr<CTarnFWAddress> address);
 
+  /// True when a message holds no more addresses than the list has. What is added then is judged
+  /// and counted and not kept, so that it costs no memory; `getMsgSize` throws for its sake.
+  bool isFull() const { return addresses_.size() >= kMostMembers; }
+
+  /// What `addAddress` does with an address of an IP set when the list is full.
+  void count() { ++unkept_; }
+
   std::span<const Member> getAddresses() const { return addresses_; }
   const FWAddrSetID_t& getSetID() const { return id_; }
 
   /// True when `addAddress` has taken an IPv6 address.
   bool hasIPv6() const { return hasIPv6_; }
 
-  /// Hands the members of an owning list to the caller and leaves the list empty.
+  /// Hands the members of an owning list to the caller and leaves the list empty. Throws
+  /// `CIntegerOverflowException` where some were only counted.
   std::vector<std::unique_ptr<CTarnFWAddress>> takeAddresses();
 
   int getType() const override;
 
-  /// 144 for each member. Throws `CIntegerOverflowException` where that needs more than 32 bits.
+  /// 144 for each member and for each that was counted. Throws `CIntegerOverflowException` where
+  /// that needs more than 32 bits.
   unsigned int getMsgSize() const override;
   static unsigned int getMsgSize(std::size_t count);
 
@@ -73,11 +88,18 @@ class CTarnFWAddressList : public CTarnFWAddress {
                      bool (*belongs)(int type));
 
  private:
-  enum class Taken { no, yes, replaced };
-  Taken add(CTarnFWAddress* address);
+  static constexpr std::size_t kMostMembers = 0xffffffff / sizeof(FWAddress_);
+
+  enum class Taken { no, yes, replaced, counted };
+  /// What becomes of an address. Where it is replaced, that has been done. Log lines have its name.
+  Taken add(const CTarnFWAddress* address);
+  void keep(std::unique_ptr<CTarnFWAddress> address);
   bool accepts(int type) const;
 
   std::vector<Member> addresses_;
+  std::vector<const CTarnFWAddress*> owned_;  // the members of a borrowed list that are its own
+  std::size_t unkept_ = 0;                    // added when the list was full
+  CTarnFWLoadMemory* memory_ = nullptr;
   FWAddrSetID_t id_;
   bool hasIPv6_ = false;
   FWAddrSetType_t setType_ = FW_ADDRSET_ANY;

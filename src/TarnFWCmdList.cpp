@@ -117,6 +117,9 @@ bool batchIsChosen() {
 
 }  // namespace
 
+CTarnFWCmdList::CTarnFWCmdList(std::shared_ptr<CTarnFWLoadMemory> memory)
+    : memories_{std::move(memory)} {}
+
 bool CTarnFWCmdList::addCmd(std::unique_ptr<CTarnFWCmd> command) {
   commands_.push_back(std::move(command));
   return true;
@@ -129,6 +132,7 @@ bool CTarnFWCmdList::insertCmd(std::unique_ptr<CTarnFWCmd> command) {
 
 bool CTarnFWCmdList::mergeCmdList(CTarnFWCmdList& other) {
   if (&other == this) return true;
+  memories_.insert(memories_.end(), other.memories_.begin(), other.memories_.end());
   for (auto& command : other.commands_) commands_.push_back(std::move(command));
   other.commands_.clear();
   return true;

@@ -4,14 +4,20 @@
 
 #include <deque>
 #include <memory>
+#include <vector>
 
 #include "TarnFWCmd.h"
+#include "TarnFWLoadMemory.h"
 
 namespace TarnFirewall {
 
 /// Owns its commands; they stay in the list after an evaluation and may be evaluated again.
 class CTarnFWCmdList final : public ITarnFWObject {
  public:
+  CTarnFWCmdList() = default;
+  /// A list of what a load makes in this memory, which it keeps.
+  explicit CTarnFWCmdList(std::shared_ptr<CTarnFWLoadMemory> memory);
+
   /// All three are always true. `mergeCmdList` leaves `other` empty.
   bool addCmd(std::unique_ptr<CTarnFWCmd> command);
   bool insertCmd(std::unique_ptr<CTarnFWCmd> command);
@@ -46,6 +52,7 @@ class CTarnFWCmdList final : public ITarnFWObject {
   FWStatus_t evalBatchCmd(CTarnFWLibHandle& handle, const dvs_port_* port, void* context);
 
  private:
+  std::vector<std::shared_ptr<CTarnFWLoadMemory>> memories_;  // outlive the commands
   std::deque<std::unique_ptr<CTarnFWCmd>> commands_;
 };
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <new>
 #include <string>
 
 namespace TarnFirewall {
@@ -26,10 +27,26 @@ class ITarnFWObject {
   /// overrides this and makes `toString()` from it, so that the whole is built in one string.
   virtual void appendTo(std::string& text) const { text += toString(); }
 
+  /// What `delete` does: ends the object, and frees its memory unless that is a load's, which is
+  /// freed as a whole.
+  static void operator delete(ITarnFWObject* object, std::destroying_delete_t) {
+    const bool owned = object->ownsMemory_;
+    object->~ITarnFWObject();
+    if (owned) ::operator delete(static_cast<void*>(object));
+  }
+  /// Of an object whose constructor has thrown. Inlined, since the compiler warns of what it takes
+  /// for an operator of another kind.
+  [[gnu::always_inline]] static void operator delete(void* memory) { ::operator delete(memory); }
+
  protected:
   ITarnFWObject() = default;
-  ITarnFWObject(const ITarnFWObject&) = default;
-  ITarnFWObject& operator=(const ITarnFWObject&) = default;
+  ITarnFWObject(const ITarnFWObject&) {}
+  ITarnFWObject& operator=(const ITarnFWObject&) { return *this; }
+
+ private:
+  friend class CTarnFWLoadMemory;
+
+  bool ownsMemory_ = true;  // of each object alone: a copy has memory of its own
 };
 
 }  // namespace TarnFirewall

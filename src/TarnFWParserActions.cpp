@@ -2,13 +2,15 @@
 
 #include "TarnFWCmdConfig.h"
 #include "TarnFWCmdList.h"
-#include "TarnFWScanner.h"
 #include "TarnFWText.h"
 #include "tarnfw_parser.h"
 
 namespace TarnFirewall {
 
-fw_lex_extra_& FWParse::extra() const { return *yyget_extra(scanner); }
+void FWParse::begin() const {
+  extra().memory = std::make_shared<CTarnFWLoadMemory>();
+  *cmdList = new CTarnFWCmdList(extra().memory);
+}
 
 void dropParseResults(const FWParse& parse) {
   delete std::exchange(*parse.cmdList, nullptr);

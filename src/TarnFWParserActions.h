@@ -13,6 +13,7 @@
 
 #include "TarnFWException.h"
 #include "TarnFWParserValues.h"
+#include "TarnFWScanner.h"
 
 namespace TarnFirewall {
 
@@ -27,8 +28,17 @@ struct FWParse {
   CTarnFWCmdList** cmdList;
   CTarnFWCmdConfig** cmdConfig;
 
-  fw_lex_extra_& extra() const;
+  fw_lex_extra_& extra() const { return *yyget_extra(scanner); }
   CTarnFWParserArena& arena() const { return extra().arena; }
+
+  /// Begins the list of commands, and the memory of the load. Throws `std::bad_alloc`.
+  void begin() const;
+
+  /// A rule, a part of one or an address, in the memory of the load.
+  template <typename Object, typename... Arguments>
+  std::unique_ptr<Object> make(Arguments&&... arguments) const {
+    return extra().memory->make<Object>(std::forward<Arguments>(arguments)...);
+  }
 
   /// A plain value in the arena. Throws `std::bad_alloc`.
   template <typename Value>
@@ -59,18 +69,6 @@ void reportParseFailure(const FWParse& parse);
 
 /// Deletes both results and clears them.
 void dropParseResults(const FWParse& parse);
-
-/// Runs an action; false when it failed, which has been reported.
-template <typename Action>
-bool attempt(const FWParse& parse, Action&& action) {
-  try {
-    action();
-    return true;
-  } catch (...) {
-    reportParseFailure(parse);
-    return false;
-  }
-}
 
 /// The number as a `Value` of at most `limit`; throws `CParseFailure` with status 17 and the
 /// message for any other.

@@ -32,7 +32,7 @@ constexpr unsigned int kSetsPerMessage = 20000;
 
 template <typename Address>
 std::unique_ptr<CTarnFWAddress> addressOfText(const FWParse& parse, const FWParserText& text) {
-  auto address = std::make_unique<Address>(text.data, false);
+  auto address = parse.make<Address>(std::string_view(text.data, text.length), false);
   parse.arena().releaseLast(text.data, text.length);
   return address;
 }
@@ -55,28 +55,28 @@ std::unique_ptr<CTarnFWAddress> ipv6Block(const FWParse& parse, const FWParserTe
   return addressOfText<CTarnFWAddressIPv6CIDR>(parse, text);
 }
 
-std::unique_ptr<CTarnFWAddress> ipv4Range(const FWIPv4Range& range) {
-  return std::make_unique<CTarnFWAddressIPv4Range>(range.first, range.last, false);
+std::unique_ptr<CTarnFWAddress> ipv4Range(const FWParse& parse, const FWIPv4Range& range) {
+  return parse.make<CTarnFWAddressIPv4Range>(range.first, range.last, false);
 }
 
-std::unique_ptr<CTarnFWAddress> ipv6Range(const FWIPv6Range& range) {
-  return std::make_unique<CTarnFWAddressIPv6Range>(range.first, range.last, false);
+std::unique_ptr<CTarnFWAddress> ipv6Range(const FWParse& parse, const FWIPv6Range& range) {
+  return parse.make<CTarnFWAddressIPv6Range>(range.first, range.last, false);
 }
 
-std::unique_ptr<CTarnFWAddress> etherAddress(const fw_ether_& ether) {
-  return std::make_unique<CTarnFWAddressEther>(ether, false);
+std::unique_ptr<CTarnFWAddress> etherAddress(const FWParse& parse, const fw_ether_& ether) {
+  return parse.make<CTarnFWAddressEther>(ether, false);
 }
 
-std::unique_ptr<CTarnFWAddress> etherRange(const FWEtherPair& pair) {
-  return std::make_unique<CTarnFWAddressEtherRange>(pair.first, pair.second, false);
+std::unique_ptr<CTarnFWAddress> etherRange(const FWParse& parse, const FWEtherPair& pair) {
+  return parse.make<CTarnFWAddressEtherRange>(pair.first, pair.second, false);
 }
 
-std::unique_ptr<CTarnFWAddress> etherMask(const FWEtherPair& pair) {
-  return std::make_unique<CTarnFWAddressEtherMask>(pair.first, pair.second, false);
+std::unique_ptr<CTarnFWAddress> etherMask(const FWParse& parse, const FWEtherPair& pair) {
+  return parse.make<CTarnFWAddressEtherMask>(pair.first, pair.second, false);
 }
 
-std::unique_ptr<CTarnFWAddress> addressSet(const FWParserText& name) {
-  return std::make_unique<CTarnFWAddrSetID>(name.data, false);
+std::unique_ptr<CTarnFWAddress> addressSet(const FWParse& parse, const FWParserText& name) {
+  return parse.make<CTarnFWAddrSetID>(name.data, false);
 }
 
 CTarnFWAddress* negated(CTarnFWAddress* address) {
@@ -102,22 +102,26 @@ FWIPPort anyPort(const FWParserText& text) {
 
 bool IPv4Range2CIDR_Callback(void* list, in_addr address, unsigned int prefix) {
   auto& addresses = *static_cast<CTarnFWAddressList*>(list);
-  if (prefix == 32) {
-    addresses.addAddress(std::make_unique<CTarnFWAddressIPv4>(address, false));
+  if (addresses.isFull()) {
+    addresses.count();
+  } else if (prefix == 32) {
+    addresses.addAddress(addresses.make<CTarnFWAddressIPv4>(address, false));
   } else {
     const auto length = static_cast<unsigned char>(prefix);
-    addresses.addAddress(std::make_unique<CTarnFWAddressIPv4CIDR>(address, length, false));
+    addresses.addAddress(addresses.make<CTarnFWAddressIPv4CIDR>(address, length, false));
   }
   return true;
 }
 
 bool IPv6Range2CIDR_Callback(void* list, in6_addr address, unsigned int prefix) {
   auto& addresses = *static_cast<CTarnFWAddressList*>(list);
-  if (prefix == 128) {
-    addresses.addAddress(std::make_unique<CTarnFWAddressIPv6>(address, false));
+  if (addresses.isFull()) {
+    addresses.count();
+  } else if (prefix == 128) {
+    addresses.addAddress(addresses.make<CTarnFWAddressIPv6>(address, false));
   } else {
     const auto length = static_cast<unsigned char>(prefix);
-    addresses.addAddress(std::make_unique<CTarnFWAddressIPv6CIDR>(address, length, false));
+    addresses.addAddress(addresses.make<CTarnFWAddressIPv6CIDR>(address, length, false));
   }
   return true;
 }
@@ -152,9 +156,10 @@ bool AddAddress(CTarnFWAddressList* list, std::unique_ptr<CTarnFWAddress>& addre
   return true;
 }
 
-std::unique_ptr<CTarnFWAddressList> appended(std::unique_ptr<CTarnFWAddressList> list,
+std::unique_ptr<CTarnFWAddressList> appended(const FWParse& parse,
+                                             std::unique_ptr<CTarnFWAddressList> list,
                                              std::unique_ptr<CTarnFWAddress> address) {
-  if (list == nullptr) list = emptyList();
+  if (list == nullptr) list = emptyList(parse);
   if (!AddAddress(list.get(), address)) {
     throw CParseFailure(
         formatText("failed to replace ip range %s to cidr list", address->toString().c_str()));
@@ -162,9 +167,10 @@ std::unique_ptr<CTarnFWAddressList> appended(std::unique_ptr<CTarnFWAddressList>
   return list;
 }
 
-std::unique_ptr<CTarnFWAddressList> appendedPlain(std::unique_ptr<CTarnFWAddressList> list,
+std::unique_ptr<CTarnFWAddressList> appendedPlain(const FWParse& parse,
+                                                  std::unique_ptr<CTarnFWAddressList> list,
                                                   std::unique_ptr<CTarnFWAddress> address) {
-  if (list == nullptr) list = emptyList();
+  if (list == nullptr) list = emptyList(parse);
   list->addAddress(std::move(address));
   return list;
 }
@@ -200,8 +206,8 @@ std::unique_ptr<CTarnFWAddress> attribute(const FWParserText& text) {
   return attributeOfKind(key, *kind, text);
 }
 
-std::unique_ptr<CTarnFWAddressList> emptyList() {
-  return std::make_unique<CTarnFWAddressList>(false);
+std::unique_ptr<CTarnFWAddressList> emptyList(const FWParse& parse) {
+  return std::make_unique<CTarnFWAddressList>(*parse.extra().memory);
 }
 
 FWAddrSetID_t addrSetName(const FWParserText& text) {

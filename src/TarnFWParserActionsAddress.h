@@ -21,12 +21,12 @@ std::unique_ptr<CTarnFWAddress> ipv4Address(const FWParse& parse, const FWParser
 std::unique_ptr<CTarnFWAddress> ipv6Address(const FWParse& parse, const FWParserText& text);
 std::unique_ptr<CTarnFWAddress> ipv4Block(const FWParse& parse, const FWParserText& text);
 std::unique_ptr<CTarnFWAddress> ipv6Block(const FWParse& parse, const FWParserText& text);
-std::unique_ptr<CTarnFWAddress> ipv4Range(const FWIPv4Range& range);
-std::unique_ptr<CTarnFWAddress> ipv6Range(const FWIPv6Range& range);
-std::unique_ptr<CTarnFWAddress> etherAddress(const fw_ether_& ether);
-std::unique_ptr<CTarnFWAddress> etherRange(const FWEtherPair& pair);
-std::unique_ptr<CTarnFWAddress> etherMask(const FWEtherPair& pair);
-std::unique_ptr<CTarnFWAddress> addressSet(const FWParserText& name);
+std::unique_ptr<CTarnFWAddress> ipv4Range(const FWParse& parse, const FWIPv4Range& range);
+std::unique_ptr<CTarnFWAddress> ipv6Range(const FWParse& parse, const FWIPv6Range& range);
+std::unique_ptr<CTarnFWAddress> etherAddress(const FWParse& parse, const fw_ether_& ether);
+std::unique_ptr<CTarnFWAddress> etherRange(const FWParse& parse, const FWEtherPair& pair);
+std::unique_ptr<CTarnFWAddress> etherMask(const FWParse& parse, const FWEtherPair& pair);
+std::unique_ptr<CTarnFWAddress> addressSet(const FWParse& parse, const FWParserText& name);
 
 /// The address with its negation mark set.
 CTarnFWAddress* negated(CTarnFWAddress* address);
@@ -42,14 +42,16 @@ FWIPPort anyPort(const FWParserText& text);
 bool AddAddress(CTarnFWAddressList* list, std::unique_ptr<CTarnFWAddress>& address);
 
 /// `AddAddress`, or a `CParseFailure` that names the range. A list that is null is begun.
-std::unique_ptr<CTarnFWAddressList> appended(std::unique_ptr<CTarnFWAddressList> list,
+std::unique_ptr<CTarnFWAddressList> appended(const FWParse& parse,
+                                             std::unique_ptr<CTarnFWAddressList> list,
                                              std::unique_ptr<CTarnFWAddress> address);
 
 /// The address at the end of the list as it is, a range too. A list that is null is begun.
-std::unique_ptr<CTarnFWAddressList> appendedPlain(std::unique_ptr<CTarnFWAddressList> list,
+std::unique_ptr<CTarnFWAddressList> appendedPlain(const FWParse& parse,
+                                                  std::unique_ptr<CTarnFWAddressList> list,
                                                   std::unique_ptr<CTarnFWAddress> address);
 
-std::unique_ptr<CTarnFWAddressList> emptyList();
+std::unique_ptr<CTarnFWAddressList> emptyList(const FWParse& parse);
 
 /// An attribute address of this kind of value. Only the kinds 0, 1, 2 and 5 have one: any other
 /// ends the parse silently.

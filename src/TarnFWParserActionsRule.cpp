@@ -22,6 +22,7 @@ namespace {
 
 constexpr std::size_t kNormalUuidLength = 36;
 constexpr std::int64_t kMaxTCPFlags = 0x1ff;
+constexpr std::uint16_t kNoPersistence = 0;
 
 struct PortBounds {
   std::uint16_t low;
@@ -44,9 +45,10 @@ PortBounds risingPortBounds(const FWNumberRange& range) {
 
 /// The command that creates an address set of the range's blocks, and the range's negation mark.
 /// Null, with nothing done, for an address that is no range or can't be covered by blocks.
-std::unique_ptr<CTarnFWCmd> createRuleIPRangeCmd(const dvs_port_* port, const char* name,
-                                                 const CTarnFWAddress& address, bool* negated) {
-  auto list = std::make_unique<CTarnFWAddressList>(false);
+std::unique_ptr<CTarnFWCmd> createRuleIPRangeCmd(const FWParse& parse, const dvs_port_* port,
+                                                 const char* name, const CTarnFWAddress& address,
+                                                 bool* negated) {
+  auto list = emptyList(parse);
   if (!addBlocksOfRange(*list, address)) return nullptr;
   *negated = address.isNegated();
   FWAddrSetID_t id = {};
@@ -66,10 +68,10 @@ void replaceRange(const FWParse& parse, const char* word, std::uint32_t id,
   if (!isRange(*address)) return;
   const std::string name = formatText("%s%d", word, static_cast<int>(id));
   bool negated = false;
-  auto command = createRuleIPRangeCmd(nullptr, name.c_str(), *address, &negated);
+  auto command = createRuleIPRangeCmd(parse, nullptr, name.c_str(), *address, &negated);
   if (command == nullptr) return;
   (*parse.cmdList)->addCmd(std::move(command));
-  address = std::make_unique<CTarnFWAddrSetID>(name.c_str(), negated);
+  address = parse.make<CTarnFWAddrSetID>(name.c_str(), negated);
 }
 
 /// The same for the target of a NAT action, which names the set itself.
@@ -79,7 +81,7 @@ void replaceTargetRange(const FWParse& parse, std::uint32_t id, CTarnFWRuleActio
   const std::unique_ptr<CTarnFWAddress> range = action.replaceIPRangeAddress(name.c_str());
   if (range == nullptr) return;
   bool negated = false;
-  auto command = createRuleIPRangeCmd(nullptr, name.c_str(), *range, &negated);
+  auto command = createRuleIPRangeCmd(parse, nullptr, name.c_str(), *range, &negated);
   if (command == nullptr) {
     throw CUnsupportedException(FW_STATUS_INTERNAL_ERROR,
                                 "failed to replace NAT rule target ip range");
@@ -87,14 +89,50 @@ void replaceTargetRange(const FWParse& parse, std::uint32_t id, CTarnFWRuleActio
   (*parse.cmdList)->addCmd(std::move(command));
 }
 
-std::unique_ptr<CTarnFWRule> assembleRule(const FWParse& parse, FWRuleParts& parts) {
-  replaceRange(parse, "src", parts.id, parts.source);
-  replaceRange(parse, "dst", parts.id, parts.destination);
-  replaceTargetRange(parse, parts.id, *parts.action);
-  const FWRuleAF_t af = parts.af;
-  auto rule = std::make_unique<CTarnFWRule>(std::move(parts));
-  if (af != FW_AF_NONE) rule->setAF(af);
-  return rule;
+CTarnFWProtocol ruleProtocol(const FWParserProtocol& protocol) {
+  if (!protocol.defined) return CTarnFWProtocol(protocol.layer);
+  return {protocol.layer, protocol.number, protocol.negated};
+}
+
+CTarnFWProtocolSpecList connectionSpecs(std::unique_ptr<CTarnFWProtocolSpecList> specs) {
+  if (specs == nullptr) return CTarnFWProtocolSpecList(FW_SPEC_DIR_BOTH);
+  return std::move(*specs);
+}
+
+/// The ports of one end, turned to its direction.
+CTarnFWProtocolSpecList portSpecs(std::unique_ptr<CTarnFWProtocolSpec> ports,
+                                  FWProtocolSpecDir dir) {
+  CTarnFWProtocolSpecList list(dir);
+  if (ports == nullptr) return list;
+  ports->setDir(dir);
+  list.setSpec(std::move(ports));
+  return list;
+}
+
+FWRuleParts ruleParts(FWParserRule& rule, std::uint32_t id, std::uint32_t position) {
+  return {.id = id,
+          .position = static_cast<std::int32_t>(position),
+          .direction = rule.direction,
+          .protocol = ruleProtocol(rule.protocol),
+          .connection = connectionSpecs(std::move(rule.connection)),
+          .source = std::move(rule.source),
+          .sourcePorts = portSpecs(std::move(rule.sourcePorts), FW_SPEC_DIR_SOURCE),
+          .destination = std::move(rule.destination),
+          .destinationPorts = portSpecs(std::move(rule.destinationPorts), FW_SPEC_DIR_DESTINATION),
+          .action = std::move(rule.action),
+          .extendedSource = std::move(rule.extendedSource),
+          .attributeProfile = std::move(rule.attributeProfile),
+          .tag = FWRuleTag({rule.tag.data, rule.tag.length})};
+}
+
+std::unique_ptr<CTarnFWRule> assembleRule(const FWParse& parse, FWParserRule& rule,
+                                          std::uint32_t id, std::uint32_t position) {
+  replaceRange(parse, "src", id, rule.source);
+  replaceRange(parse, "dst", id, rule.destination);
+  replaceTargetRange(parse, id, *rule.action);
+  auto made = parse.make<CTarnFWRule>([&] { return ruleParts(rule, id, position); });
+  if (rule.af != FW_AF_NONE) made->setAF(rule.af);
+  return made;
 }
 
 }  // namespace
@@ -118,18 +156,19 @@ FWParserProtocol etherType(std::int64_t number, bool negated) {
   return {FWProtocolLayer::ethernet, value, negated, true};
 }
 
-std::unique_ptr<CTarnFWProtocolSpec> port(std::int64_t number, bool negated) {
-  return std::make_unique<CTarnFWProtocolSpecL4Port>(FW_SPEC_DIR_BOTH, portNumber(number), negated);
+std::unique_ptr<CTarnFWProtocolSpec> port(const FWParse& parse, std::int64_t number, bool negated) {
+  return parse.make<CTarnFWProtocolSpecL4Port>(FW_SPEC_DIR_BOTH, portNumber(number), negated);
 }
 
-std::unique_ptr<CTarnFWProtocolSpec> portRange(const FWNumberRange& range, bool negated) {
+std::unique_ptr<CTarnFWProtocolSpec> portRange(const FWParse& parse, const FWNumberRange& range,
+                                               bool negated) {
   const PortBounds bounds = risingPortBounds(range);
-  return std::make_unique<CTarnFWProtocolSpecL4PortRange>(FW_SPEC_DIR_BOTH, bounds.low, bounds.high,
-                                                          negated);
+  return parse.make<CTarnFWProtocolSpecL4PortRange>(FW_SPEC_DIR_BOTH, bounds.low, bounds.high,
+                                                    negated);
 }
 
-std::unique_ptr<CTarnFWProtocolSpecL4PortSet> portSet() {
-  return std::make_unique<CTarnFWProtocolSpecL4PortSet>(FW_SPEC_DIR_BOTH, false);
+std::unique_ptr<CTarnFWProtocolSpecL4PortSet> portSet(const FWParse& parse) {
+  return parse.make<CTarnFWProtocolSpecL4PortSet>(FW_SPEC_DIR_BOTH, false);
 }
 
 std::unique_ptr<CTarnFWProtocolSpecL4PortSet> withPort(
@@ -157,32 +196,35 @@ std::unique_ptr<CTarnFWProtocolSpecList> withSpec(std::unique_ptr<CTarnFWProtoco
   return list;
 }
 
-std::unique_ptr<CTarnFWProtocolSpec> dscpOfText(const FWParserText& text) {
+std::unique_ptr<CTarnFWProtocolSpec> dscpOfText(const FWParse& parse, const FWParserText& text) {
   long value = 0;
   if (!Str2Long(text.data, 16, &value) || value < 0 || value > 0xff) {
     throw CUnsupportedException(FW_STATUS_BAD_DSCP_MARKINGS, "bad dscp markings");
   }
-  return std::make_unique<CTarnFWProtocolSpecDSCP>(static_cast<unsigned char>(value));
+  return parse.make<CTarnFWProtocolSpecDSCP>(static_cast<unsigned char>(value));
 }
 
-std::unique_ptr<CTarnFWProtocolSpec> dscpOfNumber(std::int64_t number) {
-  return std::make_unique<CTarnFWProtocolSpecDSCP>(static_cast<unsigned char>(number));
+std::unique_ptr<CTarnFWProtocolSpec> dscpOfNumber(const FWParse& parse, std::int64_t number) {
+  return parse.make<CTarnFWProtocolSpecDSCP>(static_cast<unsigned char>(number));
 }
 
-std::unique_ptr<CTarnFWProtocolSpec> tcpOptions(const FWParserText& text, bool negated) {
-  return std::make_unique<CTarnFWProtocolSpecTCPOptions>(FW_SPEC_DIR_BOTH, text.data, text.length,
-                                                         negated);
+std::unique_ptr<CTarnFWProtocolSpec> tcpOptions(const FWParse& parse, const FWParserText& text,
+                                                bool negated) {
+  return parse.make<CTarnFWProtocolSpecTCPOptions>(FW_SPEC_DIR_BOTH, text.data, text.length,
+                                                   negated);
 }
 
-std::unique_ptr<CTarnFWProtocolSpec> icmpType(std::int64_t type, bool negated) {
+std::unique_ptr<CTarnFWProtocolSpec> icmpType(const FWParse& parse, std::int64_t type,
+                                              bool negated) {
   const auto value = numberUpTo<unsigned char>(type, 0xff, "icmp type overflows");
-  return std::make_unique<CTarnFWProtocolSpecICMPType>(FW_SPEC_DIR_BOTH, value, negated);
+  return parse.make<CTarnFWProtocolSpecICMPType>(FW_SPEC_DIR_BOTH, value, negated);
 }
 
-std::unique_ptr<CTarnFWProtocolSpec> icmpTypeCode(const FWNumberRange& typeCode, bool negated) {
+std::unique_ptr<CTarnFWProtocolSpec> icmpTypeCode(const FWParse& parse,
+                                                  const FWNumberRange& typeCode, bool negated) {
   const auto type = numberUpTo<unsigned char>(typeCode.low, 0xff, "icmp type overflows");
   const auto code = numberUpTo<unsigned char>(typeCode.high, 0xff, "icmp code overflows");
-  return std::make_unique<CTarnFWProtocolSpecICMPType>(FW_SPEC_DIR_BOTH, type, code, negated);
+  return parse.make<CTarnFWProtocolSpecICMPType>(FW_SPEC_DIR_BOTH, type, code, negated);
 }
 
 std::uint16_t tcpFlags(std::int64_t number) {
@@ -221,84 +263,69 @@ FWParserText keyPolicy(const FWParse& parse, const FWParserText& text) {
   return {cut, kNormalUuidLength};
 }
 
-std::unique_ptr<CTarnFWRuleAction> snat(std::unique_ptr<CTarnFWAddress> address) {
-  return std::make_unique<CTarnFWRuleActionSNAT>(std::move(address));
+std::unique_ptr<CTarnFWRuleAction> snat(const FWParse& parse,
+                                        std::unique_ptr<CTarnFWAddress> address) {
+  return parse.make<CTarnFWRuleActionSNAT>(std::move(address));
 }
 
-std::unique_ptr<CTarnFWRuleAction> macRewrite(const fw_ether_& ether) {
-  return std::make_unique<CTarnFWRuleActionMacRewrite>(ether.octet);
+std::unique_ptr<CTarnFWRuleAction> macRewrite(const FWParse& parse, const fw_ether_& ether) {
+  return parse.make<CTarnFWRuleActionMacRewrite>(ether.octet);
 }
 
-std::unique_ptr<CTarnFWRuleAction> dnat(std::unique_ptr<CTarnFWAddress> address) {
-  return dnatToPool(std::move(address), FW_POOL_NONE, 0);
+std::unique_ptr<CTarnFWRuleAction> dnat(const FWParse& parse,
+                                        std::unique_ptr<CTarnFWAddress> address) {
+  return dnatToPool(parse, std::move(address), FW_POOL_NONE, 0);
 }
 
-std::unique_ptr<CTarnFWRuleAction> dnatToPort(std::unique_ptr<CTarnFWAddress> address,
+std::unique_ptr<CTarnFWRuleAction> dnatToPort(const FWParse& parse,
+                                              std::unique_ptr<CTarnFWAddress> address,
                                               std::int64_t port) {
-  return std::make_unique<CTarnFWRuleActionDNAT>(std::move(address), FW_POOL_NONE, portNumber(port),
-                                                 0);
+  return parse.make<CTarnFWRuleActionDNAT>(std::move(address), FW_POOL_NONE, portNumber(port),
+                                           kNoPersistence);
 }
 
-std::unique_ptr<CTarnFWRuleAction> dnatToPorts(std::unique_ptr<CTarnFWAddress> address,
+std::unique_ptr<CTarnFWRuleAction> dnatToPorts(const FWParse& parse,
+                                               std::unique_ptr<CTarnFWAddress> address,
                                                const FWNumberRange& ports) {
   const PortBounds bounds = risingPortBounds(ports);
-  return std::make_unique<CTarnFWRuleActionDNAT>(std::move(address), FW_POOL_NONE, bounds.low,
-                                                 bounds.high, 0);
+  return parse.make<CTarnFWRuleActionDNAT>(std::move(address), FW_POOL_NONE, bounds.low,
+                                           bounds.high, kNoPersistence);
 }
 
-std::unique_ptr<CTarnFWRuleAction> dnatToPool(std::unique_ptr<CTarnFWAddress> address,
+std::unique_ptr<CTarnFWRuleAction> dnatToPool(const FWParse& parse,
+                                              std::unique_ptr<CTarnFWAddress> address,
                                               FWRulePoolOpt_t option, std::uint16_t persist) {
-  return std::make_unique<CTarnFWRuleActionDNAT>(std::move(address), option, persist);
+  return parse.make<CTarnFWRuleActionDNAT>(std::move(address), option, persist);
 }
 
-std::unique_ptr<CTarnFWRuleAction> dnatToPoolPorts(std::unique_ptr<CTarnFWAddress> address,
+std::unique_ptr<CTarnFWRuleAction> dnatToPoolPorts(const FWParse& parse,
+                                                   std::unique_ptr<CTarnFWAddress> address,
                                                    const FWNumberRange& ports,
                                                    FWRulePoolOpt_t option, std::uint16_t persist) {
   const PortBounds bounds = portBounds(ports);
-  return std::make_unique<CTarnFWRuleActionDNAT>(std::move(address), option, bounds.low,
-                                                 bounds.high, persist);
+  return parse.make<CTarnFWRuleActionDNAT>(std::move(address), option, bounds.low, bounds.high,
+                                           persist);
 }
 
-std::unique_ptr<CTarnFWRuleAction> loadBalancing(std::uint16_t type, std::int64_t idle,
-                                                 std::int64_t close, const char* options) {
+std::unique_ptr<CTarnFWRuleAction> loadBalancing(const FWParse& parse, std::uint16_t type,
+                                                 std::int64_t idle, std::int64_t close,
+                                                 const char* options) {
   const auto idleTime = static_cast<unsigned short>(idle);
   const auto closeTime = static_cast<unsigned short>(close);
   if (options == nullptr) {
-    return std::make_unique<CTarnFWRuleActionLB>(type, idleTime, closeTime);
+    return parse.make<CTarnFWRuleActionLB>(type, idleTime, closeTime);
   }
-  return std::make_unique<CTarnFWRuleActionLB>(type, idleTime, closeTime, options);
-}
-
-CTarnFWProtocol ruleProtocol(const FWParserProtocol& protocol) {
-  if (!protocol.defined) return CTarnFWProtocol(protocol.layer);
-  return {protocol.layer, protocol.number, protocol.negated};
-}
-
-CTarnFWProtocolSpecList takeSpecs(std::unique_ptr<CTarnFWProtocolSpecList> specs,
-                                  FWProtocolSpecDir dir) {
-  if (specs == nullptr) return CTarnFWProtocolSpecList(dir);
-  specs->setDir(dir);
-  return std::move(*specs);
-}
-
-CTarnFWProtocolSpecList portSpecs(std::unique_ptr<CTarnFWProtocolSpec> ports,
-                                  FWProtocolSpecDir dir) {
-  CTarnFWProtocolSpecList list(dir);
-  if (ports != nullptr) ports->setDir(dir);
-  list.setSpec(std::move(ports));
-  return list;
+  return parse.make<CTarnFWRuleActionLB>(type, idleTime, closeTime, options);
 }
 
 std::unique_ptr<CTarnFWRule> buildRule(const FWParse& parse, CTarnFWParserArena::Mark mark,
-                                       std::int64_t id, std::int64_t position,
-                                       const FWParserText& tag, FWRuleParts parts) {
-  parts.id = number32(id, "rule id value overflows");
-  parts.position = static_cast<std::int32_t>(number32(position, "rule position value overflows"));
-  parts.tag = FWRuleTag({tag.data, tag.length});
+                                       FWParserRule rule) {
+  const std::uint32_t id = number32(rule.id, "rule id value overflows");
+  const std::uint32_t position = number32(rule.position, "rule position value overflows");
   try {
-    auto rule = assembleRule(parse, parts);
+    auto made = assembleRule(parse, rule, id, position);
     parse.arena().release(mark);
-    return rule;
+    return made;
   } catch (const CTarnFWException& e) {
     // The exception's own status is not passed on: callers of the library expect 16 for a rule.
     throw CParseFailure(e.what());

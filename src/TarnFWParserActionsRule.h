@@ -33,12 +33,13 @@ FWParserProtocol etherType(std::int64_t number, bool negated);
 
 // --- Ports
 
-std::unique_ptr<CTarnFWProtocolSpec> port(std::int64_t number, bool negated);
+std::unique_ptr<CTarnFWProtocolSpec> port(const FWParse& parse, std::int64_t number, bool negated);
 
 /// The low bound must be below the high one: equal bounds are refused, with status 16.
-std::unique_ptr<CTarnFWProtocolSpec> portRange(const FWNumberRange& range, bool negated);
+std::unique_ptr<CTarnFWProtocolSpec> portRange(const FWParse& parse, const FWNumberRange& range,
+                                               bool negated);
 
-std::unique_ptr<CTarnFWProtocolSpecL4PortSet> portSet();
+std::unique_ptr<CTarnFWProtocolSpecL4PortSet> portSet(const FWParse& parse);
 std::unique_ptr<CTarnFWProtocolSpecL4PortSet> withPort(
     std::unique_ptr<CTarnFWProtocolSpecL4PortSet> set, std::int64_t number);
 std::unique_ptr<CTarnFWProtocolSpecL4PortSet> withPorts(
@@ -52,16 +53,19 @@ std::unique_ptr<CTarnFWProtocolSpecList> withSpec(std::unique_ptr<CTarnFWProtoco
                                                   std::unique_ptr<CTarnFWProtocolSpec> spec);
 
 /// DSCP of hexadecimal digits. Throws `CUnsupportedException` with status 60.
-std::unique_ptr<CTarnFWProtocolSpec> dscpOfText(const FWParserText& text);
+std::unique_ptr<CTarnFWProtocolSpec> dscpOfText(const FWParse& parse, const FWParserText& text);
 
 /// DSCP of the low byte of the number.
-std::unique_ptr<CTarnFWProtocolSpec> dscpOfNumber(std::int64_t number);
+std::unique_ptr<CTarnFWProtocolSpec> dscpOfNumber(const FWParse& parse, std::int64_t number);
 
-std::unique_ptr<CTarnFWProtocolSpec> tcpOptions(const FWParserText& text, bool negated);
-std::unique_ptr<CTarnFWProtocolSpec> icmpType(std::int64_t type, bool negated);
+std::unique_ptr<CTarnFWProtocolSpec> tcpOptions(const FWParse& parse, const FWParserText& text,
+                                                bool negated);
+std::unique_ptr<CTarnFWProtocolSpec> icmpType(const FWParse& parse, std::int64_t type,
+                                              bool negated);
 
 /// Type and code come as the two numbers of a range token.
-std::unique_ptr<CTarnFWProtocolSpec> icmpTypeCode(const FWNumberRange& typeCode, bool negated);
+std::unique_ptr<CTarnFWProtocolSpec> icmpTypeCode(const FWParse& parse,
+                                                  const FWNumberRange& typeCode, bool negated);
 
 /// Bits of the TCP flags, as the wire has them.
 enum FWTCPFlag : std::uint16_t {
@@ -96,46 +100,59 @@ std::unique_ptr<CTarnFWRuleAction> flaggedAction(std::unique_ptr<CTarnFWRuleActi
 /// A key policy's identifier, which must be in normal form; throws `CParseFailure` with status 3.
 FWParserText keyPolicy(const FWParse& parse, const FWParserText& text);
 
-std::unique_ptr<CTarnFWRuleAction> snat(std::unique_ptr<CTarnFWAddress> address);
-std::unique_ptr<CTarnFWRuleAction> macRewrite(const fw_ether_& ether);
+std::unique_ptr<CTarnFWRuleAction> snat(const FWParse& parse,
+                                        std::unique_ptr<CTarnFWAddress> address);
+std::unique_ptr<CTarnFWRuleAction> macRewrite(const FWParse& parse, const fw_ether_& ether);
 
 /// Destination NAT to any of a range of ports. With a pool option the order of the two bounds is
 /// the action's to judge, without one they are a range as rules have it.
-std::unique_ptr<CTarnFWRuleAction> dnat(std::unique_ptr<CTarnFWAddress> address);
-std::unique_ptr<CTarnFWRuleAction> dnatToPort(std::unique_ptr<CTarnFWAddress> address,
+std::unique_ptr<CTarnFWRuleAction> dnat(const FWParse& parse,
+                                        std::unique_ptr<CTarnFWAddress> address);
+std::unique_ptr<CTarnFWRuleAction> dnatToPort(const FWParse& parse,
+                                              std::unique_ptr<CTarnFWAddress> address,
                                               std::int64_t port);
-std::unique_ptr<CTarnFWRuleAction> dnatToPorts(std::unique_ptr<CTarnFWAddress> address,
+std::unique_ptr<CTarnFWRuleAction> dnatToPorts(const FWParse& parse,
+                                               std::unique_ptr<CTarnFWAddress> address,
                                                const FWNumberRange& ports);
-std::unique_ptr<CTarnFWRuleAction> dnatToPool(std::unique_ptr<CTarnFWAddress> address,
+std::unique_ptr<CTarnFWRuleAction> dnatToPool(const FWParse& parse,
+                                              std::unique_ptr<CTarnFWAddress> address,
                                               FWRulePoolOpt_t option, std::uint16_t persist);
-std::unique_ptr<CTarnFWRuleAction> dnatToPoolPorts(std::unique_ptr<CTarnFWAddress> address,
+std::unique_ptr<CTarnFWRuleAction> dnatToPoolPorts(const FWParse& parse,
+                                                   std::unique_ptr<CTarnFWAddress> address,
                                                    const FWNumberRange& ports,
                                                    FWRulePoolOpt_t option, std::uint16_t persist);
 
 /// Load balancing; the time-outs are cut to 16 bits. `options` may be null.
-std::unique_ptr<CTarnFWRuleAction> loadBalancing(std::uint16_t type, std::int64_t idle,
-                                                 std::int64_t close, const char* options);
+std::unique_ptr<CTarnFWRuleAction> loadBalancing(const FWParse& parse, std::uint16_t type,
+                                                 std::int64_t idle, std::int64_t close,
+                                                 const char* options);
 
 // --- Rule
 
-CTarnFWProtocol ruleProtocol(const FWParserProtocol& protocol);
-
-/// The specs of one place of a rule, turned to its direction. Null, which is what the grammar has
-/// for most rules, gives an empty list.
-CTarnFWProtocolSpecList takeSpecs(std::unique_ptr<CTarnFWProtocolSpecList> specs,
-                                  FWProtocolSpecDir dir);
-
-/// The ports of one end of a rule, or an empty list for null.
-CTarnFWProtocolSpecList portSpecs(std::unique_ptr<CTarnFWProtocolSpec> ports,
-                                  FWProtocolSpecDir dir);
+/// What the grammar has of a rule. What a rule lacks is null, or an empty tag.
+struct FWParserRule {
+  std::int64_t id;
+  std::int64_t position;
+  FWRuleDirection_t direction;
+  FWRuleAF_t af;
+  FWParserProtocol protocol;
+  std::unique_ptr<CTarnFWProtocolSpecList> connection;
+  std::unique_ptr<CTarnFWAddress> source;
+  std::unique_ptr<CTarnFWProtocolSpec> sourcePorts;
+  std::unique_ptr<CTarnFWAddress> destination;
+  std::unique_ptr<CTarnFWProtocolSpec> destinationPorts;
+  std::unique_ptr<CTarnFWContainerID> extendedSource;
+  std::unique_ptr<CTarnFWContainerID> attributeProfile;
+  std::unique_ptr<CTarnFWRuleAction> action;
+  FWParserText tag;
+};
 
 /// The rule. Each address range in it becomes a reference to an address set named after the rule's
 /// id, and the command that creates the set goes to the command list at once, so that it stands
 /// ahead of the statement. The texts of the rule, after the mark, are freed. Failures after the two
 /// numbers end in status 16, whatever their own.
 std::unique_ptr<CTarnFWRule> buildRule(const FWParse& parse, CTarnFWParserArena::Mark mark,
-                                       std::int64_t id, std::int64_t position,
-                                       const FWParserText& tag, FWRuleParts parts);
+                                       FWParserRule rule);
 
 /// Adds a rule at the end of the list; a list that is null is begun.
 std::unique_ptr<CTarnFWRuleList> withRule(std::unique_ptr<CTarnFWRuleList> list,

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "TarnFWAddrSetID.h"
 #include "TarnFWCmdConfigTCPStrict.h"
 #include "TarnFWCmdCreateSpoofGuard.h"
 #include "TarnFWCmdDeleteSpoofGuard.h"
@@ -55,7 +56,8 @@ std::unique_ptr<CTarnFWCmd> createSpoofGuard(const dvs_port_* port,
 
 std::unique_ptr<CTarnFWCmd> createSpoofGuard(const dvs_port_* port, const FWParserText& set,
                                              std::unique_ptr<CTarnFWAddress> mac) {
-  return createSpoofGuard(port, addressSet(set), std::move(mac));
+  return createSpoofGuard(port, std::make_unique<CTarnFWAddrSetID>(set.data, false),
+                          std::move(mac));
 }
 
 std::unique_ptr<CTarnFWCmd> deleteSpoofGuard(const dvs_port_* port,

@@ -7,8 +7,10 @@
 #include <netinet/in.h>
 
 #include <cstdint>
+#include <memory>
 
 #include "TarnFWAddress.h"
+#include "TarnFWLoadMemory.h"
 #include "TarnFWParserArena.h"
 #include "TarnFWProtocolNames.h"
 #include "TarnFWScannerInput.h"
@@ -60,15 +62,16 @@ struct FWIPPort {
   std::uint16_t port;
 };
 
-/// What one parse carries beside the scanner: the scanner's first failure and its input, and the
-/// memory of the tokens. The caller of the parser owns it and value-initialises it before the
-/// parse.
+/// What one parse carries beside the scanner: the scanner's first failure and its input, the memory
+/// of the tokens and that of the results. The caller of the parser owns it and value-initialises it
+/// before the parse.
 struct fw_lex_extra_ {
   FWStatus_t status = FW_STATUS_OK;  // 0, or the status of the first failure of the scanner
   char message[256] = {};            // its text, always terminated
   bool unclosed = false;             // a comment is not closed, and so is none after it
   CTarnFWScannerInput input;
   CTarnFWParserArena arena;
+  std::shared_ptr<CTarnFWLoadMemory> memory;  // null until the parse begins
   CTarnFWProtocolNames protocols;
 };
 

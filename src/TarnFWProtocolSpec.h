@@ -58,9 +58,9 @@ class CTarnFWProtocolSpec : public ITarnFWObject {
 
   friend class CTarnFWProtocolSpecList;
 
-  std::unique_ptr<CTarnFWProtocolSpec> next_;  // in the list that holds this spec
   std::uint8_t dir_;
   bool negated_;
+  std::unique_ptr<CTarnFWProtocolSpec> next_;  // in the list that holds this spec
 };
 
 }  // namespace TarnFirewall

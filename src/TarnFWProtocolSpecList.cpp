@@ -51,7 +51,7 @@ void CTarnFWProtocolSpecList::setDir(unsigned char dir) {
 }
 
 void CTarnFWProtocolSpecList::claimKind(const CTarnFWProtocolSpec& spec) {
-  const std::uint64_t bit = std::uint64_t{1} << (spec.getType() - kFirstType);
+  const std::uint32_t bit = std::uint32_t{1} << (spec.getType() - kFirstType);
   if ((kinds_ & bit) != 0) throw CDuplicateProtocolSpecException(spec.getType());
   kinds_ |= bit;
 }

@@ -23,8 +23,8 @@ class CTarnFWProtocolSpecList final : public CTarnFWProtocolSpec {
   CTarnFWProtocolSpecList(CTarnFWProtocolSpecList&& other) noexcept
       : CTarnFWProtocolSpec(other.getDir(), other.isNegated()),
         portMode_(other.portMode_),
-        first_(std::move(other.first_)),
-        kinds_(std::exchange(other.kinds_, 0)) {}
+        kinds_(std::exchange(other.kinds_, 0)),
+        first_(std::move(other.first_)) {}
   CTarnFWProtocolSpecList& operator=(CTarnFWProtocolSpecList&& other) noexcept {
     dir_ = other.dir_;
     negated_ = other.negated_;
@@ -43,6 +43,10 @@ class CTarnFWProtocolSpecList final : public CTarnFWProtocolSpec {
   /// Throws CDuplicateProtocolSpecException when two members want the same place; nothing is
   /// written then.
   bool toMessage(void* buffer, unsigned int size, unsigned int* written) override;
+  /// Writes the ports into a cleared block, in any mode. Throws as `toMessage`; something may be
+  /// written then.
+  void writePorts(FWPortBlock_& block) const;
+
   /// Of the list and each member.
   void setDir(unsigned char dir) override;
 
@@ -96,12 +100,11 @@ class CTarnFWProtocolSpecList final : public CTarnFWProtocolSpec {
     for (CTarnFWProtocolSpec* spec = first_.get(); spec != nullptr; spec = spec->next_.get())
       action(*spec);
   }
-  void writePorts(FWPortBlock_& block) const;
   void writeSession(FWSessionBlock_& block) const;
 
   bool portMode_ = false;
+  std::uint32_t kinds_ = 0;                     // bit: object type of a member less kFirstType
   std::unique_ptr<CTarnFWProtocolSpec> first_;  // the others hang on it: most lists have one
-  std::uint64_t kinds_ = 0;                     // bit: object type of a member less kFirstType
 };
 
 }  // namespace TarnFirewall

@@ -100,6 +100,15 @@ void appendEnd(std::string& text, const char* label, const CTarnFWAddress* addre
 CTarnFWRule::CTarnFWRule(FWRuleParts&& parts)
     // Checked before anything is moved: what is refused stays the caller's.
     : parts_(std::move(checkAll(parts))) {
+  begin();
+}
+
+void CTarnFWRule::accept() {
+  checkAll(parts_);
+  begin();
+}
+
+void CTarnFWRule::begin() {
   parts_.af = FW_AF_NONE;
   parts_.sourcePorts.setPortMode(true);
   parts_.destinationPorts.setPortMode(true);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <concepts>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -23,6 +24,13 @@ class CTarnFWRule : public ITarnFWObject {
   /// thrown. A null action means accept. The address family is not taken: `setAF` judges it. Throws
   /// CUnsupportedException for parts that don't go together, and without a protocol.
   explicit CTarnFWRule(FWRuleParts&& parts);
+
+  /// The same of parts that `makeParts` gives, which are made where they stay. What is refused is
+  /// gone then.
+  template <std::invocable MakeParts>
+  explicit CTarnFWRule(MakeParts makeParts) : parts_(makeParts()) {
+    accept();
+  }
 
   unsigned int getMsgSize() const override { return sizeof(FWRule_); }
   int getType() const override { return kType; }
@@ -67,6 +75,9 @@ class CTarnFWRule : public ITarnFWObject {
 
  private:
   const CTarnFWProtocol& protocol() const { return *parts_.protocol; }
+  /// Checks the parts and makes them a rule's.
+  void accept();
+  void begin();
   bool encode(FWRule_& record);
   void keepWritten();
 

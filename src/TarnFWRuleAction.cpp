@@ -110,13 +110,18 @@ void CTarnFWRuleAction::setActionFlag(fw_rule_action_* record) const {
   record->flags = static_cast<std::uint16_t>(flags);
 }
 
-bool CTarnFWRuleAction::toMessage(void* buffer, unsigned int size, unsigned int* written) {
-  if (size < sizeof(fw_rule_action_) || !dataFits()) return false;
-  auto& record = clearRecord<fw_rule_action_>(buffer);
+bool CTarnFWRuleAction::writeTo(fw_rule_action_& record) {
+  if (!dataFits()) return false;
   record.action = static_cast<std::uint8_t>(getAction());
   writeData(record);
   setActionFlag(&record);
-  if (written != nullptr) *written = sizeof record;
+  return true;
+}
+
+bool CTarnFWRuleAction::toMessage(void* buffer, unsigned int size, unsigned int* written) {
+  if (size < sizeof(fw_rule_action_) || !dataFits()) return false;
+  writeTo(clearRecord<fw_rule_action_>(buffer));
+  if (written != nullptr) *written = sizeof(fw_rule_action_);
   return true;
 }
 

@@ -27,6 +27,10 @@ class CTarnFWRuleAction : public ITarnFWObject {
   void appendTo(std::string& text) const override;
   bool toMessage(void* buffer, unsigned int size, unsigned int* written) final;
 
+  /// Writes the wire form into a cleared record. False, with nothing written, when the action's
+  /// data does not fit.
+  bool writeTo(fw_rule_action_& record);
+
   virtual FWRuleAction_t getAction() const = 0;
 
   /// Replaces an address range by a reference to the address set of this name and gives the range

@@ -24,15 +24,9 @@ bool writeAddress(CTarnFWAddress* address, FWAddress_& record, unsigned int bit,
   return address->toMessage(&record, sizeof record, &written);
 }
 
-/// Into a cleared block.
-template <typename Block>
-void writeSpecs(CTarnFWProtocolSpecList& list, Block& block) {
-  if (!list.empty()) list.toMessage(&block, sizeof block, nullptr);
-}
-
 bool writeAction(CTarnFWRuleAction* action, fw_rule_action_& record) {
-  if (action != nullptr) return action->toMessage(&record, sizeof record, nullptr);
-  return CTarnFWRuleActionAccept().toMessage(&record, sizeof record, nullptr);
+  if (action != nullptr) return action->writeTo(record);
+  return CTarnFWRuleActionAccept().writeTo(record);
 }
 
 /// The mode bit of a container reference that is there, and its name in the record.
@@ -109,7 +103,8 @@ bool writeRuleRecord(FWRuleParts& parts, FWRule_& record) {
     record.protocol = ruleProtocolNumber(protocol.getNumber(), protocol.isLayer3());
     if (protocol.isNegated()) flags |= kRuleProtocolNegated;
   }
-  writeSpecs(parts.connection, record.session);
+  if (!parts.connection.empty())
+    parts.connection.toMessage(&record.session, sizeof record.session, nullptr);
   if (!writeAction(parts.action.get(), record.action) ||
       !writeAddress(parts.source.get(), record.source, kRuleHasSource, flags) ||
       !writeAddress(parts.destination.get(), record.destination, kRuleHasDestination, flags)) {
@@ -125,8 +120,8 @@ bool writeRuleRecord(FWRuleParts& parts, FWRule_& record) {
   record.flags = static_cast<std::uint8_t>(flags | (af & 1) << kRuleAFLowShift);
   record.moreFlags = static_cast<std::uint8_t>((af >> 1) & kRuleAFHigh);
 
-  writeSpecs(parts.sourcePorts, record.sourcePorts);
-  writeSpecs(parts.destinationPorts, record.destinationPorts);
+  parts.sourcePorts.writePorts(record.sourcePorts);
+  parts.destinationPorts.writePorts(record.destinationPorts);
   const unsigned int mode =
       writeProfile(parts.extendedSource.get(), record.extendedSource, kProfileExtendedSource) |
       writeProfile(parts.attributeProfile.get(), record.attributeProfile, kProfileAttribute);

@@ -56,6 +56,9 @@ fw_ether_ etherBytes(const char* text) {
 
 constexpr std::size_t kEtherLength = 17;
 
+/// So many digits fit into 64 bits whatever they are.
+constexpr std::size_t kSafeDigits = 18;
+
 int scanEtherPair(YYSTYPE* value, ScannedText text, int token) {
   value->etherPair = {etherBytes(text.data), etherBytes(text.data + kEtherLength + 1)};
   return token;
@@ -128,6 +131,13 @@ int scanIdentifier(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text) {
 
 int scanDecimal(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text) {
   errno = 0;
+  if (text.length <= kSafeDigits && *text.data != '-') {
+    value->number = 0;
+    for (const char* at = text.data; *at >= '0' && *at <= '9'; ++at) {
+      value->number = 10 * value->number + (*at - '0');
+    }
+    return TK_NUMBER;
+  }
   const auto [end, error] = std::from_chars(text.data, text.data + text.length, value->number, 10);
   if (error != std::errc{}) {
     errno = ERANGE;

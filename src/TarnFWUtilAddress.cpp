@@ -123,6 +123,19 @@ bool parseIP(const char* text, typename Family::Address* address,
 /// Value of a decimal digit, more than 9 for another character.
 constexpr unsigned int digitOf(char c) { return static_cast<unsigned char>(c) - unsigned{'0'}; }
 
+/// A number of a dotted quad, with `at` after it; more than 255 when there is none. A fourth digit
+/// stays, and is no end of a number.
+unsigned int readOctet(const char*& at, const char* end) {
+  constexpr unsigned int kNone = 256;
+  if (at == end || digitOf(*at) > 9) return kNone;
+  unsigned int value = digitOf(*at++);
+  if (at == end || digitOf(*at) > 9) return value;
+  if (value == 0) return kNone;
+  value = value * 10 + digitOf(*at++);
+  if (at == end || digitOf(*at) > 9) return value;
+  return value * 10 + digitOf(*at++);
+}
+
 /// Reads a dotted quad up to white space or the end: 1 when it is one, else 0 with nothing written.
 /// It takes what the C library's `inet_pton` takes, which a test compares; addresses of large
 /// configurations are read here.
@@ -130,17 +143,8 @@ int readQuad(const char* at, const char* end, std::uint8_t* address) {
   std::uint8_t octets[4];
   for (std::uint8_t& octet : octets) {
     if (&octet != octets && (at == end || *at++ != '.')) return 0;
-    if (at == end) return 0;
-    unsigned int value = digitOf(*at++);
-    if (value > 9) return 0;
-    if (value != 0) {
-      for (unsigned int digit; at != end && (digit = digitOf(*at)) <= 9; ++at) {
-        value = value * 10 + digit;
-        if (value > 255) return 0;
-      }
-    } else if (at != end && digitOf(*at) <= 9) {
-      return 0;
-    }
+    const unsigned int value = readOctet(at, end);
+    if (value > 255) return 0;
     octet = static_cast<std::uint8_t>(value);
   }
   if (at != end && !isSpace(*at)) return 0;

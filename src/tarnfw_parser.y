@@ -103,10 +103,15 @@ using namespace TarnFirewall;
 
 #define PARSE (FWParse{status, scanner, filename, cmdList, cmdConfig})
 
-/* Runs what may throw. When it does, the failure has been reported, and the parse ends. */
-#define TRY(...)                                     \
-  do {                                               \
-    if (!attempt(PARSE, [&] { __VA_ARGS__; })) YYERROR; \
+/* Runs what may throw. When it does, the failure is reported, and the parse ends. */
+#define TRY(...)                   \
+  do {                             \
+    try {                          \
+      __VA_ARGS__;                 \
+    } catch (...) {                \
+      reportParseFailure(PARSE);   \
+      YYERROR;                     \
+    }                              \
   } while (false)
 
 /* The generated parser calls both without a location. */
@@ -366,7 +371,7 @@ Firewall:
 
 Rule_Cmd_List:
     %empty  /* 3 */
-      { TRY(*cmdList = new CTarnFWCmdList); }
+      { TRY(PARSE.begin()); }
   | Rule_Cmd_List Rule_Command  /* 4 */
       { TRY(addStatement(PARSE, own($2))); }
     ;
@@ -782,15 +787,15 @@ IP_Address:
     Single_IP_Address  /* 156 */
   | IPV4_CIDR  /* 157 */  { TRY($$ = ipv4Block(PARSE, $1).release()); }
   | IPV4_MASK  /* 158 */  { TRY($$ = ipv4Block(PARSE, $1).release()); }
-  | IPV4_RANGE  /* 159 */  { TRY($$ = ipv4Range($1).release()); }
+  | IPV4_RANGE  /* 159 */  { TRY($$ = ipv4Range(PARSE, $1).release()); }
   | IPV6_CIDR  /* 160 */  { TRY($$ = ipv6Block(PARSE, $1).release()); }
-  | IPV6_RANGE  /* 161 */  { TRY($$ = ipv6Range(*$1).release()); }
+  | IPV6_RANGE  /* 161 */  { TRY($$ = ipv6Range(PARSE, *$1).release()); }
     ;
 
 Single_IP_Address_Or_Any:
     Single_IP_Address  /* 162 */
   | ANY  /* 163 */
-      { TRY($$ = new CTarnFWAddressAny); }
+      { TRY($$ = PARSE.make<CTarnFWAddressAny>().release()); }
     ;
 
 Single_IP_Or_Any_Port:
@@ -802,50 +807,50 @@ Single_IP_Or_Any_Port:
 IP_Address_Or_Any:
     IP_Address  /* 166 */
   | ANY  /* 167 */
-      { TRY($$ = new CTarnFWAddressAny); }
+      { TRY($$ = PARSE.make<CTarnFWAddressAny>().release()); }
     ;
 
 IP_List:
     IP_Address  /* 168 */
-      { TRY($$ = appended({}, own($1)).release()); }
+      { TRY($$ = appended(PARSE, {}, own($1)).release()); }
   | IP_List COMMA IP_Address  /* 169 */
-      { TRY($$ = appended(own($1), own($3)).release()); }
+      { TRY($$ = appended(PARSE, own($1), own($3)).release()); }
     ;
 
 Single_IP_Or_List:
     IP_Address_Or_Any  /* 170 */
-      { TRY($$ = appendedPlain({}, own($1)).release()); }
+      { TRY($$ = appendedPlain(PARSE, {}, own($1)).release()); }
   | LBRACE IP_List RBRACE  /* 171 */
       { $$ = $2; }
   | LBRACE IP_List COMMA RBRACE  /* 172 */
       { $$ = $2; }
   | LBRACE RBRACE  /* 173 */
-      { TRY($$ = emptyList().release()); }
+      { TRY($$ = emptyList(PARSE).release()); }
     ;
 
 MAC_Address:
     Single_MAC_Address  /* 174 */
   | ETHER_RANGE  /* 175 */
-      { TRY($$ = etherRange($1).release()); }
+      { TRY($$ = etherRange(PARSE, $1).release()); }
   | ETHER_MASK  /* 176 */
-      { TRY($$ = etherMask($1).release()); }
+      { TRY($$ = etherMask(PARSE, $1).release()); }
     ;
 
 Single_MAC_Address:
     ETHER  /* 177 */
-      { TRY($$ = etherAddress($1).release()); }
+      { TRY($$ = etherAddress(PARSE, $1).release()); }
     ;
 
 MAC_List:
     MAC_Address  /* 178 */
-      { TRY($$ = appendedPlain({}, own($1)).release()); }
+      { TRY($$ = appendedPlain(PARSE, {}, own($1)).release()); }
   | MAC_List COMMA MAC_Address  /* 179 */
-      { TRY($$ = appendedPlain(own($1), own($3)).release()); }
+      { TRY($$ = appendedPlain(PARSE, own($1), own($3)).release()); }
     ;
 
 Single_MAC_Or_List:
     MAC_Address  /* 180 */
-      { TRY($$ = appendedPlain({}, own($1)).release()); }
+      { TRY($$ = appendedPlain(PARSE, {}, own($1)).release()); }
   | LBRACE MAC_List RBRACE  /* 181 */
       { $$ = $2; }
   | LBRACE MAC_List COMMA RBRACE  /* 182 */
@@ -863,14 +868,14 @@ Single_Attribute_Obj:
 
 Attribute_List:
     Attribute_Obj  /* 185 */
-      { TRY($$ = appendedPlain({}, own($1)).release()); }
+      { TRY($$ = appendedPlain(PARSE, {}, own($1)).release()); }
   | Attribute_List COMMA Attribute_Obj  /* 186 */
-      { TRY($$ = appendedPlain(own($1), own($3)).release()); }
+      { TRY($$ = appendedPlain(PARSE, own($1), own($3)).release()); }
     ;
 
 Single_Attribute_Or_List:
     Attribute_Obj  /* 187 */
-      { TRY($$ = appendedPlain({}, own($1)).release()); }
+      { TRY($$ = appendedPlain(PARSE, {}, own($1)).release()); }
   | LBRACE Attribute_List RBRACE  /* 188 */
       { $$ = $2; }
   | LBRACE Attribute_List COMMA RBRACE  /* 189 */
@@ -1019,18 +1024,20 @@ Single_Rule:
     RULE NUMBER Rule_Position Rule_Direction Optional_Rule_AF Rule_Protocol Optional_Protocol_Spec
     Src_Addr_Spec Optional_Port_Spec Dst_Addr_Spec Optional_Port_Spec Optional_ExtSrc_Profile_Spec
     Optional_Attribute_Profile_Spec Rule_Action Optional_Rule_Tag  /* 233 */
-    { TRY($$ = buildRule(PARSE, $1, $2, $3, $15,
-                         {.direction = $4,
-                          .af = $5,
-                          .protocol = ruleProtocol($6),
-                          .connection = takeSpecs(own($7), FW_SPEC_DIR_BOTH),
-                          .source = own($8),
-                          .sourcePorts = portSpecs(own($9), FW_SPEC_DIR_SOURCE),
-                          .destination = own($10),
-                          .destinationPorts = portSpecs(own($11), FW_SPEC_DIR_DESTINATION),
-                          .action = own($14),
-                          .extendedSource = own($12),
-                          .attributeProfile = own($13)}).release()); }
+    { TRY($$ = buildRule(PARSE, $1, {.id = $2,
+                                     .position = $3,
+                                     .direction = $4,
+                                     .af = $5,
+                                     .protocol = $6,
+                                     .connection = own($7),
+                                     .source = own($8),
+                                     .sourcePorts = own($9),
+                                     .destination = own($10),
+                                     .destinationPorts = own($11),
+                                     .extendedSource = own($12),
+                                     .attributeProfile = own($13),
+                                     .action = own($14),
+                                     .tag = $15}).release()); }
     ;
 
 Optional_Protocol_Spec:
@@ -1094,19 +1101,19 @@ Dst_Addr_Spec:
     ;
 
 Address_Spec:
-    ANY  /* 254 */  { TRY($$ = new CTarnFWAddressAny); }
+    ANY  /* 254 */  { TRY($$ = PARSE.make<CTarnFWAddressAny>().release()); }
   | IP IP_Address  /* 255 */  { $$ = $2; }
   | IP_Address  /* 256 */
   | MAC MAC_Address  /* 257 */  { $$ = $2; }
   | MAC_Address  /* 258 */
-  | ADDRSET STRING  /* 259 */  { TRY($$ = addressSet($2).release()); }
-  | STRING  /* 260 */  { TRY($$ = addressSet($1).release()); }
+  | ADDRSET STRING  /* 259 */  { TRY($$ = addressSet(PARSE, $2).release()); }
+  | STRING  /* 260 */  { TRY($$ = addressSet(PARSE, $1).release()); }
   | NOT IP IP_Address  /* 261 */  { $$ = negated($3); }
   | NOT IP_Address  /* 262 */  { $$ = negated($2); }
   | NOT MAC MAC_Address  /* 263 */  { $$ = negated($3); }
   | NOT MAC_Address  /* 264 */  { $$ = negated($2); }
-  | NOT ADDRSET STRING  /* 265 */  { TRY($$ = negated(addressSet($3).release())); }
-  | NOT STRING  /* 266 */  { TRY($$ = negated(addressSet($2).release())); }
+  | NOT ADDRSET STRING  /* 265 */  { TRY($$ = negated(addressSet(PARSE, $3).release())); }
+  | NOT STRING  /* 266 */  { TRY($$ = negated(addressSet(PARSE, $2).release())); }
     ;
 
 Optional_Port_Spec:
@@ -1131,17 +1138,17 @@ Optional_Attribute_Profile_Spec:
 
 Single_Port_Spec:
     PORT NUMBER  /* 273 */
-      { TRY($$ = port($2, false).release()); }
+      { TRY($$ = port(PARSE, $2, false).release()); }
   | PORT NUMBER_RANGE  /* 274 */
-      { TRY($$ = portRange($2, false).release()); }
+      { TRY($$ = portRange(PARSE, $2, false).release()); }
   | PORT LBRACE L4_Port_List RBRACE  /* 275 */
       { $$ = $3; }
   | PORT LBRACE L4_Port_List COMMA RBRACE  /* 276 */
       { $$ = $3; }
   | NOT PORT NUMBER  /* 277 */
-      { TRY($$ = port($3, true).release()); }
+      { TRY($$ = port(PARSE, $3, true).release()); }
   | NOT PORT NUMBER_RANGE  /* 278 */
-      { TRY($$ = portRange($3, true).release()); }
+      { TRY($$ = portRange(PARSE, $3, true).release()); }
   | NOT PORT LBRACE L4_Port_List RBRACE  /* 279 */
       { $$ = $4; $4->setNegated(true); }
   | NOT PORT LBRACE L4_Port_List COMMA RBRACE  /* 280 */
@@ -1166,38 +1173,38 @@ Proto_Spec_List:
 
 Single_Proto_Spec:
     STATELESS  /* 286 */
-      { TRY($$ = new CTarnFWProtocolSpecStateless); }
+      { TRY($$ = PARSE.make<CTarnFWProtocolSpecStateless>().release()); }
   | STRICT  /* 287 */
-      { TRY($$ = new CTarnFWProtocolSpecStrict); }
+      { TRY($$ = PARSE.make<CTarnFWProtocolSpecStrict>().release()); }
   | SLOPPY  /* 288 */
-      { TRY($$ = new CTarnFWProtocolSpecSloppy); }
+      { TRY($$ = PARSE.make<CTarnFWProtocolSpecSloppy>().release()); }
   | DSCP STRING  /* 289 */
-      { TRY($$ = dscpOfText($2).release()); }
+      { TRY($$ = dscpOfText(PARSE, $2).release()); }
   | DSCP NUMBER  /* 290 */
-      { TRY($$ = dscpOfNumber($2).release()); }
+      { TRY($$ = dscpOfNumber(PARSE, $2).release()); }
   | FLAG Single_TCP_Flag_Or_List  /* 291 */
-      { TRY($$ = new CTarnFWProtocolSpecTCPFlags(FW_SPEC_DIR_BOTH, $2, false)); }
+      { TRY($$ = PARSE.make<CTarnFWProtocolSpecTCPFlags>(FW_SPEC_DIR_BOTH, $2, false).release()); }
   | OPTION STRING  /* 292 */
-      { TRY($$ = tcpOptions($2, false).release()); }
+      { TRY($$ = tcpOptions(PARSE, $2, false).release()); }
   | ICMPTYPE NUMBER  /* 293 */
-      { TRY($$ = icmpType($2, false).release()); }
+      { TRY($$ = icmpType(PARSE, $2, false).release()); }
   | TYPECODE NUMBER_RANGE  /* 294 */
-      { TRY($$ = icmpTypeCode($2, false).release()); }
+      { TRY($$ = icmpTypeCode(PARSE, $2, false).release()); }
   | NOT FLAG Single_TCP_Flag_Or_List  /* 295 */
-      { TRY($$ = new CTarnFWProtocolSpecTCPFlags(FW_SPEC_DIR_BOTH, $3, true)); }
+      { TRY($$ = PARSE.make<CTarnFWProtocolSpecTCPFlags>(FW_SPEC_DIR_BOTH, $3, true).release()); }
   | NOT OPTION STRING  /* 296 */
-      { TRY($$ = tcpOptions($3, true).release()); }
+      { TRY($$ = tcpOptions(PARSE, $3, true).release()); }
   | NOT ICMPTYPE NUMBER  /* 297 */
-      { TRY($$ = icmpType($3, true).release()); }
+      { TRY($$ = icmpType(PARSE, $3, true).release()); }
   | NOT TYPECODE NUMBER_RANGE  /* 298 */
-      { TRY($$ = icmpTypeCode($3, true).release()); }
+      { TRY($$ = icmpTypeCode(PARSE, $3, true).release()); }
     ;
 
 L4_Port_List:
     NUMBER  /* 299 */
-      { TRY($$ = withPort(portSet(), $1).release()); }
+      { TRY($$ = withPort(portSet(PARSE), $1).release()); }
   | NUMBER_RANGE  /* 300 */
-      { TRY($$ = withPorts(portSet(), $1).release()); }
+      { TRY($$ = withPorts(portSet(PARSE), $1).release()); }
   | L4_Port_List COMMA NUMBER  /* 301 */
       { TRY($$ = withPort(own($1), $3).release()); }
   | L4_Port_List COMMA NUMBER_RANGE  /* 302 */
@@ -1320,63 +1327,63 @@ Export_Version:
 
 Single_Rule_Action:
     DROP  /* 354 */
-      { TRY($$ = new CTarnFWRuleActionDrop); }
+      { TRY($$ = PARSE.make<CTarnFWRuleActionDrop>().release()); }
   | ACCEPT  /* 355 */
-      { TRY($$ = new CTarnFWRuleActionAccept); }
+      { TRY($$ = PARSE.make<CTarnFWRuleActionAccept>().release()); }
   | ENCRYPT Key_Policy  /* 356 */
-      { TRY($$ = new CTarnFWRuleActionEncrypt($2.data)); }
+      { TRY($$ = PARSE.make<CTarnFWRuleActionEncrypt>($2.data).release()); }
   | CLEAR  /* 357 */
-      { TRY($$ = new CTarnFWRuleActionClear); }
+      { TRY($$ = PARSE.make<CTarnFWRuleActionClear>().release()); }
   | REJECT  /* 358 */
-      { TRY($$ = new CTarnFWRuleActionReject); }
+      { TRY($$ = PARSE.make<CTarnFWRuleActionReject>().release()); }
   | PUNT  /* 359 */
-      { TRY($$ = new CTarnFWRuleActionPunt); }
+      { TRY($$ = PARSE.make<CTarnFWRuleActionPunt>().release()); }
   | PBR Key_Policy  /* 360 */
-      { TRY($$ = new CTarnFWRuleActionPbr($2.data)); }
+      { TRY($$ = PARSE.make<CTarnFWRuleActionPbr>($2.data).release()); }
   | COPY  /* 361 */
-      { TRY($$ = new CTarnFWRuleActionCopy); }
+      { TRY($$ = PARSE.make<CTarnFWRuleActionCopy>().release()); }
   | JUMPTO STRING  /* 362 */
-      { TRY($$ = new CTarnFWRuleActionJumpto($2.data)); }
+      { TRY($$ = PARSE.make<CTarnFWRuleActionJumpto>($2.data).release()); }
   | DIVERT  /* 363 */
-      { TRY($$ = new CTarnFWRuleActionDivert); }
+      { TRY($$ = PARSE.make<CTarnFWRuleActionDivert>().release()); }
   | MACREWRITE ETHER  /* 364 */
-      { TRY($$ = macRewrite($2).release()); }
+      { TRY($$ = macRewrite(PARSE, $2).release()); }
   | SNAT ADDRSET STRING  /* 365 */
-      { TRY($$ = snat(addressSet($3)).release()); }
+      { TRY($$ = snat(PARSE, addressSet(PARSE, $3)).release()); }
   | SNAT IP IP_Address  /* 366 */
-      { TRY($$ = snat(own($3)).release()); }
+      { TRY($$ = snat(PARSE, own($3)).release()); }
   | DNAT ADDRSET STRING PORT NUMBER  /* 367 */
-      { TRY($$ = dnatToPort(addressSet($3), $5).release()); }
+      { TRY($$ = dnatToPort(PARSE, addressSet(PARSE, $3), $5).release()); }
   | DNAT ADDRSET STRING PORT NUMBER_RANGE POOLOPT Pool_Option Optional_Persist_Timeout  /* 368 */
-      { TRY($$ = dnatToPoolPorts(addressSet($3), $5, $7, $8).release()); }
+      { TRY($$ = dnatToPoolPorts(PARSE, addressSet(PARSE, $3), $5, $7, $8).release()); }
   | DNAT ADDRSET STRING PORT NUMBER_RANGE  /* 369 */
-      { TRY($$ = dnatToPorts(addressSet($3), $5).release()); }
+      { TRY($$ = dnatToPorts(PARSE, addressSet(PARSE, $3), $5).release()); }
   | DNAT ADDRSET STRING POOLOPT Pool_Option Optional_Persist_Timeout  /* 370 */
-      { TRY($$ = dnatToPool(addressSet($3), $5, $6).release()); }
+      { TRY($$ = dnatToPool(PARSE, addressSet(PARSE, $3), $5, $6).release()); }
   | DNAT ADDRSET STRING  /* 371 */
-      { TRY($$ = dnat(addressSet($3)).release()); }
+      { TRY($$ = dnat(PARSE, addressSet(PARSE, $3)).release()); }
   | DNAT IP IP_Address PORT NUMBER_RANGE  /* 372 */
-      { TRY($$ = dnatToPorts(own($3), $5).release()); }
+      { TRY($$ = dnatToPorts(PARSE, own($3), $5).release()); }
   | DNAT IP IP_Address PORT NUMBER  /* 373 */
-      { TRY($$ = dnatToPort(own($3), $5).release()); }
+      { TRY($$ = dnatToPort(PARSE, own($3), $5).release()); }
   | DNAT IP IP_Address  /* 374 */
-      { TRY($$ = dnat(own($3)).release()); }
+      { TRY($$ = dnat(PARSE, own($3)).release()); }
   | LB LBTYPE LB_Type  /* 375 */
-      { TRY($$ = loadBalancing($3, 0, 0, nullptr).release()); }
+      { TRY($$ = loadBalancing(PARSE, $3, 0, 0, nullptr).release()); }
   | LB LBTYPE LB_Type LBIDLETIMEOUT NUMBER  /* 376 */
-      { TRY($$ = loadBalancing($3, $5, 0, nullptr).release()); }
+      { TRY($$ = loadBalancing(PARSE, $3, $5, 0, nullptr).release()); }
   | LB LBTYPE LB_Type LBCLOSETIMEOUT NUMBER  /* 377 */
-      { TRY($$ = loadBalancing($3, 0, $5, nullptr).release()); }
+      { TRY($$ = loadBalancing(PARSE, $3, 0, $5, nullptr).release()); }
   | LB LBTYPE LB_Type LBIDLETIMEOUT NUMBER LBCLOSETIMEOUT NUMBER  /* 378 */
-      { TRY($$ = loadBalancing($3, $5, $7, nullptr).release()); }
+      { TRY($$ = loadBalancing(PARSE, $3, $5, $7, nullptr).release()); }
   | LB LBTYPE LB_Type LBIDLETIMEOUT NUMBER LBOPTIONS STRING  /* 379 */
-      { TRY($$ = loadBalancing($3, $5, 0, $7.data).release()); }
+      { TRY($$ = loadBalancing(PARSE, $3, $5, 0, $7.data).release()); }
   | LB LBTYPE LB_Type LBCLOSETIMEOUT NUMBER LBOPTIONS STRING  /* 380 */
-      { TRY($$ = loadBalancing($3, 0, $5, $7.data).release()); }
+      { TRY($$ = loadBalancing(PARSE, $3, 0, $5, $7.data).release()); }
   | LB LBTYPE LB_Type LBIDLETIMEOUT NUMBER LBCLOSETIMEOUT NUMBER LBOPTIONS STRING  /* 381 */
-      { TRY($$ = loadBalancing($3, $5, $7, $9.data).release()); }
+      { TRY($$ = loadBalancing(PARSE, $3, $5, $7, $9.data).release()); }
   | LB LBTYPE LB_Type LBOPTIONS STRING  /* 382 */
-      { TRY($$ = loadBalancing($3, 0, 0, $5.data).release()); }
+      { TRY($$ = loadBalancing(PARSE, $3, 0, 0, $5.data).release()); }
     ;
 
 Optional_Save_to:

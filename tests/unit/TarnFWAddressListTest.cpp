@@ -309,6 +309,20 @@ TEST(TarnFWAddressList, HandsItsMembersOver) {
   EXPECT_EQ(living, 0);
 }
 
+TEST(TarnFWAddressList, KeepsNoMoreThanAMessageHoldsAndCountsTheRest) {
+  constexpr unsigned int kMost = 29826161;  // of 144 bytes each in 32 bits
+  CTarnFWAddressIPv4 address("10.0.0.1", false);
+  CTarnFWAddressList list(true);
+  for (unsigned int i = 0; i < kMost; ++i) list.addAddress(&address);
+  EXPECT_TRUE(list.isFull());
+  EXPECT_EQ(list.getMsgSize(), 4294967184u);
+  EXPECT_TRUE(list.addAddress(&address));
+  list.count();
+  EXPECT_EQ(list.getAddresses().size(), kMost);
+  EXPECT_THROW_WITH(static_cast<void>(list.getMsgSize()), CIntegerOverflowException, 17,
+                    "too many addresses: 29826163");
+}
+
 TEST(TarnFWAddressList, ListsAreNotComparable) {
   const CTarnFWAddressList one(false);
   const CTarnFWAddressList other(false);

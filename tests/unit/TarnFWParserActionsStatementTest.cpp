@@ -109,7 +109,12 @@ std::string reported(Action&& action) {
   FWStatus_t status = FW_STATUS_OK;
   auto* list = new CTarnFWCmdList;
   auto* config = new CTarnFWCmdConfig(false, "f", "");
-  EXPECT_FALSE(attempt({&status, scanner, nullptr, &list, &config}, action));
+  try {
+    action();
+    ADD_FAILURE() << "the action does not throw";
+  } catch (...) {
+    reportParseFailure({&status, scanner, nullptr, &list, &config});
+  }
   EXPECT_EQ(list, nullptr);
   EXPECT_EQ(config, nullptr);
   yy_delete_buffer(buffer, scanner);

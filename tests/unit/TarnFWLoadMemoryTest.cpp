@@ -1,0 +1,96 @@
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+#include <vector>
+
+#include "TarnFWAddressIPv4.h"
+#include "TarnFWCmdCreateAddrSet.h"
+#include "TarnFWCmdList.h"
+#include "TarnFWLoadMemory.h"
+
+using namespace TarnFirewall;
+
+namespace {
+
+/// An address that counts how many of it live.
+class Counted : public CTarnFWAddress {
+ public:
+  explicit Counted(int* living, bool throws = false) : living_(living) {
+    if (throws) throw std::runtime_error("refused");
+    ++*living_;
+  }
+  Counted(const Counted& other) : CTarnFWAddress(other), living_(other.living_) { ++*living_; }
+  ~Counted() override { --*living_; }
+  int getType() const override { return 1; }
+  std::string toString() const override { return "counted"; }
+  bool toMessage(void*, unsigned int, unsigned int*) override { return false; }
+  bool operator<(const CTarnFWAddress&) const override { return false; }
+
+ private:
+  int* living_;
+};
+
+}  // namespace
+
+TEST(TarnFWLoadMemory, ItsObjectsEndOneByOneAndItsMemoryAtOnce) {
+  int living = 0;
+  CTarnFWLoadMemory memory;
+  std::vector<std::unique_ptr<CTarnFWAddress>> objects;
+  for (int i = 0; i < 1000; ++i) objects.push_back(memory.make<Counted>(&living));
+  EXPECT_EQ(living, 1000);
+  objects.resize(400);
+  EXPECT_EQ(living, 400);
+  for (const auto& object : objects) EXPECT_EQ(object->toString(), "counted");
+  objects.clear();
+  EXPECT_EQ(living, 0);
+}
+
+TEST(TarnFWLoadMemory, ObjectsOfTheHeapAndOfALoadEndAlike) {
+  int living = 0;
+  CTarnFWLoadMemory memory;
+  std::unique_ptr<CTarnFWAddress> object = memory.make<Counted>(&living);
+  object = std::make_unique<Counted>(&living);
+  EXPECT_EQ(living, 1);
+  object = memory.make<Counted>(&living);
+  object.reset();
+  EXPECT_EQ(living, 0);
+}
+
+TEST(TarnFWLoadMemory, ACopyOfAnObjectHasMemoryOfItsOwn) {
+  int living = 0;
+  std::unique_ptr<Counted> copy;
+  {
+    CTarnFWLoadMemory memory;
+    const auto object = memory.make<Counted>(&living);
+    copy = std::make_unique<Counted>(*object);
+  }
+  EXPECT_EQ(living, 1);
+  EXPECT_EQ(copy->toString(), "counted");
+  copy.reset();
+  EXPECT_EQ(living, 0);
+}
+
+TEST(TarnFWLoadMemory, NothingRemainsOfAnObjectThatIsRefused) {
+  int living = 0;
+  CTarnFWLoadMemory memory;
+  EXPECT_THROW(memory.make<Counted>(&living, true), std::runtime_error);
+  EXPECT_THROW(std::make_unique<Counted>(&living, true), std::runtime_error);
+  EXPECT_EQ(living, 0);
+}
+
+TEST(TarnFWLoadMemory, LivesAsLongAsTheCommandsOfItsLoad) {
+  int living = 0;
+  CTarnFWCmdList list;
+  {
+    auto memory = std::make_shared<CTarnFWLoadMemory>();
+    CTarnFWCmdList loaded(memory);
+    auto addresses = std::make_unique<CTarnFWAddressList>(*memory);
+    addresses->addAddress(memory->make<CTarnFWAddressIPv4>("10.0.0.1", false));
+    addresses->addAddress(addresses->make<Counted>(&living));
+    loaded.addCmd(std::make_unique<CTarnFWCmdCreateAddrSet>(nullptr, "a", FW_ADDRSET_IP,
+                                                            std::move(addresses)));
+    list.mergeCmdList(loaded);
+  }
+  EXPECT_EQ(living, 1);
+  EXPECT_EQ(list.toString(), "create addrset a with {ip 10.0.0.1, counted};\n");
+}
