@@ -9,7 +9,7 @@ CTarnFWAttrProfile::CTarnFWAttrProfile(const std::string& name)
     : CTarnFWContainer(name, FW_CONTAINER_ATTR_PROFILE) {}
 
 bool CTarnFWAttrProfile::addElement(std::unique_ptr<CTarnFWContainerElement> element) {
-  auto* const attribute = dynamic_cast<CTarnFWL7Attribute*>(element.get());
+  const auto* const attribute = dynamic_cast<const CTarnFWL7Attribute*>(element.get());
   if (attribute == nullptr) {
     TARNFW_ERROR("element is not an attribute\n");
     return false;
@@ -18,40 +18,32 @@ bool CTarnFWAttrProfile::addElement(std::unique_ptr<CTarnFWContainerElement> ele
     TARNFW_ERROR("failed to add element. Element has invalid key\n");
     return false;
   }
-  element.release();
-  return join(std::unique_ptr<CTarnFWL7Attribute>(attribute));
+  return CTarnFWContainer::addElement(std::move(element));
 }
 
 bool CTarnFWAttrProfile::addAttribute(std::unique_ptr<CTarnFWL7Attribute> attribute) {
   if (attribute == nullptr || dpID2attrkey(attribute->getKeyID()) == nullptr) return false;
-  return join(std::move(attribute));
+  return CTarnFWContainer::addElement(std::move(attribute));
 }
 
-/// Only what the container keeps joins its group: a dropped duplicate is gone with this call.
-bool CTarnFWAttrProfile::join(std::unique_ptr<CTarnFWL7Attribute> attribute) {
-  const CTarnFWL7Attribute* const kept = attribute.get();
-  if (!CTarnFWContainer::addElement(std::move(attribute))) return false;
-  groups_[kept->getKeyID()].insert(kept);
-  return true;
-}
-
+/// Elements are ordered by their key first, so that those of one key stand together.
 std::string CTarnFWAttrProfile::toString() const {
   std::string text = getName() + " with {\n";
-  const char* line = "";
-  for (const auto& [key, attributes] : groups_) {
-    text += line;
-    text += "[ ";
-    text += dpID2str(key);
-    text += " : ";
-    const char* separator = "";
-    for (const CTarnFWL7Attribute* attribute : attributes) {
-      text += separator;
-      text += attribute->toStringValue();
-      separator = ", ";
+  const CTarnFWL7Attribute* former = nullptr;
+  for (const auto& element : elements()) {
+    const auto* const attribute = static_cast<const CTarnFWL7Attribute*>(element.get());
+    if (former == nullptr || former->getKeyID() != attribute->getKeyID()) {
+      if (former != nullptr) text += "],\n";
+      text += "[ ";
+      text += dpID2str(attribute->getKeyID());
+      text += " : ";
+    } else {
+      text += ", ";
     }
-    text += ']';
-    line = ",\n";
+    text += attribute->toStringValue();
+    former = attribute;
   }
+  if (former != nullptr) text += ']';
   text += "\n}";
   return text;
 }

@@ -1,8 +1,6 @@
 #pragma once
 
-#include <map>
 #include <memory>
-#include <set>
 #include <string>
 
 #include "TarnFWContainer.h"
@@ -25,18 +23,6 @@ class CTarnFWAttrProfile final : public CTarnFWContainer {
 
   /// The name, and a line for each key with all its values.
   std::string toString() const override;
-
- private:
-  struct Less {
-    bool operator()(const CTarnFWL7Attribute* left, const CTarnFWL7Attribute* right) const {
-      return *left < *right;
-    }
-  };
-
-  bool join(std::unique_ptr<CTarnFWL7Attribute> attribute);
-
-  /// Elements of the container by key, not owned.
-  std::map<FWAttrKeyID, std::set<const CTarnFWL7Attribute*, Less>> groups_;
 };
 
 }  // namespace TarnFirewall

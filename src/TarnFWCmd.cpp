@@ -24,11 +24,12 @@ constexpr unsigned int kBusySeconds = 1;
 /// A message buffer that is given back unless it was handed on.
 class Buffer {
  public:
-  explicit Buffer(CTarnFWLibHandle& handle) : handle_(handle) {}
+  Buffer(CTarnFWLibHandle& handle, CTarnFWMessageMemory* memory)
+      : handle_(handle), memory_(memory) {}
   ~Buffer() {
     if (body_ == nullptr) return;
     try {
-      handle_.releaseCommandBuffer(body_);
+      handle_.releaseCommandBuffer(body_, memory_);
     } catch (...) {
       // Whatever ends the exchange counts, not what comes after it.
     }
@@ -36,14 +37,19 @@ class Buffer {
   Buffer(const Buffer&) = delete;
   Buffer& operator=(const Buffer&) = delete;
 
-  FWStatus_t get(unsigned int size) { return handle_.getCommandBuffer(&body_, size); }
+  FWStatus_t get(unsigned int size) {
+    return handle_.getCommandBuffer(&body_, size, memory_, &fresh_);
+  }
   void* body() const { return body_; }
+  bool fresh() const { return fresh_; }
   std::byte* commandBody() const { return static_cast<std::byte*>(body_) + kEnvelopeSize; }
   void handOn() { body_ = nullptr; }
 
  private:
   CTarnFWLibHandle& handle_;
+  CTarnFWMessageMemory* memory_;
   void* body_ = nullptr;
+  bool fresh_ = true;
 };
 
 }  // namespace
@@ -110,6 +116,11 @@ bool CTarnFWCmd::toMessage(void* buffer, unsigned int room, unsigned int* writte
 
 FWStatus_t CTarnFWCmd::execute(CTarnFWLibHandle* handle, void** reply, unsigned int* replySize,
                                void* context) {
+  return execute(handle, reply, replySize, context, nullptr);
+}
+
+FWStatus_t CTarnFWCmd::execute(CTarnFWLibHandle* handle, void** reply, unsigned int* replySize,
+                               void* context, CTarnFWMessageMemory* memory) {
   *reply = nullptr;
   *replySize = 0;
   try {
@@ -117,13 +128,14 @@ FWStatus_t CTarnFWCmd::execute(CTarnFWLibHandle* handle, void** reply, unsigned 
     if (size > std::numeric_limits<unsigned int>::max() - kEnvelopeSize) {
       throw CIntegerOverflowException("command is too large", static_cast<int>(size));
     }
-    Buffer buffer(*handle);
+    Buffer buffer(*handle, memory);
     if (const FWStatus_t status = buffer.get(size + kEnvelopeSize)) return status;
     TARNFW_TRACE(FW_COMPONENT_CMD, 1, "command %s [agent %.32s, type %d, uuid %.64s, idx %d]\n",
                  cmdName(), port_.agent, selectorType(port_), port_.identifier,
                  static_cast<int>(selectorIndex(port_)));
     unsigned int written = 0;
-    if (!toFreshMessage(buffer.body(), size + kEnvelopeSize, &written)) {
+    if (!(buffer.fresh() ? toFreshMessage(buffer.body(), size + kEnvelopeSize, &written)
+                         : toMessage(buffer.body(), size + kEnvelopeSize, &written))) {
       return FW_STATUS_BUFFER_TOO_SMALL;
     }
     handle->addCommand(buffer.body(), written);
@@ -157,10 +169,11 @@ FWStatus_t CTarnFWCmd::execute(CTarnFWLibHandle* handle, void** reply, unsigned 
   }
 }
 
-bool CTarnFWCmd::releaseCmdBuffer(CTarnFWLibHandle* handle, const void* reply) {
+bool CTarnFWCmd::releaseCmdBuffer(CTarnFWLibHandle* handle, const void* reply,
+                                  CTarnFWMessageMemory* memory) {
   try {
     auto* body = static_cast<std::byte*>(const_cast<void*>(reply)) - kEnvelopeSize;
-    return handle->releaseCommandBuffer(body) == FW_STATUS_OK;
+    return handle->releaseCommandBuffer(body, memory) == FW_STATUS_OK;
   } catch (...) {
     return false;
   }

@@ -23,8 +23,13 @@ class CTarnFWCmd : public ITarnFWObject {
   virtual FWStatus_t execute(CTarnFWLibHandle* handle, void** reply, unsigned int* replySize,
                              void* context);
 
-  /// Gives the reply of `execute` back.
-  static bool releaseCmdBuffer(CTarnFWLibHandle* handle, const void* reply);
+  /// The same with a message that is built in `memory`, unless that is null.
+  FWStatus_t execute(CTarnFWLibHandle* handle, void** reply, unsigned int* replySize, void* context,
+                     CTarnFWMessageMemory* memory);
+
+  /// Gives the reply of `execute` back, with the same memory.
+  static bool releaseCmdBuffer(CTarnFWLibHandle* handle, const void* reply,
+                               CTarnFWMessageMemory* memory = nullptr);
 
   /// Writes envelope and body over whatever the buffer holds. `room` counts both; false, with
   /// nothing written, when it is too small for the envelope. A body that could not be written

@@ -23,8 +23,9 @@ constexpr std::size_t kMaxCommands = std::numeric_limits<std::uint16_t>::max();
 /// One message that is filled with commands, sent, and filled again.
 class Batch {
  public:
-  Batch(CTarnFWLibHandle& handle, const dvs_port_* port, void* context)
-      : handle_(handle), context_(context), hasPort_(port != nullptr) {
+  Batch(CTarnFWLibHandle& handle, const dvs_port_* port, void* context,
+        CTarnFWMessageMemory& memory)
+      : handle_(handle), context_(context), memory_(memory), hasPort_(port != nullptr) {
     if (hasPort_) port_ = *port;
   }
   ~Batch() { release(); }
@@ -86,13 +87,16 @@ class Batch {
     if (needed <= capacity_) return handle_.resetCommandBuffer(buffer_);
     release();
     const unsigned int size = std::max(needed, kBatchSize);
-    if (const FWStatus_t status = handle_.getCommandBuffer(&buffer_, size)) return status;
+    bool fresh = true;
+    if (const FWStatus_t status = handle_.getCommandBuffer(&buffer_, size, &memory_, &fresh))
+      return status;
     capacity_ = size;
+    if (!fresh) dirty_ = size;
     return FW_STATUS_OK;
   }
 
   void release() {
-    if (buffer_ != nullptr) handle_.releaseCommandBuffer(buffer_);
+    if (buffer_ != nullptr) handle_.releaseCommandBuffer(buffer_, &memory_);
     buffer_ = nullptr;
     capacity_ = 0;
     dirty_ = 0;
@@ -100,6 +104,7 @@ class Batch {
 
   CTarnFWLibHandle& handle_;
   void* context_;
+  CTarnFWMessageMemory& memory_;
   bool hasPort_;
   dvs_port_ port_{};
   void* buffer_ = nullptr;
@@ -175,9 +180,9 @@ FWStatus_t CTarnFWCmdList::evalSingleCmd(CTarnFWLibHandle& handle, const dvs_por
     command.setDVSPort(port, true);
     void* reply = nullptr;
     unsigned int size = 0;
-    status = command.execute(&handle, &reply, &size, context);
+    status = command.execute(&handle, &reply, &size, context, &memory_);
     if (status == FW_STATUS_OK) {
-      CTarnFWCmd::releaseCmdBuffer(&handle, reply);
+      CTarnFWCmd::releaseCmdBuffer(&handle, reply, &memory_);
       continue;
     }
     const bool skip =
@@ -189,7 +194,7 @@ FWStatus_t CTarnFWCmdList::evalSingleCmd(CTarnFWLibHandle& handle, const dvs_por
 
 FWStatus_t CTarnFWCmdList::evalBatchCmd(CTarnFWLibHandle& handle, const dvs_port_* port,
                                         void* context) {
-  Batch batch(handle, port, context);
+  Batch batch(handle, port, context, memory_);
   for (const auto& command : commands_) {
     if (const FWStatus_t status = batch.add(*command)) return status;
   }

@@ -12,6 +12,8 @@
 namespace TarnFirewall {
 
 /// Owns its commands; they stay in the list after an evaluation and may be evaluated again.
+/// Messages are built in one memory, the largest that was needed, which the list keeps: further
+/// evaluations get no fresh pages.
 class CTarnFWCmdList final : public ITarnFWObject {
  public:
   CTarnFWCmdList() = default;
@@ -54,6 +56,7 @@ class CTarnFWCmdList final : public ITarnFWObject {
  private:
   std::vector<std::shared_ptr<CTarnFWLoadMemory>> memories_;  // outlive the commands
   std::deque<std::unique_ptr<CTarnFWCmd>> commands_;
+  CTarnFWMessageMemory memory_;
 };
 
 }  // namespace TarnFirewall

@@ -1,5 +1,6 @@
 #include "TarnFWContainer.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 
@@ -87,6 +88,14 @@ bool CTarnFWContainer::addElement(std::unique_ptr<CTarnFWContainerElement> eleme
   return elements_.insert(std::move(element)).second;
 }
 
+/// Adds what stood in a chain, which every container takes. Of equal elements the first stays. They
+/// are sorted before, so that each goes to the end: a search for each through a tree of pointers is
+/// slow once the tree outgrows the processor's cache.
+void CTarnFWContainer::addRead(std::vector<std::unique_ptr<CTarnFWContainerElement>> read) {
+  std::stable_sort(read.begin(), read.end(), Less());
+  for (auto& element : read) elements_.insert(elements_.end(), std::move(element));
+}
+
 bool CTarnFWContainer::parseTLVChain(const FWtlvChain* chain, unsigned int size) {
   if (chain == nullptr) return false;
   if (size < kHead) {
@@ -100,26 +109,30 @@ bool CTarnFWContainer::parseTLVChain(const FWtlvChain* chain, unsigned int size)
     TARNFW_ERROR("size of tlv chain %u is greater than the buffer size %u\n", chainSize, size);
     return false;
   }
-  // The rule for chains is loose, since the kernel's chains are taken whatever their size field says:
-  // it is compared with the buffer alone, and the heads of the elements do not count against what
-  // remains. The buffer's end is what bounds every read.
+  // The rule for chains is loose, since the kernel's chains are taken whatever their size field
+  // says: it is compared with the buffer alone, and the heads of the elements do not count against
+  // what remains. The buffer's end is what bounds every read.
   const auto* place = reinterpret_cast<const std::uint8_t*>(chain) + kHead;
   unsigned int remaining = size - kHead;
   const std::uint32_t count = head.count;
+  std::vector<std::unique_ptr<CTarnFWContainerElement>> read;
+  bool whole = true;
   for (std::uint32_t index = 0; index < count; ++index) {
     auto element = CTarnFWContainerElement::buildContainerElement(
         reinterpret_cast<const FWtlvChainElem*>(place), remaining);
     if (element.get() == nullptr) {
       TARNFW_ERROR("failed to create element at index %d\n\n", static_cast<int>(index));
-      return false;
+      whole = false;
+      break;
     }
     const std::uint32_t length = loadRecord<FWtlvChainElem>(place).length;
-    addElement(std::move(element));
+    read.push_back(std::move(element));
     const unsigned int step = static_cast<unsigned int>(sizeof(FWtlvChainElem)) + length;
     place += step;
     remaining -= step;
   }
-  return true;
+  addRead(std::move(read));
+  return whole;
 }
 
 bool CTarnFWContainer::elementsToCharArray(char** out, unsigned int capacity) const {

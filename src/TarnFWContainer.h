@@ -3,6 +3,7 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "TarnFWContainerElement.h"
 #include "TarnFWContainerID.h"
@@ -23,6 +24,14 @@ static_assert(offsetof(FWtlvChain, type) == 0 && offsetof(FWtlvChain, count) == 
 /// A named set of typed elements that the kernel holds beside the address sets. Elements are owned,
 /// ordered by their own order, and unique.
 class CTarnFWContainer : public ITarnFWObject {
+  struct Less {
+    bool operator()(const std::unique_ptr<CTarnFWContainerElement>& left,
+                    const std::unique_ptr<CTarnFWContainerElement>& right) const {
+      return left < right;
+    }
+  };
+  using Elements = std::set<std::unique_ptr<CTarnFWContainerElement>, Less>;
+
  public:
   /// Throws `CInvalidContainerNameException` for a name of more than 37 characters.
   CTarnFWContainer(const std::string& name, FWContainerType type);
@@ -59,17 +68,16 @@ class CTarnFWContainer : public ITarnFWObject {
   /// caller. False when they are more than `capacity`.
   bool elementsToCharArray(char** out, unsigned int capacity) const;
 
+ protected:
+  /// In their own order.
+  const Elements& elements() const { return elements_; }
+
  private:
-  struct Less {
-    bool operator()(const std::unique_ptr<CTarnFWContainerElement>& left,
-                    const std::unique_ptr<CTarnFWContainerElement>& right) const {
-      return left < right;
-    }
-  };
+  void addRead(std::vector<std::unique_ptr<CTarnFWContainerElement>> read);
 
   std::string name_;
   FWContainerType type_;
-  std::set<std::unique_ptr<CTarnFWContainerElement>, Less> elements_;
+  Elements elements_;
 };
 
 }  // namespace TarnFirewall

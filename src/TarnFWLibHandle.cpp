@@ -52,9 +52,10 @@ FWStatus_t CTarnFWLibHandle::setIOChannel(std::unique_ptr<CTarnFWIOChannel> chan
   return FW_STATUS_OK;
 }
 
-FWStatus_t CTarnFWLibHandle::getCommandBuffer(void** buffer, unsigned int size) {
+FWStatus_t CTarnFWLibHandle::getCommandBuffer(void** buffer, unsigned int size,
+                                              CTarnFWMessageMemory* memory, bool* fresh) {
   if (msgBuf_ == nullptr) return FW_STATUS_LIB_NOT_INITIALIZED;
-  return msgBuf_->getBuffer(buffer, size) ? FW_STATUS_OK : FW_STATUS_OUT_OF_MEMORY;
+  return msgBuf_->getBuffer(buffer, size, memory, fresh) ? FW_STATUS_OK : FW_STATUS_OUT_OF_MEMORY;
 }
 
 bool CTarnFWLibHandle::addCommand(void* buffer, unsigned int size) {
@@ -71,9 +72,9 @@ FWStatus_t CTarnFWLibHandle::flushCommandBuffer(void* buffer, unsigned int size,
                              context != nullptr ? context : defaultContext_);
 }
 
-FWStatus_t CTarnFWLibHandle::releaseCommandBuffer(void* buffer) {
+FWStatus_t CTarnFWLibHandle::releaseCommandBuffer(void* buffer, CTarnFWMessageMemory* memory) {
   if (msgBuf_ == nullptr) return FW_STATUS_LIB_NOT_INITIALIZED;
-  return msgBuf_->releaseBuffer(buffer) ? FW_STATUS_OK : FW_STATUS_INVALID_ARGUMENT;
+  return msgBuf_->releaseBuffer(buffer, memory) ? FW_STATUS_OK : FW_STATUS_INVALID_ARGUMENT;
 }
 
 FWStatus_t CTarnFWLibHandle::resetCommandBuffer(void* buffer) {

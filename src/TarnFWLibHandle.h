@@ -25,8 +25,10 @@ class CTarnFWLibHandle {
   /// Takes the channel; a former one is deleted.
   FWStatus_t setIOChannel(std::unique_ptr<CTarnFWIOChannel> channel);
 
-  /// 1 without a message buffer object, 8 when no buffer was to be had.
-  FWStatus_t getCommandBuffer(void** buffer, unsigned int size);
+  /// 1 without a message buffer object, 8 when no buffer was to be had. `memory` and `fresh` are
+  /// those of `CTarnFWMsgBuf::getBuffer`.
+  FWStatus_t getCommandBuffer(void** buffer, unsigned int size,
+                              CTarnFWMessageMemory* memory = nullptr, bool* fresh = nullptr);
 
   /// Counts a command of `size` bytes into the buffer's header.
   bool addCommand(void* buffer, unsigned int size);
@@ -37,7 +39,7 @@ class CTarnFWLibHandle {
   FWStatus_t flushCommandBuffer(void* buffer, unsigned int size, dvs_port_* port, void* context);
 
   /// 1 without a message buffer object, 3 when the buffer was refused.
-  FWStatus_t releaseCommandBuffer(void* buffer);
+  FWStatus_t releaseCommandBuffer(void* buffer, CTarnFWMessageMemory* memory = nullptr);
   FWStatus_t resetCommandBuffer(void* buffer);
 
  private:

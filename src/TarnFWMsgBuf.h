@@ -3,6 +3,8 @@
 /// The message that every exchange with the kernel firewall is, and the owner of its memory.
 
 #include <cstddef>
+#include <cstdlib>
+#include <utility>
 
 #include "TarnFWWire.h"
 
@@ -34,16 +36,40 @@ inline constexpr char kMsgSignature[4] = {'T', 'A', 'R', 'N'};
 /// the message takes; they come from here.
 inline constexpr std::size_t kMsgSlack = 20;
 
+/// Memory that messages are built in one after the other: a sender of many keeps it between them,
+/// so that a large message does not get fresh pages each time. It is free while no message is in
+/// it.
+class CTarnFWMessageMemory {
+ public:
+  CTarnFWMessageMemory() = default;
+  ~CTarnFWMessageMemory() { std::free(block_); }
+  CTarnFWMessageMemory(const CTarnFWMessageMemory&) = delete;
+  CTarnFWMessageMemory& operator=(const CTarnFWMessageMemory&) = delete;
+
+  /// Hands the block out, null when there is none.
+  void* take() { return std::exchange(block_, nullptr); }
+
+  /// Keeps a block from `malloc` in the place of the one before.
+  void keep(void* block) { std::free(std::exchange(block_, block)); }
+
+ private:
+  void* block_ = nullptr;
+};
+
 /// Owner of message memory. Callers hold a pointer to the body, the first byte after the header;
 /// a reply comes back in the same memory. Buffers are not tracked: who got one gives it back.
 /// Sizes are bytes of the body. False is failure, with a log line that says why.
 class CTarnFWMsgBuf {
  public:
-  /// Allocates a message with an empty header and `size` bytes of body, all zero.
-  virtual bool getBuffer(void** body, unsigned int size) = 0;
+  /// A message with an empty header and `size` bytes of body, all zero. With a `memory` it is built
+  /// there if the memory is large enough, and its body holds what an earlier message left, unless
+  /// `*fresh` says that it is zero.
+  virtual bool getBuffer(void** body, unsigned int size, CTarnFWMessageMemory* memory = nullptr,
+                         bool* fresh = nullptr) = 0;
 
-  /// Frees the buffer. One whose header is broken is not freed: nothing says what it is.
-  virtual bool releaseBuffer(void* body) = 0;
+  /// Frees the buffer, or gives it to a `memory`. One whose header is broken is not freed: nothing
+  /// says what it is.
+  virtual bool releaseBuffer(void* body, CTarnFWMessageMemory* memory = nullptr) = 0;
 
   /// Takes back all added commands; the sequence number and the bytes of the body stay.
   virtual bool resetBuffer(void* body) = 0;

@@ -262,6 +262,10 @@ bool CTarnFWRule::toMessage(void* buffer, unsigned int size, unsigned int* writt
   if (size < sizeof(FWRule_)) return false;
   if (kept_) {
     storeRecord(buffer, *kept_);
+  } else if (written_) {
+    // In place, where a first writing must leave everything alone when it fails: this one has been
+    // written as it is.
+    encode(clearRecord<FWRule_>(buffer));
   } else {
     FWRule_ record{};
     if (!encode(record)) return false;

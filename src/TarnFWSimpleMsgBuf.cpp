@@ -34,6 +34,27 @@ Block* newBlock(std::size_t size) {
   return block;
 }
 
+using BlockPointer = std::unique_ptr<Block, decltype(&std::free)>;
+
+/// The small block that was released last, zeroed, so that no old bytes reach the kernel or a peer.
+/// Null when it has another size.
+BlockPointer spareBlock(std::atomic<void*>& spare, std::size_t size) {
+  BlockPointer block(size <= kMaxSpare ? static_cast<Block*>(spare.exchange(nullptr)) : nullptr,
+                     std::free);
+  if (block == nullptr || block->size != size) return {nullptr, std::free};
+  std::memset(block->message(), 0, size);
+  return block;
+}
+
+/// The block of a memory as it is, but for the slack. Null when it is too small: it is gone before
+/// there is a larger one.
+BlockPointer keptBlock(CTarnFWMessageMemory& memory, std::size_t size) {
+  BlockPointer block(static_cast<Block*>(memory.take()), std::free);
+  if (block == nullptr || block->size < size) return {nullptr, std::free};
+  std::memset(static_cast<std::byte*>(block->message()) + size - kMsgSlack, 0, kMsgSlack);
+  return block;
+}
+
 /// The header in front of a body. All its members have alignment 1.
 tarn_msg_hdr_* headerOf(void* body) {
   return reinterpret_cast<tarn_msg_hdr_*>(static_cast<std::byte*>(body) - kMsgHeaderSize);
@@ -57,34 +78,35 @@ void CTarnFWSimpleMsgBuf::initMsgHeader(tarn_msg_hdr_* header) {
   mutex_.unlock();
 }
 
-bool CTarnFWSimpleMsgBuf::getBuffer(void** body, unsigned int size) {
+bool CTarnFWSimpleMsgBuf::getBuffer(void** body, unsigned int size, CTarnFWMessageMemory* memory,
+                                    bool* fresh) {
   if (body == nullptr) return false;
   if (size > std::numeric_limits<unsigned int>::max() - kMsgHeaderSize) {
     TARNFW_TRACE(FW_COMPONENT_MSGBUF, 0, "requested buffer size %u is too large\n\n", size);
     return false;
   }
-  // Zeroed, so that no old heap bytes reach the kernel or a peer.
   const std::size_t needed = kMsgHeaderSize + std::size_t{size} + kMsgSlack;
-  std::unique_ptr<Block, decltype(&std::free)> block(
-      needed <= kMaxSpare ? static_cast<Block*>(spare_.exchange(nullptr)) : nullptr, std::free);
-  if (block != nullptr && block->size == needed) {
-    std::memset(block->message(), 0, needed);
-  } else {
-    block.reset(newBlock(needed));
-  }
+  BlockPointer block = memory != nullptr ? keptBlock(*memory, needed) : spareBlock(spare_, needed);
+  const bool holdsMessage = memory != nullptr && block != nullptr;
+  if (block == nullptr) block.reset(newBlock(needed));
   if (block == nullptr) {
     TARNFW_WARNING("failed to get message buffer of size %u\n\n", size);
     return false;
   }
   initMsgHeader(static_cast<tarn_msg_hdr_*>(block->message()));
   *body = static_cast<std::byte*>(block.release()->message()) + kMsgHeaderSize;
+  if (fresh != nullptr) *fresh = !holdsMessage;
   return true;
 }
 
-bool CTarnFWSimpleMsgBuf::releaseBuffer(void* body) {
+bool CTarnFWSimpleMsgBuf::releaseBuffer(void* body, CTarnFWMessageMemory* memory) {
   if (!validateBuffer(body, 0)) return false;
   Block* const block = Block::of(headerOf(body));
-  std::free(block->size <= kMaxSpare ? spare_.exchange(block) : block);
+  if (memory != nullptr) {
+    memory->keep(block);
+  } else {
+    std::free(block->size <= kMaxSpare ? spare_.exchange(block) : block);
+  }
   return true;
 }
 

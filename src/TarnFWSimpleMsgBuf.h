@@ -19,8 +19,9 @@ class CTarnFWSimpleMsgBuf final : public CTarnFWMsgBuf {
   CTarnFWSimpleMsgBuf() = default;
   ~CTarnFWSimpleMsgBuf() override;
 
-  bool getBuffer(void** body, unsigned int size) override;
-  bool releaseBuffer(void* body) override;
+  bool getBuffer(void** body, unsigned int size, CTarnFWMessageMemory* memory = nullptr,
+                 bool* fresh = nullptr) override;
+  bool releaseBuffer(void* body, CTarnFWMessageMemory* memory = nullptr) override;
   bool resetBuffer(void* body) override;
   bool validateBuffer(void* body, unsigned int size) override;
   bool getMessage(void* body, unsigned int size, void** message,

@@ -154,7 +154,11 @@ FWStatus_t FW_LoadConfigFile(const char* path, fwlibhandle_** channel, fwconfigf
 /// Sends the commands in their order, up to the first that fails, whose status it gives; `port`
 /// replaces their selectors unless it is null. Without a `port`, a command that fails with 21
 /// ("switch port not found") is passed over, and the next is sent; the last one's 21 is given. What
-/// was carried out stays so. May be repeated. 3 for a null handle, of either kind.
+/// was carried out stays so. 3 for a null handle, of either kind.
+///
+/// May be repeated: one configuration can be sent to many filters, each with its own `port`, without
+/// being parsed again. Further evaluations build their messages in the memory of the first, which
+/// `FW_FreeConfigFile` frees.
 FWStatus_t FW_EvaluateConfigFile(fwlibhandle_* handle, fwconfigfile_* config, dvs_port_* port,
                                  void* context);
 

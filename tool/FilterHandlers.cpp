@@ -5,12 +5,15 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <string>
+#include <string_view>
 #include <utility>
 
 #include "Devices.h"
 #include "HandlerForm.h"
 #include "Handlers.h"
 #include "TarnFWLog.h"
+#include "TarnFWText.h"
 #include "TarnFWUtil.h"
 
 using namespace TarnFirewall;
@@ -79,89 +82,152 @@ enum FilterCounter : unsigned int {
   kFirstRbe = 28,
 };
 
-constexpr const char* kRejectNames[] = {
+/// What stands in front of a value: a name in 24 columns or more, with the blanks that indent it,
+/// and a colon. The compiler pads it: a filter with statistics has 60 lines, which `printf` would
+/// pad again for each filter.
+template <std::size_t Indent>
+class Label {
+ public:
+  consteval Label(const char* name) {  // NOLINT(google-explicit-constructor): a literal
+    std::fill_n(text_, sizeof text_, ' ');
+    std::size_t end = Indent;
+    while (*name != '\0') text_[end++] = *name++;
+    end = std::max<std::size_t>(end, 24);
+    text_[end + 1] = ':';
+    size_ = end + 3;
+  }
+
+  std::string_view text() const { return {text_, size_}; }
+
+ private:
+  char text_[40];
+  std::size_t size_;
+};
+using FieldLabel = Label<0>;
+using CounterLabel = Label<3>;
+
+constexpr CounterLabel kRejectNames[] = {
     "Bad L2",  "Bad Ethernet", "Non IP",          "Short IP",     "Bad IPv4",     "Bad IPv6",
     "Bad TCP", "Bad ICMP",     "Rst for TCP Rst", "Rate Limited", "Failed Alloc", "Failed Other",
 };
-constexpr const char* kRateNames[] = {
+constexpr CounterLabel kRateNames[] = {
     "Current",         "Max (in window)", "Avg (in window)",
     "High Water Mark", "Active Conn",     "High Water Mark Conn",
 };
-constexpr const char* kRbeNames[] = {"RBE In Pkt", "RBE Out Pkt", "RBE In Drop", "RBE Out Drop"};
+constexpr CounterLabel kRbeNames[] = {"RBE In Pkt", "RBE Out Pkt", "RBE In Drop", "RBE Out Drop"};
 
 // By bit. A set bit switches the kind off; only the last one is on when set.
-constexpr const char* kFlowFlagNames[] = {
+constexpr CounterLabel kFlowFlagNames[] = {
     "L2 Pass Flows",   "L2 Drop Flows", "L3 Drop Flows",   "L3 Inactive Flows",
     "L3 Active Flows", "All Flows",     "Global override",
 };
 constexpr unsigned int kGlobalOverride = 6;
 
-void printField(const char* name, const char* value) { std::printf("%-24s : %s\n", name, value); }
-void printField(const char* name, int value) { std::printf("%-24s : %d\n", name, value); }
-void printField(const char* name, const std::string& value) { printField(name, value.c_str()); }
+/// Length of a filter's text, statistics included, so that the string grows once.
+constexpr std::size_t kUsualText = 2500;
 
-void printUnlessEmpty(const char* name, const std::string& value) {
-  if (!value.empty()) printField(name, value);
+template <std::size_t Indent>
+void appendLine(std::string& text, const Label<Indent>& label, std::string_view value) {
+  text += label.text();
+  text += value;
+  text += '\n';
 }
 
-void printCount(const char* name, std::uint64_t value) {
-  std::printf("   %-21s : %lld\n", name, static_cast<long long>(value));
+void appendField(std::string& text, const FieldLabel& label, std::string_view value) {
+  appendLine(text, label, value);
 }
 
-void printPair(const char* name, std::uint64_t fromSwitch, std::uint64_t toSwitch) {
-  std::printf("   %-21s : %lld %lld\n", name, static_cast<long long>(fromSwitch),
-              static_cast<long long>(toSwitch));
+void appendField(std::string& text, const FieldLabel& label, int value) {
+  text += label.text();
+  appendDecimal(text, value);
+  text += '\n';
 }
 
-std::uint64_t quotient(std::uint64_t dividend, std::uint64_t divisor) {
-  return divisor != 0 ? dividend / divisor : 0;
+void appendUnlessEmpty(std::string& text, const FieldLabel& label, std::string_view value) {
+  if (!value.empty()) appendField(text, label, value);
 }
 
-void printFlowFlags(std::uint32_t flags) {
-  std::printf("%-24s\n", "Flow Collection Flags");
+void appendCount(std::string& text, const CounterLabel& label, std::int64_t value) {
+  text += label.text();
+  appendDecimal(text, value);
+  text += '\n';
+}
+
+void appendPair(std::string& text, const CounterLabel& label, std::int64_t fromSwitch,
+                std::int64_t toSwitch) {
+  text += label.text();
+  appendDecimal(text, fromSwitch);
+  text += ' ';
+  appendDecimal(text, toSwitch);
+  text += '\n';
+}
+
+/// Printed as it stands in 64 bits: a quotient or a counter above 2^63 prints as a negative number.
+std::int64_t quotient(std::uint64_t dividend, std::uint64_t divisor) {
+  return static_cast<std::int64_t>(divisor != 0 ? dividend / divisor : 0);
+}
+
+void appendFlowFlags(std::string& text, std::uint32_t flags) {
+  text += "Flow Collection Flags   \n";
   for (unsigned int bit = 0; bit < std::size(kFlowFlagNames); ++bit) {
     const bool set = (flags >> bit & 1) != 0;
     const bool on = bit == kGlobalOverride ? set : !set;
-    std::printf("   %-21s : %-6s\n", kFlowFlagNames[bit], on ? "On" : "Off");
+    appendLine(text, kFlowFlagNames[bit], on ? "On    " : "Off   ");
   }
 }
 
-void printStats(const FWFilterRecord_& record) {
-  const auto& counters = record.counters;
-  const auto pair = [&](const char* name, unsigned int first) {
-    printPair(name, counters[first], counters[first + 1]);
-  };
-  const auto rates = [&](const char* perPacket, const char* perSecond, unsigned int time,
-                         unsigned int packets) {
-    printPair(perPacket, quotient(counters[time], counters[packets]),
-              quotient(counters[time + 1], counters[packets + 1]));
-    printPair(perSecond, quotient(counters[packets] * 1000000, counters[time]),
-              quotient(counters[packets + 1] * 1000000, counters[time + 1]));
-  };
+/// The counters of the two directions, and what is worked out of them.
+class PairLines {
+ public:
+  PairLines(std::string& text, const FWFilterRecord_& record)
+      : text_(text), counters_(record.counters) {}
 
-  std::printf("Basic Stats: From Switch  To Switch\n");
-  pair("Total rx from weirgate", kFromWeirgate);
-  pair("Total packets", kPackets);
-  pair("Total time (us)", kTime);
-  rates("Rate (us/pkt)", "Rate (pkt/s)", kTime, kPackets);
-  pair("Total punted to slowpath", kPunted);
-  pair("Total copied to slowpath", kCopied);
-  pair("Total hitting failurepolicy", kFailurePolicy);
-  pair("Total back from Slowpath", kFromSlowPath);
-  pair("Total Slow time (us)", kSlowTime);
-  rates("Slow Rate (us/pkt)", "Slow Rate (pkt/s)", kSlowTime, kFromSlowPath);
+  void counter(const CounterLabel& label, unsigned int first) {
+    appendPair(text_, label, static_cast<std::int64_t>(counters_[first]),
+               static_cast<std::int64_t>(counters_[first + 1]));
+  }
 
-  std::printf("Reject Failure Stats\n");
+  void rates(const CounterLabel& perPacket, const CounterLabel& perSecond, unsigned int time,
+             unsigned int packets) {
+    appendPair(text_, perPacket, quotient(counters_[time], counters_[packets]),
+               quotient(counters_[time + 1], counters_[packets + 1]));
+    appendPair(text_, perSecond, quotient(counters_[packets] * 1000000, counters_[time]),
+               quotient(counters_[packets + 1] * 1000000, counters_[time + 1]));
+  }
+
+ private:
+  std::string& text_;
+  const decltype(FWFilterRecord_::counters)& counters_;
+};
+
+void appendStats(std::string& text, const FWFilterRecord_& record) {
+  const auto count = [&](const CounterLabel& label, unsigned int counter) {
+    appendCount(text, label, static_cast<std::int64_t>(record.counters[counter]));
+  };
+  PairLines pairs(text, record);
+
+  text += "Basic Stats: From Switch  To Switch\n";
+  pairs.counter("Total rx from weirgate", kFromWeirgate);
+  pairs.counter("Total packets", kPackets);
+  pairs.counter("Total time (us)", kTime);
+  pairs.rates("Rate (us/pkt)", "Rate (pkt/s)", kTime, kPackets);
+  pairs.counter("Total punted to slowpath", kPunted);
+  pairs.counter("Total copied to slowpath", kCopied);
+  pairs.counter("Total hitting failurepolicy", kFailurePolicy);
+  pairs.counter("Total back from Slowpath", kFromSlowPath);
+  pairs.counter("Total Slow time (us)", kSlowTime);
+  pairs.rates("Slow Rate (us/pkt)", "Slow Rate (pkt/s)", kSlowTime, kFromSlowPath);
+
+  text += "Reject Failure Stats\n";
   for (unsigned int i = 0; i < std::size(kRejectNames); ++i)
-    printCount(kRejectNames[i], counters[kFirstReject + i]);
+    count(kRejectNames[i], kFirstReject + i);
 
-  std::printf("CPS Stats\n");
+  text += "CPS Stats\n";
   for (unsigned int i = 0; i < std::size(kRateNames); ++i)
-    std::printf("   %-21s : %d\n", kRateNames[i], static_cast<int>(record.connectionRates[i]));
+    appendCount(text, kRateNames[i], static_cast<std::int32_t>(record.connectionRates[i]));
 
-  std::printf("RBE Filter Stats\n");
-  for (unsigned int i = 0; i < std::size(kRbeNames); ++i)
-    printCount(kRbeNames[i], counters[kFirstRbe + i]);
+  text += "RBE Filter Stats\n";
+  for (unsigned int i = 0; i < std::size(kRbeNames); ++i) count(kRbeNames[i], kFirstRbe + i);
 }
 
 }  // namespace
@@ -187,23 +253,26 @@ void PrintFilter(const FWFilterRecord_& record, const FilterView& view) {
     return;
   }
 
+  std::string text;
+  text.reserve(kUsualText);
+  text += '\n';
+  appendField(text, "Filter Name", name);
+  appendField(text, "VM UUID", vmUuid);
+  appendField(text, "VNIC Index", vnicIndex);
   char vnicUuid[64];
-  std::printf("\n");
-  printField("Filter Name", name);
-  printField("VM UUID", vmUuid);
-  printField("VNIC Index", vnicIndex);
-  printField("VNIC UUID", gfystr2vnicstr(vmUuid.c_str(), vnicIndex, vnicUuid, sizeof vnicUuid)
-                              ? vnicUuid
-                              : "bad vnic uuid");
-  printUnlessEmpty("VIF ID", fieldText(record.vifId));
-  printUnlessEmpty("LSP ID", fieldText(record.lspId));
-  printUnlessEmpty("Service Profile", fieldText(record.serviceProfile));
-  printField("Filter Rule Config", record.ruleConfig != 0 ? "configured" : "none");
-  printField("Filter Hash", static_cast<int>(record.hash));
+  const bool good = gfystr2vnicstr(vmUuid.c_str(), vnicIndex, vnicUuid, sizeof vnicUuid);
+  appendField(text, "VNIC UUID", good ? vnicUuid : "bad vnic uuid");
+  appendUnlessEmpty(text, "VIF ID", fieldText(record.vifId));
+  appendUnlessEmpty(text, "LSP ID", fieldText(record.lspId));
+  appendUnlessEmpty(text, "Service Profile", fieldText(record.serviceProfile));
+  appendLine(text, FieldLabel("Filter Rule Config"),
+             record.ruleConfig != 0 ? "configured" : "none");
+  appendField(text, "Filter Hash", static_cast<int>(record.hash));
 
   // No flag set: every kind is on, and nothing is said.
-  if (record.flowFlags != 0) printFlowFlags(record.flowFlags);
-  if (view.withStats) printStats(record);
+  if (record.flowFlags != 0) appendFlowFlags(text, record.flowFlags);
+  if (view.withStats) appendStats(text, record);
+  std::fwrite(text.data(), 1, text.size(), stdout);
 }
 
 namespace {

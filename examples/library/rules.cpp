@@ -1,5 +1,5 @@
-// A C++ program that uses the installed library: loads configuration text into a filter, gives it
-// an address set, and prints what the filter holds then.
+// A C++ program that uses the installed library: loads configuration text into two filters, gives
+// the first an address set, and prints what that filter holds then.
 
 #include <tarnfw.h>
 
@@ -36,6 +36,11 @@ int main() {
             &channel, &configuration),
         "load");
   check(FW_EvaluateConfigFile(channel, configuration, &filter, nullptr), "evaluate");
+  // For another filter nothing is parsed again, and the messages are built in the memory of the
+  // first evaluation.
+  dvs_port_ other = filter;
+  std::strcpy(other.identifier, "nic-1002731-eth0-kelpco-sfw.2");
+  check(FW_EvaluateConfigFile(channel, configuration, &other, nullptr), "evaluate again");
   check(FW_FreeConfigFile(configuration), "free");
 
   const FWAddrSetID_t clients{"clients"};

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <set>
 
 #include "Expect.h"
 #include "FakeKernel.h"
@@ -286,6 +287,41 @@ TEST_F(TarnFWCmdList, NothingOfAnEarlierMessageIsLeftInABufferThatIsUsedAgain) {
     }
   }
   EXPECT_EQ(roots, 2000);
+}
+
+TEST_F(TarnFWCmdList, FurtherEvaluationsBuildTheirMessagesInTheMemoryOfTheFirst) {
+  add(1, 200000);
+  add(2, 300);
+  std::set<const std::uint8_t*> places;
+  kernel.answerAllWith([&](std::uint8_t* message, unsigned int size) -> FWStatus_t {
+    places.insert(message);
+    std::fill(message + 32, message + size, std::uint8_t{0xa5});
+    return 0;
+  });
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(single(), 0u);
+  EXPECT_EQ(batch(), 0u);
+  EXPECT_EQ(places.size(), 2u) << "one, and one of a batch's size";
+  ASSERT_EQ(kernel.messages().size(), 7u);
+  for (const std::size_t i : {2u, 4u}) {
+    EXPECT_EQ(kernel.messages()[i].body(), kernel.messages()[0].body());
+    EXPECT_EQ(kernel.messages()[i + 1].body(), kernel.messages()[1].body());
+    EXPECT_EQ(kernel.messages()[i].bytes[8], i) << "the sequence number goes on";
+  }
+}
+
+TEST_F(TarnFWCmdList, NothingOfAnEarlierEvaluationIsLeftInItsMemory) {
+  list.addCmd(std::make_unique<CTarnFWCmdGetRootRuleSet>(nullptr));
+  add(1, 100000);
+  list.addCmd(std::make_unique<CTarnFWCmdGetRootRuleSet>(nullptr));
+  kernel.answerAllWith([](std::uint8_t* message, unsigned int size) -> FWStatus_t {
+    std::fill(message + 32, message + size, std::uint8_t{0xa5});
+    return 0;
+  });
+  EXPECT_EQ(single(), 0u);
+  EXPECT_EQ(single(), 0u);
+  ASSERT_EQ(kernel.messages().size(), 6u);
+  for (const std::size_t i : {0u, 2u, 3u, 5u})
+    EXPECT_EQ(kernel.messages()[i].body(), Bytes(132)) << "message " << i;
 }
 
 TEST_F(TarnFWCmdList, AnExceptionFromReadingAReplyEndsTheBatch) {

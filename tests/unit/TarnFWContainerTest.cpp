@@ -170,6 +170,31 @@ TEST(TarnFWContainer, ReadsElementsOfDifferentLengths) {
             "WIN_SID : S-1-5-18 }");
 }
 
+TEST(TarnFWContainer, ElementsOfAChainStandInTheirOwnOrder) {
+  CTarnFWContainer container("web", kPlain);
+  container.addElement(app(4));
+  ASSERT_TRUE(parse(container, chainOf({34, 2, 33, 2, 6, 4})));
+  Bytes bytes(container.getMsgSize());
+  EXPECT_TRUE(container.toMessage(bytes.data(), container.getMsgSize(), nullptr));
+  EXPECT_EQ(bytes, chainOf({2, 4, 6, 33, 34}));
+}
+
+TEST(TarnFWContainer, OfEqualElementsOfAChainTheFirstStays) {
+  // The text of an identifier plays no part in what is equal.
+  Bytes chain{7, 0, 0, 0, 3, 0, 0, 0, 0, 0, 0, 0};
+  for (const auto& [low, text] : {std::pair{2UL, "/c"}, {1UL, "/b"}, {1UL, "/a"}}) {
+    CTarnFWL7Attribute path(FW_ATTR_KEY_HTTP_PATH, 1UL, low, text);
+    Bytes element(path.getMsgSize());
+    ASSERT_TRUE(path.toMessage(element.data(), path.getMsgSize(), nullptr));
+    chain.insert(chain.end(), element.begin(), element.end());
+  }
+  CTarnFWContainer container("web", kPlain);
+  ASSERT_TRUE(parse(container, chain));
+  EXPECT_EQ(container.toString(),
+            "{HTTP_PATH : /b(00000000-0000-0001-0000-000000000001), "
+            "HTTP_PATH : /c(00000000-0000-0001-0000-000000000002) }");
+}
+
 TEST(TarnFWContainer, TwoEqualAttributesInAChainGiveOne) {
   CTarnFWContainer container("web", kPlain);
   LogCapture log;

@@ -41,6 +41,13 @@ class Buffer {
   CTarnFWMsgBuf& owner_;
 };
 
+/// The 20 bytes from a place on.
+Bytes bytesOf(const std::uint8_t* place) {
+  Bytes bytes(20);
+  std::memcpy(bytes.data(), place, bytes.size());
+  return bytes;
+}
+
 Bytes emptyHeader() { return Bytes(20).text(0, "TARN").at(12, {1, 1, 0, 1}); }
 
 }  // namespace
@@ -114,6 +121,35 @@ TEST(TarnFWSimpleMsgBuf, ABufferOfAnotherSizeThanTheReleasedOneHasItsOwnRoom) {
       byte = 0xa5;
     }
   }
+}
+
+TEST(TarnFWSimpleMsgBuf, AMessageStandsInTheMemoryOfAnEarlierOneIfThatIsLargeEnough) {
+  CTarnFWSimpleMsgBuf owner;
+  CTarnFWMessageMemory memory;
+  void* first = nullptr;
+  bool fresh = false;
+  ASSERT_TRUE(owner.getBuffer(&first, 5000, &memory, &fresh));
+  EXPECT_TRUE(fresh);
+  auto* const bytes = static_cast<std::uint8_t*>(first);
+  EXPECT_TRUE(std::all_of(bytes, bytes + 5020, [](int byte) { return byte == 0; }));
+  std::memset(bytes, 0xa5, 5000);
+  owner.addCommand(first, 5000);
+  EXPECT_TRUE(owner.releaseBuffer(first, &memory));
+
+  void* second = nullptr;
+  ASSERT_TRUE(owner.getBuffer(&second, 4000, &memory, &fresh));
+  EXPECT_FALSE(fresh);
+  ASSERT_EQ(second, first);
+  EXPECT_EQ(bytesOf(bytes - 20), emptyHeader().at(8, {1}));
+  EXPECT_EQ(bytesOf(bytes + 4000), Bytes(20)) << "the slack is zero";
+  EXPECT_TRUE(owner.releaseBuffer(second, &memory));
+
+  void* third = nullptr;
+  ASSERT_TRUE(owner.getBuffer(&third, 6000, &memory, &fresh));
+  EXPECT_TRUE(fresh);
+  const auto* const others = static_cast<const std::uint8_t*>(third);
+  EXPECT_TRUE(std::all_of(others, others + 6020, [](int byte) { return byte == 0; }));
+  EXPECT_TRUE(owner.releaseBuffer(third, &memory));
 }
 
 TEST(TarnFWSimpleMsgBuf, BuffersThatAreHeldAtOnceAreApart) {
