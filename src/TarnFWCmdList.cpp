@@ -180,9 +180,9 @@ FWStatus_t CTarnFWCmdList::evalSingleCmd(CTarnFWLibHandle& handle, const dvs_por
     command.setDVSPort(port, true);
     void* reply = nullptr;
     unsigned int size = 0;
-    status = command.execute(&handle, &reply, &size, context, &memory_);
+    status = command.execute(&handle, &reply, &size, context, &messageMemory_);
     if (status == FW_STATUS_OK) {
-      CTarnFWCmd::releaseCmdBuffer(&handle, reply, &memory_);
+      CTarnFWCmd::releaseCmdBuffer(&handle, reply, &messageMemory_);
       continue;
     }
     const bool skip =
@@ -194,7 +194,7 @@ FWStatus_t CTarnFWCmdList::evalSingleCmd(CTarnFWLibHandle& handle, const dvs_por
 
 FWStatus_t CTarnFWCmdList::evalBatchCmd(CTarnFWLibHandle& handle, const dvs_port_* port,
                                         void* context) {
-  Batch batch(handle, port, context, memory_);
+  Batch batch(handle, port, context, messageMemory_);
   for (const auto& command : commands_) {
     if (const FWStatus_t status = batch.add(*command)) return status;
   }

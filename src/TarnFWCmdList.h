@@ -56,7 +56,7 @@ class CTarnFWCmdList final : public ITarnFWObject {
  private:
   std::vector<std::shared_ptr<CTarnFWLoadMemory>> memories_;  // outlive the commands
   std::deque<std::unique_ptr<CTarnFWCmd>> commands_;
-  CTarnFWMessageMemory memory_;
+  CTarnFWMessageMemory messageMemory_;
 };
 
 }  // namespace TarnFirewall
