@@ -13,7 +13,7 @@ namespace {
 // The file "faults": 20 bytes for each fault.
 constexpr std::size_t recordSize = 20, fileLimit = recordSize << 20;
 constexpr std::size_t atKind = 0, atDevice = 1, atHasOnly = 2, atPeer = 3, atValue = 4,
-                      atRemaining = 8, atOnly = 12;
+                      atRemaining = 8, atOnly = 12, atSkipped = 16;
 
 /// Whether "tarnlab fault" could have ordered it.
 bool isPossible(const Fault& fault) {
@@ -76,6 +76,7 @@ std::string Fault::toString() const {
       text += " " + sentenceOf(*this);
       break;
   }
+  if (skipped > 0) text += format(", after %u more", skipped);
   return text +
          (remaining == 0 ? std::string(", until cleared") : format(", the next %u", remaining));
 }
@@ -94,6 +95,7 @@ Faults Faults::load(const Store& store) {
     fault.peer = static_cast<PeerFault>(get8(rest, atPeer));
     fault.value = get32(rest, atValue);
     fault.remaining = get32(rest, atRemaining);
+    fault.skipped = get32(rest, atSkipped);
     if (get8(rest, atHasOnly) != 0) fault.only = get32(rest, atOnly);
     if (!isPossible(fault)) throw StoreError("damaged file " + store.path("faults"), EINVAL);
     faults.faults_.push_back(fault);
@@ -116,6 +118,7 @@ void Faults::save(const Store& store) const {
     put32(rest, atValue, fault.value);
     put32(rest, atRemaining, fault.remaining);
     put32(rest, atOnly, fault.only.value_or(0));
+    put32(rest, atSkipped, fault.skipped);
     rest = rest.subspan(recordSize);
   }
   store.replace("faults", {content});
@@ -137,9 +140,17 @@ std::uint32_t Faults::strike(std::size_t index) {
   return value;
 }
 
+bool Faults::skips(std::size_t index) {
+  Fault& fault = faults_[index];
+  if (fault.skipped == 0) return false;
+  --fault.skipped;
+  changed_ = true;
+  return true;
+}
+
 std::uint32_t Faults::takeDelay() {
   for (std::size_t i = 0; i < faults_.size(); ++i) {
-    if (faults_[i].kind == Fault::Kind::delay) return strike(i);
+    if (faults_[i].kind == Fault::Kind::delay && !skips(i)) return strike(i);
   }
   return 0;
 }
@@ -148,7 +159,7 @@ std::optional<std::uint32_t> Faults::takeError(Device device, std::uint32_t requ
   for (std::size_t i = 0; i < faults_.size(); ++i) {
     const Fault& fault = faults_[i];
     if (fault.kind == Fault::Kind::error && fault.only.value_or(request) == request &&
-        (fault.device == Device::none || fault.device == device)) {
+        (fault.device == Device::none || fault.device == device) && !skips(i)) {
       return strike(i);
     }
   }
@@ -159,9 +170,9 @@ std::optional<std::uint32_t> Faults::takeStatus(const std::vector<std::uint16_t>
   for (std::size_t i = 0; i < faults_.size(); ++i) {
     const Fault& fault = faults_[i];
     if (fault.kind != Fault::Kind::status) continue;
-    if (!fault.only || std::find(commands.begin(), commands.end(), *fault.only) != commands.end()) {
-      return strike(i);
-    }
+    const bool isMeant =
+        !fault.only || std::find(commands.begin(), commands.end(), *fault.only) != commands.end();
+    if (isMeant && !skips(i)) return strike(i);
   }
   return std::nullopt;
 }

@@ -22,6 +22,7 @@ struct Fault {
                                       // of an announced length, its relation
   Device device = Device::none;       // of `absent`, `error` and `peer`; none is every one
   PeerFault peer = PeerFault::absent;
+  std::uint32_t skipped = 0;  // how many it still lets pass before it strikes; 0 for `peer`
 
   /// Whether it is one of that peer.
   bool strikes(Device which) const {
@@ -65,6 +66,9 @@ class Faults {
 
  private:
   std::uint32_t strike(std::size_t index);
+
+  /// Whether the fault lets what it is for pass this time. Counts.
+  bool skips(std::size_t index);
   bool takeOne(PeerFault fault, Device peer, PeerManner& manner);
 
   std::vector<Fault> faults_;

@@ -63,12 +63,13 @@ int clearFaults(const Store& store) {
   return exitOk;
 }
 
-/// Reads "--count N", "--only WHAT", "--device DEVICE" and "--peer PEER"; 0 or the exit status of a
-/// mistake.
+/// Reads "--after N", "--count N", "--only WHAT", "--device DEVICE" and "--peer PEER"; 0 or the
+/// exit status of a mistake.
 int readOptions(Fault& fault, Arguments arguments) {
   for (; !arguments.empty(); arguments = arguments.subspan(2)) {
     const std::string option = arguments[0];
-    if (option != "--count" && option != "--only" && option != "--device" && option != "--peer") {
+    if (option != "--after" && option != "--count" && option != "--only" && option != "--device" &&
+        option != "--peer") {
       return misused("fault", "unknown argument " + printable(option));
     }
     if (arguments.size() < 2) return misused("fault", option + " needs a value");
@@ -77,6 +78,10 @@ int readOptions(Fault& fault, Arguments arguments) {
       const auto count = parseNumber(value, countLimit);
       if (!count || *count == 0) return misused("fault", "bad count " + printable(value));
       fault.remaining = static_cast<std::uint32_t>(*count);
+    } else if (option == "--after" && fault.kind != Fault::Kind::peer) {
+      const auto skipped = parseNumber(value, countLimit);
+      if (!skipped) return misused("fault", "bad number to skip " + printable(value));
+      fault.skipped = static_cast<std::uint32_t>(*skipped);
     } else if (option == "--only" && fault.kind == Fault::Kind::status) {
       const auto command = commandNumber(value);
       if (!command) return misused("fault", "unknown command " + printable(value));

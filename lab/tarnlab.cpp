@@ -98,9 +98,10 @@ constexpr ProgramCommand commands[] = {
      runLog},
     {"fault", "order failures, or list or clear them",
      "Usage: tarnlab fault\n"
-     "       tarnlab fault status S [--count N] [--only COMMAND]\n"
-     "       tarnlab fault errno E [--count N] [--only REQUEST] [--device DEVICE]\n"
-     "       tarnlab fault delay MS [--count N]\n"
+     "       tarnlab fault status S [--after N] [--count N] [--only COMMAND]\n"
+     "       tarnlab fault errno E [--after N] [--count N] [--only REQUEST]\n"
+     "                     [--device DEVICE]\n"
+     "       tarnlab fault delay MS [--after N] [--count N]\n"
      "       tarnlab fault absent [DEVICE...]\n"
      "       tarnlab fault peer WHAT [VALUE] [--count N] [--peer PEER]\n"
      "       tarnlab fault clear\n"
@@ -116,6 +117,7 @@ constexpr ProgramCommand commands[] = {
      "                  (at once), cut BYTES (of the answer), slow MS, bytes (one by one),\n"
      "                  length [+-]N (announced), unterminated, silent, endless\n"
      "  clear           no faults from now on\n"
+     "  --after N       lets N of those that it is for pass first\n"
      "  --count N       only the next N; without it, until cleared\n"
      "  --only COMMAND  only messages with this command, by name or number\n"
      "  --only REQUEST  only this request number\n"

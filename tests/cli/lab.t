@@ -547,9 +547,10 @@ Faults
 
   $ run tarnlab fault --help
   Usage: tarnlab fault
-         tarnlab fault status S [--count N] [--only COMMAND]
-         tarnlab fault errno E [--count N] [--only REQUEST] [--device DEVICE]
-         tarnlab fault delay MS [--count N]
+         tarnlab fault status S [--after N] [--count N] [--only COMMAND]
+         tarnlab fault errno E [--after N] [--count N] [--only REQUEST]
+                       [--device DEVICE]
+         tarnlab fault delay MS [--after N] [--count N]
          tarnlab fault absent [DEVICE...]
          tarnlab fault peer WHAT [VALUE] [--count N] [--peer PEER]
          tarnlab fault clear
@@ -565,6 +566,7 @@ Faults
                     (at once), cut BYTES (of the answer), slow MS, bytes (one by one),
                     length [+-]N (announced), unterminated, silent, endless
     clear           no faults from now on
+    --after N       lets N of those that it is for pass first
     --count N       only the next N; without it, until cleared
     --only COMMAND  only messages with this command, by name or number
     --only REQUEST  only this request number

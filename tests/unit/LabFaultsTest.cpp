@@ -38,6 +38,26 @@ TEST_F(LabFaults, AStatusForOneCommandSparesTheOthers) {
   EXPECT_EQ(createRuleSet("web", {}), 0u);
 }
 
+TEST_F(LabFaults, AFaultLetsTheOrderedNumberPassFirst) {
+  {
+    const StoreLock lock(store);
+    Faults faults;
+    Fault fault{Fault::Kind::status, 65, 1, 3, Device::none};
+    fault.skipped = 2;
+    EXPECT_EQ(fault.toString(),
+              "messages are answered with status 65, those with command 3 only, after 2 more, the "
+              "next 1");
+    faults.add(fault);
+    faults.save(store);
+  }
+  EXPECT_EQ(createRuleSet("a", {}), 0u);
+  EXPECT_EQ(command(1, ByteVector(4)), 0u) << "another command does not count";
+  EXPECT_EQ(createRuleSet("b", {}), 0u);
+  EXPECT_EQ(left(), 1u);
+  EXPECT_EQ(createRuleSet("c", {}), 65u);
+  EXPECT_EQ(left(), 0u);
+}
+
 TEST_F(LabFaults, AnErrnoFailsRequestsUntilItIsCleared) {
   order(Fault::Kind::error, ENOMEM, 0);
   ByteVector body(116);
