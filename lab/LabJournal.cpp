@@ -17,7 +17,8 @@ namespace TarnLab {
 namespace {
 
 // Head of an entry; note, selector, sent and answered bytes follow it, and a tail that an entry
-// which was cut off does not have: the head's check once more, inverted.
+// which was cut off does not have: the head's check once more, inverted. Its last byte is 0, so
+// that no head that follows an entry which was cut off in its tail completes it.
 constexpr std::uint32_t magic = 0x324f4c54;
 constexpr std::size_t headSize = 96, tailSize = 4;
 constexpr std::size_t atMagic = 0, atCheck = 4, atTime = 8, atProcess = 16, atThread = 20,
@@ -34,6 +35,8 @@ std::uint32_t check(ConstBytes head) {
   return hash;
 }
 
+std::uint32_t tailOf(ConstBytes head) { return ~get32(head, atCheck) & 0x00ffffff; }
+
 ByteVector take(ConstBytes& rest, std::size_t size) {
   const ConstBytes piece = part(rest, 0, size);
   rest = rest.subspan(size);
@@ -48,7 +51,7 @@ std::optional<ByteVector> readBody(int file, ConstBytes head, std::uint64_t at) 
   if (size > 4 * JournalEntry::keptLimit) return std::nullopt;
   ByteVector body(static_cast<std::size_t>(size) + tailSize);
   if (!readAt(file, body, at + headSize)) return std::nullopt;
-  if (get32(body, static_cast<std::size_t>(size)) != ~get32(head, atCheck)) return std::nullopt;
+  if (get32(body, static_cast<std::size_t>(size)) != tailOf(head)) return std::nullopt;
   body.resize(static_cast<std::size_t>(size));
   return body;
 }
@@ -154,7 +157,7 @@ void Journal::append(const JournalEntry& entry) const {
   put64(head, atSize, entry.size);
   put32(head, atCheck, check(head));
   ByteVector tail(tailSize);
-  put32(tail, 0, ~get32(head, atCheck));
+  put32(tail, 0, tailOf(head));
   const auto piece = [](const auto& bytes) {
     return iovec{const_cast<void*>(static_cast<const void*>(bytes.data())), bytes.size()};
   };

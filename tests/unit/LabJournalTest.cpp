@@ -81,6 +81,16 @@ TEST_F(LabJournal, SkipsAnEntryThatWasLeftHalfWritten) {
   }
 }
 
+TEST_F(LabJournal, AnEntryEndsWithAByteThatNoneBeginsWith) {
+  ByteVector body = Record().text("kelpco-sfw", 100).u32(6).zero(12);
+  for (int turn = 0; turn < 300; ++turn) {
+    ASSERT_EQ(direct(20, body), 0);
+    std::ifstream log(store.path("log"), std::ios::binary);
+    log.seekg(-1, std::ios::end);
+    ASSERT_EQ(log.get(), 0) << "an entry that lacks this byte is not completed by the next one";
+  }
+}
+
 TEST_F(LabJournal, ShowsWhatFollowsABigEntryThatWasLeftHalfWritten) {
   ASSERT_EQ(createRuleSet("big", std::vector<ByteVector>(1000, ruleRecord(1))), 0u);
   std::filesystem::resize_file(store.path("log"), 300000);
