@@ -120,7 +120,7 @@ int runCommand(int argc, char** argv) {
   }
 
   const char* const word = argv[1];
-  if (std::strcmp(word, "-h") == 0) {
+  if (word[0] == '-' && word[1] == 'h' && word[2] == '\0') {
     printHelp("help");
     return 0;
   }

@@ -1,5 +1,6 @@
 #include <strings.h>
 
+#include <cstdarg>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -17,6 +18,15 @@
 using namespace TarnFirewall;
 
 namespace {
+
+/// Not `std::fprintf`, whose address the loader would look up at each start of the program.
+__attribute__((format(printf, 2, 3))) int print(std::FILE* stream, const char* format, ...) {
+  va_list arguments;
+  va_start(arguments, format);
+  const int result = std::vfprintf(stream, format, arguments);
+  va_end(arguments);
+  return result;
+}
 
 constexpr char kSetUsage[] =
     "Set flow exclusion setting of a filter.\n\n" USAGE_OPTIONS
@@ -176,13 +186,13 @@ int showExclusion(const char* name, bool isLong, FWFlowExclusion_* records) {
     TARNFW_WARNING("%u flow exclusions returned for room of %u\n", count, kMaxFlowExclusions);
     count = kMaxFlowExclusions;
   }
-  if (isLong) PrintLongFlowExclusionHeader(std::fprintf, stdout);
+  if (isLong) PrintLongFlowExclusionHeader(print, stdout);
   for (std::uint32_t i = 0; i < count; ++i) {
     if (isLong) {
-      PrintLongFlowExclusion(std::fprintf, stdout, records[i]);
+      PrintLongFlowExclusion(print, stdout, records[i]);
     } else {
       std::printf("%3d: ", static_cast<int>(i));
-      PrintFlowExclusion(std::fprintf, stdout, records[i]);
+      PrintFlowExclusion(print, stdout, records[i]);
     }
   }
   return 0;
