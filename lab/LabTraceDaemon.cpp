@@ -303,15 +303,15 @@ std::string Trace::answer(const PeerRequest& request) {
 }
 
 std::string Trace::state(const Store& store, const Host& host) {
-  const Settings settings = Settings::load(store, Settings::ofHost);
+  const Settings now = Settings::load(store, Settings::ofHost);
   std::string text = format("tracing: %s\n", words[isTracing(store)]);
-  for (const Log* log : {&processLog, &libraryLog}) text += levelsText(settings, *log);
+  for (const Log* log : {&processLog, &libraryLog}) text += levelsText(now, *log);
   for (const Feature* each : {&layer2, &layer3, &sharedSets, &cleaning}) {
-    text += std::string(each->name) + ": " + words[settings.get(each->setting)] + "\n";
+    text += std::string(each->name) + ": " + words[now.get(each->setting)] + "\n";
   }
   for (const Span* each : {&aggregation, &interval}) {
     text += std::string(each->name) +
-            format(": %u seconds\n", static_cast<unsigned>(settings.get(each->setting)));
+            format(": %u seconds\n", static_cast<unsigned>(now.get(each->setting)));
   }
   return text + format("filters: %zu, agents: %zu\n", host.filterCount(), host.agents().size());
 }
