@@ -235,10 +235,10 @@ ByteVector spoofGuardOf(const Store& store, const Host& host, std::size_t index)
   const SelectedFilter target{SelectorMatch::filter, index, host.folderOf(index)};
   JournalEntry unwritten;
   const CommandContext context{store, host, target, unwritten};
-  const Settings settings = settingsOf(context);
-  const ByteVector addresses = settings.get(allowed);
+  const Settings now = settingsOf(context);
+  const ByteVector addresses = now.get(allowed);
   ByteVector record(addressesAt);
-  putGuard(context, settings, addresses, Bytes(record));
+  putGuard(context, now, addresses, Bytes(record));
   record.insert(record.end(), addresses.begin(), addresses.end());
   return record;
 }
