@@ -260,16 +260,44 @@ std::uint32_t ShadowCheck::restOf(const FWRule_& record) {
   return number;
 }
 
+/// The place of a block's number in a table of numbers from 1, which is never more than half full;
+/// 0 stands there for a block that has none.
+std::size_t ShadowCheck::blockPlace(const AddressBlock& block) const {
+  std::size_t place = AddressBlockHash()(block);
+  for (;; ++place) {
+    place &= blockPlaces_.size() - 1;
+    const std::uint32_t number = blockPlaces_[place];
+    if (number == 0 || addresses_[number - 1].block == block) return place;
+  }
+}
+
+std::uint32_t ShadowCheck::numberOfBlock(const AddressBlock& block) {
+  std::size_t place = blockPlace(block);
+  if (blockPlaces_[place] != 0) return blockPlaces_[place] - 1;
+  if (2 * ++blocks_ > blockPlaces_.size()) {
+    const std::vector<std::uint32_t> former =
+        std::exchange(blockPlaces_, std::vector<std::uint32_t>(2 * blockPlaces_.size()));
+    for (const std::uint32_t number : former) {
+      if (number != 0) blockPlaces_[blockPlace(addresses_[number - 1].block)] = number;
+    }
+    place = blockPlace(block);
+  }
+  Address& address = addresses_.emplace_back();
+  address.block = block;
+  address.hasBlock = true;
+  hasLength_[block.isIPv4][block.length] = true;
+  blockPlaces_[place] = static_cast<std::uint32_t>(addresses_.size());
+  return blockPlaces_[place] - 1;
+}
+
 std::uint32_t ShadowCheck::addressOf(std::size_t scope, const FWAddress_& record, bool present) {
   if (!present && any_ != 0) return any_ - 1;
   const bool negated = (record.flags & kAddressNegated) != 0;
   const auto block = present && !negated ? blockOf(record) : std::nullopt;
-  const auto next = static_cast<std::uint32_t>(addresses_.size());
   if (block) {
-    const auto [place, added] = blockNumbers_.try_emplace(*block, next);
-    if (added) addresses_.emplace_back().block = block;
-    ++addresses_[place->second].uses;
-    return place->second;
+    const std::uint32_t number = numberOfBlock(*block);
+    ++addresses_[number].uses;
+    return number;
   }
   const bool isSet = record.type == FW_ADDRESS_ADDRSET;
   std::string key;
@@ -281,16 +309,14 @@ std::uint32_t ShadowCheck::addressOf(std::size_t scope, const FWAddress_& record
   } else {
     key.assign(reinterpret_cast<const char*>(&record), sizeof record);
   }
-  const auto [place, added] = addressNumbers_.emplace(std::move(key), next);
+  const auto [place, added] =
+      addressNumbers_.emplace(std::move(key), static_cast<std::uint32_t>(addresses_.size()));
   if (!added) {
     ++addresses_[place->second].uses;
     return place->second;
   }
   Address& address = addresses_.emplace_back();
-  address.any = !present;
   address.uses = 1;
-  address.negated = negated;
-  address.isSet = isSet;
   if (!present) any_ = place->second + 1;
   if (isSet && !negated) {
     const auto number = static_cast<std::uint32_t>(sets_.size() + 1);
@@ -299,6 +325,7 @@ std::uint32_t ShadowCheck::addressOf(std::size_t scope, const FWAddress_& record
         number);
     if (made) sets_.emplace_back();
     address.set = set->second;
+    setAddresses_.push_back(place->second);
   }
   return place->second;
 }
@@ -350,21 +377,16 @@ const std::vector<std::uint32_t>& ShadowCheck::widerRests(std::uint32_t number) 
 }
 
 void ShadowCheck::indexAddresses() {
-  bool lengths[2][129] = {};
-  for (std::uint32_t number = 0; number < addresses_.size(); ++number) {
-    const Address& address = addresses_[number];
-    if (address.negated) continue;
-    if (address.block) lengths[address.block->isIPv4][address.block->length] = true;
-    if (address.set == 0) continue;
-    for (const AddressBlock& block : sets_[address.set - 1].blocks) {
+  for (const std::uint32_t number : setAddresses_) {
+    for (const AddressBlock& block : sets_[addresses_[number].set - 1].blocks) {
       auto& sets = setsOfBlock_[block];
       if (sets.size() < kMaxSetsOfBlock) sets.push_back(number);
-      lengths[block.isIPv4][block.length] = true;
+      hasLength_[block.isIPv4][block.length] = true;
     }
   }
   for (std::size_t family = 0; family < 2; ++family) {
     for (std::size_t length = 0; length <= 128; ++length) {
-      if (lengths[family][length]) lengths_[family].push_back(static_cast<std::uint8_t>(length));
+      if (hasLength_[family][length]) lengths_[family].push_back(static_cast<std::uint8_t>(length));
     }
   }
 }
@@ -375,9 +397,8 @@ void ShadowCheck::addWiderBlocks(const AddressBlock& block,
   for (const std::uint8_t length : lengths_[block.isIPv4]) {
     if (length > block.length) return;
     const AddressBlock cut = block.cutTo(length);
-    if (const auto place = blockNumbers_.find(cut); place != blockNumbers_.end()) {
-      wider.push_back(place->second);
-    }
+    if (const std::uint32_t number = blockPlaces_[blockPlace(cut)]) wider.push_back(number - 1);
+    if (setsOfBlock_.empty()) continue;
     if (const auto place = setsOfBlock_.find(cut); place != setsOfBlock_.end()) {
       wider.insert(wider.end(), place->second.begin(), place->second.end());
     }
@@ -389,14 +410,14 @@ void ShadowCheck::widen(std::uint32_t number, std::vector<std::uint32_t>& wider)
   wider.assign(1, number);
   if (any_ != 0 && any_ - 1 != number) wider.push_back(any_ - 1);
   candidates_.clear();
-  if (!address.negated && address.block) addWiderBlocks(*address.block, candidates_);
+  if (address.hasBlock) addWiderBlocks(address.block, candidates_);
   if (address.set != 0 && !sets_[address.set - 1].blocks.empty()) {
     const std::vector<AddressBlock>& blocks = sets_[address.set - 1].blocks;
     addWiderBlocks(blocks.front(), candidates_);
     const auto hull = hullOf(blocks);
     std::erase_if(candidates_, [&](std::uint32_t candidate) {
       const Address& other = addresses_[candidate];
-      if (other.block) return !hull || !other.block->contains(*hull);
+      if (other.hasBlock) return !hull || !other.block.contains(*hull);
       const std::vector<AddressBlock>& outer = sets_[other.set - 1].blocks;
       return !std::all_of(blocks.begin(), blocks.end(),
                           [&](const AddressBlock& block) { return holds(outer, block); });
@@ -416,8 +437,11 @@ const std::vector<std::uint32_t>& ShadowCheck::widerAddresses(std::uint32_t numb
     widen(number, room);
     return room;
   }
-  if (!std::exchange(address.widened, true)) widen(number, address.wider);
-  return address.wider;
+  if (address.kept == 0) {
+    widen(number, kept_.emplace_back());
+    address.kept = static_cast<std::uint32_t>(kept_.size());
+  }
+  return kept_[address.kept - 1];
 }
 
 const ShadowCheck::Rule* ShadowCheck::findWider(const Buckets& buckets, const Rule& rule) {

@@ -57,14 +57,11 @@ class ShadowCheck {
   };
   /// What a rule says of one side, as a value.
   struct Address {
-    bool negated = false;
-    bool any = false;
-    bool isSet = false;
-    std::optional<AddressBlock> block;
+    AddressBlock block;     // where `hasBlock` is set
     std::uint32_t set = 0;  // of those with contents, from 1
     std::uint32_t uses = 0;
-    bool widened = false;              // `wider` has been found
-    std::vector<std::uint32_t> wider;  // kept for an address that is used again
+    std::uint32_t kept = 0;  // where its wider addresses are kept, from 1, when it is used again
+    bool hasBlock = false;
   };
   /// What a set holds; known only while nothing but plain addresses is in it.
   struct Contents {
@@ -103,6 +100,8 @@ class ShadowCheck {
   std::uint32_t addressOf(std::size_t scope, const TarnFirewall::FWAddress_& record, bool present);
   std::uint32_t portsNumber(const TarnFirewall::FWPortBlock_& block, PortRange& hull);
 
+  std::size_t blockPlace(const AddressBlock& block) const;
+  std::uint32_t numberOfBlock(const AddressBlock& block);
   void indexAddresses();
   const std::vector<std::uint32_t>& widerAddresses(std::uint32_t number,
                                                    std::vector<std::uint32_t>& room);
@@ -120,9 +119,12 @@ class ShadowCheck {
   std::unordered_map<std::string_view, std::uint32_t> restNumbers_;
   std::vector<std::vector<std::uint32_t>> restsWider_;
 
-  std::deque<Address> addresses_;
-  std::unordered_map<AddressBlock, std::uint32_t, AddressBlockHash> blockNumbers_;
+  std::vector<Address> addresses_;
+  std::vector<std::uint32_t> blockPlaces_ = std::vector<std::uint32_t>(1024);  // see `blockPlace`
+  std::size_t blocks_ = 0;                                                     // of these in use
   std::unordered_map<std::string, std::uint32_t> addressNumbers_;  // of those that are no block
+  std::vector<std::uint32_t> setAddresses_;                        // of sets with contents
+  std::deque<std::vector<std::uint32_t>> kept_;
   std::uint32_t any_ = 0;       // number of "any" and 1, once there is one
   std::uint32_t lastRest_ = 0;  // what the last rule had
 
@@ -133,6 +135,7 @@ class ShadowCheck {
 
   // Made by `indexAddresses`: the addresses of sets by the blocks that these hold.
   std::unordered_map<AddressBlock, std::vector<std::uint32_t>, AddressBlockHash> setsOfBlock_;
+  bool hasLength_[2][129] = {};
   std::vector<std::uint8_t> lengths_[2];  // of the prefixes of both: IPv6, IPv4
   std::vector<std::uint32_t> sourceRoom_, destinationRoom_, candidates_;
 };
