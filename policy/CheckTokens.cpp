@@ -8,7 +8,7 @@
 #include "tarnfw_parser.h"
 
 // Parts of the generated scanner that the library itself has no use for.
-yy_buffer_state* yy_scan_bytes(const char* bytes, int size, void* scanner);
+yy_buffer_state* yy_scan_buffer(char* base, std::size_t size, void* scanner);
 char* yyget_text(void* scanner);
 int yyget_leng(void* scanner);
 
@@ -53,8 +53,10 @@ TokenReader::~TokenReader() { stop(); }
 
 void TokenReader::start(std::uint32_t offset) {
   if (yylex_init_extra(&extra_, &scanner_) != 0) throw std::bad_alloc();
-  const std::string_view rest = source_.text().substr(offset);
-  buffer_ = yy_scan_bytes(rest.data(), static_cast<int>(rest.size()), scanner_);
+  // The scanner writes into its buffer, and wants two NULs at its end.
+  scanned_.assign(source_.text().substr(offset));
+  scanned_.append(2, '\0');
+  buffer_ = yy_scan_buffer(scanned_.data(), scanned_.size(), scanner_);
   base_ = yyget_text(scanner_);
   yyset_lineno(1, scanner_);
   offset_ = place_ = offset;

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <string>
 
 #include "SourceText.h"
 #include "TarnFWParserValues.h"
@@ -57,7 +58,8 @@ class TokenReader {
   std::unique_ptr<QuietErrors> quiet_;
   void* scanner_ = nullptr;
   yy_buffer_state* buffer_ = nullptr;
-  const char* base_ = nullptr;  // where the scanner's copy of the text begins
+  std::string scanned_;         // the scanner's copy of the text, with its two NULs
+  const char* base_ = nullptr;  // where that begins
   std::uint32_t offset_ = 0;    // of that beginning in the text
   std::uint32_t place_ = 0;     // after the word that was read last
 };
