@@ -205,7 +205,7 @@ Undone unless confirmed.
   err| tarnpolicy confirm: nothing waits to be confirmed
   [1]
   $ tarnlab run tarnpolicy apply --confirm 60 -f $web one.conf < /dev/null > out 2> err &
-  $ for i in $(seq 100); do tarnpolicy confirm > said 2> /dev/null && break; sleep 0.1; done; cat said
+  $ for i in $(seq 600); do tarnpolicy confirm > said 2> /dev/null && break; sleep 0.1; done; cat said
   Confirmed; these filters keep what they hold now:
   nic-1002672-eth0-kelpco-sfw.2
   $ wait; cat out err
@@ -214,7 +214,7 @@ Undone unless confirmed.
   tarnpolicy apply: undone in 60 seconds unless confirmed: by Enter here, or by "tarnpolicy confirm" elsewhere
   $ quiet tarnpolicy diff one.conf filter:$web
   $ tarnlab run tarnpolicy apply --confirm 60 -f $web two.conf < /dev/null > out 2> err &
-  $ for i in $(seq 100); do grep -q confirmed err && break; sleep 0.1; done; kill -HUP $!; wait $!
+  $ for i in $(seq 600); do grep -q confirmed err && break; sleep 0.1; done; kill -HUP $!; wait $!
   [1]
   $ cat out err
   nic-1002672-eth0-kelpco-sfw.2: done, 3 statements
