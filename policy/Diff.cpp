@@ -87,7 +87,7 @@ struct Placed {
   std::size_t place;
 };
 
-/// Rules of one id are told apart by their number among them.
+/// Rules that share an id have a number each, which says which of them is meant.
 struct Key {
   std::uint32_t id;
   std::uint32_t number;

@@ -376,7 +376,7 @@ TEST(PolicySave, SetsThatCannotBeSaidAreNamed) {
   set.elements[0].back() = '\x7f';
   EXPECT_EQ(missing("p", set),
             Texts{"container \"p\": it has a value without a name, 9151314442816847953"});
-  // Each cut of an element of each kind ends in a name, never in what lies behind it.
+  // Each cut of an element of each kind gives a name made of its own bytes only.
   for (const char* values :
        {"FQDN : www uuid 502e1f3a-c21a-632a-4ae1-00505699b626", "USER_SID : \"S-1-5-32-544\""}) {
     const State other = stateOf(std::string("create attrprofile p with { [ ") + values + " ] };");
