@@ -158,19 +158,22 @@ bool ConfirmPlace::answer() const {
   return true;
 }
 
-ConfirmEnd ConfirmPlace::wait(const std::vector<std::string>& filters, unsigned int seconds,
-                              bool useTerminal) {
+bool ConfirmPlace::askTerminal() {
+  asksTerminal_ = isOwnTerminal();
+  if (asksTerminal_) tcflush(STDIN_FILENO, TCIFLUSH);
+  return asksTerminal_;
+}
+
+ConfirmEnd ConfirmPlace::wait(const std::vector<std::string>& filters, unsigned int seconds) {
   filters_.clear();
   for (const std::string& filter : filters) filters_ += filter + "\n";
   const auto end = Clock::now() + std::chrono::seconds(seconds);
-  bool terminal = useTerminal && isOwnTerminal();
-  if (terminal) tcflush(STDIN_FILENO, TCIFLUSH);
   while (true) {
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now()).count();
     if (left <= 0) return ConfirmEnd::expired;
     pollfd places[] = {{ApplySignals::descriptor(), POLLIN, 0},
                        {socket_, POLLIN, 0},
-                       {terminal ? STDIN_FILENO : -1, POLLIN, 0}};
+                       {asksTerminal_ ? STDIN_FILENO : -1, POLLIN, 0}};
     poll(places, std::size(places), static_cast<int>(std::min<long long>(left, 60000)));
     if (ApplySignals::seen() != 0) return ConfirmEnd::interrupted;
     if (places[1].revents != 0 && answer()) return ConfirmEnd::confirmed;
@@ -181,7 +184,7 @@ ConfirmEnd ConfirmPlace::wait(const std::vector<std::string>& filters, unsigned 
       case Key::no:
         return ConfirmEnd::refused;
       case Key::lost:
-        terminal = false;
+        asksTerminal_ = false;
         break;
       case Key::none:
         break;

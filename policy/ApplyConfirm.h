@@ -23,10 +23,12 @@ class ConfirmPlace {
   ConfirmPlace(const ConfirmPlace&) = delete;
   ConfirmPlace& operator=(const ConfirmPlace&) = delete;
 
-  /// Waits that long. `filters` are those that were changed. With `useTerminal` standard input is
-  /// asked too, if it is this program's terminal; what was typed before does not count. A terminal
-  /// that is lost is no answer.
-  ConfirmEnd wait(const std::vector<std::string>& filters, unsigned int seconds, bool useTerminal);
+  /// Makes standard input count too, if it is this program's terminal: false, if it is not. What
+  /// was typed before does not count. A terminal that is lost later is no answer.
+  bool askTerminal();
+
+  /// Waits that long. `filters` are those that were changed.
+  ConfirmEnd wait(const std::vector<std::string>& filters, unsigned int seconds);
 
  private:
   bool answer() const;
@@ -34,6 +36,7 @@ class ConfirmPlace {
   std::string path_;
   std::string filters_;  // one to a line
   int socket_ = -1;
+  bool asksTerminal_ = false;
 };
 
 /// An apply that waits.

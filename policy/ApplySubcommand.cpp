@@ -184,12 +184,14 @@ class Apply {
     std::vector<std::string> names;
     for (const auto& filter : done_) names.push_back(filter->name());
     std::fflush(stdout);
-    const bool asksTerminal = call_.file != "-";
+    // Keys count from the message on.
+    const bool asksTerminal = call_.file != "-" && place.askTerminal();
     std::fprintf(stderr,
-                 "tarnpolicy apply: undone in %s unless confirmed: by Enter here, or by "
+                 "tarnpolicy apply: undone in %s unless confirmed%s by "
                  "\"tarnpolicy confirm\" elsewhere\n",
-                 countedText(call_.confirmSeconds, "second").c_str());
-    const ConfirmEnd end = place.wait(names, call_.confirmSeconds, asksTerminal);
+                 countedText(call_.confirmSeconds, "second").c_str(),
+                 asksTerminal ? ": by Enter here, or" : "");
+    const ConfirmEnd end = place.wait(names, call_.confirmSeconds);
     if (end == ConfirmEnd::confirmed) {
       for (const auto& filter : done_) filter->keep();
       std::puts("confirmed");

@@ -37,9 +37,13 @@ Format formatOf(std::string_view word) {
   throw CallError("no format " + std::string(word) + ": it is human, json or sarif");
 }
 
+/// Whether standard output is a terminal that shows colours, of somebody who wants them.
 bool wantsColours() {
-  const char* const refused = std::getenv("NO_COLOR");
-  return isatty(STDOUT_FILENO) != 0 && (refused == nullptr || *refused == '\0');
+  const auto value = [](const char* name) {
+    const char* const text = std::getenv(name);
+    return std::string_view(text == nullptr ? "" : text);
+  };
+  return isatty(STDOUT_FILENO) != 0 && value("NO_COLOR").empty() && value("TERM") != "dumb";
 }
 
 /// The names that a filter holds. Sets and containers share one space of names.

@@ -195,7 +195,7 @@ Undone unless confirmed.
   nic-1002672-eth0-kelpco-sfw.2: done, 7 statements
   $ quiet tarnpolicy apply --confirm 1 -f $web one.conf < /dev/null
   nic-1002672-eth0-kelpco-sfw.2: done, 3 statements
-  err| tarnpolicy apply: undone in 1 second unless confirmed: by Enter here, or by "tarnpolicy confirm" elsewhere
+  err| tarnpolicy apply: undone in 1 second unless confirmed by "tarnpolicy confirm" elsewhere
   err| tarnpolicy apply: 1 of 1 filters failed:
   err|   FILTER                         HOLDS          WHY
   err|   nic-1002672-eth0-kelpco-sfw.2  earlier state  not confirmed in time
@@ -211,14 +211,14 @@ Undone unless confirmed.
   $ wait; cat out err
   nic-1002672-eth0-kelpco-sfw.2: done, 3 statements
   confirmed
-  tarnpolicy apply: undone in 60 seconds unless confirmed: by Enter here, or by "tarnpolicy confirm" elsewhere
+  tarnpolicy apply: undone in 60 seconds unless confirmed by "tarnpolicy confirm" elsewhere
   $ quiet tarnpolicy diff one.conf filter:$web
   $ tarnlab run tarnpolicy apply --confirm 60 -f $web two.conf < /dev/null > out 2> err &
   $ for i in $(seq 600); do grep -q confirmed err && break; sleep 0.1; done; kill -HUP $!; wait $!
   [1]
   $ cat out err
   nic-1002672-eth0-kelpco-sfw.2: done, 3 statements
-  tarnpolicy apply: undone in 60 seconds unless confirmed: by Enter here, or by "tarnpolicy confirm" elsewhere
+  tarnpolicy apply: undone in 60 seconds unless confirmed by "tarnpolicy confirm" elsewhere
   tarnpolicy apply: 1 of 1 filters failed:
     FILTER                         HOLDS          WHY
     nic-1002672-eth0-kelpco-sfw.2  earlier state  not confirmed, SIGHUP

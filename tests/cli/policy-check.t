@@ -68,13 +68,6 @@ What a terminal would obey is not printed, and a long line is cut.
       ...                                                    describe;
                                                                      ^
 
-Colours are for terminals, unless NO_COLOR is set.
-
-  $ script -qec 'tarnpolicy check stray.conf' /dev/null < /dev/null | head -1 | tr -d '\r'
-  \x1b[1mstray.conf:1:1: \x1b[0m\x1b[1;35mwarning:\x1b[0m `+` belongs to nothing and is skipped [stray-character] (esc)
-  $ NO_COLOR=1 script -qec 'tarnpolicy check stray.conf' /dev/null < /dev/null | head -1 | tr -d '\r'
-  stray.conf:1:1: warning: `+` belongs to nothing and is skipped [stray-character]
-
 For other programs.
 
   $ run tarnpolicy check --format json timeout.conf

@@ -256,7 +256,7 @@ namespace {
 class Waiting {
  public:
   explicit Waiting(unsigned int seconds) {
-    thread_ = std::thread([this, seconds] { end_ = place_.wait({"f1", "f2"}, seconds, false); });
+    thread_ = std::thread([this, seconds] { end_ = place_.wait({"f1", "f2"}, seconds); });
   }
   ConfirmEnd end() {
     thread_.join();
