@@ -1,6 +1,7 @@
 #include "CheckNames.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cstring>
 
@@ -43,6 +44,21 @@ Check unknownCheck(NameKind kind) {
 
 std::size_t indexOf(NameKind kind) { return static_cast<std::size_t>(kind); }
 
+/// The words of a rule that say something about names, by their codes; most say nothing.
+constexpr auto kSaysNames = [] {
+  std::array<bool, TK_NUMBER_RANGE + 1> says{};
+  for (const int code : {TK_RULE, TK_FROM, TK_TO, TK_SNAT, TK_DNAT, TK_NUMBER, TK_IPV4_RANGE,
+                         TK_IPV6_RANGE, TK_STRING}) {
+    says[static_cast<std::size_t>(code)] = true;
+  }
+  return says;
+}();
+
+bool saysNames(int code) {
+  const auto place = static_cast<std::size_t>(code);
+  return place >= kSaysNames.size() || kSaysNames[place];
+}
+
 /// A name as the library keeps it: without quotes, and up to a NUL inside them.
 std::string_view nameOf(std::string_view text) {
   if (text.size() >= 2 && (text[0] == '"' || text[0] == '\'')) {
@@ -55,6 +71,10 @@ std::string_view nameOf(std::string_view text) {
 }  // namespace
 
 void NameCheck::word(const Token& token) {
+  if (inRule_ && !saysNames(token.code)) {
+    before_ = token.code;
+    return;
+  }
   Word word{token.code, {file_, token.begin, token.end}, {}};
   if (token.code == TK_STRING) {
     word.text = nameOf(sources_[file_].text(token.begin, token.end));

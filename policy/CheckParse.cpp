@@ -165,7 +165,7 @@ void TextParse::readOne() {
     return;
   }
   before_ = token_;
-  token_ = reader_.read(&value_);
+  reader_.read(&value_, token_);
   failed_ = status != FW_STATUS_OK;
   unsettled_ = true;
 }

@@ -38,11 +38,34 @@ bool isFinalAction(unsigned int action) {
          action == FW_ACTION_SNAT || action == FW_ACTION_DNAT;
 }
 
-std::string scopedName(std::size_t scope, const char* field, std::size_t size) {
-  std::string key(field, fieldLength(field, size));
-  key += '\0';
-  key += std::to_string(scope);
-  return key;
+/// The key of a name in a filter, made in place.
+class ScopedName {
+ public:
+  ScopedName(std::size_t scope, const void* field, std::size_t size) {
+    const std::size_t length = fieldLength(static_cast<const char*>(field), size);
+    std::memcpy(bytes_, &scope, sizeof scope);
+    std::memcpy(bytes_ + sizeof scope, field, length);
+    size_ = sizeof scope + length;
+  }
+  std::string_view view() const { return {bytes_, size_}; }
+
+ private:
+  char bytes_[sizeof(std::size_t) + sizeof(FWAddrSetID_t)];
+  std::size_t size_;
+};
+
+/// The bytes of a record up to the last that is not zero, or a few more.
+std::string_view withoutZeros(const FWAddress_& record) {
+  const auto* const bytes = reinterpret_cast<const char*>(&record);
+  std::size_t size = sizeof record;
+  std::uint64_t last = 0;
+  static_assert(sizeof record % sizeof last == 0);
+  while (size > 0) {
+    std::memcpy(&last, bytes + size - sizeof last, sizeof last);
+    if (last != 0) break;
+    size -= sizeof last;
+  }
+  return {bytes, size};
 }
 
 std::uint64_t mixed(std::uint64_t hash) {
@@ -188,11 +211,8 @@ void ShadowCheck::takeSet(std::size_t scope, CTarnFWCmd& command) {
   }
   if (!contents.known) contents.blocks.clear();
   contents.blocks = merged(std::move(contents.blocks));
-  const auto number = static_cast<std::uint32_t>(sets_.size() + 1);
-  const auto [place, added] =
-      setNumbers_.emplace(scopedName(scope, head.name.text, sizeof head.name.text), number);
-  if (added) sets_.emplace_back();
-  sets_[place->second - 1] = std::move(contents);
+  const ScopedName name(scope, head.name.text, sizeof head.name.text);
+  sets_[setNumber(name.view()) - 1] = std::move(contents);
 }
 
 void ShadowCheck::takeRules(std::size_t scope, std::uint32_t file, const CTarnFWRuleList& rules,
@@ -290,44 +310,63 @@ std::uint32_t ShadowCheck::numberOfBlock(const AddressBlock& block) {
   return blockPlaces_[place] - 1;
 }
 
+std::uint32_t ShadowCheck::numberOfAny() {
+  if (any_ == 0) {
+    addresses_.emplace_back();
+    any_ = static_cast<std::uint32_t>(addresses_.size());
+  }
+  return any_ - 1;
+}
+
+std::uint32_t ShadowCheck::setNumber(std::string_view name) {
+  const auto place = setNumbers_.find(name);
+  if (place != setNumbers_.end()) return place->second;
+  sets_.emplace_back();
+  return setNumbers_.emplace(name, static_cast<std::uint32_t>(sets_.size())).first->second;
+}
+
+/// The number of a set's contents as an address.
+std::uint32_t ShadowCheck::numberOfSet(std::uint32_t set) {
+  if (setAddresses_.size() < set) setAddresses_.resize(sets_.size());
+  std::uint32_t& number = setAddresses_[set - 1];
+  if (number == 0) {
+    addresses_.emplace_back().set = set;
+    number = static_cast<std::uint32_t>(addresses_.size());
+  }
+  return number - 1;
+}
+
+/// The number of an address that is only equal to the same record.
+std::uint32_t ShadowCheck::numberOfRecord(std::size_t scope, const FWAddress_& record) {
+  std::string_view key = withoutZeros(record);
+  std::string scoped;
+  if (record.type == FW_ADDRESS_ADDRSET) {
+    scoped = key;
+    scoped.append(reinterpret_cast<const char*>(&scope), sizeof scope);
+    key = scoped;
+  }
+  const auto place = recordNumbers_.find(key);
+  if (place != recordNumbers_.end()) return place->second;
+  addresses_.emplace_back();
+  return recordNumbers_.emplace(key, static_cast<std::uint32_t>(addresses_.size() - 1))
+      .first->second;
+}
+
 std::uint32_t ShadowCheck::addressOf(std::size_t scope, const FWAddress_& record, bool present) {
-  if (!present && any_ != 0) return any_ - 1;
+  if (!present) return numberOfAny();
   const bool negated = (record.flags & kAddressNegated) != 0;
-  const auto block = present && !negated ? blockOf(record) : std::nullopt;
+  const auto block = negated ? std::nullopt : blockOf(record);
+  std::uint32_t number = 0;
   if (block) {
-    const std::uint32_t number = numberOfBlock(*block);
-    ++addresses_[number].uses;
-    return number;
-  }
-  const bool isSet = record.type == FW_ADDRESS_ADDRSET;
-  std::string key;
-  if (!present) {
-    key = "any";
-  } else if (isSet) {
-    key = scopedName(scope, reinterpret_cast<const char*>(record.value), sizeof(FWAddrSetID_t));
-    key += negated ? "!" : "=";
+    number = numberOfBlock(*block);
+  } else if (record.type == FW_ADDRESS_ADDRSET && !negated) {
+    const ScopedName name(scope, record.value, sizeof(FWAddrSetID_t));
+    number = numberOfSet(setNumber(name.view()));
   } else {
-    key.assign(reinterpret_cast<const char*>(&record), sizeof record);
+    number = numberOfRecord(scope, record);
   }
-  const auto [place, added] =
-      addressNumbers_.emplace(std::move(key), static_cast<std::uint32_t>(addresses_.size()));
-  if (!added) {
-    ++addresses_[place->second].uses;
-    return place->second;
-  }
-  Address& address = addresses_.emplace_back();
-  address.uses = 1;
-  if (!present) any_ = place->second + 1;
-  if (isSet && !negated) {
-    const auto number = static_cast<std::uint32_t>(sets_.size() + 1);
-    const auto [set, made] = setNumbers_.emplace(
-        scopedName(scope, reinterpret_cast<const char*>(record.value), sizeof(FWAddrSetID_t)),
-        number);
-    if (made) sets_.emplace_back();
-    address.set = set->second;
-    setAddresses_.push_back(place->second);
-  }
-  return place->second;
+  ++addresses_[number].uses;
+  return number;
 }
 
 std::uint32_t ShadowCheck::portsNumber(const FWPortBlock_& block, PortRange& hull) {
@@ -335,11 +374,20 @@ std::uint32_t ShadowCheck::portsNumber(const FWPortBlock_& block, PortRange& hul
     hull = *only;
     return 0;
   }
-  PortRanges ports = portsOf(block);
-  hull = ports.empty() ? PortRange{0, 0} : PortRange{ports.front().low, ports.back().high};
-  if (ports.size() == 1) return 0;
-  ports_.push_back(std::move(ports));
-  return static_cast<std::uint32_t>(ports_.size() - 1);
+  const std::string_view key(reinterpret_cast<const char*>(&block), sizeof block);
+  auto place = portNumbers_.find(key);
+  if (place == portNumbers_.end()) {
+    PortRanges ports = portsOf(block);
+    Ports numbered{0, {0, 0}};
+    if (!ports.empty()) numbered.hull = {ports.front().low, ports.back().high};
+    if (ports.size() != 1) {
+      numbered.number = static_cast<std::uint32_t>(ports_.size());
+      ports_.push_back(std::move(ports));
+    }
+    place = portNumbers_.emplace(key, numbered).first;
+  }
+  hull = place->second.hull;
+  return place->second.number;
 }
 
 bool ShadowCheck::covers(const Rest& outer, const Rest& inner) {
@@ -378,15 +426,23 @@ const std::vector<std::uint32_t>& ShadowCheck::widerRests(std::uint32_t number) 
 
 void ShadowCheck::indexAddresses() {
   for (const std::uint32_t number : setAddresses_) {
-    for (const AddressBlock& block : sets_[addresses_[number].set - 1].blocks) {
-      auto& sets = setsOfBlock_[block];
-      if (sets.size() < kMaxSetsOfBlock) sets.push_back(number);
-      hasLength_[block.isIPv4][block.length] = true;
+    if (number == 0) continue;
+    // Blocks that no rule has get numbers too.
+    for (const AddressBlock& block : sets_[addresses_[number - 1].set - 1].blocks) {
+      Address& address = addresses_[numberOfBlock(block)];
+      if (address.sets == 0) {
+        setsOfBlock_.emplace_back();
+        address.sets = static_cast<std::uint32_t>(setsOfBlock_.size());
+      }
+      auto& sets = setsOfBlock_[address.sets - 1];
+      if (sets.size() < kMaxSetsOfBlock) sets.push_back(number - 1);
     }
   }
   for (std::size_t family = 0; family < 2; ++family) {
-    for (std::size_t length = 0; length <= 128; ++length) {
-      if (hasLength_[family][length]) lengths_[family].push_back(static_cast<std::uint8_t>(length));
+    const std::uint8_t width = family == 0 ? 128 : 32;
+    const AddressBlock all{family == 1, width, ~AddressBits{0}};
+    for (std::uint8_t length = 0; length <= width; ++length) {
+      if (hasLength_[family][length]) lengths_[family].push_back({length, all.cutTo(length).bits});
     }
   }
 }
@@ -394,14 +450,16 @@ void ShadowCheck::indexAddresses() {
 /// Adds the addresses that hold the block: blocks, and sets by one block of theirs.
 void ShadowCheck::addWiderBlocks(const AddressBlock& block,
                                  std::vector<std::uint32_t>& wider) const {
-  for (const std::uint8_t length : lengths_[block.isIPv4]) {
-    if (length > block.length) return;
-    const AddressBlock cut = block.cutTo(length);
-    if (const std::uint32_t number = blockPlaces_[blockPlace(cut)]) wider.push_back(number - 1);
-    if (setsOfBlock_.empty()) continue;
-    if (const auto place = setsOfBlock_.find(cut); place != setsOfBlock_.end()) {
-      wider.insert(wider.end(), place->second.begin(), place->second.end());
-    }
+  for (const Length& length : lengths_[block.isIPv4]) {
+    if (length.length > block.length) return;
+    const AddressBlock cut{block.isIPv4, length.length, block.bits & length.mask};
+    const std::uint32_t number = blockPlaces_[blockPlace(cut)];
+    if (number == 0) continue;
+    const Address& address = addresses_[number - 1];
+    if (address.uses > 0) wider.push_back(number - 1);
+    if (address.sets == 0) continue;
+    const auto& sets = setsOfBlock_[address.sets - 1];
+    wider.insert(wider.end(), sets.begin(), sets.end());
   }
 }
 

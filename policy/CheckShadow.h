@@ -10,6 +10,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <span>
 #include <string>
 #include <unordered_map>
@@ -57,12 +58,28 @@ class ShadowCheck {
   };
   /// What a rule says of one side, as a value.
   struct Address {
-    AddressBlock block;     // where `hasBlock` is set
-    std::uint32_t set = 0;  // of those with contents, from 1
-    std::uint32_t uses = 0;
+    AddressBlock block;      // where `hasBlock` is set
+    std::uint32_t set = 0;   // of those with contents, from 1
+    std::uint32_t uses = 0;  // by rules
     std::uint32_t kept = 0;  // where its wider addresses are kept, from 1, when it is used again
+    std::uint32_t sets = 0;  // the sets that hold the block, from 1 in `setsOfBlock_`
     bool hasBlock = false;
   };
+  /// A length that prefixes have, and the bits that stay of an address.
+  struct Length {
+    std::uint8_t length;
+    AddressBits mask;
+  };
+  struct Ports {
+    std::uint32_t number;
+    PortRange hull;
+  };
+  /// Numbers by keys that are looked for without making a string.
+  struct TextHash : std::hash<std::string_view> {
+    using is_transparent = void;
+  };
+  template <typename Value>
+  using ByText = std::unordered_map<std::string, Value, TextHash, std::equal_to<>>;
   /// What a set holds; known only while nothing but plain addresses is in it.
   struct Contents {
     bool known = false;
@@ -98,6 +115,10 @@ class ShadowCheck {
   Rule ruleOf(std::size_t scope, const TarnFirewall::FWRule_& record);
   std::uint32_t restOf(const TarnFirewall::FWRule_& record);
   std::uint32_t addressOf(std::size_t scope, const TarnFirewall::FWAddress_& record, bool present);
+  std::uint32_t numberOfAny();
+  std::uint32_t numberOfSet(std::uint32_t set);
+  std::uint32_t numberOfRecord(std::size_t scope, const TarnFirewall::FWAddress_& record);
+  std::uint32_t setNumber(std::string_view name);
   std::uint32_t portsNumber(const TarnFirewall::FWPortBlock_& block, PortRange& hull);
 
   std::size_t blockPlace(const AddressBlock& block) const;
@@ -122,20 +143,21 @@ class ShadowCheck {
   std::vector<Address> addresses_;
   std::vector<std::uint32_t> blockPlaces_ = std::vector<std::uint32_t>(1024);  // see `blockPlace`
   std::size_t blocks_ = 0;                                                     // of these in use
-  std::unordered_map<std::string, std::uint32_t> addressNumbers_;  // of those that are no block
-  std::vector<std::uint32_t> setAddresses_;                        // of sets with contents
+  ByText<std::uint32_t> recordNumbers_;      // of addresses that are equal only
+  std::vector<std::uint32_t> setAddresses_;  // of sets with contents, from 1 by their numbers
   std::deque<std::vector<std::uint32_t>> kept_;
   std::uint32_t any_ = 0;       // number of "any" and 1, once there is one
   std::uint32_t lastRest_ = 0;  // what the last rule had
 
-  std::unordered_map<std::string, std::uint32_t> setNumbers_;  // filter and name
-  std::deque<Contents> sets_;                                  // from number 1
+  ByText<std::uint32_t> setNumbers_;  // filter and name
+  std::deque<Contents> sets_;         // from number 1
 
   std::vector<PortRanges> ports_{{}};
+  ByText<Ports> portNumbers_;  // of lists, by their bytes
 
-  // Made by `indexAddresses`: the addresses of sets by the blocks that these hold.
-  std::unordered_map<AddressBlock, std::vector<std::uint32_t>, AddressBlockHash> setsOfBlock_;
+  // Made by `indexAddresses`: the addresses of sets that hold a block.
+  std::deque<std::vector<std::uint32_t>> setsOfBlock_;
   bool hasLength_[2][129] = {};
-  std::vector<std::uint8_t> lengths_[2];  // of the prefixes of both: IPv6, IPv4
+  std::vector<Length> lengths_[2];  // of the prefixes of both: IPv6, IPv4
   std::vector<std::uint32_t> sourceRoom_, destinationRoom_, candidates_;
 };

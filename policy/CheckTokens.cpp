@@ -102,26 +102,17 @@ std::uint32_t TokenReader::skipGap(std::uint32_t from, std::uint32_t to) {
   return at;
 }
 
+/// The place of a word that is none of the usual ones.
 Token TokenReader::placed(int code) {
   const auto size = static_cast<std::uint32_t>(source_.text().size());
-  const std::string_view matched(yyget_text(scanner_),
-                                 static_cast<std::size_t>(yyget_leng(scanner_)));
   if (extra_.status != FW_STATUS_OK) {
     const std::uint32_t begin = skipGap(place_, 0);
     return {begin, begin < size ? begin + 1 : begin, code};
   }
   if (code == 0) return {skipGap(place_, size), size, code};
-  // What is read again lies elsewhere in memory. There the words are looked for in the text.
-  if (!extra_.unclosed && extra_.input.againSize() == 0) {
-    const auto begin = offset_ + static_cast<std::uint32_t>(matched.data() - base_);
-    // One blank is what mostly stands between two words.
-    if (begin > place_ && (begin > place_ + 1 || !isBlank(matched.data()[-1]))) {
-      skipGap(place_, begin);
-    }
-    return {begin, begin + static_cast<std::uint32_t>(matched.size()), code};
-  }
-  // The word that an unclosed comment begins with is made of its slash alone.
-  std::string_view word = matched;
+  // What is read again lies elsewhere in memory: the words are looked for in the text. The word
+  // that an unclosed comment begins with is made of its slash alone.
+  std::string_view word(yyget_text(scanner_), static_cast<std::size_t>(yyget_leng(scanner_)));
   if (code == TK_STRING && source_.text().substr(skipGap(place_, 0)).starts_with("/*")) word = "/";
   std::uint32_t begin = skipGap(place_, 0);
   while (begin < size && !source_.text().substr(begin).starts_with(word)) {
@@ -132,10 +123,21 @@ Token TokenReader::placed(int code) {
   return {begin, end < size ? end : size, code};
 }
 
-Token TokenReader::read(YYSTYPE* value) {
-  const Token token = placed(yylex(value, nullptr, scanner_));
+void TokenReader::read(YYSTYPE* value, Token& token) {
+  token.code = yylex(value, nullptr, scanner_);
+  if (token.code == 0 || extra_.status != FW_STATUS_OK || extra_.unclosed ||
+      extra_.input.againSize() != 0) {
+    token = placed(token.code);
+  } else {
+    const char* const word = yyget_text(scanner_);
+    token.begin = offset_ + static_cast<std::uint32_t>(word - base_);
+    token.end = token.begin + static_cast<std::uint32_t>(yyget_leng(scanner_));
+    // One blank is what mostly stands between two words.
+    if (token.begin > place_ && (token.begin > place_ + 1 || !isBlank(word[-1]))) {
+      skipGap(place_, token.begin);
+    }
+  }
   place_ = token.end;
-  return token;
 }
 
 void TokenReader::skipFailed(const Token& token) {

@@ -34,8 +34,8 @@ class TokenReader {
   TokenReader(const TokenReader&) = delete;
   TokenReader& operator=(const TokenReader&) = delete;
 
-  /// The next word. At a failure of the scanner the extra record has its status.
-  Token read(YYSTYPE* value);
+  /// Reads the next word. At a failure of the scanner the extra record has its status.
+  void read(YYSTYPE* value, Token& token);
 
   /// After a failure: clears it and goes on after the literal that failed, at `token`.
   void skipFailed(const Token& token);

@@ -16,6 +16,7 @@ PortRanges joined(PortRanges ports) {
   std::sort(ports.begin(), ports.end(),
             [](const PortRange& a, const PortRange& b) { return a.low < b.low; });
   PortRanges result;
+  result.reserve(ports.size());
   for (const PortRange& range : ports) {
     if (!result.empty() && range.low <= result.back().high + 1) {
       result.back().high = std::max(result.back().high, range.high);
@@ -67,6 +68,7 @@ PortRanges written(const FWPortBlock_& block) {
   const auto body = loadRecord<CTarnFWProtocolSpecL4PortSet::Body>(block.body);
   PortRanges ports;
   const unsigned int count = body.count & 0xf;
+  ports.reserve(count);
   for (unsigned int i = 0; i < count; ++i) {
     const bool range = (body.ranges >> i & 1) != 0 && i + 1 < count;
     ports.push_back({body.entries[i], body.entries[range ? i + 1 : i]});
