@@ -13,7 +13,7 @@ have() { command -v "$1" >/dev/null 2>&1; }
 # What the program, the library and the lab are built with; what the tests need besides; what the
 # sanitizers and fuzzers need.
 build_packages=(g++ cmake ninja-build flex bison)
-test_packages=(ccache libgtest-dev make netbase python3 python3-cram valgrind pkg-config git)
+test_packages=(ccache libgtest-dev make netbase python3 python3-cram python3-jsonschema valgrind pkg-config git)
 fuzz_packages=(clang-14 libclang-rt-14-dev)
 
 # is_there PACKAGE. Where the package system cannot be asked, the package's command answers; what has
@@ -24,7 +24,7 @@ is_there() {
     return
   fi
   case $1 in
-    lib* | ccache | netbase) ;;
+    lib* | ccache | netbase | python3-jsonschema) ;;
     ninja-build) have ninja ;;
     python3-cram) have cram3 || have cram ;;
     *) have "$1" ;;

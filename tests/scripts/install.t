@@ -284,7 +284,7 @@ The quickstart builds what its lab needs and runs the main job, from any folder.
 tests' tools.
 
   $ machine
-  $ printf '%s\n' ccache libgtest-dev libbenchmark-dev make python3 python3-cram valgrind > missing
+  $ printf '%s\n' ccache libgtest-dev libbenchmark-dev make python3 python3-cram python3-jsonschema valgrind > missing
   $ rm bin/apt-get
   $ stub tarnlab <<< 'echo "tarnlab ${TARNLAB_HOME#"$STUBS"/} $*"'
   $ mkdir elsewhere
