@@ -8,9 +8,9 @@ using namespace TarnFirewall;
 namespace {
 
 AddressBits bitsOf(const std::uint8_t* bytes, std::size_t size) {
-  AddressBits bits = 0;
-  for (std::size_t i = 0; i < size; ++i) bits = bits << 8 | bytes[i];
-  return bits;
+  if (size == sizeof(net32)) return std::uint32_t{loadRecord<net32>(bytes)};
+  return AddressBits{std::uint64_t{loadRecord<net64>(bytes)}} << 64 |
+         std::uint64_t{loadRecord<net64>(bytes + sizeof(net64))};
 }
 
 /// Ones in the low bits.
@@ -58,9 +58,8 @@ bool AddressBlock::contains(const AddressBlock& other) const {
 std::size_t AddressBlockHash::operator()(const AddressBlock& block) const {
   auto hash = static_cast<std::uint64_t>(block.bits >> 64) * 0x9e3779b97f4a7c15u;
   hash ^= static_cast<std::uint64_t>(block.bits);
+  hash ^= static_cast<std::uint64_t>(block.length) << 56 | std::uint64_t{block.isIPv4} << 55;
   hash = (hash ^ hash >> 32) * 0xd6e8feb86659fd93u;
-  hash ^= static_cast<std::uint64_t>(block.length) << 1 | (block.isIPv4 ? 1 : 0);
-  hash = (hash ^ hash >> 29) * 0x9e3779b97f4a7c15u;
   return static_cast<std::size_t>(hash ^ hash >> 32);
 }
 

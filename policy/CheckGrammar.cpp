@@ -1,5 +1,7 @@
 #include "CheckGrammar.h"
 
+#include <cstdlib>
+
 #include "TarnFWParserActions.h"
 #include "TarnFWScanner.h"
 
@@ -33,7 +35,7 @@ void reportToClient(bool lookedAhead, const FWParse& parse) {
 #undef reportParseFailure
 
 int policy_lex(POLICY_STYPE* value, POLICY_LTYPE*, void* scanner) {
-  return clientOf(scanner).nextToken(value, sizeof *value);
+  return clientOf(scanner).nextToken(value);
 }
 
 /// Called by the generated parser. 0: the message has been made.
@@ -57,8 +59,10 @@ const char* grammarName(int code) {
                                  : static_cast<yysymbol_kind_t>(code - kFirstToken));
 }
 
-bool runGrammar(GrammarClient& client, void* scanner, CTarnFWCmdList** list,
+bool runGrammar(GrammarClient& client, std::size_t valueSize, void* scanner, CTarnFWCmdList** list,
                 CTarnFWCmdConfig** config) {
+  // The type has two names, made from the same lines.
+  if (valueSize != sizeof(POLICY_STYPE)) std::abort();
   FWStatus_t status = FW_STATUS_OK;
   const int result = policy_parse(&status, scanner, "", list, config);
   if (result == 2) client.exhausted();

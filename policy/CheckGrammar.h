@@ -16,8 +16,8 @@ class CTarnFWCmdList;
 /// What a run of the grammar asks, and what it reports to. It is attached to the scanner as its
 /// extra record.
 struct GrammarClient : TarnFirewall::fw_lex_extra_ {
-  /// Stores the next token's value, `size` bytes, and returns its code as the scanner does.
-  virtual int nextToken(void* value, std::size_t size) = 0;
+  /// Stores the next token's value and returns its code as the scanner does.
+  virtual int nextToken(void* value) = 0;
 
   /// The token that was given last has no place. `expected`: the codes that have one.
   virtual void unexpected(const std::vector<int>& expected) = 0;
@@ -37,6 +37,6 @@ struct GrammarClient : TarnFirewall::fw_lex_extra_ {
 const char* grammarName(int code);
 
 /// Parses from the client's tokens up to their end or to the first mistake, which has been reported
-/// then: false, and the results are empty.
-bool runGrammar(GrammarClient& client, void* scanner, TarnFirewall::CTarnFWCmdList** list,
-                TarnFirewall::CTarnFWCmdConfig** config);
+/// then: false, and the results are empty. `valueSize`: what the client stores as a token's value.
+bool runGrammar(GrammarClient& client, std::size_t valueSize, void* scanner,
+                TarnFirewall::CTarnFWCmdList** list, TarnFirewall::CTarnFWCmdConfig** config);

@@ -54,11 +54,6 @@ constexpr auto kSaysNames = [] {
   return says;
 }();
 
-bool saysNames(int code) {
-  const auto place = static_cast<std::size_t>(code);
-  return place >= kSaysNames.size() || kSaysNames[place];
-}
-
 /// A name as the library keeps it: without quotes, and up to a NUL inside them.
 std::string_view nameOf(std::string_view text) {
   if (text.size() >= 2 && (text[0] == '"' || text[0] == '\'')) {
@@ -70,11 +65,20 @@ std::string_view nameOf(std::string_view text) {
 
 }  // namespace
 
+inline bool NameCheck::saysNames(int code) {
+  const auto place = static_cast<std::size_t>(code);
+  return place >= kSaysNames.size() || kSaysNames[place];
+}
+
 void NameCheck::word(const Token& token) {
   if (inRule_ && !saysNames(token.code)) {
     before_ = token.code;
-    return;
+  } else {
+    take(token);
   }
+}
+
+void NameCheck::take(const Token& token) {
   Word word{token.code, {file_, token.begin, token.end}, {}};
   if (token.code == TK_STRING) {
     word.text = nameOf(sources_[file_].text(token.begin, token.end));

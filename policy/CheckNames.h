@@ -92,6 +92,8 @@ class NameCheck final : public TextListener {
     TextRange range;
   };
 
+  static bool saysNames(int code);
+  void take(const Token& token);
   void ruleWord(const Word& word);
   void beginRule();
   std::size_t scopeOf(const TarnFirewall::CTarnFWCmdList& commands);

@@ -88,13 +88,17 @@ class TextParse final : public GrammarClient {
   void run();
 
  private:
-  int nextToken(void* value, std::size_t size) override;
+  int nextToken(void* value) override;
   void unexpected(const std::vector<int>& expected) override;
   void refused(bool lookedAhead) override;
   void exhausted() override;
 
   void readOne();
-  void settle();
+  /// Hands the word read last to the listener.
+  void settle() {
+    if (unsettled_ && token_.code != 0) listener_.word(token_);
+    unsettled_ = false;
+  }
   void forget();
   void endStatement();
   void skipStatement();
@@ -148,7 +152,7 @@ void TextParse::run() {
   // A hexadecimal number is refused when earlier work has left an error there.
   errno = 0;
   for (;;) {
-    const bool good = runGrammar(*this, reader_.scanner(), &list_, &config_);
+    const bool good = runGrammar(*this, sizeof(YYSTYPE), reader_.scanner(), &list_, &config_);
     delete std::exchange(list_, nullptr);
     delete std::exchange(config_, nullptr);
     if (good || stopped_) break;
@@ -170,12 +174,6 @@ void TextParse::readOne() {
   unsettled_ = true;
 }
 
-/// Hands the word read last to the listener and takes it into the statement.
-void TextParse::settle() {
-  if (!std::exchange(unsettled_, false) || token_.code == 0) return;
-  listener_.word(token_);
-}
-
 /// Takes the word read last back: it is given once more, to whom it belongs.
 void TextParse::forget() {
   if (unsettled_ && !words_.empty() && words_.back().begin == token_.begin) words_.pop_back();
@@ -188,10 +186,8 @@ bool TextParse::isRuleSet() const {
   return headSize_ >= 3 && words_[0].code == TK_CREATE && words_[1].code == TK_RULESET;
 }
 
-int TextParse::nextToken(void* value, std::size_t size) {
+int TextParse::nextToken(void* value) {
   static_assert(std::is_trivially_copyable_v<YYSTYPE>);
-  // The grammar's own instance has a type of its own, made from the same lines.
-  if (size != sizeof(YYSTYPE)) std::abort();
   if (prefix_ > 0) {
     constexpr int kPrefix[] = {TK_LBRACE, TK_STRING, TK_RULESET, TK_CREATE};
     YYSTYPE made{};
@@ -219,9 +215,10 @@ int TextParse::nextToken(void* value, std::size_t size) {
     default:
       break;
   }
-  if (token_.code != 0) words_.push_back(token_);
-  if (token_.code == TK_LBRACE && headSize_ == 0) headSize_ = words_.size();
-  if (token_.code == 0 && failed_ && words_.empty()) {
+  if (token_.code != 0) {
+    words_.push_back(token_);
+    if (token_.code == TK_LBRACE && headSize_ == 0) headSize_ = words_.size();
+  } else if (failed_ && words_.empty()) {
     // Between two statements the library takes a failure for the end of the text.
     report(Check::ignoredText, token_, "the text is not read from here on: " + failureText());
     stopped_ = true;
