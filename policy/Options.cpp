@@ -5,6 +5,7 @@
 namespace {
 
 constexpr OptionForm kHelp = {"help", 'h', true, false};
+constexpr OptionForm kVersion = {"version", 'V', false, false};
 
 }  // namespace
 
@@ -19,6 +20,7 @@ OptionReader::OptionReader(int argc, char** argv, std::span<const OptionForm> fo
   };
   for (const OptionForm& form : forms) add(form);
   add(kHelp);
+  add(kVersion);
   names_.push_back({});
   optind = 0;  // begins anew, whatever an earlier reader has read
 }
@@ -29,7 +31,8 @@ char OptionReader::next() {
   opterr = 0;
   const int result = getopt_long(argc_, argv_, letters_.c_str(), names_.data(), nullptr);
   if (result == -1) return 0;
-  if (result == 'h') throw HelpWanted();
+  if (result == kHelp.letter) throw HelpWanted();
+  if (result == kVersion.letter) throw VersionWanted();
   if (result == '?' || result == ':') refuse(result);
   argument_ = optarg;
   return static_cast<char>(result);

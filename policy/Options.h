@@ -1,7 +1,8 @@
 #pragma once
 
 /// Options and operands of a subcommand's call. Options may stand after operands, "--" ends them,
-/// and every long name may be cut where it stays unique. `-h` and `--help` need not be listed.
+/// and every long name may be cut where it stays unique. `-h`, `--help` and `--version` are listed
+/// for no subcommand, and each has them.
 
 #include <span>
 #include <stdexcept>
@@ -27,6 +28,9 @@ class CallError : public std::runtime_error {
 /// Thrown where the help text was asked for.
 struct HelpWanted {};
 
+/// Thrown where the version was asked for.
+struct VersionWanted {};
+
 class OptionReader {
  public:
   /// `argv[0]` is the subcommand. One reader at a time: the C library keeps its place.
@@ -36,7 +40,7 @@ class OptionReader {
   OptionReader& operator=(const OptionReader&) = delete;
 
   /// The letter of the next option, 0 after the last. Throws `CallError` for an unknown option, for
-  /// an argument that is missing and for one that has no place, and `HelpWanted`.
+  /// an argument that is missing and for one that has no place, `HelpWanted` and `VersionWanted`.
   char next();
 
   /// The argument of the option that `next` returned.

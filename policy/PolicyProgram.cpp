@@ -15,14 +15,19 @@ namespace {
 void printUsage(std::FILE* stream) {
   std::fputs(
       "Usage: tarnpolicy SUBCOMMAND ...\n"
-      "       tarnpolicy SUBCOMMAND --help\n"
-      "       tarnpolicy --version\n"
+      "       tarnpolicy [SUBCOMMAND] --help\n"
+      "       tarnpolicy [SUBCOMMAND] --version\n"
       "\n",
       stream);
   for (const Subcommand& subcommand : subcommands()) {
     if (subcommand.run == nullptr) continue;
     std::fprintf(stream, "  %-8s %s\n", subcommand.name, subcommand.summary);
   }
+}
+
+int printVersion() {
+  std::puts("tarnpolicy " TARNFW_BUILD);
+  return 0;
 }
 
 int callWithoutSubcommand(const char* problem, const char* word) {
@@ -37,6 +42,8 @@ int runSubcommand(const Subcommand& subcommand, int argc, char** argv) {
   } catch (const HelpWanted&) {
     std::fputs(subcommand.usage, stdout);
     return 0;
+  } catch (const VersionWanted&) {
+    return printVersion();
   } catch (const CallError& e) {
     std::fprintf(stderr,
                  "tarnpolicy %s: %s\n"
@@ -57,10 +64,7 @@ int runWord(int argc, char** argv) {
     printUsage(stdout);
     return 0;
   }
-  if (word == "--version") {
-    std::puts("tarnpolicy " TARNFW_BUILD);
-    return 0;
-  }
+  if (word == "--version") return printVersion();
   const Subcommand* subcommand = findSubcommand(word);
   if (subcommand == nullptr) return callWithoutSubcommand("no subcommand ", argv[1]);
   if (subcommand->run == nullptr) {

@@ -29,6 +29,8 @@ std::string read(std::vector<std::string> words) {
     return std::string("error: ") + e.what();
   } catch (const HelpWanted&) {
     return "help";
+  } catch (const VersionWanted&) {
+    return "version";
   }
   return result;
 }
@@ -67,9 +69,11 @@ TEST(PolicyOptions, RefusesArgumentsThatAreMissingOrHaveNoPlace) {
   EXPECT_EQ(read({"--strict=yes"}), "error: option --strict takes no argument");
 }
 
-TEST(PolicyOptions, HelpIsAlwaysThere) {
+TEST(PolicyOptions, HelpAndVersionAreAlwaysThere) {
   EXPECT_EQ(read({"-h"}), "help");
   EXPECT_EQ(read({"a", "--help"}), "help");
+  EXPECT_EQ(read({"a", "--version"}), "version");
+  EXPECT_EQ(read({"-V"}), "error: no option -V");
 }
 
 }  // namespace

@@ -27,6 +27,16 @@ TEST(PolicyProgram, EverySubcommandAnswersHelpWithItsUsage) {
   }
 }
 
+TEST(PolicyProgram, EverySubcommandAnswersWithTheVersion) {
+  const PolicyResult version = runPolicy({"--version"});
+  EXPECT_EQ(version.status, 0);
+  EXPECT_TRUE(version.out.starts_with("tarnpolicy ")) << version.out;
+  for (const Subcommand& subcommand : subcommands()) {
+    if (subcommand.run == nullptr) continue;
+    EXPECT_EQ(runPolicy({subcommand.name, "--version"}), version);
+  }
+}
+
 TEST(PolicyProgram, EverySubcommandRefusesAnUnknownOption) {
   for (const Subcommand& subcommand : subcommands()) {
     if (subcommand.run == nullptr) continue;
