@@ -1,8 +1,6 @@
 #include "PolicyProgram.h"
 
-#include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <exception>
 #include <new>
 #include <string_view>
@@ -57,7 +55,9 @@ int runSubcommand(const Subcommand& subcommand, int argc, char** argv) {
   return kTroubleStatus;
 }
 
-int runWord(int argc, char** argv) {
+}  // namespace
+
+int runPolicyProgram(int argc, char** argv) {
   if (argc < 2) return callWithoutSubcommand("a subcommand is missing", "");
   const std::string_view word = argv[1];
   if (word == "--help" || word == "-h") {
@@ -71,15 +71,4 @@ int runWord(int argc, char** argv) {
     return callWithoutSubcommand("this version does not have the subcommand ", argv[1]);
   }
   return runSubcommand(*subcommand, argc - 1, argv + 1);
-}
-
-}  // namespace
-
-int runPolicyProgram(int argc, char** argv) {
-  const int status = runWord(argc, argv);
-  errno = 0;
-  if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return status;
-  std::fprintf(stderr, "tarnpolicy: failed to write output: %s\n",
-               std::strerror(errno != 0 ? errno : EIO));
-  return kTroubleStatus;
 }

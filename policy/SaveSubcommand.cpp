@@ -1,7 +1,9 @@
 #include "SaveSubcommand.h"
 
+#include <sys/stat.h>
+
 #include <cstdio>
-#include <ostream>
+#include <fstream>
 #include <string>
 
 #include "LanguageText.h"
@@ -82,12 +84,26 @@ UtilStatus_t writeText(void* context, std::ostream& stream) {
   return stream.good() ? UTIL_STATUS_OK : UTIL_STATUS_FAILED;
 }
 
+/// A device or a pipe has no earlier content to keep, and may never come to the end of one.
+bool isReplaceable(const char* path) {
+  struct stat facts {};
+  return stat(path, &facts) != 0 || S_ISREG(facts.st_mode);
+}
+
+bool writeThrough(const char* path, const std::string& text) {
+  std::ofstream file(path);
+  return (file << text).flush().good();
+}
+
 int store(const SaveCall& call, std::string& text) {
   if (call.output.empty() || call.output == "-") {
-    std::fwrite(text.data(), 1, text.size(), stdout);  // the frame sees whether it arrives
+    std::fwrite(text.data(), 1, text.size(), stdout);  // main sees whether it arrives
     return 0;
   }
-  if (FwReplaceFile(call.output.c_str(), &text, writeText) == UTIL_STATUS_OK) return 0;
+  const char* const path = call.output.c_str();
+  const bool stored = isReplaceable(path) ? FwReplaceFile(path, &text, writeText) == UTIL_STATUS_OK
+                                          : writeThrough(path, text);
+  if (stored) return 0;
   std::fprintf(stderr, "tarnpolicy save: can't write %s\n", call.output.c_str());
   return kTroubleStatus;
 }

@@ -1,10 +1,13 @@
 #include <syslog.h>
 
 #include "PolicyProgram.h"
+#include "StandardOutput.h"
 
 /// tarnpolicy SUBCOMMAND ...: checks, keeps and changes whole policies. The exit status is the
-/// subcommand's, and 2 when it was called wrongly or its output was lost.
+/// subcommand's, and at least 2 when output was lost.
 int main(int argc, char** argv) {
   openlog("tarnpolicy", LOG_CONS, LOG_AUTHPRIV);
-  return runPolicyProgram(argc, argv);
+  TarnFirewall::fillStandardStreams();
+  static TarnFirewall::StandardOutput output("tarnpolicy", kTroubleStatus);
+  return output.finish(runPolicyProgram(argc, argv));
 }

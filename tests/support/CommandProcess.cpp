@@ -54,7 +54,7 @@ class Capture {
   std::vector<char*> argv;
   for (std::string& word : copies) argv.push_back(word.data());
   argv.push_back(nullptr);
-  static StandardOutput output;
+  static TarnFirewall::StandardOutput output("ERROR", 1);
   std::exit(output.finish(body(static_cast<int>(copies.size()), argv.data())));
 }
 

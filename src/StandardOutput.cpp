@@ -1,13 +1,22 @@
 #include "StandardOutput.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
 
-#include "HandlerCommon.h"
+namespace TarnFirewall {
 
-StandardOutput::StandardOutput() : former_(stdout) {
+void fillStandardStreams() {
+  for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream) {
+    if (fcntl(stream, F_GETFD) >= 0) continue;
+    if (open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY) < 0) return;
+  }
+}
+
+StandardOutput::StandardOutput(const char* speaker, int lostStatus)
+    : speaker_(speaker), lostStatus_(lostStatus), former_(stdout) {
   // A stream of the C library remembers that a write failed, but not why.
   cookie_io_functions_t functions{};
   functions.write = write;
@@ -27,10 +36,11 @@ int StandardOutput::finish(int status) {
   if (std::fflush(stdout) != 0 && error_ == 0) error_ = errno;
   if (ferror_unlocked(stdout) == 0 && error_ == 0) return status;
   if (!reported_) {
-    error("ERROR: failed to write output: %s\n", std::strerror(error_ != 0 ? error_ : EIO));
+    std::fprintf(stderr, "%s: failed to write output: %s\n", speaker_,
+                 std::strerror(error_ != 0 ? error_ : EIO));
     reported_ = true;
   }
-  return status != 0 ? status : 1;
+  return status >= 0 && status < lostStatus_ ? lostStatus_ : status;
 }
 
 ssize_t StandardOutput::write(void* self, const char* bytes, std::size_t size) {
@@ -47,3 +57,5 @@ ssize_t StandardOutput::write(void* self, const char* bytes, std::size_t size) {
   }
   return static_cast<ssize_t>(written);
 }
+
+}  // namespace TarnFirewall
