@@ -13,6 +13,12 @@ elseif(NOT TARNFW_SANITIZE STREQUAL "")
   message(FATAL_ERROR "TARNFW_SANITIZE: unknown value ${TARNFW_SANITIZE}")
 endif()
 
+# Under a sanitizer g++ inlines less, and takes the operator delete that ends an object itself for one
+# that does not belong to the allocation.
+if(flags AND CMAKE_CXX_COMPILER_ID STREQUAL GNU)
+  list(APPEND flags $<$<COMPILE_LANGUAGE:CXX>:-Wno-mismatched-new-delete>)
+endif()
+
 if(flags)
   add_compile_options(${flags})
   add_link_options(${flags})
