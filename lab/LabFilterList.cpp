@@ -94,54 +94,57 @@ int listFilters(Request& request, Body& body) {
   return 0;
 }
 
-/// The buffer has the record of one filter with its name and its flags.
-int setFlowFlags(Request& request, Body& body) {
-  if (room.get(body) != FilterRecord::size || count.get(body) != 0) {
+/// Reads the buffer of a request about one filter: a record that has the filter's name. The request
+/// counts so many filters. 0 or an errno.
+int readRecord(Request& request, const Body& body, std::uint32_t counted, ByteVector& record) {
+  if (room.get(body) != FilterRecord::size || count.get(body) != counted) {
     return request.refuse(
         EINVAL, format("buffer of %u bytes for %u filters", room.get(body), count.get(body)));
   }
-  ByteVector record;
-  if (const int error =
-          request.readBuffer(buffer.get(body), FilterRecord::size, FilterRecord::size, record)) {
-    return error;
+  return request.readBuffer(buffer.get(body), FilterRecord::size, FilterRecord::size, record);
+}
+
+/// The filter of this name and of the agent that the request names.
+std::optional<std::size_t> namedFilter(const Request& request, const Body& body,
+                                       std::string_view name) {
+  for (std::size_t i = 0; i < request.host.filterCount(); ++i) {
+    if (request.host.name(i) == name && request.host.agent(i) == agent.get(body)) return i;
   }
+  return std::nullopt;
+}
+
+/// The buffer has the record of one filter with its name and its flags.
+int setFlowFlags(Request& request, Body& body) {
+  ByteVector record;
+  if (const int error = readRecord(request, body, 0, record)) return error;
   const std::string_view name = getText(record, FilterRecord::name, FilterRecord::nameSize);
   const std::uint32_t flags = get32(record, FilterRecord::flowFlags);
   request.entry.note = format("filter %s, flags 0x%x", printable(name).c_str(), flags);
   if ((flags & ~knownFlags) != 0) return EINVAL;
-  for (std::size_t i = 0; i < request.host.filterCount(); ++i) {
-    if (request.host.name(i) != name || request.host.agent(i) != agent.get(body)) continue;
-    Settings settings = Settings::load(request.store, request.host.folderOf(i));
-    settings.set(flowFlags, flags);
-    settings.save(request.store, request.host.folderOf(i));
-    return 0;
-  }
-  return ENOENT;
+  const auto index = namedFilter(request, body, name);
+  if (!index) return ENOENT;
+  Settings settings = Settings::load(request.store, request.host.folderOf(*index));
+  settings.set(flowFlags, flags);
+  settings.save(request.store, request.host.folderOf(*index));
+  return 0;
 }
 
 /// The buffer has room for one record, with the filter's name in it.
 int readFilter(Request& request, Body& body) {
-  if (room.get(body) != FilterRecord::size || count.get(body) != 1) {
-    return request.refuse(
-        EINVAL, format("buffer of %u bytes for %u filters", room.get(body), count.get(body)));
-  }
   ByteVector record;
-  if (const int error =
-          request.readBuffer(buffer.get(body), FilterRecord::size, FilterRecord::size, record)) {
-    return error;
-  }
+  if (const int error = readRecord(request, body, 1, record)) return error;
   const std::string name(getText(record, FilterRecord::name, FilterRecord::nameSize));
   request.entry.note = "filter " + name;
   if (name.size() == FilterRecord::nameSize) return EINVAL;
-  for (std::size_t i = 0; i < request.host.filterCount(); ++i) {
-    if (request.host.name(i) != name || request.host.agent(i) != agent.get(body)) continue;
-    ByteVector found;
-    appendRecord(found, request, i, FilterRecord::size);
-    if (const int error = request.writeBuffer(buffer.get(body), found)) return error;
-    filled.put(body, static_cast<std::uint32_t>(found.size()));
+  const auto index = namedFilter(request, body, name);
+  if (!index) {
+    request.status = Status::noFilter;
     return 0;
   }
-  request.status = Status::noFilter;
+  ByteVector found;
+  appendRecord(found, request, *index, FilterRecord::size);
+  if (const int error = request.writeBuffer(buffer.get(body), found)) return error;
+  filled.put(body, static_cast<std::uint32_t>(found.size()));
   return 0;
 }
 

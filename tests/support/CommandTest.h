@@ -33,6 +33,13 @@ class CommandTest : public ::testing::Test {
     EXPECT_EQ(command.toString(), text);
   }
 
+  /// Number, text and request of a command that is sent as it was made.
+  static void expectCommand(TarnFirewall::CTarnFWCmd&& command, int number, const std::string& text,
+                            const Bytes& request) {
+    expectIdentity(command, number, static_cast<unsigned int>(request.size()), text);
+    EXPECT_EQ(requestOf(command), request) << text;
+  }
+
   /// What the command prints for a zeroed reply of full size with `value` at `offset`. The command
   /// ends with status 0.
   static std::string printedForWord(TarnFirewall::CTarnFWCmd& command, std::size_t offset,

@@ -49,40 +49,30 @@ std::unique_ptr<CTarnFWAddressList> listOf(std::initializer_list<const char*> te
 }  // namespace
 
 TEST_F(TarnFWCmdAddrSet, CommandsWithAName) {
-  CTarnFWCmdDestroyAddrSet destroy(nullptr, id("web"));
-  expectIdentity(destroy, 14, 42, "destroy addrset web");
-  EXPECT_EQ(requestOf(destroy), Bytes(42).text(0, "web"));
-  CTarnFWCmdClearAddrSet clear(nullptr, id(full()));
-  expectIdentity(clear, 64, 46, "delete all from addrset " + full());
-  EXPECT_EQ(requestOf(clear), Bytes(46).text(0, full()));
-  CTarnFWCmdGetAddrSetTypeAndSize size(nullptr, id("web"));
-  expectIdentity(size, 15, 50, "describe size of addrset web");
-  EXPECT_EQ(requestOf(size), Bytes(50).text(0, "web"));
-  CTarnFWCmdGetAddrSetInfo info(nullptr, id("web"));
-  expectIdentity(info, 16, 58, "describe info of addrset web");
-  EXPECT_EQ(requestOf(info), Bytes(58).text(0, "web"));
+  expectCommand(CTarnFWCmdDestroyAddrSet(nullptr, id("web")), 14, "destroy addrset web",
+                Bytes(42).text(0, "web"));
+  expectCommand(CTarnFWCmdClearAddrSet(nullptr, id(full())), 64,
+                "delete all from addrset " + full(), Bytes(46).text(0, full()));
+  expectCommand(CTarnFWCmdGetAddrSetTypeAndSize(nullptr, id("web")), 15,
+                "describe size of addrset web", Bytes(50).text(0, "web"));
+  expectCommand(CTarnFWCmdGetAddrSetInfo(nullptr, id("web")), 16, "describe info of addrset web",
+                Bytes(58).text(0, "web"));
 }
 
 TEST_F(TarnFWCmdAddrSet, CommandsOfTheWholeFilter) {
   const dvs_port_ port = filterPort("nic-1");
-  CTarnFWCmdDestroyAllAddrSet destroy(&port);
-  expectIdentity(destroy, 65, 4, "destroy all addrset of filter nic-1");
-  EXPECT_EQ(requestOf(destroy), Bytes(4));
-  CTarnFWCmdGetSharedAddrSet shared(nullptr);
-  expectIdentity(shared, 45, 4, "describe shared addrset");
-  EXPECT_EQ(requestOf(shared), Bytes(4));
-  CTarnFWCmdConfigSharedAddrSet on(nullptr, true);
-  expectIdentity(on, 44, 4, "enable shared addrset");
-  EXPECT_EQ(requestOf(on), Bytes(4).at(0, {1}));
-  CTarnFWCmdConfigSharedAddrSet off(nullptr, false);
-  expectIdentity(off, 44, 4, "disable shared addrset");
-  EXPECT_EQ(requestOf(off), Bytes(4));
+  expectCommand(CTarnFWCmdDestroyAllAddrSet(&port), 65, "destroy all addrset of filter nic-1",
+                Bytes(4));
+  expectCommand(CTarnFWCmdGetSharedAddrSet(nullptr), 45, "describe shared addrset", Bytes(4));
+  expectCommand(CTarnFWCmdConfigSharedAddrSet(nullptr, true), 44, "enable shared addrset",
+                Bytes(4).at(0, {1}));
+  expectCommand(CTarnFWCmdConfigSharedAddrSet(nullptr, false), 44, "disable shared addrset",
+                Bytes(4));
 }
 
 TEST_F(TarnFWCmdAddrSet, ACountSendsItsTypeAndTypeZeroCountsEveryKind) {
-  CTarnFWCmdGetAddrSetCount every(nullptr, FW_ADDRSET_ANY);
-  expectIdentity(every, 20, 8, "describe count of addrset");
-  EXPECT_EQ(requestOf(every), Bytes(8));
+  expectCommand(CTarnFWCmdGetAddrSetCount(nullptr, FW_ADDRSET_ANY), 20, "describe count of addrset",
+                Bytes(8));
   CTarnFWCmdGetAddrSetCount sids(nullptr, FW_ADDRSET_SID);
   EXPECT_EQ(requestOf(sids), Bytes(8).at(0, {5}));
   EXPECT_EQ(printedFor(sids, Bytes(8).at(4, {9, 1})), "addrset count : 265\n");
@@ -259,9 +249,8 @@ TEST_F(TarnFWCmdAddrSet, AConfigurationPrintsWhatCameOfIt) {
 // --- Creation
 
 TEST_F(TarnFWCmdAddrSet, ASetWithoutAddressesSendsItsHead) {
-  CTarnFWCmdCreateAddrSet command(nullptr, "web", FW_ADDRSET_IP);
-  expectIdentity(command, 13, 86, "create addrset web");
-  EXPECT_EQ(requestOf(command), Bytes(86).text(0, "web").at(50, {1}).at(58, {3}));
+  expectCommand(CTarnFWCmdCreateAddrSet(nullptr, "web", FW_ADDRSET_IP), 13, "create addrset web",
+                Bytes(86).text(0, "web").at(50, {1}).at(58, {3}));
 }
 
 TEST_F(TarnFWCmdAddrSet, ThreeAddressesTakeFourHundredAndThirtyTwoBytes) {
@@ -375,9 +364,8 @@ TEST_F(TarnFWCmdAddrSet, ATooSmallBufferForAContainerIsLogged) {
 // --- Elements
 
 TEST_F(TarnFWCmdAddrSet, ElementsAreAskedForByNameAndCount) {
-  CTarnFWCmdGetElementsOfContainer command(nullptr, "box", FW_CONTAINER_ATTR_PROFILE, 3, 40);
-  expectIdentity(command, 56, 110, "describe elements of container box");
-  EXPECT_EQ(requestOf(command), Bytes(110).text(0, "box").at(42, {3}));
+  expectCommand(CTarnFWCmdGetElementsOfContainer(nullptr, "box", FW_CONTAINER_ATTR_PROFILE, 3, 40),
+                56, "describe elements of container box", Bytes(110).text(0, "box").at(42, {3}));
 }
 
 TEST_F(TarnFWCmdAddrSet, AnEmptyChainHasNoElements) {

@@ -33,36 +33,23 @@ using namespace TarnFirewall;
 using TarnFWCmdRuleSet = CommandTest<FWRuleSetID_t>;
 
 TEST_F(TarnFWCmdRuleSet, CommandsWithoutArgumentsSendZeros) {
-  CTarnFWCmdGetRuleSetCount count(nullptr);
-  expectIdentity(count, 1, 4, "describe count of ruleset");
-  EXPECT_EQ(requestOf(count), Bytes(4));
-  CTarnFWCmdGetRootRuleSet root(nullptr);
-  expectIdentity(root, 4, 132, "describe root ruleset");
-  EXPECT_EQ(requestOf(root), Bytes(132));
-  CTarnFWCmdClearRootRuleSet clear(nullptr);
-  expectIdentity(clear, 36, 4, "clear root ruleset");
-  EXPECT_EQ(requestOf(clear), Bytes(4));
-  CTarnFWCmdDestroyAllRuleSet destroy(nullptr);
-  expectIdentity(destroy, 60, 4, "destroy all ruleset");
-  EXPECT_EQ(requestOf(destroy), Bytes(4));
+  expectCommand(CTarnFWCmdGetRuleSetCount(nullptr), 1, "describe count of ruleset", Bytes(4));
+  expectCommand(CTarnFWCmdGetRootRuleSet(nullptr), 4, "describe root ruleset", Bytes(132));
+  expectCommand(CTarnFWCmdClearRootRuleSet(nullptr), 36, "clear root ruleset", Bytes(4));
+  expectCommand(CTarnFWCmdDestroyAllRuleSet(nullptr), 60, "destroy all ruleset", Bytes(4));
 }
 
 TEST_F(TarnFWCmdRuleSet, CommandsWithANameSendItAtTheStart) {
-  CTarnFWCmdClearRuleSet clear(nullptr, id("web"));
-  expectIdentity(clear, 6, 72, "clear rule of ruleset web");
-  EXPECT_EQ(requestOf(clear), Bytes(72).text(0, "web"));
-  CTarnFWCmdDestroyRuleSet destroy(nullptr, id(full()));
-  expectIdentity(destroy, 7, 64, "destroy ruleset " + full());
-  EXPECT_EQ(requestOf(destroy), Bytes(64).text(0, full()));
-  CTarnFWCmdGetRuleSetInfo info(nullptr, id("web"));
-  expectIdentity(info, 9, 84, "describe info of ruleset web");
-  EXPECT_EQ(requestOf(info), Bytes(84).text(0, "web"));
-  CTarnFWCmdGetRuleSetJump jump(nullptr, id("web"));
-  expectIdentity(jump, 62, 128, "describe jumpto of ruleset web");
-  EXPECT_EQ(requestOf(jump), Bytes(128).text(0, "web"));
-  CTarnFWCmdClearRuleSetJump noJump(nullptr, id("web"));
-  expectIdentity(noJump, 63, 64, "clear jumpto of ruleset web");
-  EXPECT_EQ(requestOf(noJump), Bytes(64).text(0, "web"));
+  expectCommand(CTarnFWCmdClearRuleSet(nullptr, id("web")), 6, "clear rule of ruleset web",
+                Bytes(72).text(0, "web"));
+  expectCommand(CTarnFWCmdDestroyRuleSet(nullptr, id(full())), 7, "destroy ruleset " + full(),
+                Bytes(64).text(0, full()));
+  expectCommand(CTarnFWCmdGetRuleSetInfo(nullptr, id("web")), 9, "describe info of ruleset web",
+                Bytes(84).text(0, "web"));
+  expectCommand(CTarnFWCmdGetRuleSetJump(nullptr, id("web")), 62, "describe jumpto of ruleset web",
+                Bytes(128).text(0, "web"));
+  expectCommand(CTarnFWCmdClearRuleSetJump(nullptr, id("web")), 63, "clear jumpto of ruleset web",
+                Bytes(64).text(0, "web"));
 }
 
 TEST_F(TarnFWCmdRuleSet, AStatementEndsWithItsSelector) {
@@ -72,18 +59,16 @@ TEST_F(TarnFWCmdRuleSet, AStatementEndsWithItsSelector) {
 }
 
 TEST_F(TarnFWCmdRuleSet, AJumpSendsBothNames) {
-  CTarnFWCmdSetRuleSetJump command(nullptr, id(full()), id("target"));
-  expectIdentity(command, 61, 128, "set jumpto of ruleset " + full() + " as target");
-  EXPECT_EQ(requestOf(command), Bytes(128).text(0, full()).text(64, "target"));
+  expectCommand(CTarnFWCmdSetRuleSetJump(nullptr, id(full()), id("target")), 61,
+                "set jumpto of ruleset " + full() + " as target",
+                Bytes(128).text(0, full()).text(64, "target"));
 }
 
 TEST_F(TarnFWCmdRuleSet, ARuleCountSendsNameAndKind) {
-  CTarnFWCmdGetRuleCountOfRuleSet plain(nullptr, id("web"), 0);
-  expectIdentity(plain, 8, 72, "describe rule count of ruleset web");
-  EXPECT_EQ(requestOf(plain), Bytes(72).text(0, "web"));
-  CTarnFWCmdGetRuleCountOfRuleSet snat(nullptr, id("web"), 1);
-  expectIdentity(snat, 8, 72, "describe snat rule count of ruleset web");
-  EXPECT_EQ(requestOf(snat), Bytes(72).text(0, "web").at(64, {1}));
+  expectCommand(CTarnFWCmdGetRuleCountOfRuleSet(nullptr, id("web"), 0), 8,
+                "describe rule count of ruleset web", Bytes(72).text(0, "web"));
+  expectCommand(CTarnFWCmdGetRuleCountOfRuleSet(nullptr, id("web"), 1), 8,
+                "describe snat rule count of ruleset web", Bytes(72).text(0, "web").at(64, {1}));
   CTarnFWCmdGetRuleCountOfRuleSet dnat(nullptr, id("web"), 2);
   expectIdentity(dnat, 8, 72, "describe dnat rule count of ruleset web");
   CTarnFWCmdGetRuleCountOfRuleSet three(nullptr, id("web"), 3);
@@ -275,9 +260,8 @@ TEST_F(TarnFWCmdRuleSet, AJumpTargetStaysInTheBufferAndPrintsNothing) {
 // --- Creation and root
 
 TEST_F(TarnFWCmdRuleSet, ARuleSetWithoutRulesSendsItsHead) {
-  CTarnFWCmdCreateRuleSet command(nullptr, "web");
-  expectIdentity(command, 3, 168, "create ruleset web");
-  EXPECT_EQ(requestOf(command), Bytes(168).text(64, "web").at(140, {3}));
+  expectCommand(CTarnFWCmdCreateRuleSet(nullptr, "web"), 3, "create ruleset web",
+                Bytes(168).text(64, "web").at(140, {3}));
 }
 
 TEST_F(TarnFWCmdRuleSet, AJumpTargetOfACreationIsPartOfTheTextOnly) {
