@@ -6,7 +6,7 @@ order.
 
 What they are set to.
 
-  $ run tarnlab show --peers
+  $ run tarnlab show --peers | tee before
   peer trace at /var/run/kelpco/hulld_trace
     tracing: off
     process log level: 3
@@ -28,23 +28,23 @@ What they are set to.
   $ quiet tarnioctl tracehulld -c save-filter -i /tmp/filters
   saved 6928 bytes to /tmp/filters
   $ quiet tarnioctl getdpiinfo -e
-  $ run tarnlab show --peers
-  peer trace at /var/run/kelpco/hulld_trace
-    tracing: on
-    process log level: 3
-    library log level: 2, parser 7
-    L2 rule optimization: on
-    L3 rule optimization: on
-    shared addrset: off
-    clean protobuf: off
-    addrset aggregation timeout: 5 seconds
-    addrset aggregation interval: 10 seconds
-    filters: 8, agents: 3
-  peer inspection at /var/run/kelpco/vdpi_stats_channel
-    tracing: on
-    names: 7, 0 of them loaded
-  file /etc/kelpco/hulld/enable_trace: 0 bytes
-  file /tmp/filters: 6928 bytes
+  $ tarnlab show --peers | diff before -
+  2c2
+  <   tracing: off
+  ---
+  >   tracing: on
+  4c4
+  <   library log level: 2
+  ---
+  >   library log level: 2, parser 7
+  13c13
+  <   tracing: off
+  ---
+  >   tracing: on
+  14a15,16
+  > file /etc/kelpco/hulld/enable_trace: 0 bytes
+  > file /tmp/filters: 6928 bytes
+  [1]
   $ tarnlab show | sed -n 2,4p
     the inspection process traces
     hulld.library-components: parser 7
