@@ -52,39 +52,40 @@ std::unique_ptr<CTarnFWAddress> newIPAddress(const char* text) {
 
 }  // namespace
 
-std::unique_ptr<CTarnFWAddress> CTarnFWAddressFactory::newFromMsgBuf(const FWAddress_* record) {
+std::unique_ptr<CTarnFWAddress> CTarnFWAddressFactory::newFromMsgBuf(const FWAddress_* record,
+                                                                     CTarnFWLoadMemory* memory) {
   const unsigned int type = record->type;
   TARNFW_TRACE(FW_COMPONENT_ADDRESS, 0, "%s: address type is %s\n", __func__, traceWord(type));
   switch (type) {
     case FW_ADDRESS_ANY:
-      return std::make_unique<CTarnFWAddressAny>(record);
+      return makeIn<CTarnFWAddressAny>(memory, record);
     case FW_ADDRESS_IPV4:
-      return std::make_unique<CTarnFWAddressIPv4>(record);
+      return makeIn<CTarnFWAddressIPv4>(memory, record);
     case FW_ADDRESS_IPV6:
-      return std::make_unique<CTarnFWAddressIPv6>(record);
+      return makeIn<CTarnFWAddressIPv6>(memory, record);
     case FW_ADDRESS_IPV4_RANGE:
-      return std::make_unique<CTarnFWAddressIPv4Range>(record);
+      return makeIn<CTarnFWAddressIPv4Range>(memory, record);
     case FW_ADDRESS_IPV6_RANGE:
-      return std::make_unique<CTarnFWAddressIPv6Range>(record);
+      return makeIn<CTarnFWAddressIPv6Range>(memory, record);
     case FW_ADDRESS_IPV4_CIDR:
-      return std::make_unique<CTarnFWAddressIPv4CIDR>(record);
+      return makeIn<CTarnFWAddressIPv4CIDR>(memory, record);
     case FW_ADDRESS_IPV6_CIDR:
-      return std::make_unique<CTarnFWAddressIPv6CIDR>(record);
+      return makeIn<CTarnFWAddressIPv6CIDR>(memory, record);
     case FW_ADDRESS_ETHER:
-      return std::make_unique<CTarnFWAddressEther>(record);
+      return makeIn<CTarnFWAddressEther>(memory, record);
     case FW_ADDRESS_ETHER_MASK:
-      return std::make_unique<CTarnFWAddressEtherMask>(record);
+      return makeIn<CTarnFWAddressEtherMask>(memory, record);
     case FW_ADDRESS_ADDRSET:
-      return std::make_unique<CTarnFWAddrSetID>(record);
+      return makeIn<CTarnFWAddrSetID>(memory, record);
     case FW_ADDRESS_ATTR_INT:
-      return std::make_unique<CTarnFWAttr<FW_ATTR_ID_VALUE_INT>>(record);
+      return makeIn<CTarnFWAttr<FW_ATTR_ID_VALUE_INT>>(memory, record);
     case FW_ADDRESS_ATTR_UINT:
-      return std::make_unique<CTarnFWAttr<FW_ATTR_ID_VALUE_UINT>>(record);
+      return makeIn<CTarnFWAttr<FW_ATTR_ID_VALUE_UINT>>(memory, record);
     case FW_ADDRESS_ATTR_STRING:
-      return std::make_unique<CTarnFWAttr<FW_ATTR_ID_VALUE_STRING>>(record);
+      return makeIn<CTarnFWAttr<FW_ATTR_ID_VALUE_STRING>>(memory, record);
     case FW_ADDRESS_ATTR_SID:
     case FW_ADDRESS_SID_LIST:  // the kernel reports it as one of its members
-      return std::make_unique<CTarnFWAttr<FW_ATTR_ID_VALUE_SID>>(record);
+      return makeIn<CTarnFWAttr<FW_ATTR_ID_VALUE_SID>>(memory, record);
     default:
       // A MAC range is among these although it can be written: the kernel never reports one.
       throw CInvalidAddressException("unknown address type", type);

@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "TarnFWAddress.h"
+#include "TarnFWLoadMemory.h"
 #include "TarnFWTypes.h"
 
 namespace TarnFirewall {
@@ -13,8 +14,9 @@ class CTarnFWAddressFactory {
   CTarnFWAddressFactory() = delete;
 
   /// Throws `CInvalidAddressException` for a type that has no class on the wire: a MAC range can be
-  /// written, but the kernel never reports one.
-  static std::unique_ptr<CTarnFWAddress> newFromMsgBuf(const FWAddress_* record);
+  /// written, but the kernel never reports one. A null `memory` makes an object of its own.
+  static std::unique_ptr<CTarnFWAddress> newFromMsgBuf(const FWAddress_* record,
+                                                       CTarnFWLoadMemory* memory = nullptr);
 
   /// Reads one record when `size` holds one: `*used` is then 144, else 0 with a null result.
   static std::unique_ptr<CTarnFWAddress> newFromMsgBuf(const void* buffer, unsigned int size,

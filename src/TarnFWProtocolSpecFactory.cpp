@@ -16,16 +16,16 @@ namespace {
 
 template <typename Spec>
 std::unique_ptr<CTarnFWProtocolSpec> readSpec(FWSpecHeader_ header, const std::uint8_t* body,
-                                              unsigned int size) {
+                                              unsigned int size, CTarnFWLoadMemory* memory) {
   using Body = typename Spec::Body;
   if (size < sizeof(Body)) throw CInsufficientMsgBufException(sizeof(Body), size);
-  return std::make_unique<Spec>(header.dir(), loadRecord<Body>(body), header.negated());
+  return makeIn<Spec>(memory, header.dir(), loadRecord<Body>(body), header.negated());
 }
 
 }  // namespace
 
-std::unique_ptr<CTarnFWProtocolSpec> CTarnFWProtocolSpecFactory::newFromMsgBuf(const void* buffer,
-                                                                               unsigned int size) {
+std::unique_ptr<CTarnFWProtocolSpec> CTarnFWProtocolSpecFactory::newFromMsgBuf(
+    const void* buffer, unsigned int size, CTarnFWLoadMemory* memory) {
   if (size < sizeof(FWSpecHeader_)) return nullptr;
   const auto header = loadRecord<FWSpecHeader_>(buffer);
   const std::uint8_t* const body = static_cast<const std::uint8_t*>(buffer) + sizeof header;
@@ -34,17 +34,17 @@ std::unique_ptr<CTarnFWProtocolSpec> CTarnFWProtocolSpecFactory::newFromMsgBuf(c
     case FW_SPEC_NONE:
       return nullptr;
     case FW_SPEC_L4_PORT:
-      return readSpec<CTarnFWProtocolSpecL4Port>(header, body, rest);
+      return readSpec<CTarnFWProtocolSpecL4Port>(header, body, rest, memory);
     case FW_SPEC_L4_PORT_RANGE:
-      return readSpec<CTarnFWProtocolSpecL4PortRange>(header, body, rest);
+      return readSpec<CTarnFWProtocolSpecL4PortRange>(header, body, rest, memory);
     case FW_SPEC_L4_PORT_SET:
-      return readSpec<CTarnFWProtocolSpecL4PortSet>(header, body, rest);
+      return readSpec<CTarnFWProtocolSpecL4PortSet>(header, body, rest, memory);
     case FW_SPEC_TCP_FLAGS:
-      return readSpec<CTarnFWProtocolSpecTCPFlags>(header, body, rest);
+      return readSpec<CTarnFWProtocolSpecTCPFlags>(header, body, rest, memory);
     case FW_SPEC_TCP_OPTIONS:
-      return readSpec<CTarnFWProtocolSpecTCPOptions>(header, body, rest);
+      return readSpec<CTarnFWProtocolSpecTCPOptions>(header, body, rest, memory);
     case FW_SPEC_ICMP_TYPE:
-      return readSpec<CTarnFWProtocolSpecICMPType>(header, body, rest);
+      return readSpec<CTarnFWProtocolSpecICMPType>(header, body, rest, memory);
     default:
       throw CUnknownProtocolSpecTypeException(static_cast<int>(header.kind()));
   }

@@ -22,15 +22,15 @@ namespace TarnFirewall {
 namespace {
 
 std::unique_ptr<CTarnFWRuleAction> readDNAT(const fw_rule_action_& record,
-                                            const FWAddress_& address) {
+                                            const FWAddress_& address, CTarnFWLoadMemory* memory) {
   const auto pool =
       static_cast<FWRulePoolOpt_t>((record.present >> kActionPoolShift) & kActionPoolMask);
   if ((record.present & kActionHasPort) == 0)
-    return std::make_unique<CTarnFWRuleActionDNAT>(&address, pool, record.poolValue);
+    return makeIn<CTarnFWRuleActionDNAT>(memory, &address, pool, record.poolValue);
   if ((record.present & kActionHasLastPort) == 0)
-    return std::make_unique<CTarnFWRuleActionDNAT>(&address, pool, record.port, record.poolValue);
-  return std::make_unique<CTarnFWRuleActionDNAT>(&address, pool, record.port, record.lastPort,
-                                                 record.poolValue);
+    return makeIn<CTarnFWRuleActionDNAT>(memory, &address, pool, record.port, record.poolValue);
+  return makeIn<CTarnFWRuleActionDNAT>(memory, &address, pool, record.port, record.lastPort,
+                                       record.poolValue);
 }
 
 template <std::size_t N>
@@ -38,44 +38,45 @@ std::string fieldText(const char (&field)[N]) {
   return {field, fieldLength(field, N)};
 }
 
-std::unique_ptr<CTarnFWRuleAction> readAction(const fw_rule_action_& record) {
+std::unique_ptr<CTarnFWRuleAction> readAction(const fw_rule_action_& record,
+                                              CTarnFWLoadMemory* memory) {
   switch (record.action) {
     case FW_ACTION_ACCEPT:
-      return std::make_unique<CTarnFWRuleActionAccept>();
+      return makeIn<CTarnFWRuleActionAccept>(memory);
     case FW_ACTION_DROP:
-      return std::make_unique<CTarnFWRuleActionDrop>();
+      return makeIn<CTarnFWRuleActionDrop>(memory);
     case FW_ACTION_REJECT:
-      return std::make_unique<CTarnFWRuleActionReject>();
+      return makeIn<CTarnFWRuleActionReject>(memory);
     case FW_ACTION_JUMPTO: {
       const auto id = loadRecord<FWRuleSetID_t>(record.data);
-      return std::make_unique<CTarnFWRuleActionJumpto>(&id);
+      return makeIn<CTarnFWRuleActionJumpto>(memory, &id);
     }
     case FW_ACTION_PUNT:
-      return std::make_unique<CTarnFWRuleActionPunt>();
+      return makeIn<CTarnFWRuleActionPunt>(memory);
     case FW_ACTION_DIVERT:
-      return std::make_unique<CTarnFWRuleActionDivert>();
+      return makeIn<CTarnFWRuleActionDivert>(memory);
     case FW_ACTION_SNAT: {
       const auto address = loadRecord<FWAddress_>(record.data);
-      return std::make_unique<CTarnFWRuleActionSNAT>(&address);
+      return makeIn<CTarnFWRuleActionSNAT>(memory, &address);
     }
     case FW_ACTION_DNAT:
-      return readDNAT(record, loadRecord<FWAddress_>(record.data));
+      return readDNAT(record, loadRecord<FWAddress_>(record.data), memory);
     case FW_ACTION_MACREWRITE:
-      return std::make_unique<CTarnFWRuleActionMacRewrite>(record.data);
+      return makeIn<CTarnFWRuleActionMacRewrite>(memory, record.data);
     case FW_ACTION_COPY:
-      return std::make_unique<CTarnFWRuleActionCopy>();
+      return makeIn<CTarnFWRuleActionCopy>(memory);
     case FW_ACTION_ENCRYPT:
-      return std::make_unique<CTarnFWRuleActionEncrypt>(fieldText(record.keyPolicy));
+      return makeIn<CTarnFWRuleActionEncrypt>(memory, fieldText(record.keyPolicy));
     case FW_ACTION_CLEAR:
-      return std::make_unique<CTarnFWRuleActionClear>();
+      return makeIn<CTarnFWRuleActionClear>(memory);
     case FW_ACTION_LB:
       // The text is always passed, so that an LB read from a record has options even when the
       // field is empty: scripts that read rules expect the word.
-      return std::make_unique<CTarnFWRuleActionLB>(record.lbType, record.lbIdleTimeout,
-                                                   record.lbCloseTimeout,
-                                                   fieldText(record.lbOptions).c_str());
+      return makeIn<CTarnFWRuleActionLB>(memory, record.lbType, record.lbIdleTimeout,
+                                         record.lbCloseTimeout,
+                                         fieldText(record.lbOptions).c_str());
     case FW_ACTION_PBR:
-      return std::make_unique<CTarnFWRuleActionPbr>(fieldText(record.keyPolicy));
+      return makeIn<CTarnFWRuleActionPbr>(memory, fieldText(record.keyPolicy));
     default:
       throw CInvalidRuleActionException(record.action);
   }
@@ -84,10 +85,10 @@ std::unique_ptr<CTarnFWRuleAction> readAction(const fw_rule_action_& record) {
 }  // namespace
 
 std::unique_ptr<CTarnFWRuleAction> CTarnFWRuleActionFactory::newFromMsgBuf(
-    const fw_rule_action_* record) {
+    const fw_rule_action_* record, CTarnFWLoadMemory* memory) {
   const unsigned int flags = record->flags;
   if ((flags & kActionUnknownFlags) != 0) throw CInvalidRuleActionException(record->action);
-  std::unique_ptr<CTarnFWRuleAction> action = readAction(*record);
+  std::unique_ptr<CTarnFWRuleAction> action = readAction(*record, memory);
   if ((flags & kActionLog) != 0) action->enableLogPacket();
   if ((flags & kActionCopy) != 0) action->enableCopyPacket();
   if ((flags & kActionNoFlow) != 0) action->enableNoFlow();

@@ -51,19 +51,45 @@ void negatePort(const CTarnFWProtocolSpecList& port) {
   port.first()->setNegated(true);
 }
 
+void setTag(FWRuleParts& parts, const std::string& tag) {
+  if (tag.size() > FWRuleTag::kLength) {
+    TARNFW_WARNING("rule tag is longer than %d chars: %s\n\n", static_cast<int>(FWRuleTag::kLength),
+                   tag.c_str());
+  }
+  parts.tag = FWRuleTag(tag);
+}
+
+void readParts(const FWRule_& record, FWRuleParts& parts, CTarnFWLoadMemory* memory) {
+  readRuleRecord(record, parts, memory);
+  if (record.tag[0] != '\0')
+    setTag(parts, std::string(record.tag, fieldLength(record.tag, sizeof record.tag)));
+}
+
+CTarnFWRuleAction& requireActionOf(const FWRuleParts& parts) {
+  if (!parts.action) throw CUnsupportedException("no action is defined");
+  return *parts.action;
+}
+
+void checkSpecs(const FWRuleParts& parts) {
+  checkRuleSpecs(requireProtocol(parts), parts.connection.getKinds(),
+                 !parts.sourcePorts.empty() || !parts.destinationPorts.empty(), kTCPKinds);
+}
+
+/// Not left to the rule alone, which makes other checks: here any spec at an end counts as a port,
+/// there strict and sloppy are for TCP only.
+void check(const FWRuleParts& parts) {
+  requireProtocol(parts);
+  checkRuleParts(parts, requireActionOf(parts).getAction());
+  checkSpecs(parts);
+}
+
 }  // namespace
 
 void CTarnFWRuleBuilder::setDirection(FWRuleDirection_t direction) {
   parts_.direction = checkedDirection(direction);
 }
 
-void CTarnFWRuleBuilder::setTag(const std::string& tag) {
-  if (tag.size() > FWRuleTag::kLength) {
-    TARNFW_WARNING("rule tag is longer than %d chars: %s\n\n", static_cast<int>(FWRuleTag::kLength),
-                   tag.c_str());
-  }
-  parts_.tag = FWRuleTag(tag);
-}
+void CTarnFWRuleBuilder::setTag(const std::string& tag) { TarnFirewall::setTag(parts_, tag); }
 
 void CTarnFWRuleBuilder::setTag(const char* tag) { setTag(std::string(tag != nullptr ? tag : "")); }
 
@@ -76,10 +102,7 @@ void CTarnFWRuleBuilder::setProtocol(unsigned short number, bool negated) {
   parts_.protocol->setProtocol(number, negated);
 }
 
-CTarnFWRuleAction& CTarnFWRuleBuilder::requireAction() const {
-  if (!parts_.action) throw CUnsupportedException("no action is defined");
-  return *parts_.action;
-}
+CTarnFWRuleAction& CTarnFWRuleBuilder::requireAction() const { return requireActionOf(parts_); }
 
 void CTarnFWRuleBuilder::setAction(FWRuleAction_t action, std::string keyPolicy) {
   switch (action) {
@@ -232,21 +255,12 @@ void CTarnFWRuleBuilder::addTCPFlags(unsigned char flags, bool negated) {
   addProtocolSpec(std::make_unique<CTarnFWProtocolSpecTCPFlags>(FW_SPEC_DIR_BOTH, flags, negated));
 }
 
-void CTarnFWRuleBuilder::validateRule() const {
-  requireProtocol(parts_);
-  checkRuleParts(parts_, requireAction().getAction());
-  validateProtocolSpec();
-}
+void CTarnFWRuleBuilder::validateRule() const { check(parts_); }
 
-void CTarnFWRuleBuilder::validateProtocolSpec() const {
-  checkRuleSpecs(requireProtocol(parts_), parts_.connection.getKinds(),
-                 !parts_.sourcePorts.empty() || !parts_.destinationPorts.empty(), kTCPKinds);
-}
+void CTarnFWRuleBuilder::validateProtocolSpec() const { checkSpecs(parts_); }
 
 std::unique_ptr<CTarnFWRule> CTarnFWRuleBuilder::buildRule() {
   try {
-    // Not left to the rule alone, which makes other checks: here any spec at an end counts as a
-    // port, there strict and sloppy are for TCP only.
     validateRule();
     const FWRuleAF_t af = parts_.af;
     auto rule = std::make_unique<CTarnFWRule>(std::move(parts_));
@@ -254,6 +268,24 @@ std::unique_ptr<CTarnFWRule> CTarnFWRuleBuilder::buildRule() {
     rule->setAF(af);
     return rule;
   } catch (const CTarnFWException& e) {
+    TARNFW_ERROR("buildRule error %d: %s\n", e.retcode(), e.what());
+    return nullptr;
+  }
+}
+
+std::unique_ptr<CTarnFWRule> CTarnFWRuleBuilder::buildRule(const FWRule_& record,
+                                                           CTarnFWLoadMemory* memory) {
+  bool read = false;
+  try {
+    return makeIn<CTarnFWRule>(memory, [&] {
+      FWRuleParts parts;
+      readParts(record, parts, memory);
+      read = true;
+      check(parts);
+      return parts;
+    });
+  } catch (const CTarnFWException& e) {
+    if (!read) throw;
     TARNFW_ERROR("buildRule error %d: %s\n", e.retcode(), e.what());
     return nullptr;
   }
@@ -270,10 +302,6 @@ void CTarnFWRuleBuilder::init(const FWRule_* record) {
   read(*record);
 }
 
-void CTarnFWRuleBuilder::read(const FWRule_& record) {
-  readRuleRecord(record, parts_);
-  if (record.tag[0] != '\0')
-    setTag(std::string(record.tag, fieldLength(record.tag, sizeof record.tag)));
-}
+void CTarnFWRuleBuilder::read(const FWRule_& record) { readParts(record, parts_, nullptr); }
 
 }  // namespace TarnFirewall

@@ -141,6 +141,11 @@ class CTarnFWRuleBuilder {
   /// as an error: the objects stay with the builder then, unless the rule had taken them.
   std::unique_ptr<CTarnFWRule> buildRule();
 
+  /// The same of a record alone, without a builder: the rule and its parts are made in `memory`
+  /// where they stay, or as objects of their own when that is null. Throws what the readers of the
+  /// parts throw.
+  static std::unique_ptr<CTarnFWRule> buildRule(const FWRule_& record, CTarnFWLoadMemory* memory);
+
   /// Back to the start, but for the tag.
   void init();
 

@@ -5,9 +5,9 @@
 
 namespace TarnFirewall {
 
-std::unique_ptr<CTarnFWRule> CTarnFWRuleFactory::newFromMsgBuf(const FWRule_* record) {
-  CTarnFWRuleBuilder builder(record);
-  std::unique_ptr<CTarnFWRule> rule = builder.buildRule();
+std::unique_ptr<CTarnFWRule> CTarnFWRuleFactory::newFromMsgBuf(const FWRule_* record,
+                                                               CTarnFWLoadMemory* memory) {
+  std::unique_ptr<CTarnFWRule> rule = CTarnFWRuleBuilder::buildRule(*record, memory);
   if (!rule) return nullptr;
   if ((record->origin & kRuleInternal) != 0) rule->setInternal();
   const unsigned int af = ruleAF(*record);

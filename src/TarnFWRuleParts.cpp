@@ -45,36 +45,37 @@ bool isDefaultRule(const FWRule_& record) {
 
 // ---- reading
 
-std::unique_ptr<CTarnFWProtocolSpec> readPorts(const FWPortBlock_& block) {
-  return CTarnFWProtocolSpecFactory::newFromMsgBuf(&block, sizeof block);
+std::unique_ptr<CTarnFWProtocolSpec> readPorts(const FWPortBlock_& block,
+                                               CTarnFWLoadMemory* memory) {
+  return CTarnFWProtocolSpecFactory::newFromMsgBuf(&block, sizeof block, memory);
 }
 
 /// The spec whose header stands at this offset of the record, with `size` bytes for both.
 std::unique_ptr<CTarnFWProtocolSpec> readSpec(const FWRule_& record, std::size_t offset,
-                                              std::size_t size) {
+                                              std::size_t size, CTarnFWLoadMemory* memory) {
   const auto* const bytes = reinterpret_cast<const std::uint8_t*>(&record);
-  return CTarnFWProtocolSpecFactory::newFromMsgBuf(bytes + offset, static_cast<unsigned int>(size));
+  return CTarnFWProtocolSpecFactory::newFromMsgBuf(bytes + offset, static_cast<unsigned int>(size),
+                                                   memory);
 }
 
 void addSpec(FWRuleParts& parts, std::unique_ptr<CTarnFWProtocolSpec> spec) {
   if (spec) parts.connection.addSpec(std::move(spec));
 }
 
-void readSession(const FWRule_& record, FWRuleParts& parts) {
+void readSession(const FWRule_& record, FWRuleParts& parts, CTarnFWLoadMemory* memory) {
   constexpr std::size_t flags = offsetof(FWSessionBlock_, flagsHeader);
   constexpr std::size_t options = offsetof(FWSessionBlock_, options);
   const unsigned int bits = record.session.flags;
-  if ((bits & kSessionStateless) != 0)
-    addSpec(parts, std::make_unique<CTarnFWProtocolSpecStateless>());
-  if ((bits & kSessionSloppy) != 0) addSpec(parts, std::make_unique<CTarnFWProtocolSpecSloppy>());
-  if ((bits & kSessionStrict) != 0) addSpec(parts, std::make_unique<CTarnFWProtocolSpecStrict>());
-  addSpec(parts,
-          readSpec(record, offsetof(FWRule_, session) + flags, sizeof record.session - flags));
+  if ((bits & kSessionStateless) != 0) addSpec(parts, makeIn<CTarnFWProtocolSpecStateless>(memory));
+  if ((bits & kSessionSloppy) != 0) addSpec(parts, makeIn<CTarnFWProtocolSpecSloppy>(memory));
+  if ((bits & kSessionStrict) != 0) addSpec(parts, makeIn<CTarnFWProtocolSpecStrict>(memory));
+  addSpec(parts, readSpec(record, offsetof(FWRule_, session) + flags, sizeof record.session - flags,
+                          memory));
   // The writer puts the header of TCP options in front of their field; here the length word with
   // which the field begins is taken for the header, and the body reaches into the tag. Programs
   // that list rules depend on what the rules of the kernel have been read as from the start.
   addSpec(parts, readSpec(record, offsetof(FWRule_, session) + options,
-                          sizeof(FWSpecHeader_) + sizeof record.session.options));
+                          sizeof(FWSpecHeader_) + sizeof record.session.options, memory));
 }
 
 /// Container ids of a record are taken as they stand.
@@ -130,7 +131,7 @@ bool writeRuleRecord(FWRuleParts& parts, FWRule_& record) {
   return true;
 }
 
-void readRuleRecord(const FWRule_& record, FWRuleParts& parts) {
+void readRuleRecord(const FWRule_& record, FWRuleParts& parts, CTarnFWLoadMemory* memory) {
   const unsigned int flags = record.flags;
   parts.direction = checkedDirection(
       static_cast<FWRuleDirection_t>(flags >> kRuleDirectionShift & kRuleDirectionMask));
@@ -143,13 +144,13 @@ void readRuleRecord(const FWRule_& record, FWRuleParts& parts) {
                                 (flags & kRuleProtocolNegated) != 0);
   }
   if ((flags & kRuleHasSource) != 0)
-    parts.source = CTarnFWAddressFactory::newFromMsgBuf(&record.source);
+    parts.source = CTarnFWAddressFactory::newFromMsgBuf(&record.source, memory);
   if ((flags & kRuleHasDestination) != 0)
-    parts.destination = CTarnFWAddressFactory::newFromMsgBuf(&record.destination);
-  parts.sourcePorts.setSpec(readPorts(record.sourcePorts));
-  parts.destinationPorts.setSpec(readPorts(record.destinationPorts));
-  readSession(record, parts);
-  parts.action = CTarnFWRuleActionFactory::newFromMsgBuf(&record.action);
+    parts.destination = CTarnFWAddressFactory::newFromMsgBuf(&record.destination, memory);
+  parts.sourcePorts.setSpec(readPorts(record.sourcePorts, memory));
+  parts.destinationPorts.setSpec(readPorts(record.destinationPorts, memory));
+  readSession(record, parts, memory);
+  parts.action = CTarnFWRuleActionFactory::newFromMsgBuf(&record.action, memory);
   const unsigned int mode = record.profileMode;
   if ((mode & kProfileExtendedSource) != 0)
     parts.extendedSource = readProfile(record.extendedSource);

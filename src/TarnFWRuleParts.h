@@ -10,6 +10,7 @@
 
 #include "TarnFWAddress.h"
 #include "TarnFWContainerID.h"
+#include "TarnFWLoadMemory.h"
 #include "TarnFWProtocol.h"
 #include "TarnFWProtocolSpecList.h"
 #include "TarnFWRuleAction.h"
@@ -67,10 +68,11 @@ FWRuleDirection_t checkedDirection(FWRuleDirection_t direction);
 /// CDuplicateProtocolSpecException when two specs want the same place.
 bool writeRuleRecord(FWRuleParts& parts, FWRule_& record);
 
-/// Reads a record into fresh parts. Throws what the readers of the parts throw. Tag, address family
+/// Reads a record into fresh parts, which are made in `memory`; null makes them objects of their
+/// own. Throws what the readers of the parts throw. Tag, address family
 /// and internal mark are left to the maker of the rule, who judges them. Never read back, and
 /// programs that list rules depend on it: DSCP; TCP options, whose length is taken for the header
 /// of a spec.
-void readRuleRecord(const FWRule_& record, FWRuleParts& parts);
+void readRuleRecord(const FWRule_& record, FWRuleParts& parts, CTarnFWLoadMemory* memory);
 
 }  // namespace TarnFirewall

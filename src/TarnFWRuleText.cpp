@@ -1,5 +1,6 @@
 #include "TarnFWRuleText.h"
 
+#include <cstddef>
 #include <cstring>
 #include <memory>
 #include <string>
@@ -8,6 +9,7 @@
 #include "TarnFWAddressFactory.h"
 #include "TarnFWCallFrame.h"
 #include "TarnFWException.h"
+#include "TarnFWLoadMemory.h"
 #include "TarnFWRule.h"
 #include "TarnFWRuleFactory.h"
 
@@ -17,6 +19,9 @@ namespace {
 
 /// The file of the public functions, whose name scripts that read the log match.
 constexpr char kSource[] = "TarnFWLibText";
+
+/// Bytes that hold most rules with their parts.
+constexpr std::size_t kRuleRoom = 1024;
 
 /// Texts one after the other in a caller's buffer, always closed with a NUL.
 class TextBuffer {
@@ -62,8 +67,10 @@ FWStatus_t rulesToText(const FWRule_* rules, unsigned int count, char* text, uns
                        bool pretty) {
   return recordsToText("FW_GetRuleString", rules, count, text, size,
                        [&](const FWRule_* record, TextBuffer& buffer) -> FWStatus_t {
+                         std::byte room[kRuleRoom];
+                         CTarnFWLoadMemory memory(room);
                          const std::unique_ptr<CTarnFWRule> rule =
-                             CTarnFWRuleFactory::newFromMsgBuf(record);
+                             CTarnFWRuleFactory::newFromMsgBuf(record, &memory);
                          if (rule == nullptr) return FW_STATUS_INVALID_RULE;
                          buffer.append(pretty ? rule->toString2() : rule->toString());
                          return FW_STATUS_OK;
