@@ -116,12 +116,11 @@ int become(const Store& store, char* const* command) {
   // The programs of this build, or those installed beside this one, are found without a path, after
   // all others.
   const char* path = std::getenv("PATH");
-  const std::string built = ownFolder() + "/../tool";
-  ::setenv("PATH",
-           ((path != nullptr ? std::string(path) : "/usr/bin:/bin") + ":" +
-            (::access(built.c_str(), X_OK) == 0 ? built : ownFolder()))
-               .c_str(),
-           1);
+  const std::string build = ownFolder() + "/..";
+  const std::string folders = ::access((build + "/tool").c_str(), X_OK) == 0
+                                  ? build + "/tool:" + build + "/policy"
+                                  : ownFolder();
+  ::setenv("PATH", ((path != nullptr ? path : "/usr/bin:/bin") + (":" + folders)).c_str(), 1);
 
   const std::string name = command[0];
   if (name == "/bin/tarn_vm_list.sh") return runMachines(store, {});

@@ -230,6 +230,11 @@ Running
   [7]
   $ run tarnlab run -- sh -c 'exit 8'
   [8]
+  $ lab=$(command -v tarnlab); for program in tarnioctl tarnpolicy; do
+  >   PATH=/usr/bin:/bin "$lab" run sh -c "command -v $program > /dev/null && echo found $program"
+  > done
+  found tarnioctl
+  found tarnpolicy
   $ SHELL=/bin/true run tarnlab shell
   $ run tarnlab shell extra
   err| tarnlab: shell: takes no arguments

@@ -290,7 +290,7 @@ tests' tools.
   $ mkdir elsewhere
   $ (cd elsewhere && attempt ../tree/quickstart) | sed 's/^\$/shell:/'
   ==> configuring preset quickstart
-  ==> building preset quickstart (tarnioctl tarnlab tarnlab_preload)
+  ==> building preset quickstart (tarnioctl tarnpolicy tarnlab tarnlab_preload)
   ==> starting a lab: a model kernel whose state lives in build/quickstart-lab
   
   shell: tarnlab init
@@ -307,14 +307,15 @@ tests' tools.
   shell: tarnlab run tarnioctl getfwconfig -f nic-1002672-eth0-kelpco-sfw.2
   tarnlab tree/build/quickstart-lab run tarnioctl getfwconfig -f nic-1002672-eth0-kelpco-sfw.2
   ==> ready. Try it yourself:
-      export PATH="*/tree/build/quickstart/tool:*/tree/build/quickstart/lab:$PATH" (glob)
+      export PATH="*/tree/build/quickstart/tool:*/tree/build/quickstart/policy:*/tree/build/quickstart/lab:$PATH" (glob)
       export TARNLAB_HOME="*/tree/build/quickstart-lab" (glob)
       tarnlab run tarnioctl getrules -f nic-1002672-eth0-kelpco-sfw.2 -s
       tarnlab run tarnioctl help
+      tarnlab run tarnpolicy save -f nic-1002672-eth0-kelpco-sfw.2
       tarnlab shell
   $ cat tree/build/calls
   cmake --preset quickstart
-  cmake --build --preset quickstart --target tarnioctl tarnlab tarnlab_preload
+  cmake --build --preset quickstart --target tarnioctl tarnpolicy tarnlab tarnlab_preload
   $ stub tarnlab <<< 'echo "ERROR: $*" >&2; exit 3'
   $ attempt tree/quickstart | tail -1
   err| ERROR: init
