@@ -43,3 +43,10 @@ inline CommandResult runCommand(const std::vector<std::string>& words) {
   argv.push_back(nullptr);
   return captured([&] { return runCommand(static_cast<int>(copies.size()), argv.data()); });
 }
+
+/// Words as a test's message shows them.
+inline std::string lineOf(const std::vector<std::string>& words) {
+  std::string line;
+  for (const std::string& word : words) line += " " + word;
+  return line;
+}

@@ -19,12 +19,6 @@ namespace {
 
 using Words = std::vector<std::string>;
 
-std::string lineOf(const Words& words) {
-  std::string line;
-  for (const std::string& word : words) line += " " + word;
-  return line;
-}
-
 CommandResult dpi(Words options) {
   options.insert(options.begin(), "getdpiinfo");
   return runCommand(options);
