@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <system_error>
@@ -14,13 +15,16 @@ constexpr std::array kNoted = {SIGINT, SIGTERM, SIGHUP, SIGQUIT};
 constexpr std::array kIgnored = {SIGPIPE, SIGTSTP, SIGTTIN, SIGTTOU};
 constexpr std::size_t kAll = kNoted.size() + kIgnored.size();
 
-volatile std::sig_atomic_t firstSignal = 0;
+/// Whichever thread a signal comes to, another one may ask.
+std::atomic<int> firstSignal = 0;
+static_assert(std::atomic<int>::is_always_lock_free);
 int wake[2] = {-1, -1};
 std::array<struct sigaction, kAll> before;
 
 void note(int number) {
   const int saved = errno;
-  if (firstSignal == 0) firstSignal = number;
+  int none = 0;
+  firstSignal.compare_exchange_strong(none, number);
   const char byte = 0;
   // When the pipe is full it is readable, which is all that it is for.
   [[maybe_unused]] const ssize_t written = write(wake[1], &byte, 1);
