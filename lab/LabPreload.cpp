@@ -147,6 +147,15 @@ mode_t modeOf(int flags, va_list arguments) {
   return wanted ? va_arg(arguments, mode_t) : 0;
 }
 
+/// What a form of open gives: a device of the lab, or what the next library opens at the path or,
+/// for a file of the host, at its place in the lab.
+template <typename Call>
+int opened(const char* path, int flags, const Call& call) {
+  const Device device = deviceOfPath(path);
+  if (device != Device::none) return openDevice(device, flags);
+  return passed(call(HostPath(path).get()));
+}
+
 int fcntlDevice(Next<int(int, int, ...)>& next, int fd, int command, void* argument) {
   const int result = next.get()(fd, command, argument);
   const bool copies = command == F_DUPFD || command == F_DUPFD_CLOEXEC;
@@ -155,26 +164,23 @@ int fcntlDevice(Next<int(int, int, ...)>& next, int fd, int command, void* argum
 
 }  // namespace
 
-#define TARNLAB_OPEN(name, next)                                    \
-  TARNLAB_EXPORT int name(const char* path, int flags, ...) {       \
-    va_list arguments;                                              \
-    va_start(arguments, flags);                                     \
-    const mode_t mode = modeOf(flags, arguments);                   \
-    va_end(arguments);                                              \
-    const Device device = deviceOfPath(path);                       \
-    if (device != Device::none) return openDevice(device, flags);   \
-    return passed((next).get()(HostPath(path).get(), flags, mode)); \
+#define TARNLAB_OPEN(name, next)                                                             \
+  TARNLAB_EXPORT int name(const char* path, int flags, ...) {                                \
+    va_list arguments;                                                                       \
+    va_start(arguments, flags);                                                              \
+    const mode_t mode = modeOf(flags, arguments);                                            \
+    va_end(arguments);                                                                       \
+    return opened(path, flags, [&](const char* at) { return next.get()(at, flags, mode); }); \
   }
 
-#define TARNLAB_OPENAT(name, next)                                          \
-  TARNLAB_EXPORT int name(int folder, const char* path, int flags, ...) {   \
-    va_list arguments;                                                      \
-    va_start(arguments, flags);                                             \
-    const mode_t mode = modeOf(flags, arguments);                           \
-    va_end(arguments);                                                      \
-    const Device device = deviceOfPath(path);                               \
-    if (device != Device::none) return openDevice(device, flags);           \
-    return passed((next).get()(folder, HostPath(path).get(), flags, mode)); \
+#define TARNLAB_OPENAT(name, next)                                                      \
+  TARNLAB_EXPORT int name(int folder, const char* path, int flags, ...) {               \
+    va_list arguments;                                                                  \
+    va_start(arguments, flags);                                                         \
+    const mode_t mode = modeOf(flags, arguments);                                       \
+    va_end(arguments);                                                                  \
+    return opened(path, flags,                                                          \
+                  [&](const char* at) { return next.get()(folder, at, flags, mode); }); \
   }
 
 // With checking turned on, the headers make inline functions and redirections of these names.
@@ -190,39 +196,28 @@ TARNLAB_OPENAT(openat, nextOpenAt)
 TARNLAB_OPENAT(openat64, nextOpenAt64)
 
 TARNLAB_EXPORT int creat(const char* path, mode_t mode) {
-  const Device device = deviceOfPath(path);
-  return device != Device::none ? openDevice(device, O_WRONLY)
-                                : passed(nextCreat.get()(HostPath(path).get(), mode));
+  return opened(path, O_WRONLY, [&](const char* at) { return nextCreat.get()(at, mode); });
 }
 
 TARNLAB_EXPORT int creat64(const char* path, mode_t mode) {
-  const Device device = deviceOfPath(path);
-  return device != Device::none ? openDevice(device, O_WRONLY)
-                                : passed(nextCreat64.get()(HostPath(path).get(), mode));
+  return opened(path, O_WRONLY, [&](const char* at) { return nextCreat64.get()(at, mode); });
 }
 
 TARNLAB_EXPORT int __open_2(const char* path, int flags) {
-  const Device device = deviceOfPath(path);
-  return device != Device::none ? openDevice(device, flags)
-                                : passed(nextOpen2.get()(HostPath(path).get(), flags));
+  return opened(path, flags, [&](const char* at) { return nextOpen2.get()(at, flags); });
 }
 
 TARNLAB_EXPORT int __open64_2(const char* path, int flags) {
-  const Device device = deviceOfPath(path);
-  return device != Device::none ? openDevice(device, flags)
-                                : passed(nextOpen642.get()(HostPath(path).get(), flags));
+  return opened(path, flags, [&](const char* at) { return nextOpen642.get()(at, flags); });
 }
 
 TARNLAB_EXPORT int __openat_2(int folder, const char* path, int flags) {
-  const Device device = deviceOfPath(path);
-  return device != Device::none ? openDevice(device, flags)
-                                : passed(nextOpenAt2.get()(folder, HostPath(path).get(), flags));
+  return opened(path, flags, [&](const char* at) { return nextOpenAt2.get()(folder, at, flags); });
 }
 
 TARNLAB_EXPORT int __openat64_2(int folder, const char* path, int flags) {
-  const Device device = deviceOfPath(path);
-  return device != Device::none ? openDevice(device, flags)
-                                : passed(nextOpenAt642.get()(folder, HostPath(path).get(), flags));
+  return opened(path, flags,
+                [&](const char* at) { return nextOpenAt642.get()(folder, at, flags); });
 }
 
 TARNLAB_EXPORT int ioctl(int fd, unsigned long number, ...) {

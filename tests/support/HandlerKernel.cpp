@@ -30,38 +30,6 @@ DefaultHandle::DefaultHandle(fwlibhandle_* handle) {
 }
 DefaultHandle::~DefaultHandle() { g_replaced = false; }
 
-std::uint32_t HandlerKernel::Body::word(std::size_t offset) const {
-  EXPECT_LE(offset + 4, size);
-  std::uint32_t value = 0;
-  std::memcpy(&value, at + offset, sizeof value);
-  return value;
-}
-
-std::string HandlerKernel::Body::text(std::size_t offset, std::size_t length) const {
-  EXPECT_LE(offset + length, size);
-  const char* const field = reinterpret_cast<const char*>(at + offset);
-  return std::string(field, strnlen(field, length));
-}
-
-void HandlerKernel::Body::put(std::size_t offset, const Bytes& bytes) {
-  ASSERT_LE(offset + bytes.size(), size);
-  if (bytes.size() != 0) std::memcpy(at + offset, bytes.data(), bytes.size());
-}
-
-void HandlerKernel::Body::put32(std::size_t offset, std::uint32_t value) {
-  ASSERT_LE(offset + sizeof value, size);
-  std::memcpy(at + offset, &value, sizeof value);
-}
-
-void HandlerKernel::Body::put64(std::size_t offset, std::uint64_t value) {
-  ASSERT_LE(offset + sizeof value, size);
-  std::memcpy(at + offset, &value, sizeof value);
-}
-
-void HandlerKernel::Body::putText(std::size_t offset, const std::string& text) {
-  put(offset, Bytes(text.size()).text(0, text));
-}
-
 HandlerKernel::HandlerKernel() : handle_(kernel_.handle()) {
   kernel_.answerAllWith(
       [this](std::uint8_t* message, unsigned int size) { return answer(message, size); });
@@ -93,7 +61,7 @@ FWStatus_t HandlerKernel::answer(std::uint8_t* message, unsigned int size) {
     ADD_FAILURE() << "command " << command << " has no answer";
   } else {
     const dvs_port_ port = kernel_.last().port.value_or(dvs_port_{});
-    Body body{message + 32, size - 32, port};
+    Body body{{message + 32, size - 32}, port};
     status = found->second(body);
   }
   std::memcpy(message + 28, &status, sizeof status);

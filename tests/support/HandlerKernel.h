@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "CommandBody.h"
 #include "FakeKernel.h"
 
 /// While it lives, the default library handle of the program's handlers is this one, null too.
@@ -22,17 +23,8 @@ class DefaultHandle {
 class HandlerKernel {
  public:
   /// Body of a request, over which the reply is written.
-  struct Body {
-    std::uint8_t* at;
-    std::size_t size;
+  struct Body : CommandBody {
     const TarnFirewall::dvs_port_& port;
-
-    std::uint32_t word(std::size_t offset) const;
-    std::string text(std::size_t offset, std::size_t length) const;
-    void put32(std::size_t offset, std::uint32_t value);
-    void put64(std::size_t offset, std::uint64_t value);
-    void put(std::size_t offset, const Bytes& bytes);
-    void putText(std::size_t offset, const std::string& text);
   };
   using Answer = std::function<TarnFirewall::FWStatus_t(Body&)>;
 

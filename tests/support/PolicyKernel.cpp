@@ -36,32 +36,6 @@ void putRecords(const std::vector<Record>& records, PolicyKernel::Body body, std
 
 }  // namespace
 
-std::uint32_t PolicyKernel::Body::word(std::size_t offset) const {
-  EXPECT_LE(offset + 4, size);
-  std::uint32_t value = 0;
-  std::memcpy(&value, at + offset, sizeof value);
-  return value;
-}
-
-std::string PolicyKernel::Body::text(std::size_t offset, std::size_t length) const {
-  EXPECT_LE(offset + length, size);
-  const char* const field = reinterpret_cast<const char*>(at + offset);
-  return std::string(field, strnlen(field, length));
-}
-
-void PolicyKernel::Body::put(std::size_t offset, const void* bytes, std::size_t count) {
-  ASSERT_LE(offset + count, size);
-  if (count != 0) std::memcpy(at + offset, bytes, count);
-}
-
-void PolicyKernel::Body::put32(std::size_t offset, std::uint32_t value) {
-  put(offset, &value, sizeof value);
-}
-
-void PolicyKernel::Body::put64(std::size_t offset, std::uint64_t value) {
-  put(offset, &value, sizeof value);
-}
-
 PolicyKernel::PolicyKernel(State state) : state_(std::move(state)) {
   kernel_.answerAllWith([this](std::uint8_t* message, unsigned int size) -> FWStatus_t {
     const unsigned int command = message[24] + 256u * message[25];

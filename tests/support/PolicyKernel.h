@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "CommandBody.h"
 #include "FakeKernel.h"
 #include "State.h"
 
@@ -15,16 +16,7 @@
 class PolicyKernel {
  public:
   /// The body of a request, over which the reply is written.
-  struct Body {
-    std::uint8_t* at;
-    std::size_t size;
-
-    std::uint32_t word(std::size_t offset) const;
-    std::string text(std::size_t offset, std::size_t length) const;
-    void put32(std::size_t offset, std::uint32_t value);
-    void put64(std::size_t offset, std::uint64_t value);
-    void put(std::size_t offset, const void* bytes, std::size_t count);
-  };
+  using Body = CommandBody;
   using Answer = std::function<TarnFirewall::FWStatus_t(Body)>;
 
   explicit PolicyKernel(State state);
