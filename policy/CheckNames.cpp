@@ -371,7 +371,7 @@ void NameCheck::requireThere(Scope& scope, NameKind kind, const Word& name) {
   if (place != objects.end() && place->second.alive) return;
   if (place == objects.end() && (isHeld(scope, kind, name.text) || mentioned_.contains(name.text)))
     return;
-  addUnknown(unknownCheck(kind), name.range,
+  addUnknown(scope, {kind, false, name.text, name.range},
              std::string("the ") + kindWord(kind) + " " + quotedWord(name.text) +
                  " is not there when this statement is carried out");
 }
@@ -429,8 +429,7 @@ void NameCheck::finishUses(const Scope& scope) {
               ? "the jump leads to the rule set " + quotedWord(name) + ", which nothing creates"
               : std::string("nothing creates the ") + kindWord(kind) + " " + quotedWord(name);
       if (uses.count > 1) message += " (used in " + std::to_string(uses.count) + " places)";
-      addUnknown(uses.jump ? Check::unknownJump : unknownCheck(kind), uses.first,
-                 std::move(message));
+      addUnknown(scope, {kind, uses.jump, name, uses.first}, std::move(message));
     }
   }
 }
@@ -515,13 +514,40 @@ void NameCheck::add(Check check, const TextRange& range, std::string message, st
 }
 
 /// What is not in the texts may be in the filter. Where that has been asked, it is an error.
-void NameCheck::addUnknown(Check check, const TextRange& range, std::string message) {
+void NameCheck::addUnknown(const Scope& scope, const Reference& reference, std::string message) {
   if (held_ != nullptr) message += ", and the filter does not hold it";
-  Diagnostic diagnostic{.check = check, .range = range, .message = std::move(message)};
-  if (held_ != nullptr) {
-    diagnostic.severity = Severity::error;
-  } else {
+  Diagnostic diagnostic{.check = reference.jump ? Check::unknownJump : unknownCheck(reference.kind),
+                        .range = reference.range,
+                        .message = std::move(message)};
+  if (held_ != nullptr) diagnostic.severity = Severity::error;
+  if (const std::string nearest = nearestName(scope, reference); !nearest.empty()) {
+    diagnostic.help = "did you mean " + quotedWord(nearest) + "?";
+  } else if (held_ == nullptr) {
     diagnostic.help = "create it, or let `-f FILTER` ask whether the filter holds it";
+  } else {
+    diagnostic.help = "create it";
   }
   diagnostics_.add(std::move(diagnostic));
+}
+
+/// The name of this kind that was most likely meant, or nothing. It is looked for among so many
+/// names, and for so many.
+std::string NameCheck::nearestName(const Scope& scope, const Reference& reference) {
+  constexpr std::size_t kMostUnknown = 100;
+  constexpr std::size_t kMostCompared = 1000;
+  if (++unknown_ > kMostUnknown) return {};
+  Nearest nearest(reference.name);
+  std::size_t compared = 0;
+  for (const auto& [name, object] : scope.objects[indexOf(reference.kind)]) {
+    if (++compared > kMostCompared) break;
+    // What is there under this very name comes too late, or is gone.
+    if (!object.generated && name != reference.name) nearest.compare(name);
+  }
+  if (held_ != nullptr) {
+    for (const std::string& name : held_->names[indexOf(reference.kind)]) {
+      if (++compared > kMostCompared) break;
+      if (name != reference.name) nearest.compare(name);
+    }
+  }
+  return std::string(nearest.text());
 }

@@ -118,7 +118,8 @@ class NameCheck final : public TextListener {
 
   void add(Check check, const TextRange& range, std::string message, std::string help = {},
            const TextRange* related = nullptr, const char* relatedMessage = "");
-  void addUnknown(Check check, const TextRange& range, std::string message);
+  void addUnknown(const Scope& scope, const Reference& reference, std::string message);
+  std::string nearestName(const Scope& scope, const Reference& reference);
   int code(std::size_t place) const { return place < head_.size() ? head_[place].code : 0; }
 
   const SourceTexts& sources_;
@@ -142,5 +143,6 @@ class NameCheck final : public TextListener {
   std::unordered_map<std::string, std::size_t> scopeNumbers_;
   std::deque<Scope> scopes_;
   std::set<std::string_view> mentioned_;  // in statements with mistakes
+  std::size_t unknown_ = 0;               // names for which a nearer one was looked for
   std::optional<TextRange> channel_;
 };

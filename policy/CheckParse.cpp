@@ -1,6 +1,7 @@
 #include "CheckParse.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -38,6 +39,14 @@ bool isFirstWord(int code) {
   }
 }
 
+/// Whether the text begins with a line such as "[section one]".
+bool isSectionHead(std::string_view text) {
+  const std::size_t end = text.find_first_of("]\"{\n");
+  return text.size() > 1 && text[0] == '[' &&
+         std::isalpha(static_cast<unsigned char>(text[1])) != 0 && end < text.size() &&
+         text[end] == ']' && text.find_first_not_of(" \t\r", end + 1) == text.find('\n', end);
+}
+
 /// What a file of another kind begins with, or nothing. Configuration text begins with a word.
 std::string foreignKind(std::string_view text) {
   struct Mark {
@@ -64,6 +73,7 @@ std::string foreignKind(std::string_view text) {
       {"---\n"sv, "YAML"},
   };
   const std::size_t begin = std::min(text.find_first_not_of(" \t\r\n"), text.size());
+  if (isSectionHead(text.substr(begin))) return "an INI file";
   for (const Mark& mark : kMarks) {
     if (text.substr(begin).starts_with(mark.bytes)) return mark.kind;
   }
@@ -114,6 +124,7 @@ class TextParse final : public GrammarClient {
   bool reportMisspelling(const std::vector<int>& expected);
   std::string unexpectedText() const;
   std::string failureText() const;
+  const char* failureHelp() const;
   std::string helpFor(const std::vector<int>& expected) const;
 
   const SourceText& source_;
@@ -342,10 +353,20 @@ std::string TextParse::failureText() const {
   return printableText(text.substr(0, end)) + ": " + quotedWord(text.substr(end + 3));
 }
 
-void TextParse::reportFailure() {
-  report(Check::value, token_, failureText(), {},
-         status == FW_STATUS_NAME_TOO_LONG ? "names have at most 255 bytes" : "");
+const char* TextParse::failureHelp() const {
+  if (status == FW_STATUS_NAME_TOO_LONG) return "names have at most 255 bytes";
+  if (status == FW_STATUS_INVALID_ADDRESS) {
+    return "each number of an IPv4 address goes from 0 to 255, each group of an IPv6 address to "
+           "ffff";
+  }
+  const std::string_view text = message;
+  if (text.find("overflows") == text.npos) return "";
+  if (before_.code == TK_PORT) return "ports go from 0 to 65535";
+  if (before_.code == TK_RULE) return "ids go from 0 to 4294967295";
+  return "no number here is that large";
 }
+
+void TextParse::reportFailure() { report(Check::value, token_, failureText(), {}, failureHelp()); }
 
 /// Some statements have a name as their second word, which a misspelled keyword is taken for: the
 /// word after it is what has no place then. False when the second word is no such keyword.
@@ -398,6 +419,9 @@ std::string TextParse::helpFor(const std::vector<int>& expected) const {
   if (words_.size() <= 1 && (token_.code == TK_RULE || token_.code == TK_RBRACE)) {
     return "more rules than one stand in braces: create ruleset \"NAME\" with { ... };";
   }
+  if (words_.size() <= 1 && !anyStatement_ && token_.code != 0) {
+    return "a text begins with a statement, such as: create addrset \"NAME\" { 10.0.0.1 };";
+  }
   return {};
 }
 
@@ -426,6 +450,10 @@ void TextParse::unexpected(const std::vector<int>& expected) {
     startsNew_ = isFirstWord(token_.code) && depthBefore_ <= 0;
     reportMissing(TK_SEMICOLON, rule || depthBefore_ > 0 ? "each rule ends with `;`"
                                                          : "each statement ends with `;`");
+    return;
+  }
+  if (expects(TK_RBRACE) && expects(TK_COMMA) && token_.code >= TK_IPV4_CIDR) {
+    reportMissing(TK_COMMA, "what stands in braces is separated by `,`");
     return;
   }
   if (expects(TK_RBRACE) &&

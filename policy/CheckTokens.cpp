@@ -107,7 +107,7 @@ Token TokenReader::placed(int code) {
   const auto size = static_cast<std::uint32_t>(source_.text().size());
   if (extra_.status != FW_STATUS_OK) {
     const std::uint32_t begin = skipGap(place_, 0);
-    return {begin, begin < size ? begin + 1 : begin, code};
+    return {begin, failedEnd(begin), code};
   }
   if (code == 0) return {skipGap(place_, size), size, code};
   // What is read again lies elsewhere in memory: the words are looked for in the text. The word
@@ -140,9 +140,10 @@ void TokenReader::read(YYSTYPE* value, Token& token) {
   place_ = token.end;
 }
 
-void TokenReader::skipFailed(const Token& token) {
+/// The end of the literal at which the scanner failed.
+std::uint32_t TokenReader::failedEnd(std::uint32_t begin) const {
   const std::string_view text = source_.text();
-  std::size_t next = token.begin;
+  std::size_t next = begin;
   const char first = next < text.size() ? text[next] : '\0';
   if (first == '"' || first == '\'') {
     next = text.find(first, next + 1);
@@ -152,8 +153,12 @@ void TokenReader::skipFailed(const Token& token) {
       ++next;
     }
   }
+  return static_cast<std::uint32_t>(next);
+}
+
+void TokenReader::skipFailed(const Token& token) {
   stop();
   extra_.status = FW_STATUS_OK;
   extra_.message[0] = '\0';
-  start(static_cast<std::uint32_t>(next));
+  start(token.end);
 }

@@ -47,6 +47,7 @@ class TokenReader {
   void stop();
   std::uint32_t skipGap(std::uint32_t from, std::uint32_t to);
   Token placed(int code);
+  std::uint32_t failedEnd(std::uint32_t begin) const;
 
   /// Keeps standard error quiet while it lives: the scanner names there what the reader reports
   /// with its place.

@@ -132,21 +132,30 @@ std::string joinedWords(std::span<const std::string> words) {
   return text;
 }
 
+Nearest::Nearest(std::string_view word)
+    : word_(word),
+      limit_(word.size() < 3   ? 1
+             : word.size() < 6 ? 2
+                               : 3),
+      least_(std::min(limit_, word.size() - std::min<std::size_t>(word.size(), 1)) + 1) {}
+
+void Nearest::compare(std::string_view text) {
+  if (text.empty()) return;
+  const std::size_t difference = distance(word_, text, limit_);
+  // A word that shares too little with the text is another word.
+  if (difference > least_ || difference * 2 > text.size()) return;
+  if (difference == least_ && (nearest_.empty() || nearest_ <= text)) return;
+  least_ = difference;
+  nearest_ = text;
+}
+
 std::string nearestKeyword(std::string_view word, std::span<const int> codes) {
-  const std::size_t limit = word.size() < 3 ? 1 : word.size() < 6 ? 2 : 3;
-  std::size_t least = std::min(limit, word.size() - std::min<std::size_t>(word.size(), 1)) + 1;
-  std::string_view nearest;
+  Nearest nearest(word);
   for (const int code : codes) {
-    for (const std::string_view keyword : {spelling(code), otherSpelling(code)}) {
-      if (keyword.empty()) continue;
-      const std::size_t difference = distance(word, keyword, limit);
-      // A word that shares too little with the keyword is another word.
-      if (difference >= least || difference * 2 > keyword.size()) continue;
-      least = difference;
-      nearest = keyword;
-    }
+    nearest.compare(spelling(code));
+    nearest.compare(otherSpelling(code));
   }
-  return std::string(nearest);
+  return std::string(nearest.text());
 }
 
 std::size_t characterSize(std::string_view text) {

@@ -19,6 +19,24 @@ std::string joinedWords(std::span<const std::string> words);
 /// The keyword among these tokens that differs least from the word, or nothing when none is near.
 std::string nearestKeyword(std::string_view word, std::span<const int> codes);
 
+/// Looks for the text that differs least from a word, among those that differ little.
+class Nearest {
+ public:
+  explicit Nearest(std::string_view word);
+
+  /// The text must outlive this object. Of two that differ alike the first in order counts.
+  void compare(std::string_view text);
+
+  /// Nothing when none is near.
+  std::string_view text() const { return nearest_; }
+
+ private:
+  std::string_view word_;
+  std::size_t limit_;
+  std::size_t least_;
+  std::string_view nearest_;
+};
+
 bool isKeyword(int code);
 
 /// The text in grave accents, cut when it is long, and without what a terminal would obey.

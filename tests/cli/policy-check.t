@@ -142,6 +142,7 @@ With a filter, what it holds is known, and what nobody has is an error.
   clients.conf:1:69: error: nothing creates the set `cleints`, and the filter does not hold it [unknown-set]
       ...uleset "in" with { rule 1 in protocol any from "clients" to "cleints" accept; };
                                                                      ^~~~~~~~~
+      help: did you mean `clients`?
   1 error, 0 warnings
   [1]
   $ quiet tarnpolicy check -f nowhere clients.conf

@@ -171,4 +171,54 @@ TEST(PolicyCheck, FilesAreOnePolicyInTheirOrder) {
             (Lines{"2.conf:1:9 syntax: unexpected `;`", "3.conf:1:7 syntax: unexpected `;`"}));
 }
 
+TEST(PolicyCheck, ALiteralThatCannotBeReadIsMarkedWhole) {
+  const std::string text =
+      rule("rule 1 in protocol tcp from any to any port 99999999999999999999 accept;");
+  EXPECT_EQ(mistake(text),
+            "2:45 decimal integer overflows: `99999999999999999999` | ports go from 0 to 65535");
+  const Diagnostics diagnostics = checked({text});
+  EXPECT_EQ(diagnostics.all()[0].range.end - diagnostics.all()[0].range.begin, 20u);
+  EXPECT_EQ(mistake(rule("rule 99999999999999999999 in protocol tcp from any to any accept;")),
+            "2:6 decimal integer overflows: `99999999999999999999` | ids go from 0 to 4294967295");
+  EXPECT_EQ(mistake("create addrset \"a\" 10.0.0.1-10.0.0.300;"),
+            "1:20 invalid ip address: `10.0.0.300` | each number of an IPv4 address goes from 0 to "
+            "255, each group of an IPv6 address to ffff");
+}
+
+TEST(PolicyCheck, ANameThatIsNearToAnUnknownOneIsProposed) {
+  const std::string rules =
+      rule("rule 1 in protocol any from \"servers\" to \"sevrers\" jumpto \"R\";");
+  const Diagnostics diagnostics = checked({"create addrset \"servers\" 10.0.0.1;\n" + rules});
+  ASSERT_EQ(diagnostics.all().size(), 2u);
+  EXPECT_EQ(diagnostics.all()[0].help, "did you mean `servers`?");
+  // No name of another kind, and none that is not near.
+  EXPECT_EQ(diagnostics.all()[1].help, "did you mean `r`?");
+  EXPECT_EQ(
+      mistake("destroy addrset \"servers\"; create addrset \"db\" 10.0.0.1;"),
+      "1:17 the set `servers` is not there when this statement is carried out | create it, or "
+      "let `-f FILTER` ask whether the filter holds it");
+}
+
+TEST(PolicyCheck, OfManyUnknownNamesTheFirstHaveProposals) {
+  std::string text = "create addrset \"name\" 10.0.0.1;\n";
+  for (int i = 0; i < 300; ++i)
+    text += "delete all from addrset \"name" + std::to_string(i) + "\";\n";
+  const Diagnostics diagnostics = checked({text});
+  std::size_t proposals = 0;
+  for (const Diagnostic& diagnostic : diagnostics.all()) {
+    proposals += diagnostic.help == "did you mean `name`?" ? 1 : 0;
+  }
+  EXPECT_EQ(proposals, 100u);
+}
+
+TEST(PolicyCheck, FilesOfOtherKindsAreNamed) {
+  EXPECT_EQ(mistake("[main]\nkey = value\n"),
+            "1:1 unexpected `[`: this is no configuration text | the file looks like an INI file");
+  EXPECT_EQ(mistake("[1, 2]\n"),
+            "1:1 unexpected `[`: this is no configuration text | the file looks like JSON");
+  EXPECT_EQ(mistake("name,address\n"),
+            "1:1 unexpected `name` | a text begins with a statement, such as: create addrset "
+            "\"NAME\" { 10.0.0.1 };");
+}
+
 }  // namespace

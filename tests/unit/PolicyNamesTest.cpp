@@ -102,7 +102,7 @@ TEST(PolicyNames, WhatAFilterHoldsIsKnownAndWhatItDoesNotHoldIsAnError) {
 TEST(PolicyNames, NamesInStatementsWithErrorsAreTakenForRight) {
   EXPECT_EQ(found("create addrset \"a\" { 10.0.0.1 10.0.0.2 };\n"
                   "create ruleset \"r\" { rule 1 in protocol any from a to any accept; };"),
-            (Lines{"1:31 syntax: unexpected `10.0.0.2`"}));
+            (Lines{"1:30 syntax: `,` is missing after `10.0.0.1`"}));
 }
 
 TEST(PolicyNames, CirclesOfAllLengthsAreFoundOnce) {
