@@ -156,8 +156,8 @@ The process is absent, refuses, goes away or takes its time. Nobody learns by th
   thread 3 trace: on
   $ fault slow 20 && lab tarnioctl getdpiinfo -t | tail -1
   thread 3 trace: on
-  $ fault silent && timeout 1 tarnlab run tarnioctl getdpiinfo -s
-  [124]
+  $ fault silent && waits tarnioctl getdpiinfo -s
+  [143]
 
 Lengths that lie.
 

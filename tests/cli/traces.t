@@ -303,8 +303,8 @@ The daemon is absent, refuses, goes away or takes its time.
   filters: 8, agents: 3
   $ fault endless && tarnlab run tarnioctl tracehulld -s | head -1
   tracing: on
-  $ fault silent && timeout 1 tarnlab run tarnioctl tracehulld -s
-  [124]
+  $ fault silent && waits tarnioctl tracehulld -s
+  [143]
   $ tarnlab run tarnioctl tracehulld -s > /dev/full
   ERROR: failed to print data: 0
   $ tarnlab fault
