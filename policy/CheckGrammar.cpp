@@ -39,8 +39,7 @@ int policy_lex(POLICY_STYPE* value, POLICY_LTYPE*, void* scanner) {
 }
 
 /// Called by the generated parser. 0: the message has been made.
-static int yyreport_syntax_error(const yypcontext_t* context, FWStatus_t*, void* scanner,
-                                 const char*, CTarnFWCmdList**, CTarnFWCmdConfig**) {
+static int yyreport_syntax_error(const yypcontext_t* context, const FWParse& parse) {
   // Kinds of symbols are numbered as the tokens are; 0 is the end of the text in both.
   constexpr int kFirstToken = 255;
   yysymbol_kind_t kinds[YYNTOKENS];
@@ -49,7 +48,7 @@ static int yyreport_syntax_error(const yypcontext_t* context, FWStatus_t*, void*
   for (int i = 0; i < count; ++i) {
     expected.push_back(kinds[i] == YYSYMBOL_YYEOF ? 0 : kinds[i] + kFirstToken);
   }
-  clientOf(scanner).unexpected(expected);
+  clientOf(parse.scanner).unexpected(expected);
   return 0;
 }
 

@@ -202,7 +202,8 @@ int TextParse::nextToken(void* value) {
   if (prefix_ > 0) {
     constexpr int kPrefix[] = {TK_LBRACE, TK_STRING, TK_RULESET, TK_CREATE};
     YYSTYPE made{};
-    made.text = {"x", 1};
+    static constexpr FWParserText kName = {"x", 1};
+    made.text = &kName;
     std::memcpy(value, &made, sizeof made);
     return kPrefix[--prefix_];
   }

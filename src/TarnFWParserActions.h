@@ -27,8 +27,9 @@ struct FWParse {
   const char* filename;
   CTarnFWCmdList** cmdList;
   CTarnFWCmdConfig** cmdConfig;
+  fw_lex_extra_* record = yyget_extra(scanner);
 
-  fw_lex_extra_& extra() const { return *yyget_extra(scanner); }
+  fw_lex_extra_& extra() const { return *record; }
   CTarnFWParserArena& arena() const { return extra().arena; }
 
   /// Begins the list of commands, and the memory of the load. Throws `std::bad_alloc`.

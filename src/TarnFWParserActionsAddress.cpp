@@ -33,7 +33,7 @@ constexpr unsigned int kSetsPerMessage = 20000;
 template <typename Address>
 std::unique_ptr<CTarnFWAddress> addressOfText(const FWParse& parse, const FWParserText& text) {
   auto address = parse.make<Address>(std::string_view(text.data, text.length), false);
-  parse.arena().releaseLast(text.data, text.length);
+  parse.arena().releaseLast(text);
   return address;
 }
 

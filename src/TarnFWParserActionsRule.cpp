@@ -138,7 +138,7 @@ std::unique_ptr<CTarnFWRule> assembleRule(const FWParse& parse, FWParserRule& ru
 }  // namespace
 
 FWParserProtocol protocolOfName(const FWParse& parse, const FWParserText& name, bool negated) {
-  const int number = parse.extra().protocols.number(name.data);
+  const int number = parse.extra().protocols.number({name.data, name.length});
   if (number < 0) {
     throw CParseFailure(formatText("unknown protocol (%s)", name.data),
                         FW_STATUS_UNKNOWN_PROTOCOL_NAME);
@@ -189,9 +189,10 @@ std::unique_ptr<CTarnFWProtocolSpec> negatedSpec(std::unique_ptr<CTarnFWProtocol
   return spec;
 }
 
-std::unique_ptr<CTarnFWProtocolSpecList> withSpec(std::unique_ptr<CTarnFWProtocolSpecList> list,
+std::unique_ptr<CTarnFWProtocolSpecList> withSpec(const FWParse& parse,
+                                                  std::unique_ptr<CTarnFWProtocolSpecList> list,
                                                   std::unique_ptr<CTarnFWProtocolSpec> spec) {
-  if (list == nullptr) list = std::make_unique<CTarnFWProtocolSpecList>(FW_SPEC_DIR_BOTH);
+  if (list == nullptr) list = parse.make<CTarnFWProtocolSpecList>(FW_SPEC_DIR_BOTH);
   list->addSpec(std::move(spec));
   return list;
 }
@@ -252,15 +253,15 @@ std::unique_ptr<CTarnFWRuleAction> flaggedAction(std::unique_ptr<CTarnFWRuleActi
   return action;
 }
 
-FWParserText keyPolicy(const FWParse& parse, const FWParserText& text) {
+const FWParserText* keyPolicy(const FWParse& parse, const FWParserText& text) {
   std::uint8_t uuid[kUuidSize];
   if (!normalstr2uuid(uuid, text.data)) {
     throw CParseFailure(formatText("bad uuid (%s)", text.data), FW_STATUS_INVALID_ARGUMENT);
   }
-  if (text.length <= kNormalUuidLength) return text;
-  const char* cut = parse.arena().copy(text.data, kNormalUuidLength);
+  if (text.length <= kNormalUuidLength) return &text;
+  const FWParserText* cut = parse.arena().copy(text.data, kNormalUuidLength);
   if (cut == nullptr) throw std::bad_alloc();
-  return {cut, kNormalUuidLength};
+  return cut;
 }
 
 std::unique_ptr<CTarnFWRuleAction> snat(const FWParse& parse,

@@ -49,7 +49,8 @@ std::unique_ptr<CTarnFWProtocolSpec> negatedSpec(std::unique_ptr<CTarnFWProtocol
 // --- Protocol specs
 
 /// Adds a spec at the end of the list; a list that is null is begun.
-std::unique_ptr<CTarnFWProtocolSpecList> withSpec(std::unique_ptr<CTarnFWProtocolSpecList> list,
+std::unique_ptr<CTarnFWProtocolSpecList> withSpec(const FWParse& parse,
+                                                  std::unique_ptr<CTarnFWProtocolSpecList> list,
                                                   std::unique_ptr<CTarnFWProtocolSpec> spec);
 
 /// DSCP of hexadecimal digits. Throws `CUnsupportedException` with status 60.
@@ -98,7 +99,7 @@ std::unique_ptr<CTarnFWRuleAction> flaggedAction(std::unique_ptr<CTarnFWRuleActi
                                                  const FWActionFlags& flags);
 
 /// A key policy's identifier, which must be in normal form; throws `CParseFailure` with status 3.
-FWParserText keyPolicy(const FWParse& parse, const FWParserText& text);
+const FWParserText* keyPolicy(const FWParse& parse, const FWParserText& text);
 
 std::unique_ptr<CTarnFWRuleAction> snat(const FWParse& parse,
                                         std::unique_ptr<CTarnFWAddress> address);

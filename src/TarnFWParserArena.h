@@ -10,8 +10,15 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <new>
 
 namespace TarnFirewall {
+
+/// A text, NUL-terminated.
+struct FWParserText {
+  const char* data;
+  std::uint32_t length;
+};
 
 class CTarnFWParserArena {
  public:
@@ -45,13 +52,14 @@ class CTarnFWParserArena {
     return allocate(sizeof(Value), alignof(Value));
   }
 
-  /// A copy of `length` characters with a NUL after them. Null without memory.
-  const char* copy(const char* text, std::size_t length) {
-    auto* room = static_cast<char*>(allocate(length + 1));
+  /// A copy of `length` characters. Null without memory.
+  const FWParserText* copy(const char* text, std::size_t length) {
+    void* const room = allocate(sizeOfText(length), alignof(FWParserText));
     if (room == nullptr) return nullptr;
-    std::memcpy(room, text, length);
-    room[length] = '\0';
-    return room;
+    char* const data = static_cast<char*>(room) + sizeof(FWParserText);
+    std::memcpy(data, text, length);
+    data[length] = '\0';
+    return ::new (room) FWParserText{data, static_cast<std::uint32_t>(length)};
   }
 
   Mark mark() const { return {index_, used_}; }
@@ -60,13 +68,21 @@ class CTarnFWParserArena {
   void release(Mark mark);
 
   /// Frees a text of `copy` if nothing was allocated after it, and does nothing otherwise.
-  void releaseLast(const char* text, std::size_t length) {
-    if (current_ != nullptr && text + length + 1 == current_->bytes + used_) {
-      used_ -= static_cast<std::uint32_t>(length + 1);
+  void releaseLast(const FWParserText& text) {
+    const std::size_t size = sizeOfText(text.length);
+    const char* const begin = text.data - sizeof(FWParserText);
+    if (current_ != nullptr && begin + size == current_->bytes + used_) {
+      used_ -= static_cast<std::uint32_t>(size);
     }
   }
 
  private:
+  /// Of a text with its characters after it, up to where the next one may begin.
+  static constexpr std::size_t sizeOfText(std::size_t length) {
+    constexpr std::size_t kMask = alignof(FWParserText) - 1;
+    return (sizeof(FWParserText) + length + 1 + kMask) & ~kMask;
+  }
+
   struct Block {
     Block* next;
     alignas(std::max_align_t) char bytes[kBlockSize];

@@ -21,11 +21,8 @@ namespace TarnFirewall {
 /// Longest text of a token in characters: quoted strings and identifiers above it are refused.
 inline constexpr std::size_t kParserTextLimit = 255;
 
-/// A token's text, NUL-terminated, in the arena.
-struct FWParserText {
-  const char* data;
-  std::uint32_t length;
-};
+/// What a text that may be left out is without it.
+inline constexpr FWParserText kNoText = {"", 0};
 
 /// The two numbers of a range token as they were written: unordered, unchecked.
 struct FWNumberRange {

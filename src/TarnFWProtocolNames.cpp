@@ -2,6 +2,8 @@
 
 #include <netdb.h>
 
+#include <utility>
+
 namespace TarnFirewall {
 
 namespace {
@@ -11,14 +13,14 @@ constexpr std::size_t kKnownLimit = 32;
 
 }  // namespace
 
-int CTarnFWProtocolNames::number(const char* name) {
-  const std::string_view wanted(name);
+int CTarnFWProtocolNames::number(std::string_view name) {
   for (const Known& known : known_) {
-    if (known.name == wanted) return known.number;
+    if (known.name == name) return known.number;
   }
-  const protoent* entry = getprotobyname(name);
+  std::string wanted(name);
+  const protoent* entry = getprotobyname(wanted.c_str());
   const int number = entry == nullptr ? -1 : entry->p_proto;
-  if (known_.size() < kKnownLimit) known_.push_back({std::string(wanted), number});
+  if (known_.size() < kKnownLimit) known_.push_back({std::move(wanted), number});
   return number;
 }
 

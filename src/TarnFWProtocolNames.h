@@ -12,7 +12,7 @@ namespace TarnFirewall {
 class CTarnFWProtocolNames {
  public:
   /// The number, -1 for a name that the host does not know.
-  int number(const char* name);
+  int number(std::string_view name);
 
  private:
   struct Known {

@@ -39,6 +39,8 @@ int outOfMemory(fw_lex_extra_* extra) {
   return failHard(extra, FW_STATUS_OUT_OF_MEMORY, "out of memory");
 }
 
+constexpr bool isDigit(char c) { return c >= '0' && c <= '9'; }
+
 constexpr std::uint8_t hexDigit(char c) {
   return static_cast<std::uint8_t>(c <= '9' ? c - '0' : (c | 0x20) - 'a' + 10);
 }
@@ -59,9 +61,30 @@ constexpr std::size_t kEtherLength = 17;
 /// So many digits fit into 64 bits whatever they are.
 constexpr std::size_t kSafeDigits = 18;
 
-int scanEtherPair(YYSTYPE* value, ScannedText text, int token) {
-  value->etherPair = {etherBytes(text.data), etherBytes(text.data + kEtherLength + 1)};
+int scanEtherPair(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text, int token) {
+  void* room = extra->arena.allocateFor<FWEtherPair>();
+  if (room == nullptr) return outOfMemory(extra);
+  value->etherPair =
+      ::new (room) FWEtherPair{etherBytes(text.data), etherBytes(text.data + kEtherLength + 1)};
   return token;
+}
+
+/// A number with a sign or with more digits than 64 bits always hold. Apart from the others, which
+/// then need no room for what is kept across calls.
+[[gnu::noinline]] int scanLongDecimal(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text) {
+  const auto [end, error] = std::from_chars(text.data, text.data + text.length, value->number, 10);
+  if (error != std::errc{}) {
+    errno = ERANGE;
+    return fail(extra, FW_STATUS_PARSING_ERROR, "decimal integer overflows - %s", text.data);
+  }
+  errno = 0;
+  return TK_NUMBER;
+}
+
+int failRange(fw_lex_extra_* extra, const char* bound, ScannedText text) {
+  errno = ERANGE;
+  return fail(extra, FW_STATUS_PARSING_ERROR, "%s bound of decimal range overflows - %s", bound,
+              text.data);
 }
 
 /// `inet_pton` of one part of a range, or the failure that names the part.
@@ -78,10 +101,8 @@ bool parseAddress(fw_lex_extra_* extra, int family, std::string_view part, Addre
 }  // namespace
 
 int scanText(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text, int token) {
-  const char* copy = extra->arena.copy(text.data, text.length);
-  if (copy == nullptr) return outOfMemory(extra);
-  value->text = {copy, static_cast<std::uint32_t>(text.length)};
-  return token;
+  value->text = extra->arena.copy(text.data, text.length);
+  return value->text == nullptr ? outOfMemory(extra) : token;
 }
 
 int scanQuoted(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text) {
@@ -130,42 +151,34 @@ int scanIdentifier(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text) {
 }
 
 int scanDecimal(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text) {
+  if (text.length > kSafeDigits || *text.data == '-') return scanLongDecimal(extra, value, text);
+  std::int64_t number = 0;
+  for (const char* at = text.data; isDigit(*at); ++at) number = 10 * number + (*at - '0');
+  value->number = number;
   errno = 0;
-  if (text.length <= kSafeDigits && *text.data != '-') {
-    value->number = 0;
-    for (const char* at = text.data; *at >= '0' && *at <= '9'; ++at) {
-      value->number = 10 * value->number + (*at - '0');
-    }
-    return TK_NUMBER;
-  }
-  const auto [end, error] = std::from_chars(text.data, text.data + text.length, value->number, 10);
-  if (error != std::errc{}) {
-    errno = ERANGE;
-    return fail(extra, FW_STATUS_PARSING_ERROR, "decimal integer overflows - %s", text.data);
-  }
   return TK_NUMBER;
 }
 
 int scanHexadecimal(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text) {
-  value->number = std::strtoll(text.data, nullptr, 16);
+  constexpr std::size_t kPrefix = 2;
+  const char* const end = text.data + text.length;
+  const auto read = std::from_chars(text.data + kPrefix, end, value->number, 16);
+  if (read.ec != std::errc{}) errno = ERANGE;
   if (errno != 0) {
     return fail(extra, FW_STATUS_PARSING_ERROR, "hex integer overflows - %s", text.data);
   }
   return TK_NUMBER;
 }
 
-int scanRange(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text, char separator) {
+int scanRange(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text) {
+  const char* const end = text.data + text.length;
+  std::int64_t low = 0;
+  const auto first = std::from_chars(text.data, end, low);
+  if (first.ec != std::errc{}) return failRange(extra, "low", text);
+  std::int64_t high = 0;
+  const auto second = std::from_chars(first.ptr + 1, end, high);
+  if (second.ec != std::errc{}) return failRange(extra, "high", text);
   errno = 0;
-  const long long low = std::strtoll(text.data, nullptr, 10);
-  if (errno != 0) {
-    return fail(extra, FW_STATUS_PARSING_ERROR, "low bound of decimal range overflows - %s",
-                text.data);
-  }
-  const long long high = std::strtoll(std::strchr(text.data, separator) + 1, nullptr, 10);
-  if (errno != 0) {
-    return fail(extra, FW_STATUS_PARSING_ERROR, "high bound of decimal range overflows - %s",
-                text.data);
-  }
   value->numberRange = {static_cast<std::uint32_t>(low), static_cast<std::uint32_t>(high)};
   return TK_NUMBER_RANGE;
 }
@@ -235,12 +248,12 @@ int scanEther(YYSTYPE* value, ScannedText text) {
   return TK_ETHER;
 }
 
-int scanEtherRange(YYSTYPE* value, ScannedText text) {
-  return scanEtherPair(value, text, TK_ETHER_RANGE);
+int scanEtherRange(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text) {
+  return scanEtherPair(extra, value, text, TK_ETHER_RANGE);
 }
 
-int scanEtherMask(YYSTYPE* value, ScannedText text) {
-  return scanEtherPair(value, text, TK_ETHER_MASK);
+int scanEtherMask(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text) {
+  return scanEtherPair(extra, value, text, TK_ETHER_MASK);
 }
 
 }  // namespace TarnFirewall

@@ -25,8 +25,8 @@ int scanDecimal(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text);
 /// good number. Programs on the host have met this since the language began.
 int scanHexadecimal(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text);
 
-/// Both bounds are cut to 32 bits and not compared: `separator` is '-' or ':'.
-int scanRange(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text, char separator);
+/// Both bounds are cut to 32 bits and not compared.
+int scanRange(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text);
 
 /// "10.0.0.5-9" and "10.0.0.5-10.0.0.9".
 int scanIPv4ShortRange(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text);
@@ -51,7 +51,7 @@ int refuseInput(fw_lex_extra_* extra);
 [[noreturn]] void throwScannerError(const char* message);
 
 int scanEther(YYSTYPE* value, ScannedText text);
-int scanEtherRange(YYSTYPE* value, ScannedText text);
-int scanEtherMask(YYSTYPE* value, ScannedText text);
+int scanEtherRange(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text);
+int scanEtherMask(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text);
 
 }  // namespace TarnFirewall

@@ -13,10 +13,7 @@
 %define parse.error verbose
 %expect 0
 
-%parse-param {TarnFirewall::FWStatus_t* status} {void* scanner} {const char* filename}
-%parse-param {TarnFirewall::CTarnFWCmdList** cmdList}
-%parse-param {TarnFirewall::CTarnFWCmdConfig** cmdConfig}
-%lex-param {void* scanner}
+%param {const TarnFirewall::FWParse& parse}
 
 %code requires {
 #include "TarnFWParserActionsAddress.h"
@@ -36,6 +33,11 @@ struct YYLTYPE {
 }
 
 %code provides {
+/// Parses what the scanner reads. 0 on success, 1 on any error, 2 for a text that is nested too
+/// deep or for want of memory.
+int yyparse(TarnFirewall::FWStatus_t* status, void* scanner, const char* filename,
+            TarnFirewall::CTarnFWCmdList** cmdList, TarnFirewall::CTarnFWCmdConfig** cmdConfig);
+
 /// Reports a failure: the scanner's, if it has one, else `message`. Logs it with the place, gives
 /// `*status` 16 ("parsing error") if it has none, and clears both results.
 void yyerror(YYLTYPE* location, TarnFirewall::FWStatus_t* status, void* scanner,
@@ -101,36 +103,39 @@ void yyerror(YYLTYPE* location, TarnFirewall::FWStatus_t* status, void* scanner,
 
 using namespace TarnFirewall;
 
-#define PARSE (FWParse{status, scanner, filename, cmdList, cmdConfig})
-
 /* Runs what may throw. When it does, the failure is reported, and the parse ends. */
 #define TRY(...)                   \
   do {                             \
     try {                          \
       __VA_ARGS__;                 \
     } catch (...) {                \
-      reportParseFailure(PARSE);   \
+      reportParseFailure(parse);   \
       YYERROR;                     \
     }                              \
   } while (false)
 
-/* The generated parser calls both without a location. */
-static int yylex(YYSTYPE* value, void* lexer) { return yylex(value, nullptr, lexer); }
+/* A value is copied at each step of the parser. What is larger than a pointer lies in the arena. */
+static_assert(sizeof(YYSTYPE) == sizeof(void*));
 
-static void yyerror(FWStatus_t* status, void* lexer, const char* filename,
-                    CTarnFWCmdList** cmdList, CTarnFWCmdConfig** cmdConfig, const char* message) {
-  yyerror(nullptr, status, lexer, filename, cmdList, cmdConfig, message);
+/* The generated parser calls both without a location. */
+static int yylex(YYSTYPE* value, const FWParse& parse) {
+  return yylex(value, nullptr, parse.scanner);
+}
+
+static void yyerror(const FWParse& parse, const char* message) {
+  yyerror(nullptr, parse.status, parse.scanner, parse.filename, parse.cmdList, parse.cmdConfig,
+          message);
 }
 }
 
 %union {
-  TarnFirewall::FWParserText text;
+  const TarnFirewall::FWParserText* text;  /* in the arena */
   std::int64_t number;
   TarnFirewall::FWNumberRange numberRange;
   TarnFirewall::FWIPv4Range ipv4Range;
   TarnFirewall::FWIPv6Range* ipv6Range;  /* in the arena */
   TarnFirewall::fw_ether_ ether;
-  TarnFirewall::FWEtherPair etherPair;
+  TarnFirewall::FWEtherPair* etherPair;  /* in the arena */
   TarnFirewall::FWIdPort* idPort;        /* in the arena */
   TarnFirewall::FWIPPort ipPort;
   TarnFirewall::CTarnFWParserArena::Mark mark;
@@ -371,9 +376,9 @@ Firewall:
 
 Rule_Cmd_List:
     %empty  /* 3 */
-      { TRY(PARSE.begin()); }
+      { TRY(parse.begin()); }
   | Rule_Cmd_List Rule_Command  /* 4 */
-      { TRY(addStatement(PARSE, own($2))); }
+      { TRY(addStatement(parse, own($2))); }
     ;
 
 Rule_Command:
@@ -430,15 +435,15 @@ Rule_Command:
 
 Cmd_Create_RuleSet:
     CREATE RULESET STRING Optional_DVS_Port WITH Set_of_Rules  /* 54 */
-      { TRY($$ = createRuleSet($4, $3, own($6)).release()); }
+      { TRY($$ = createRuleSet($4, *$3, own($6)).release()); }
   | CREATE RULESET STRING Optional_DVS_Port Set_of_Rules  /* 55 */
-      { TRY($$ = createRuleSet($4, $3, own($5)).release()); }
+      { TRY($$ = createRuleSet($4, *$3, own($5)).release()); }
   | CREATE RULESET STRING Optional_DVS_Port JUMPTO STRING WITH Set_of_Rules  /* 56 */
-      { TRY($$ = createRuleSetWithJump($4, $3, $6, own($8)).release()); }
+      { TRY($$ = createRuleSetWithJump($4, *$3, *$6, own($8)).release()); }
   | CREATE RULESET STRING Optional_DVS_Port WITH Single_Rule  /* 57 */
-      { TRY($$ = createRuleSetOfOne($4, $3, own($6)).release()); }
+      { TRY($$ = createRuleSetOfOne($4, *$3, own($6)).release()); }
   | CREATE RULESET STRING Optional_DVS_Port  /* 58 */
-      { TRY($$ = createEmptyRuleSet($4, $3).release()); }
+      { TRY($$ = createEmptyRuleSet($4, *$3).release()); }
     ;
 
 Cmd_Get_Root_RuleSet:
@@ -448,9 +453,9 @@ Cmd_Get_Root_RuleSet:
 
 Cmd_Set_Root_RuleSet:
     SET ROOT RULESET STRING Optional_DVS_Port  /* 60 */
-      { TRY($$ = setRootRuleSet($5, $4).release()); }
+      { TRY($$ = setRootRuleSet($5, *$4).release()); }
   | SET ROOT RULESET STRING AND STRING Optional_DVS_Port  /* 61 */
-      { TRY($$ = setRootRuleSets($7, $4, $6).release()); }
+      { TRY($$ = setRootRuleSets($7, *$4, *$6).release()); }
     ;
 
 Cmd_Clear_Root_RuleSet:
@@ -460,7 +465,7 @@ Cmd_Clear_Root_RuleSet:
 
 Cmd_Destroy_RuleSet:
     DESTROY RULESET STRING Optional_DVS_Port  /* 63 */
-      { TRY($$ = new CTarnFWCmdDestroyRuleSet($4, ruleSetName($3))); }
+      { TRY($$ = new CTarnFWCmdDestroyRuleSet($4, ruleSetName(*$3))); }
     ;
 
 Cmd_Destroy_All_RuleSet:
@@ -470,78 +475,78 @@ Cmd_Destroy_All_RuleSet:
 
 Cmd_Set_RuleSet_Jump:
     SET JUMPTO OF RULESET STRING AS STRING Optional_DVS_Port  /* 65 */
-      { TRY($$ = setRuleSetJump($8, $5, $7).release()); }
+      { TRY($$ = setRuleSetJump($8, *$5, *$7).release()); }
     ;
 
 Cmd_Get_RuleSet_Jump:
     DESCRIBE JUMPTO OF RULESET STRING Optional_DVS_Port  /* 66 */
-      { TRY($$ = new CTarnFWCmdGetRuleSetJump($6, ruleSetName($5))); }
+      { TRY($$ = new CTarnFWCmdGetRuleSetJump($6, ruleSetName(*$5))); }
     ;
 
 Cmd_Clear_RuleSet_Jump:
     CLEAR JUMPTO OF RULESET STRING Optional_DVS_Port  /* 67 */
-      { TRY($$ = new CTarnFWCmdClearRuleSetJump($6, ruleSetName($5))); }
+      { TRY($$ = new CTarnFWCmdClearRuleSetJump($6, ruleSetName(*$5))); }
     ;
 
 Cmd_Clear_RuleSet:
     CLEAR RULE OF RULESET STRING Optional_DVS_Port  /* 68 */
-      { TRY($$ = new CTarnFWCmdClearRuleSet($6, ruleSetName($5))); }
+      { TRY($$ = new CTarnFWCmdClearRuleSet($6, ruleSetName(*$5))); }
     ;
 
 Cmd_Get_Rule_Count_Of_RuleSet:
     DESCRIBE RULE COUNT OF RULESET STRING Optional_DVS_Port  /* 69 */
-      { TRY($$ = new CTarnFWCmdGetRuleCountOfRuleSet($7, ruleSetName($6), FW_RULES_FILTER)); }
+      { TRY($$ = new CTarnFWCmdGetRuleCountOfRuleSet($7, ruleSetName(*$6), FW_RULES_FILTER)); }
   | DESCRIBE SNAT RULE COUNT OF RULESET STRING Optional_DVS_Port  /* 70 */
-      { TRY($$ = new CTarnFWCmdGetRuleCountOfRuleSet($8, ruleSetName($7), FW_RULES_SNAT)); }
+      { TRY($$ = new CTarnFWCmdGetRuleCountOfRuleSet($8, ruleSetName(*$7), FW_RULES_SNAT)); }
   | DESCRIBE DNAT RULE COUNT OF RULESET STRING Optional_DVS_Port  /* 71 */
-      { TRY($$ = new CTarnFWCmdGetRuleCountOfRuleSet($8, ruleSetName($7), FW_RULES_DNAT)); }
+      { TRY($$ = new CTarnFWCmdGetRuleCountOfRuleSet($8, ruleSetName(*$7), FW_RULES_DNAT)); }
     ;
 
 Cmd_Get_RuleSet_Info:
     DESCRIBE INFO OF RULESET STRING Optional_DVS_Port  /* 72 */
-      { TRY($$ = new CTarnFWCmdGetRuleSetInfo($6, ruleSetName($5))); }
+      { TRY($$ = new CTarnFWCmdGetRuleSetInfo($6, ruleSetName(*$5))); }
     ;
 
 Cmd_Get_Rule_Of_RuleSet:
     DESCRIBE RULE OF RULESET STRING Optional_DVS_Port  /* 73 */
-      { TRY($$ = getRules($6, $5, 0, FW_RULES_FILTER).release()); }
+      { TRY($$ = getRules($6, *$5, 0, FW_RULES_FILTER).release()); }
   | DESCRIBE RULE OF RULESET STRING FROM NUMBER Optional_DVS_Port  /* 74 */
-      { TRY($$ = getRules($8, $5, $7, FW_RULES_FILTER).release()); }
+      { TRY($$ = getRules($8, *$5, $7, FW_RULES_FILTER).release()); }
   | DESCRIBE RULE OF RULESET STRING Optional_DVS_Port WITH Single_ID_Or_List  /* 75 */
-      { TRY($$ = getRules($6, $5, own($8), FW_RULES_FILTER).release()); }
+      { TRY($$ = getRules($6, *$5, own($8), FW_RULES_FILTER).release()); }
   | DESCRIBE SNAT RULE OF RULESET STRING Optional_DVS_Port  /* 76 */
-      { TRY($$ = getRules($7, $6, 0, FW_RULES_SNAT).release()); }
+      { TRY($$ = getRules($7, *$6, 0, FW_RULES_SNAT).release()); }
   | DESCRIBE SNAT RULE OF RULESET STRING FROM NUMBER Optional_DVS_Port  /* 77 */
-      { TRY($$ = getRules($9, $6, $8, FW_RULES_SNAT).release()); }
+      { TRY($$ = getRules($9, *$6, $8, FW_RULES_SNAT).release()); }
   | DESCRIBE SNAT RULE OF RULESET STRING Optional_DVS_Port WITH Single_ID_Or_List  /* 78 */
-      { TRY($$ = getRules($7, $6, own($9), FW_RULES_SNAT).release()); }
+      { TRY($$ = getRules($7, *$6, own($9), FW_RULES_SNAT).release()); }
   | DESCRIBE DNAT RULE OF RULESET STRING Optional_DVS_Port  /* 79 */
-      { TRY($$ = getRules($7, $6, 0, FW_RULES_DNAT).release()); }
+      { TRY($$ = getRules($7, *$6, 0, FW_RULES_DNAT).release()); }
   | DESCRIBE DNAT RULE OF RULESET STRING FROM NUMBER Optional_DVS_Port  /* 80 */
-      { TRY($$ = getRules($9, $6, $8, FW_RULES_DNAT).release()); }
+      { TRY($$ = getRules($9, *$6, $8, FW_RULES_DNAT).release()); }
   | DESCRIBE DNAT RULE OF RULESET STRING Optional_DVS_Port WITH Single_ID_Or_List  /* 81 */
-      { TRY($$ = getRules($7, $6, own($9), FW_RULES_DNAT).release()); }
+      { TRY($$ = getRules($7, *$6, own($9), FW_RULES_DNAT).release()); }
     ;
 
 Cmd_Get_Stat_Of_RuleSet:
     DESCRIBE STAT OF RULESET STRING Optional_DVS_Port  /* 82 */
-      { TRY($$ = getStats($6, $5, 0, FW_RULES_FILTER).release()); }
+      { TRY($$ = getStats($6, *$5, 0, FW_RULES_FILTER).release()); }
   | DESCRIBE STAT OF RULESET STRING FROM NUMBER Optional_DVS_Port  /* 83 */
-      { TRY($$ = getStats($8, $5, $7, FW_RULES_FILTER).release()); }
+      { TRY($$ = getStats($8, *$5, $7, FW_RULES_FILTER).release()); }
   | DESCRIBE STAT OF RULESET STRING Optional_DVS_Port WITH Single_ID_Or_List  /* 84 */
-      { TRY($$ = getStats($6, $5, own($8), FW_RULES_FILTER).release()); }
+      { TRY($$ = getStats($6, *$5, own($8), FW_RULES_FILTER).release()); }
   | DESCRIBE SNAT STAT OF RULESET STRING Optional_DVS_Port  /* 85 */
-      { TRY($$ = getStats($7, $6, 0, FW_RULES_SNAT).release()); }
+      { TRY($$ = getStats($7, *$6, 0, FW_RULES_SNAT).release()); }
   | DESCRIBE SNAT STAT OF RULESET STRING FROM NUMBER Optional_DVS_Port  /* 86 */
-      { TRY($$ = getStats($9, $6, $8, FW_RULES_SNAT).release()); }
+      { TRY($$ = getStats($9, *$6, $8, FW_RULES_SNAT).release()); }
   | DESCRIBE SNAT STAT OF RULESET STRING Optional_DVS_Port WITH Single_ID_Or_List  /* 87 */
-      { TRY($$ = getStats($7, $6, own($9), FW_RULES_SNAT).release()); }
+      { TRY($$ = getStats($7, *$6, own($9), FW_RULES_SNAT).release()); }
   | DESCRIBE DNAT STAT OF RULESET STRING Optional_DVS_Port  /* 88 */
-      { TRY($$ = getStats($7, $6, 0, FW_RULES_DNAT).release()); }
+      { TRY($$ = getStats($7, *$6, 0, FW_RULES_DNAT).release()); }
   | DESCRIBE DNAT STAT OF RULESET STRING FROM NUMBER Optional_DVS_Port  /* 89 */
-      { TRY($$ = getStats($9, $6, $8, FW_RULES_DNAT).release()); }
+      { TRY($$ = getStats($9, *$6, $8, FW_RULES_DNAT).release()); }
   | DESCRIBE DNAT STAT OF RULESET STRING Optional_DVS_Port WITH Single_ID_Or_List  /* 90 */
-      { TRY($$ = getStats($7, $6, own($9), FW_RULES_DNAT).release()); }
+      { TRY($$ = getStats($7, *$6, own($9), FW_RULES_DNAT).release()); }
     ;
 
 Cmd_Get_RuleSet_Count:
@@ -602,12 +607,12 @@ Cmd_Set_Exportver:
 
 Cmd_Create_AttrProfile:
     CREATE ATTRPROFILE STRING Optional_DVS_Port WITH LBRACE Single_L7Attribute_Or_List RBRACE  /* 104 */
-      { TRY($$ = createAttrProfile($4, $3, own($7)).release()); }
+      { TRY($$ = createAttrProfile($4, *$3, own($7)).release()); }
     ;
 
 Cmd_Delete_AttrProfile:
     DELETE ATTRPROFILE STRING Optional_DVS_Port  /* 105 */
-      { TRY($$ = new CTarnFWCmdDestroyAddrSet($4, addrSetName($3))); }
+      { TRY($$ = new CTarnFWCmdDestroyAddrSet($4, addrSetName(*$3))); }
     ;
 
 Cmd_Add_Domain_IP_Map:
@@ -617,7 +622,7 @@ Cmd_Add_Domain_IP_Map:
 
 Cmd_Set_Uid2Sid_Mapping:
     SET UID2SIDMAP Optional_DVS_Port STRING LBRACE L7AttrStringValueList RBRACE  /* 107 */
-      { TRY($$ = setUserMap($3, $4, own($6)).release()); }
+      { TRY($$ = setUserMap($3, *$4, own($6)).release()); }
     ;
 
 Cmd_Set_Connection_Attr:
@@ -626,28 +631,28 @@ Cmd_Set_Connection_Attr:
     ;
 
 Cmd_Create_AddrSet:
-    CREATE STRING ATTRSET { attribute_type = FWAttribute_str2key($2.data); } STRING Optional_DVS_Port Optional_Single_Attribute_Or_List  /* 110 */
-      { TRY($$ = createAddrSet($6, $5, FW_ADDRSET_ATTRIBUTE, own($7)).release()); }
+    CREATE STRING ATTRSET { attribute_type = FWAttribute_str2key($2->data); } STRING Optional_DVS_Port Optional_Single_Attribute_Or_List  /* 110 */
+      { TRY($$ = createAddrSet($6, *$5, FW_ADDRSET_ATTRIBUTE, own($7)).release()); }
   | CREATE ADDRSET STRING Optional_DVS_Port WITH Single_IP_Or_List  /* 111 */
-      { TRY($$ = createAddrSet($4, $3, FW_ADDRSET_IP, own($6)).release()); }
+      { TRY($$ = createAddrSet($4, *$3, FW_ADDRSET_IP, own($6)).release()); }
   | CREATE ADDRSET STRING Optional_DVS_Port WITH Single_MAC_Or_List  /* 112 */
-      { TRY($$ = createAddrSet($4, $3, FW_ADDRSET_MAC, own($6)).release()); }
+      { TRY($$ = createAddrSet($4, *$3, FW_ADDRSET_MAC, own($6)).release()); }
   | CREATE ADDRSET STRING Optional_DVS_Port Single_IP_Or_List  /* 113 */
-      { TRY($$ = createAddrSet($4, $3, FW_ADDRSET_IP, own($5)).release()); }
+      { TRY($$ = createAddrSet($4, *$3, FW_ADDRSET_IP, own($5)).release()); }
   | CREATE ADDRSET STRING Optional_DVS_Port Single_MAC_Or_List  /* 114 */
-      { TRY($$ = createAddrSet($4, $3, FW_ADDRSET_MAC, own($5)).release()); }
+      { TRY($$ = createAddrSet($4, *$3, FW_ADDRSET_MAC, own($5)).release()); }
   | CREATE ADDRSET STRING Optional_DVS_Port  /* 115 */
-      { TRY($$ = createAddrSet($4, $3, FW_ADDRSET_IP, nullptr).release()); }
+      { TRY($$ = createAddrSet($4, *$3, FW_ADDRSET_IP, nullptr).release()); }
     ;
 
 Cmd_Clear_AddrSet:
     DELETE ALL FROM ADDRSET STRING Optional_DVS_Port  /* 116 */
-      { TRY($$ = new CTarnFWCmdClearAddrSet($6, addrSetName($5))); }
+      { TRY($$ = new CTarnFWCmdClearAddrSet($6, addrSetName(*$5))); }
     ;
 
 Cmd_Destroy_AddrSet:
     DESTROY ADDRSET STRING Optional_DVS_Port  /* 117 */
-      { TRY($$ = new CTarnFWCmdDestroyAddrSet($4, addrSetName($3))); }
+      { TRY($$ = new CTarnFWCmdDestroyAddrSet($4, addrSetName(*$3))); }
     ;
 
 Cmd_Destroy_All_AddrSet:
@@ -657,12 +662,12 @@ Cmd_Destroy_All_AddrSet:
 
 Cmd_Get_AddrSet_Size:
     DESCRIBE SIZE OF ADDRSET STRING Optional_DVS_Port  /* 119 */
-      { TRY($$ = new CTarnFWCmdGetAddrSetTypeAndSize($6, addrSetName($5))); }
+      { TRY($$ = new CTarnFWCmdGetAddrSetTypeAndSize($6, addrSetName(*$5))); }
     ;
 
 Cmd_Get_AddrSet_Info:
     DESCRIBE INFO OF ADDRSET STRING Optional_DVS_Port  /* 120 */
-      { TRY($$ = new CTarnFWCmdGetAddrSetInfo($6, addrSetName($5))); }
+      { TRY($$ = new CTarnFWCmdGetAddrSetInfo($6, addrSetName(*$5))); }
     ;
 
 Cmd_Get_AddrSet_Stat:
@@ -672,9 +677,9 @@ Cmd_Get_AddrSet_Stat:
 
 Cmd_Get_Address_Of_AddrSet:
     DESCRIBE ADDRESS OF ADDRSET STRING Optional_DVS_Port  /* 122 */
-      { TRY($$ = getAddresses($6, $5, 0).release()); }
+      { TRY($$ = getAddresses($6, *$5, 0).release()); }
   | DESCRIBE ADDRESS OF ADDRSET STRING FROM NUMBER Optional_DVS_Port  /* 123 */
-      { TRY($$ = getAddresses($8, $5, $7).release()); }
+      { TRY($$ = getAddresses($8, *$5, $7).release()); }
     ;
 
 Cmd_Get_AddrSet_Count:
@@ -693,7 +698,7 @@ Cmd_Create_SpoofGuard:
     CREATE SPOOFGUARD WITH IP Single_IP_Or_List AND MAC Single_MAC_Address Optional_DVS_Port  /* 127 */
       { TRY($$ = createSpoofGuard($9, own($5), own($8)).release()); }
   | CREATE SPOOFGUARD WITH ADDRSET STRING AND MAC Single_MAC_Address Optional_DVS_Port  /* 128 */
-      { TRY($$ = createSpoofGuard($9, $5, own($8)).release()); }
+      { TRY($$ = createSpoofGuard($9, *$5, own($8)).release()); }
     ;
 
 Cmd_Delete_SpoofGuard:
@@ -735,27 +740,27 @@ Cmd_Get_LB_Stat:
 
 Cmd_Config:
     CONFIG DEVICE STRING Optional_Save_to  /* 137 */
-      { TRY($$ = setChannel(PARSE, FW_IO_IOCTL, $3, $4)); }
+      { TRY($$ = setChannel(parse, FW_IO_IOCTL, *$3, *$4)); }
   | CONFIG FILE STRING Optional_Save_to  /* 138 */
-      { TRY($$ = setChannel(PARSE, FW_IO_FILE, $3, $4)); }
+      { TRY($$ = setChannel(parse, FW_IO_FILE, *$3, *$4)); }
   | CONFIG SOCKET Single_IP_Port Optional_Save_to  /* 139 */
-      { TRY($$ = setChannel(PARSE, FW_IO_SOCKET, $3, $4)); }
+      { TRY($$ = setChannel(parse, FW_IO_SOCKET, $3, *$4)); }
   | CONFIG RIBS Single_IP_Port Optional_Save_to  /* 140 */
-      { TRY($$ = setChannel(PARSE, FW_IO_RIBS, $3, $4)); }
+      { TRY($$ = setChannel(parse, FW_IO_RIBS, $3, *$4)); }
   | CONFIG DEFAULT AGENT STRING AND DVS_Port  /* 141 */
-      { setDefaultSelector($4, *$6); $$ = nullptr; }
+      { setDefaultSelector(*$4, *$6); $$ = nullptr; }
   | ENABLE STRING STRICT Optional_DVS_Port  /* 142 */
-      { TRY($$ = configTCPStrict($4, $2, true).release()); }
+      { TRY($$ = configTCPStrict($4, *$2, true).release()); }
   | DISABLE STRING STRICT Optional_DVS_Port  /* 143 */
-      { TRY($$ = configTCPStrict($4, $2, false).release()); }
+      { TRY($$ = configTCPStrict($4, *$2, false).release()); }
   | DESCRIBE STRING STRICT Optional_DVS_Port  /* 144 */
-      { TRY($$ = getTCPStrict($4, $2).release()); }
+      { TRY($$ = getTCPStrict($4, *$2).release()); }
   | SET TIMEOUT STRING TO NUMBER Optional_DVS_Port  /* 145 */
-      { TRY($$ = setTimeout($6, $3, $5).release()); }
+      { TRY($$ = setTimeout($6, *$3, $5).release()); }
   | SET TIMEOUT TO STRING Optional_DVS_Port  /* 146 */
-      { TRY($$ = setTimeouts($5, $4).release()); }
+      { TRY($$ = setTimeouts($5, *$4).release()); }
   | DESCRIBE TIMEOUT STRING Optional_DVS_Port  /* 147 */
-      { TRY($$ = new CTarnFWCmdGetTimeout($4, $3.data)); }
+      { TRY($$ = new CTarnFWCmdGetTimeout($4, $3->data)); }
   | DESCRIBE TIMEOUT Optional_DVS_Port  /* 148 */
       { TRY($$ = getTimeouts($3).release()); }
   | ENABLE SHARED ADDRSET Optional_DVS_Port  /* 149 */
@@ -768,89 +773,89 @@ Cmd_Config:
 
 Cmd_Debug:
     DEBUG STRING NUMBER Optional_DVS_Port  /* 152 */
-      { TRY($$ = debug($4, $2, $3).release()); }
+      { TRY($$ = debug($4, *$2, $3).release()); }
     ;
 
 Single_IP_Address:
     IPV4  /* 153 */
-      { TRY($$ = ipv4Address(PARSE, $1).release()); }
+      { TRY($$ = ipv4Address(parse, *$1).release()); }
   | IPV6  /* 154 */
-      { TRY($$ = ipv6Address(PARSE, $1).release()); }
+      { TRY($$ = ipv6Address(parse, *$1).release()); }
     ;
 
 Single_IP_Port:
     IPV4_PORT  /* 155 */
-      { $$ = ipPort($1); }
+      { $$ = ipPort(*$1); }
     ;
 
 IP_Address:
     Single_IP_Address  /* 156 */
-  | IPV4_CIDR  /* 157 */  { TRY($$ = ipv4Block(PARSE, $1).release()); }
-  | IPV4_MASK  /* 158 */  { TRY($$ = ipv4Block(PARSE, $1).release()); }
-  | IPV4_RANGE  /* 159 */  { TRY($$ = ipv4Range(PARSE, $1).release()); }
-  | IPV6_CIDR  /* 160 */  { TRY($$ = ipv6Block(PARSE, $1).release()); }
-  | IPV6_RANGE  /* 161 */  { TRY($$ = ipv6Range(PARSE, *$1).release()); }
+  | IPV4_CIDR  /* 157 */  { TRY($$ = ipv4Block(parse, *$1).release()); }
+  | IPV4_MASK  /* 158 */  { TRY($$ = ipv4Block(parse, *$1).release()); }
+  | IPV4_RANGE  /* 159 */  { TRY($$ = ipv4Range(parse, $1).release()); }
+  | IPV6_CIDR  /* 160 */  { TRY($$ = ipv6Block(parse, *$1).release()); }
+  | IPV6_RANGE  /* 161 */  { TRY($$ = ipv6Range(parse, *$1).release()); }
     ;
 
 Single_IP_Address_Or_Any:
     Single_IP_Address  /* 162 */
   | ANY  /* 163 */
-      { TRY($$ = PARSE.make<CTarnFWAddressAny>().release()); }
+      { TRY($$ = parse.make<CTarnFWAddressAny>().release()); }
     ;
 
 Single_IP_Or_Any_Port:
     Single_IP_Port  /* 164 */
   | ANY_PORT  /* 165 */
-      { TRY($$ = anyPort($1)); }
+      { TRY($$ = anyPort(*$1)); }
     ;
 
 IP_Address_Or_Any:
     IP_Address  /* 166 */
   | ANY  /* 167 */
-      { TRY($$ = PARSE.make<CTarnFWAddressAny>().release()); }
+      { TRY($$ = parse.make<CTarnFWAddressAny>().release()); }
     ;
 
 IP_List:
     IP_Address  /* 168 */
-      { TRY($$ = appended(PARSE, {}, own($1)).release()); }
+      { TRY($$ = appended(parse, {}, own($1)).release()); }
   | IP_List COMMA IP_Address  /* 169 */
-      { TRY($$ = appended(PARSE, own($1), own($3)).release()); }
+      { TRY($$ = appended(parse, own($1), own($3)).release()); }
     ;
 
 Single_IP_Or_List:
     IP_Address_Or_Any  /* 170 */
-      { TRY($$ = appendedPlain(PARSE, {}, own($1)).release()); }
+      { TRY($$ = appendedPlain(parse, {}, own($1)).release()); }
   | LBRACE IP_List RBRACE  /* 171 */
       { $$ = $2; }
   | LBRACE IP_List COMMA RBRACE  /* 172 */
       { $$ = $2; }
   | LBRACE RBRACE  /* 173 */
-      { TRY($$ = emptyList(PARSE).release()); }
+      { TRY($$ = emptyList(parse).release()); }
     ;
 
 MAC_Address:
     Single_MAC_Address  /* 174 */
   | ETHER_RANGE  /* 175 */
-      { TRY($$ = etherRange(PARSE, $1).release()); }
+      { TRY($$ = etherRange(parse, *$1).release()); }
   | ETHER_MASK  /* 176 */
-      { TRY($$ = etherMask(PARSE, $1).release()); }
+      { TRY($$ = etherMask(parse, *$1).release()); }
     ;
 
 Single_MAC_Address:
     ETHER  /* 177 */
-      { TRY($$ = etherAddress(PARSE, $1).release()); }
+      { TRY($$ = etherAddress(parse, $1).release()); }
     ;
 
 MAC_List:
     MAC_Address  /* 178 */
-      { TRY($$ = appendedPlain(PARSE, {}, own($1)).release()); }
+      { TRY($$ = appendedPlain(parse, {}, own($1)).release()); }
   | MAC_List COMMA MAC_Address  /* 179 */
-      { TRY($$ = appendedPlain(PARSE, own($1), own($3)).release()); }
+      { TRY($$ = appendedPlain(parse, own($1), own($3)).release()); }
     ;
 
 Single_MAC_Or_List:
     MAC_Address  /* 180 */
-      { TRY($$ = appendedPlain(PARSE, {}, own($1)).release()); }
+      { TRY($$ = appendedPlain(parse, {}, own($1)).release()); }
   | LBRACE MAC_List RBRACE  /* 181 */
       { $$ = $2; }
   | LBRACE MAC_List COMMA RBRACE  /* 182 */
@@ -863,19 +868,19 @@ Attribute_Obj:
 
 Single_Attribute_Obj:
     STRING  /* 184 */
-      { TRY($$ = attribute($1).release()); }
+      { TRY($$ = attribute(*$1).release()); }
     ;
 
 Attribute_List:
     Attribute_Obj  /* 185 */
-      { TRY($$ = appendedPlain(PARSE, {}, own($1)).release()); }
+      { TRY($$ = appendedPlain(parse, {}, own($1)).release()); }
   | Attribute_List COMMA Attribute_Obj  /* 186 */
-      { TRY($$ = appendedPlain(PARSE, own($1), own($3)).release()); }
+      { TRY($$ = appendedPlain(parse, own($1), own($3)).release()); }
     ;
 
 Single_Attribute_Or_List:
     Attribute_Obj  /* 187 */
-      { TRY($$ = appendedPlain(PARSE, {}, own($1)).release()); }
+      { TRY($$ = appendedPlain(parse, {}, own($1)).release()); }
   | LBRACE Attribute_List RBRACE  /* 188 */
       { $$ = $2; }
   | LBRACE Attribute_List COMMA RBRACE  /* 189 */
@@ -891,9 +896,9 @@ Optional_Single_Attribute_Or_List:
 
 L7AttrStringValueList:
     STRING  /* 192 */
-      { TRY($$ = withValue({}, $1).release()); }
+      { TRY($$ = withValue({}, *$1).release()); }
   | L7AttrStringValueList COMMA STRING  /* 193 */
-      { TRY($$ = withValue(own($1), $3).release()); }
+      { TRY($$ = withValue(own($1), *$3).release()); }
     ;
 
 L7AttrIntValueList:
@@ -905,9 +910,9 @@ L7AttrIntValueList:
 
 L7AttrUUIDValue:
     STRING UUID STRING  /* 196 */
-      { TRY($$ = namedUuid(PARSE, $1, $3)); }
+      { TRY($$ = namedUuid(parse, *$1, *$3)); }
   | UUID STRING  /* 197 */
-      { TRY($$ = namedUuid(PARSE, {"", 0}, $2)); }
+      { TRY($$ = namedUuid(parse, kNoText, *$2)); }
     ;
 
 L7AttrUUIDValueList:
@@ -919,11 +924,11 @@ L7AttrUUIDValueList:
 
 L7AttributeList:
     LBRACKET STRING COLON L7AttrStringValueList RBRACKET  /* 200 */
-      { TRY($$ = l7Attributes($2, own($4)).release()); }
+      { TRY($$ = l7Attributes(*$2, own($4)).release()); }
   | LBRACKET STRING COLON L7AttrIntValueList RBRACKET  /* 201 */
-      { TRY($$ = l7Attributes($2, own($4)).release()); }
+      { TRY($$ = l7Attributes(*$2, own($4)).release()); }
   | LBRACKET STRING COLON L7AttrUUIDValueList RBRACKET  /* 202 */
-      { TRY($$ = l7Attributes($2, own($4)).release()); }
+      { TRY($$ = l7Attributes(*$2, own($4)).release()); }
     ;
 
 Single_L7Attribute_Or_List:
@@ -936,7 +941,7 @@ Optional_ConnSpec:
     %empty  /* 205 */
       { $$ = nullptr; }
   | Single_IP_Address NUMBER Single_IP_Address NUMBER STRING STRING  /* 206 */
-      { TRY($$ = connectionSpec(PARSE, {own($1), $2}, {own($3), $4}, $5, $6)); }
+      { TRY($$ = connectionSpec(parse, {own($1), $2}, {own($3), $4}, *$5, *$6)); }
     ;
 
 Optional_StateID:
@@ -947,24 +952,24 @@ Optional_StateID:
 
 DVS_Port:
     DVSPORT ID_PORT  /* 209 */
-      { TRY($$ = selectorOfIdPort(PARSE, FW_SELECTOR_DVSPORT, *$2)); }
+      { TRY($$ = selectorOfIdPort(parse, FW_SELECTOR_DVSPORT, *$2)); }
   | DVSPORT STRING  /* 210 */
-      { TRY($$ = selectorOfVnic(PARSE, FW_SELECTOR_DVSPORT, $2)); }
+      { TRY($$ = selectorOfVnic(parse, FW_SELECTOR_DVSPORT, *$2)); }
   | DVSWITCH STRING PORT NUMBER  /* 211 */
-      { TRY($$ = selectorOfSwitch(PARSE, $2, $4)); }
+      { TRY($$ = selectorOfSwitch(parse, *$2, $4)); }
   | VNIC ID_PORT  /* 212 */
-      { TRY($$ = selectorOfIdPort(PARSE, FW_SELECTOR_VNIC, *$2)); }
+      { TRY($$ = selectorOfIdPort(parse, FW_SELECTOR_VNIC, *$2)); }
   | VNIC STRING  /* 213 */
-      { TRY($$ = selectorOfVnic(PARSE, FW_SELECTOR_VNIC, $2)); }
+      { TRY($$ = selectorOfVnic(parse, FW_SELECTOR_VNIC, *$2)); }
   | FILTER STRING  /* 214 */
-      { TRY($$ = selectorOfFilter(PARSE, $2)); }
+      { TRY($$ = selectorOfFilter(parse, *$2)); }
   | VIF STRING  /* 215 */
-      { TRY($$ = selectorOfVif(PARSE, $2)); }
+      { TRY($$ = selectorOfVif(parse, *$2)); }
     ;
 
 Optional_DVS_Port:
     %empty  /* 216 */
-      { TRY($$ = defaultSelector(PARSE)); }
+      { TRY($$ = defaultSelector(parse)); }
   | OF DVS_Port  /* 217 */
       { $$ = $2; }
   | TO DVS_Port  /* 218 */
@@ -973,9 +978,9 @@ Optional_DVS_Port:
 
 Single_Connection:
     FROM Single_IP_Address_Or_Any PORT NUMBER TO Single_IP_Address_Or_Any PORT NUMBER  /* 219 */
-      { TRY($$ = connection(PARSE, {own($2), $4}, {own($6), $8})); }
+      { TRY($$ = connection(parse, {own($2), $4}, {own($6), $8})); }
   | FROM Single_IP_Or_Any_Port TO Single_IP_Or_Any_Port  /* 220 */
-      { TRY($$ = connection(PARSE, $2, $4)); }
+      { TRY($$ = connection(parse, $2, $4)); }
     ;
 
 Connection_List:
@@ -1024,7 +1029,7 @@ Single_Rule:
     RULE NUMBER Rule_Position Rule_Direction Optional_Rule_AF Rule_Protocol Optional_Protocol_Spec
     Src_Addr_Spec Optional_Port_Spec Dst_Addr_Spec Optional_Port_Spec Optional_ExtSrc_Profile_Spec
     Optional_Attribute_Profile_Spec Rule_Action Optional_Rule_Tag  /* 233 */
-    { TRY($$ = buildRule(PARSE, $1, {.id = $2,
+    { TRY($$ = buildRule(parse, $1, {.id = $2,
                                      .position = $3,
                                      .direction = $4,
                                      .af = $5,
@@ -1037,7 +1042,7 @@ Single_Rule:
                                      .extendedSource = own($12),
                                      .attributeProfile = own($13),
                                      .action = own($14),
-                                     .tag = $15}).release()); }
+                                     .tag = *$15}).release()); }
     ;
 
 Optional_Protocol_Spec:
@@ -1066,7 +1071,7 @@ Optional_Rule_AF:
 
 Optional_Rule_Tag:
     %empty  /* 242 */
-      { $$ = {"", 0}; }
+      { $$ = &kNoText; }
   | TAG STRING  /* 243 */
       { $$ = $2; }
     ;
@@ -1075,9 +1080,9 @@ Rule_Protocol:
     PROTOCOL ANY  /* 244 */
       { $$ = {FWProtocolLayer::ip, 0, false, false}; }
   | PROTOCOL STRING  /* 245 */
-      { TRY($$ = protocolOfName(PARSE, $2, false)); }
+      { TRY($$ = protocolOfName(parse, *$2, false)); }
   | NOT PROTOCOL STRING  /* 246 */
-      { TRY($$ = protocolOfName(PARSE, $3, true)); }
+      { TRY($$ = protocolOfName(parse, *$3, true)); }
   | PROTOCOL NUMBER  /* 247 */
       { TRY($$ = protocolOfNumber($2, false)); }
   | NOT PROTOCOL NUMBER  /* 248 */
@@ -1101,19 +1106,19 @@ Dst_Addr_Spec:
     ;
 
 Address_Spec:
-    ANY  /* 254 */  { TRY($$ = PARSE.make<CTarnFWAddressAny>().release()); }
+    ANY  /* 254 */  { TRY($$ = parse.make<CTarnFWAddressAny>().release()); }
   | IP IP_Address  /* 255 */  { $$ = $2; }
   | IP_Address  /* 256 */
   | MAC MAC_Address  /* 257 */  { $$ = $2; }
   | MAC_Address  /* 258 */
-  | ADDRSET STRING  /* 259 */  { TRY($$ = addressSet(PARSE, $2).release()); }
-  | STRING  /* 260 */  { TRY($$ = addressSet(PARSE, $1).release()); }
+  | ADDRSET STRING  /* 259 */  { TRY($$ = addressSet(parse, *$2).release()); }
+  | STRING  /* 260 */  { TRY($$ = addressSet(parse, *$1).release()); }
   | NOT IP IP_Address  /* 261 */  { $$ = negated($3); }
   | NOT IP_Address  /* 262 */  { $$ = negated($2); }
   | NOT MAC MAC_Address  /* 263 */  { $$ = negated($3); }
   | NOT MAC_Address  /* 264 */  { $$ = negated($2); }
-  | NOT ADDRSET STRING  /* 265 */  { TRY($$ = negated(addressSet(PARSE, $3).release())); }
-  | NOT STRING  /* 266 */  { TRY($$ = negated(addressSet(PARSE, $2).release())); }
+  | NOT ADDRSET STRING  /* 265 */  { TRY($$ = negated(addressSet(parse, *$3).release())); }
+  | NOT STRING  /* 266 */  { TRY($$ = negated(addressSet(parse, *$2).release())); }
     ;
 
 Optional_Port_Spec:
@@ -1126,29 +1131,29 @@ Optional_ExtSrc_Profile_Spec:
     %empty  /* 269 */
       { $$ = nullptr; }
   | EXTSRCPROFILE STRING  /* 270 */
-      { TRY($$ = containerID($2).release()); }
+      { TRY($$ = containerID(*$2).release()); }
     ;
 
 Optional_Attribute_Profile_Spec:
     %empty  /* 271 */
       { $$ = nullptr; }
   | ATTRPROFILE STRING  /* 272 */
-      { TRY($$ = containerID($2).release()); }
+      { TRY($$ = containerID(*$2).release()); }
     ;
 
 Single_Port_Spec:
     PORT NUMBER  /* 273 */
-      { TRY($$ = port(PARSE, $2, false).release()); }
+      { TRY($$ = port(parse, $2, false).release()); }
   | PORT NUMBER_RANGE  /* 274 */
-      { TRY($$ = portRange(PARSE, $2, false).release()); }
+      { TRY($$ = portRange(parse, $2, false).release()); }
   | PORT LBRACE L4_Port_List RBRACE  /* 275 */
       { $$ = $3; }
   | PORT LBRACE L4_Port_List COMMA RBRACE  /* 276 */
       { $$ = $3; }
   | NOT PORT NUMBER  /* 277 */
-      { TRY($$ = port(PARSE, $3, true).release()); }
+      { TRY($$ = port(parse, $3, true).release()); }
   | NOT PORT NUMBER_RANGE  /* 278 */
-      { TRY($$ = portRange(PARSE, $3, true).release()); }
+      { TRY($$ = portRange(parse, $3, true).release()); }
   | NOT PORT LBRACE L4_Port_List RBRACE  /* 279 */
       { $$ = $4; $4->setNegated(true); }
   | NOT PORT LBRACE L4_Port_List COMMA RBRACE  /* 280 */
@@ -1157,7 +1162,7 @@ Single_Port_Spec:
 
 Protocol_Spec:
     Single_Proto_Spec  /* 281 */
-      { TRY($$ = withSpec({}, own($1)).release()); }
+      { TRY($$ = withSpec(parse, {}, own($1)).release()); }
   | WITH LBRACE Proto_Spec_List RBRACE  /* 282 */
       { $$ = $3; }
   | WITH LBRACE Proto_Spec_List COMMA RBRACE  /* 283 */
@@ -1166,45 +1171,45 @@ Protocol_Spec:
 
 Proto_Spec_List:
     Single_Proto_Spec  /* 284 */
-      { TRY($$ = withSpec({}, own($1)).release()); }
+      { TRY($$ = withSpec(parse, {}, own($1)).release()); }
   | Proto_Spec_List COMMA Single_Proto_Spec  /* 285 */
-      { TRY($$ = withSpec(own($1), own($3)).release()); }
+      { TRY($$ = withSpec(parse, own($1), own($3)).release()); }
     ;
 
 Single_Proto_Spec:
     STATELESS  /* 286 */
-      { TRY($$ = PARSE.make<CTarnFWProtocolSpecStateless>().release()); }
+      { TRY($$ = parse.make<CTarnFWProtocolSpecStateless>().release()); }
   | STRICT  /* 287 */
-      { TRY($$ = PARSE.make<CTarnFWProtocolSpecStrict>().release()); }
+      { TRY($$ = parse.make<CTarnFWProtocolSpecStrict>().release()); }
   | SLOPPY  /* 288 */
-      { TRY($$ = PARSE.make<CTarnFWProtocolSpecSloppy>().release()); }
+      { TRY($$ = parse.make<CTarnFWProtocolSpecSloppy>().release()); }
   | DSCP STRING  /* 289 */
-      { TRY($$ = dscpOfText(PARSE, $2).release()); }
+      { TRY($$ = dscpOfText(parse, *$2).release()); }
   | DSCP NUMBER  /* 290 */
-      { TRY($$ = dscpOfNumber(PARSE, $2).release()); }
+      { TRY($$ = dscpOfNumber(parse, $2).release()); }
   | FLAG Single_TCP_Flag_Or_List  /* 291 */
-      { TRY($$ = PARSE.make<CTarnFWProtocolSpecTCPFlags>(FW_SPEC_DIR_BOTH, $2, false).release()); }
+      { TRY($$ = parse.make<CTarnFWProtocolSpecTCPFlags>(FW_SPEC_DIR_BOTH, $2, false).release()); }
   | OPTION STRING  /* 292 */
-      { TRY($$ = tcpOptions(PARSE, $2, false).release()); }
+      { TRY($$ = tcpOptions(parse, *$2, false).release()); }
   | ICMPTYPE NUMBER  /* 293 */
-      { TRY($$ = icmpType(PARSE, $2, false).release()); }
+      { TRY($$ = icmpType(parse, $2, false).release()); }
   | TYPECODE NUMBER_RANGE  /* 294 */
-      { TRY($$ = icmpTypeCode(PARSE, $2, false).release()); }
+      { TRY($$ = icmpTypeCode(parse, $2, false).release()); }
   | NOT FLAG Single_TCP_Flag_Or_List  /* 295 */
-      { TRY($$ = PARSE.make<CTarnFWProtocolSpecTCPFlags>(FW_SPEC_DIR_BOTH, $3, true).release()); }
+      { TRY($$ = parse.make<CTarnFWProtocolSpecTCPFlags>(FW_SPEC_DIR_BOTH, $3, true).release()); }
   | NOT OPTION STRING  /* 296 */
-      { TRY($$ = tcpOptions(PARSE, $3, true).release()); }
+      { TRY($$ = tcpOptions(parse, *$3, true).release()); }
   | NOT ICMPTYPE NUMBER  /* 297 */
-      { TRY($$ = icmpType(PARSE, $3, true).release()); }
+      { TRY($$ = icmpType(parse, $3, true).release()); }
   | NOT TYPECODE NUMBER_RANGE  /* 298 */
-      { TRY($$ = icmpTypeCode(PARSE, $3, true).release()); }
+      { TRY($$ = icmpTypeCode(parse, $3, true).release()); }
     ;
 
 L4_Port_List:
     NUMBER  /* 299 */
-      { TRY($$ = withPort(portSet(PARSE), $1).release()); }
+      { TRY($$ = withPort(portSet(parse), $1).release()); }
   | NUMBER_RANGE  /* 300 */
-      { TRY($$ = withPorts(portSet(PARSE), $1).release()); }
+      { TRY($$ = withPorts(portSet(parse), $1).release()); }
   | L4_Port_List COMMA NUMBER  /* 301 */
       { TRY($$ = withPort(own($1), $3).release()); }
   | L4_Port_List COMMA NUMBER_RANGE  /* 302 */
@@ -1301,7 +1306,7 @@ LB_Type:
 
 Key_Policy:
     KEYPOLICY STRING  /* 346 */
-      { TRY($$ = keyPolicy(PARSE, $2)); }
+      { TRY($$ = keyPolicy(parse, *$2)); }
     ;
 
 Pool_Option:
@@ -1327,73 +1332,78 @@ Export_Version:
 
 Single_Rule_Action:
     DROP  /* 354 */
-      { TRY($$ = PARSE.make<CTarnFWRuleActionDrop>().release()); }
+      { TRY($$ = parse.make<CTarnFWRuleActionDrop>().release()); }
   | ACCEPT  /* 355 */
-      { TRY($$ = PARSE.make<CTarnFWRuleActionAccept>().release()); }
+      { TRY($$ = parse.make<CTarnFWRuleActionAccept>().release()); }
   | ENCRYPT Key_Policy  /* 356 */
-      { TRY($$ = PARSE.make<CTarnFWRuleActionEncrypt>($2.data).release()); }
+      { TRY($$ = parse.make<CTarnFWRuleActionEncrypt>($2->data).release()); }
   | CLEAR  /* 357 */
-      { TRY($$ = PARSE.make<CTarnFWRuleActionClear>().release()); }
+      { TRY($$ = parse.make<CTarnFWRuleActionClear>().release()); }
   | REJECT  /* 358 */
-      { TRY($$ = PARSE.make<CTarnFWRuleActionReject>().release()); }
+      { TRY($$ = parse.make<CTarnFWRuleActionReject>().release()); }
   | PUNT  /* 359 */
-      { TRY($$ = PARSE.make<CTarnFWRuleActionPunt>().release()); }
+      { TRY($$ = parse.make<CTarnFWRuleActionPunt>().release()); }
   | PBR Key_Policy  /* 360 */
-      { TRY($$ = PARSE.make<CTarnFWRuleActionPbr>($2.data).release()); }
+      { TRY($$ = parse.make<CTarnFWRuleActionPbr>($2->data).release()); }
   | COPY  /* 361 */
-      { TRY($$ = PARSE.make<CTarnFWRuleActionCopy>().release()); }
+      { TRY($$ = parse.make<CTarnFWRuleActionCopy>().release()); }
   | JUMPTO STRING  /* 362 */
-      { TRY($$ = PARSE.make<CTarnFWRuleActionJumpto>($2.data).release()); }
+      { TRY($$ = parse.make<CTarnFWRuleActionJumpto>($2->data).release()); }
   | DIVERT  /* 363 */
-      { TRY($$ = PARSE.make<CTarnFWRuleActionDivert>().release()); }
+      { TRY($$ = parse.make<CTarnFWRuleActionDivert>().release()); }
   | MACREWRITE ETHER  /* 364 */
-      { TRY($$ = macRewrite(PARSE, $2).release()); }
+      { TRY($$ = macRewrite(parse, $2).release()); }
   | SNAT ADDRSET STRING  /* 365 */
-      { TRY($$ = snat(PARSE, addressSet(PARSE, $3)).release()); }
+      { TRY($$ = snat(parse, addressSet(parse, *$3)).release()); }
   | SNAT IP IP_Address  /* 366 */
-      { TRY($$ = snat(PARSE, own($3)).release()); }
+      { TRY($$ = snat(parse, own($3)).release()); }
   | DNAT ADDRSET STRING PORT NUMBER  /* 367 */
-      { TRY($$ = dnatToPort(PARSE, addressSet(PARSE, $3), $5).release()); }
+      { TRY($$ = dnatToPort(parse, addressSet(parse, *$3), $5).release()); }
   | DNAT ADDRSET STRING PORT NUMBER_RANGE POOLOPT Pool_Option Optional_Persist_Timeout  /* 368 */
-      { TRY($$ = dnatToPoolPorts(PARSE, addressSet(PARSE, $3), $5, $7, $8).release()); }
+      { TRY($$ = dnatToPoolPorts(parse, addressSet(parse, *$3), $5, $7, $8).release()); }
   | DNAT ADDRSET STRING PORT NUMBER_RANGE  /* 369 */
-      { TRY($$ = dnatToPorts(PARSE, addressSet(PARSE, $3), $5).release()); }
+      { TRY($$ = dnatToPorts(parse, addressSet(parse, *$3), $5).release()); }
   | DNAT ADDRSET STRING POOLOPT Pool_Option Optional_Persist_Timeout  /* 370 */
-      { TRY($$ = dnatToPool(PARSE, addressSet(PARSE, $3), $5, $6).release()); }
+      { TRY($$ = dnatToPool(parse, addressSet(parse, *$3), $5, $6).release()); }
   | DNAT ADDRSET STRING  /* 371 */
-      { TRY($$ = dnat(PARSE, addressSet(PARSE, $3)).release()); }
+      { TRY($$ = dnat(parse, addressSet(parse, *$3)).release()); }
   | DNAT IP IP_Address PORT NUMBER_RANGE  /* 372 */
-      { TRY($$ = dnatToPorts(PARSE, own($3), $5).release()); }
+      { TRY($$ = dnatToPorts(parse, own($3), $5).release()); }
   | DNAT IP IP_Address PORT NUMBER  /* 373 */
-      { TRY($$ = dnatToPort(PARSE, own($3), $5).release()); }
+      { TRY($$ = dnatToPort(parse, own($3), $5).release()); }
   | DNAT IP IP_Address  /* 374 */
-      { TRY($$ = dnat(PARSE, own($3)).release()); }
+      { TRY($$ = dnat(parse, own($3)).release()); }
   | LB LBTYPE LB_Type  /* 375 */
-      { TRY($$ = loadBalancing(PARSE, $3, 0, 0, nullptr).release()); }
+      { TRY($$ = loadBalancing(parse, $3, 0, 0, nullptr).release()); }
   | LB LBTYPE LB_Type LBIDLETIMEOUT NUMBER  /* 376 */
-      { TRY($$ = loadBalancing(PARSE, $3, $5, 0, nullptr).release()); }
+      { TRY($$ = loadBalancing(parse, $3, $5, 0, nullptr).release()); }
   | LB LBTYPE LB_Type LBCLOSETIMEOUT NUMBER  /* 377 */
-      { TRY($$ = loadBalancing(PARSE, $3, 0, $5, nullptr).release()); }
+      { TRY($$ = loadBalancing(parse, $3, 0, $5, nullptr).release()); }
   | LB LBTYPE LB_Type LBIDLETIMEOUT NUMBER LBCLOSETIMEOUT NUMBER  /* 378 */
-      { TRY($$ = loadBalancing(PARSE, $3, $5, $7, nullptr).release()); }
+      { TRY($$ = loadBalancing(parse, $3, $5, $7, nullptr).release()); }
   | LB LBTYPE LB_Type LBIDLETIMEOUT NUMBER LBOPTIONS STRING  /* 379 */
-      { TRY($$ = loadBalancing(PARSE, $3, $5, 0, $7.data).release()); }
+      { TRY($$ = loadBalancing(parse, $3, $5, 0, $7->data).release()); }
   | LB LBTYPE LB_Type LBCLOSETIMEOUT NUMBER LBOPTIONS STRING  /* 380 */
-      { TRY($$ = loadBalancing(PARSE, $3, 0, $5, $7.data).release()); }
+      { TRY($$ = loadBalancing(parse, $3, 0, $5, $7->data).release()); }
   | LB LBTYPE LB_Type LBIDLETIMEOUT NUMBER LBCLOSETIMEOUT NUMBER LBOPTIONS STRING  /* 381 */
-      { TRY($$ = loadBalancing(PARSE, $3, $5, $7, $9.data).release()); }
+      { TRY($$ = loadBalancing(parse, $3, $5, $7, $9->data).release()); }
   | LB LBTYPE LB_Type LBOPTIONS STRING  /* 382 */
-      { TRY($$ = loadBalancing(PARSE, $3, 0, 0, $5.data).release()); }
+      { TRY($$ = loadBalancing(parse, $3, 0, 0, $5->data).release()); }
     ;
 
 Optional_Save_to:
     %empty  /* 383 */
-      { $$ = {"", 0}; }
+      { $$ = &kNoText; }
   | SAVE TO STRING  /* 384 */
       { $$ = $3; }
     ;
 
 %%
+
+int yyparse(FWStatus_t* status, void* scanner, const char* filename, CTarnFWCmdList** cmdList,
+            CTarnFWCmdConfig** cmdConfig) {
+  return yyparse({status, scanner, filename, cmdList, cmdConfig});
+}
 
 void yyerror(YYLTYPE*, FWStatus_t* status, void* scanner, const char* filename,
              CTarnFWCmdList** cmdList, CTarnFWCmdConfig** cmdConfig,

@@ -5,20 +5,21 @@
 #include "TarnFWParserArena.h"
 
 using TarnFirewall::CTarnFWParserArena;
+using TarnFirewall::FWParserText;
 
 TEST(TarnFWParserArena, KeepsTextsWhereTheyAreWhileItGrows) {
   CTarnFWParserArena arena;
-  const char* first = arena.copy("first", 5);
+  const FWParserText* first = arena.copy("first", 5);
   const std::string filler(255, 'x');
   for (int i = 0; i < 1000; ++i) ASSERT_NE(arena.copy(filler.data(), filler.size()), nullptr);
-  EXPECT_STREQ(first, "first");
+  EXPECT_STREQ(first->data, "first");
 }
 
 TEST(TarnFWParserArena, ReleasesToAMarkInAnEarlierBlockAndUsesTheRoomAgain) {
   CTarnFWParserArena arena;
   arena.copy("kept", 4);
   const auto mark = arena.mark();
-  const char* after = arena.copy("a", 1);
+  const FWParserText* after = arena.copy("a", 1);
   const std::string filler(255, 'x');
   for (int i = 0; i < 100; ++i) arena.copy(filler.data(), filler.size());
   arena.release(mark);
@@ -28,7 +29,7 @@ TEST(TarnFWParserArena, ReleasesToAMarkInAnEarlierBlockAndUsesTheRoomAgain) {
 TEST(TarnFWParserArena, TheZeroMarkEmptiesIt) {
   CTarnFWParserArena arena;
   arena.release({});
-  const char* first = arena.copy("first", 5);
+  const FWParserText* first = arena.copy("first", 5);
   const std::string filler(255, 'x');
   for (int i = 0; i < 100; ++i) arena.copy(filler.data(), filler.size());
   arena.release({});
@@ -37,15 +38,15 @@ TEST(TarnFWParserArena, TheZeroMarkEmptiesIt) {
 
 TEST(TarnFWParserArena, ReleaseLastFreesOnlyWhatNothingStandsBehind) {
   CTarnFWParserArena arena;
-  const char* first = arena.copy("first", 5);
-  const char* second = arena.copy("second", 6);
-  arena.releaseLast(first, 5);
-  EXPECT_STREQ(second, "second");
-  const char* third = arena.copy("third", 5);
+  const FWParserText* first = arena.copy("first", 5);
+  const FWParserText* second = arena.copy("second", 6);
+  arena.releaseLast(*first);
+  EXPECT_STREQ(second->data, "second");
+  const FWParserText* third = arena.copy("third", 5);
   EXPECT_GT(third, second);
-  arena.releaseLast(third, 5);
-  arena.releaseLast(second, 6);
-  arena.releaseLast(first, 5);
+  arena.releaseLast(*third);
+  arena.releaseLast(*second);
+  arena.releaseLast(*first);
   EXPECT_EQ(arena.copy("fourth", 6), first);
 }
 

@@ -41,8 +41,8 @@ std::string addressText(int family, const void* address) {
 /// A token as "NAME(value)"; keywords and punctuation as "#code".
 std::string tokenText(int token, const YYSTYPE& value) {
   const auto text = [&](const char* name) {
-    EXPECT_EQ(std::strlen(value.text.data), value.text.length);
-    return std::string(name) + "(" + value.text.data + ")";
+    EXPECT_EQ(std::strlen(value.text->data), value.text->length);
+    return std::string(name) + "(" + value.text->data + ")";
   };
   switch (token) {
     case TK_STRING:
@@ -74,11 +74,11 @@ std::string tokenText(int token, const YYSTYPE& value) {
     case TK_ETHER:
       return "ETHER(" + etherText(value.ether) + ")";
     case TK_ETHER_RANGE:
-      return "ETHER_RANGE(" + etherText(value.etherPair.first) + " " +
-             etherText(value.etherPair.second) + ")";
+      return "ETHER_RANGE(" + etherText(value.etherPair->first) + " " +
+             etherText(value.etherPair->second) + ")";
     case TK_ETHER_MASK:
-      return "ETHER_MASK(" + etherText(value.etherPair.first) + " " +
-             etherText(value.etherPair.second) + ")";
+      return "ETHER_MASK(" + etherText(value.etherPair->first) + " " +
+             etherText(value.etherPair->second) + ")";
     case TK_ID_PORT:
       return formatText("ID_PORT(%s %u)", value.idPort->text, value.idPort->port);
     default:
@@ -666,8 +666,8 @@ TEST(TarnFWScanner, KeepsTheStateOfTwoScansApart) {
   first.next();
   second.next();
   first.next();
-  EXPECT_STREQ(first.value.text.data, "b");
-  EXPECT_STREQ(second.value.text.data, "c");
+  EXPECT_STREQ(first.value.text->data, "b");
+  EXPECT_STREQ(second.value.text->data, "c");
   EXPECT_EQ(first.line(), 2);
   EXPECT_EQ(second.line(), 1);
 }
@@ -678,7 +678,7 @@ TEST(TarnFWScanner, GivesTheKeywordRuleThePlaceWhereItsTextsBegin) {
   scan.next();
   const auto mark = scan.value.mark;
   scan.next();
-  const char* text = scan.value.text.data;
+  const FWParserText* text = scan.value.text;
   scan.extra.arena.release(mark);
   EXPECT_EQ(scan.extra.arena.copy("c", 1), text);
 }
