@@ -7,13 +7,13 @@
 /// whatever is wrong with it; white space in front of an address is skipped and what follows an
 /// address after white space is not looked at.
 
-#include <charconv>
 #include <cstring>
 #include <string>
 #include <string_view>
 
 #include "TarnFWAddressIPFamily.h"
 #include "TarnFWAddressRecord.h"
+#include "TarnFWText.h"
 #include "TarnFWUtil.h"
 
 namespace TarnFirewall {
@@ -44,24 +44,13 @@ class CTarnFWAddressIP : public CTarnFWAddressRecord {
     std::memcpy(to, &address, sizeof address);
   }
 
-  /// Text of an address while it is put together, so that it is appended in one piece.
-  class Text {
+  /// Text of at most two addresses, which have room for a mark each.
+  class Text : public CTarnFWShortText<3 + 2 * Family::maxText> {
    public:
-    Text() : end_(form_) {
-      for (const char c : {'i', 'p', ' '}) add(c);
+    Text() { this->add("ip "); }
+    void addAddress(const Address& address) {
+      this->addBy([&](char* to) { return Family::writeAddress(to, address); });
     }
-    void add(char mark) { *end_++ = mark; }
-    void add(unsigned char prefix) {
-      end_ = std::to_chars(end_, form_ + sizeof form_, static_cast<unsigned int>(prefix)).ptr;
-    }
-    void add(const Address& address) { end_ = Family::writeAddress(end_, address); }
-    void appendTo(std::string& text) const {
-      text.append(form_, static_cast<std::size_t>(end_ - form_));
-    }
-
-   private:
-    char form_[3 + 2 * Family::maxText];  // two addresses, which have room for a mark each
-    char* end_;
   };
 
   static std::string_view whole(const char* text) { return text == nullptr ? "" : text; }
@@ -94,7 +83,7 @@ class CTarnFWAddressIPSingle : public CTarnFWAddressIP<Family> {
  private:
   void appendValue(std::string& text) const final {
     typename Base::Text form;
-    form.add(address_);
+    form.addAddress(address_);
     form.appendTo(text);
   }
   void storeValue(typename Base::ValueArea value) const final {
@@ -151,9 +140,9 @@ class CTarnFWAddressIPRange : public CTarnFWAddressIP<Family> {
 
   void appendValue(std::string& text) const final {
     typename Base::Text form;
-    form.add(first_);
+    form.addAddress(first_);
     form.add('-');
-    form.add(last_);
+    form.addAddress(last_);
     form.appendTo(text);
   }
   void storeValue(typename Base::ValueArea value) const final {
@@ -229,9 +218,9 @@ class CTarnFWAddressIPCIDR : public CTarnFWAddressIP<Family> {
 
   void appendValue(std::string& text) const final {
     typename Base::Text form;
-    form.add(address_);
+    form.addAddress(address_);
     form.add('/');
-    form.add(prefix_);
+    form.addDecimal(prefix_);
     form.appendTo(text);
   }
   void storeValue(typename Base::ValueArea value) const final {

@@ -17,6 +17,27 @@ std::array<net32, 4> words(const in6_addr& address) {
   return loadRecord<std::array<net32, 4>>(&address);
 }
 
+/// An octet in decimal, without a NUL.
+struct OctetText {
+  char digits[3];
+  std::uint8_t length;
+};
+
+constexpr OctetText octetText(unsigned int octet) {
+  OctetText text{};
+  for (unsigned int unit = 100; unit != 0; unit /= 10) {
+    if (octet >= unit || unit == 1)
+      text.digits[text.length++] = static_cast<char>('0' + octet / unit % 10);
+  }
+  return text;
+}
+
+constexpr auto kOctets = [] {
+  std::array<OctetText, 256> texts{};
+  for (unsigned int octet = 0; octet < texts.size(); ++octet) texts[octet] = octetText(octet);
+  return texts;
+}();
+
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 /// A prefix length by the parser of the family. One or two digits, which is what most are, are read
@@ -41,10 +62,10 @@ bool readPrefix(std::string_view text, long most, bool (*parse)(const char*, lon
 
 char* IPv4Family::writeAddress(char* to, const Address& address) {
   // By hand, since inet_ntop costs more than all the rest of a rule's text.
-  for (const unsigned int byte : loadRecord<std::array<std::uint8_t, 4>>(&address)) {
-    if (byte >= 100) *to++ = static_cast<char>('0' + byte / 100);
-    if (byte >= 10) *to++ = static_cast<char>('0' + byte / 10 % 10);
-    *to++ = static_cast<char>('0' + byte % 10);
+  for (const std::uint8_t byte : loadRecord<std::array<std::uint8_t, 4>>(&address)) {
+    const OctetText& octet = kOctets[byte];
+    std::memcpy(to, &octet, sizeof octet);  // whole, so that it is one store
+    to += octet.length;
     *to++ = '.';
   }
   return to - 1;

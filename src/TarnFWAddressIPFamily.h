@@ -26,8 +26,8 @@ struct IPv4Family {
 
   static constexpr std::size_t maxText = INET_ADDRSTRLEN;
 
-  /// Writes the text of an address as `inet_ntop` has it, at most `maxText` bytes. The result is
-  /// the place after it.
+  /// Writes the text of an address as `inet_ntop` has it. The result is the place after it; all
+  /// `maxText` bytes may be written.
   static char* writeAddress(char* to, const Address& address);
 
   static bool prefix2mask(unsigned int prefix, Address* mask) {

@@ -25,18 +25,14 @@ struct BareName {
   char text[64];
 };
 
-bool traced() { return verboseLevel(FW_COMPONENT_API) > 0; }
-
 }  // namespace
 
-void traceEntry(const FWCallPlace& place) {
-  if (!traced()) return;
+void logEntry(const FWCallPlace& place) {
   Logger(LOG_DEBUG, "tarnfw:%s %s:%s():%d %s.\n", g_tarnfw_verbose[FW_COMPONENT_API].name,
          BareName(place.file).text, place.function, place.line, place.function);
 }
 
-void traceExit(const FWCallPlace& place, FWStatus_t status) {
-  if (!traced()) return;
+void logExit(const FWCallPlace& place, FWStatus_t status) {
   Logger(LOG_DEBUG, "tarnfw:%s %s:%s():%d %s: %s\n", g_tarnfw_verbose[FW_COMPONENT_API].name,
          BareName(place.file).text, place.function, place.line, place.function, statusText(status));
 }

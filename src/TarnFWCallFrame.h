@@ -8,6 +8,7 @@
 
 #include <utility>
 
+#include "TarnFWLog.h"
 #include "TarnFWTypes.h"
 
 namespace TarnFirewall {
@@ -19,8 +20,15 @@ struct FWCallPlace {
   int line;
 };
 
-void traceEntry(const FWCallPlace& place);
-void traceExit(const FWCallPlace& place, FWStatus_t status);
+void logEntry(const FWCallPlace& place);
+void logExit(const FWCallPlace& place, FWStatus_t status);
+
+inline void traceEntry(const FWCallPlace& place) {
+  if (verboseLevel(FW_COMPONENT_API) > 0) logEntry(place);
+}
+inline void traceExit(const FWCallPlace& place, FWStatus_t status) {
+  if (verboseLevel(FW_COMPONENT_API) > 0) logExit(place, status);
+}
 
 /// Status of the exception that is being handled, after its warning line. `named` puts the
 /// function's name in front of the text, where the line of an internal error always has it.

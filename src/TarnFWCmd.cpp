@@ -54,8 +54,8 @@ class Buffer {
 
 }  // namespace
 
-CTarnFWCmd::CTarnFWCmd(const dvs_port_* port) {
-  if (port != nullptr) initialPort_ = *port;
+CTarnFWCmd::CTarnFWCmd(const dvs_port_* port)
+    : port_(port != nullptr ? *port : dvs_port_{}), initialPort_(port_) {
   if (selectorType(initialPort_) != FW_SELECTOR_NONE) {
     TARNFW_TRACE(FW_COMPONENT_CMD, 0, "cmd initial dvsport: [type %d, %.64s:%d]\n",
                  selectorType(initialPort_), initialPort_.identifier,
@@ -63,7 +63,6 @@ CTarnFWCmd::CTarnFWCmd(const dvs_port_* port) {
   } else {
     TARNFW_TRACE(FW_COMPONENT_CMD, 0, "cmd initial dvsport: none\n");
   }
-  setDVSPort(port, true);
 }
 
 bool CTarnFWCmd::setDVSPort(const dvs_port_* port, bool force) {

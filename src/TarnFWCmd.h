@@ -69,8 +69,8 @@ class CTarnFWCmd : public ITarnFWObject {
   std::string dvsportToString(const char* prefix) const;
 
  private:
-  dvs_port_ port_{};
-  dvs_port_ initialPort_{};
+  dvs_port_ port_;
+  dvs_port_ initialPort_;
   bool fresh_ = false;  // the buffer of the message that is being written is zero
 };
 

@@ -100,6 +100,7 @@ class CTarnFWPrinted : public Base {
   virtual void print(const CTarnFWCmdReply& reply, const PrettyPrinting& out) const = 0;
 
   void show(const CTarnFWCmdReply& reply) const final {
+    if (!hasPrinter()) return;
     if (const PrettyPrinting out; out) print(reply, out);
   }
 };

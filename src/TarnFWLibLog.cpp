@@ -157,7 +157,7 @@ void FW_SetLibVerboseLevel(unsigned int component, unsigned int level) {
 void FW_SetLibPrettyPrinting(FWPrettyPrinting_t function, void* context) {
   try {
     const Locks::Guard lock(g_tarnfw_pretty_printing_mutex);
-    g_tarnfw_pretty_printing = function;
+    std::atomic_ref(g_tarnfw_pretty_printing).store(function, std::memory_order_relaxed);
     g_tarnfw_pretty_printing_context = context;
   } catch (...) {
     TARNFW_WARNING("%s: encountered internal error\n", __func__);

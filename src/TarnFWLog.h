@@ -96,9 +96,15 @@ void Logger(int priority, const char* format, ...) __attribute__((format(printf,
 void vLogger(int priority, const char* format, va_list arguments)
     __attribute__((format(printf, 2, 0)));
 
+/// Written under the lock; anyone may ask whether there is a printer.
 extern FWPrettyPrinting_t g_tarnfw_pretty_printing;
 extern void* g_tarnfw_pretty_printing_context;
 extern Locks::StaticMutex g_tarnfw_pretty_printing_mutex;
+
+/// Whether a printer is registered, without a lock: a command that has one takes the lock then.
+inline bool hasPrinter() {
+  return std::atomic_ref(g_tarnfw_pretty_printing).load(std::memory_order_relaxed) != nullptr;
+}
 
 /// Holds the printing mutex for the whole of one command's output.
 ///

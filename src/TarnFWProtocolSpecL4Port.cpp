@@ -20,9 +20,11 @@ CTarnFWProtocolSpecL4Port::CTarnFWProtocolSpecL4Port(unsigned char dir, const ch
     : CTarnFWProtocolSpec(dir, false), port_(portFromText(text)) {}
 
 void CTarnFWProtocolSpecL4Port::appendTo(std::string& text) const {
-  appendNegation(text);
-  text += "port ";
-  appendDecimal(text, port_);
+  CTarnFWShortText<sizeof "not port 65535"> port;
+  if (isNegated()) port.add("not ");
+  port.add("port ");
+  port.addDecimal(port_);
+  port.appendTo(text);
 }
 
 bool CTarnFWProtocolSpecL4Port::toMessage(void* buffer, unsigned int size, unsigned int* written) {

@@ -41,7 +41,7 @@ FWRuleParts& checkAll(FWRuleParts& parts) {
   return parts;
 }
 
-const char* directionText(FWRuleDirection_t direction) {
+std::string_view directionText(FWRuleDirection_t direction) {
   switch (direction) {
     case FW_DIRECTION_IN:
       return " in";
@@ -165,18 +165,24 @@ void CTarnFWRule::setTCPStrict(bool on) {
   }
 }
 
-void CTarnFWRule::appendTo(std::string& text) const {
-  if (parts_.internal) text += "# internal # ";
-  text += "rule ";
-  appendDecimal(text, static_cast<std::int32_t>(parts_.id));  // signed: scripts expect that
+void CTarnFWRule::appendHead(std::string& text) const {
+  CTarnFWShortText<sizeof "# internal # rule -2147483648 at -2147483648 inout inet6 "> head;
+  if (parts_.internal) head.add("# internal # ");
+  head.add("rule ");
+  head.addDecimal(static_cast<std::int32_t>(parts_.id));  // signed: scripts expect that
   if (parts_.position != -1) {
-    text += " at ";
-    appendDecimal(text, parts_.position);
+    head.add(" at ");
+    head.addDecimal(parts_.position);
   }
-  text += directionText(parts_.direction);
-  if (parts_.af == FW_AF_INET) text += " inet";
-  if (parts_.af == FW_AF_INET6) text += " inet6";
-  text += ' ';
+  head.add(directionText(parts_.direction));
+  if (parts_.af == FW_AF_INET) head.add(" inet");
+  if (parts_.af == FW_AF_INET6) head.add(" inet6");
+  head.add(' ');
+  head.appendTo(text);
+}
+
+void CTarnFWRule::appendTo(std::string& text) const {
+  appendHead(text);
   protocol().appendTo(text);
   appendSpecs(text, parts_.connection);
   text += " from ";

@@ -78,6 +78,8 @@ class CTarnFWRule : public ITarnFWObject {
   /// Checks the parts and makes them a rule's.
   void accept();
   void begin();
+  /// Appends what stands in front of the protocol.
+  void appendHead(std::string& text) const;
   bool encode(FWRule_& record);
   void keepWritten();
 

@@ -65,6 +65,12 @@ void readParts(const FWRule_& record, FWRuleParts& parts, CTarnFWLoadMemory* mem
     setTag(parts, std::string(record.tag, fieldLength(record.tag, sizeof record.tag)));
 }
 
+/// Whether an end has a spec that is no port. Without one the rule's own checks find all that these
+/// here do, in the same order.
+bool hasOtherSpec(const CTarnFWProtocolSpecList& ports) {
+  return (ports.getKinds() & ~kPortKinds) != 0;
+}
+
 CTarnFWRuleAction& requireActionOf(const FWRuleParts& parts) {
   if (!parts.action) throw CUnsupportedException("no action is defined");
   return *parts.action;
@@ -281,7 +287,7 @@ std::unique_ptr<CTarnFWRule> CTarnFWRuleBuilder::buildRule(const FWRule_& record
       FWRuleParts parts;
       readParts(record, parts, memory);
       read = true;
-      check(parts);
+      if (hasOtherSpec(parts.sourcePorts) || hasOtherSpec(parts.destinationPorts)) check(parts);
       return parts;
     });
   } catch (const CTarnFWException& e) {

@@ -45,17 +45,11 @@ bool isDefaultRule(const FWRule_& record) {
 
 // ---- reading
 
-std::unique_ptr<CTarnFWProtocolSpec> readPorts(const FWPortBlock_& block,
-                                               CTarnFWLoadMemory* memory) {
-  return CTarnFWProtocolSpecFactory::newFromMsgBuf(&block, sizeof block, memory);
-}
-
-/// The spec whose header stands at this offset of the record, with `size` bytes for both.
-std::unique_ptr<CTarnFWProtocolSpec> readSpec(const FWRule_& record, std::size_t offset,
-                                              std::size_t size, CTarnFWLoadMemory* memory) {
-  const auto* const bytes = reinterpret_cast<const std::uint8_t*>(&record);
-  return CTarnFWProtocolSpecFactory::newFromMsgBuf(bytes + offset, static_cast<unsigned int>(size),
-                                                   memory);
+/// The spec whose header stands here, with `size` bytes for both. Most places have none.
+std::unique_ptr<CTarnFWProtocolSpec> readSpec(const void* place, std::size_t size,
+                                              CTarnFWLoadMemory* memory) {
+  if (loadRecord<FWSpecHeader_>(place).kind() == FW_SPEC_NONE) return nullptr;
+  return CTarnFWProtocolSpecFactory::newFromMsgBuf(place, static_cast<unsigned int>(size), memory);
 }
 
 void addSpec(FWRuleParts& parts, std::unique_ptr<CTarnFWProtocolSpec> spec) {
@@ -69,13 +63,14 @@ void readSession(const FWRule_& record, FWRuleParts& parts, CTarnFWLoadMemory* m
   if ((bits & kSessionStateless) != 0) addSpec(parts, makeIn<CTarnFWProtocolSpecStateless>(memory));
   if ((bits & kSessionSloppy) != 0) addSpec(parts, makeIn<CTarnFWProtocolSpecSloppy>(memory));
   if ((bits & kSessionStrict) != 0) addSpec(parts, makeIn<CTarnFWProtocolSpecStrict>(memory));
-  addSpec(parts, readSpec(record, offsetof(FWRule_, session) + flags, sizeof record.session - flags,
-                          memory));
+  const auto* const session =
+      reinterpret_cast<const std::uint8_t*>(&record) + offsetof(FWRule_, session);
+  addSpec(parts, readSpec(session + flags, sizeof record.session - flags, memory));
   // The writer puts the header of TCP options in front of their field; here the length word with
   // which the field begins is taken for the header, and the body reaches into the tag. Programs
   // that list rules depend on what the rules of the kernel have been read as from the start.
-  addSpec(parts, readSpec(record, offsetof(FWRule_, session) + options,
-                          sizeof(FWSpecHeader_) + sizeof record.session.options, memory));
+  addSpec(parts, readSpec(session + options, sizeof(FWSpecHeader_) + sizeof record.session.options,
+                          memory));
 }
 
 /// Container ids of a record are taken as they stand.
@@ -147,8 +142,9 @@ void readRuleRecord(const FWRule_& record, FWRuleParts& parts, CTarnFWLoadMemory
     parts.source = CTarnFWAddressFactory::newFromMsgBuf(&record.source, memory);
   if ((flags & kRuleHasDestination) != 0)
     parts.destination = CTarnFWAddressFactory::newFromMsgBuf(&record.destination, memory);
-  parts.sourcePorts.setSpec(readPorts(record.sourcePorts, memory));
-  parts.destinationPorts.setSpec(readPorts(record.destinationPorts, memory));
+  parts.sourcePorts.setSpec(readSpec(&record.sourcePorts, sizeof record.sourcePorts, memory));
+  parts.destinationPorts.setSpec(
+      readSpec(&record.destinationPorts, sizeof record.destinationPorts, memory));
   readSession(record, parts, memory);
   parts.action = CTarnFWRuleActionFactory::newFromMsgBuf(&record.action, memory);
   const unsigned int mode = record.profileMode;

@@ -3,7 +3,9 @@
 #include <charconv>
 #include <concepts>
 #include <cstddef>
+#include <cstring>
 #include <string>
+#include <string_view>
 
 namespace TarnFirewall {
 
@@ -31,5 +33,33 @@ void appendHex(std::string& text, T value, unsigned int width = 1) {
   if (length < width) text.append(width - length, '0');
   text.append(digits, length);
 }
+
+/// A short text while it is put together in place, so that a string takes it in one piece. Whoever
+/// uses it knows the longest forms of its pieces: together they have `Room` characters at most.
+template <std::size_t Room>
+class CTarnFWShortText {
+ public:
+  void add(char mark) { *end_++ = mark; }
+  void add(std::string_view word) {
+    std::memcpy(end_, word.data(), word.size());
+    end_ += word.size();
+  }
+  template <std::integral T>
+  void addDecimal(T value) {
+    end_ = std::to_chars(end_, text_ + Room, value).ptr;
+  }
+  /// What `write` writes at the place that it is given; its result is the place after it.
+  template <std::invocable<char*> Write>
+  void addBy(Write write) {
+    end_ = write(end_);
+  }
+  void appendTo(std::string& text) const {
+    text.append(text_, static_cast<std::size_t>(end_ - text_));
+  }
+
+ private:
+  char text_[Room];
+  char* end_ = text_;
+};
 
 }  // namespace TarnFirewall

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <stdexcept>
 #include <vector>
 
@@ -93,4 +94,29 @@ TEST(TarnFWLoadMemory, LivesAsLongAsTheCommandsOfItsLoad) {
   }
   EXPECT_EQ(living, 1);
   EXPECT_EQ(list.toString(), "create addrset a with {ip 10.0.0.1, counted};\n");
+}
+
+TEST(TarnFWLoadMemory, BeginsInTheBytesThatItIsGivenAndGoesOnWhenTheyAreFull) {
+  int living = 0;
+  {
+    alignas(Counted) std::byte first[2 * sizeof(Counted)];
+    CTarnFWLoadMemory memory(first);
+    std::vector<std::unique_ptr<Counted>> objects;
+    for (int i = 0; i < 100; ++i) objects.push_back(makeIn<Counted>(&memory, &living));
+#ifndef TARNFW_SANITIZED
+    EXPECT_EQ(static_cast<void*>(objects[0].get()), static_cast<void*>(first));
+    EXPECT_EQ(static_cast<void*>(objects[1].get()), static_cast<void*>(first + sizeof(Counted)));
+#endif
+    for (const auto& object : objects) EXPECT_EQ(object->toString(), "counted");
+    EXPECT_EQ(living, 100);
+  }
+  EXPECT_EQ(living, 0);
+}
+
+TEST(TarnFWLoadMemory, WithoutAMemoryAnObjectHasItsOwn) {
+  int living = 0;
+  std::unique_ptr<CTarnFWAddress> object = makeIn<Counted>(nullptr, &living);
+  EXPECT_EQ(living, 1);
+  object.reset();
+  EXPECT_EQ(living, 0);
 }

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <limits>
+#include <string_view>
 
 #include "TarnFWText.h"
 
@@ -48,4 +49,25 @@ TEST(Text, AppendsHexadecimalNumbersFilledToTheWidth) {
   EXPECT_EQ(hex(std::uint16_t{0xabcd}, 2), "<abcd>");
   EXPECT_EQ(hex(0u, 1), "<0>");
   EXPECT_EQ(hex(std::numeric_limits<std::uint64_t>::max(), 16), "<ffffffffffffffff>");
+}
+
+TEST(Text, AShortTextIsAppendedInOnePieceAndMayFillItsRoom) {
+  CTarnFWShortText<sizeof "not port 65535-x" - 1> pieces;
+  pieces.add("not ");
+  pieces.add(std::string_view("port "));
+  pieces.addDecimal(std::uint16_t{65535});
+  pieces.add('-');
+  pieces.addBy([](char* to) {
+    *to = 'x';
+    return to + 1;
+  });
+  std::string text = "from any ";
+  pieces.appendTo(text);
+  EXPECT_EQ(text, "from any not port 65535-x");
+  CTarnFWShortText<11> number;
+  number.addDecimal(std::numeric_limits<std::int32_t>::min());
+  number.appendTo(text);
+  EXPECT_EQ(text, "from any not port 65535-x-2147483648");
+  CTarnFWShortText<1>().appendTo(text);
+  EXPECT_EQ(text, "from any not port 65535-x-2147483648");
 }
