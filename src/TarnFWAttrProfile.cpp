@@ -31,7 +31,7 @@ std::string CTarnFWAttrProfile::toString() const {
   std::string text = getName() + " with {\n";
   const CTarnFWL7Attribute* former = nullptr;
   for (const auto& element : elements()) {
-    const auto* const attribute = static_cast<const CTarnFWL7Attribute*>(element.get());
+    const auto* const attribute = static_cast<const CTarnFWL7Attribute*>(element.element);
     if (former == nullptr || former->getKeyID() != attribute->getKeyID()) {
       if (former != nullptr) text += "],\n";
       text += "[ ";

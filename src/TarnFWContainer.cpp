@@ -14,6 +14,17 @@ namespace {
 
 constexpr unsigned int kHead = sizeof(FWtlvChain);
 
+/// How far ahead of its turn an element is fetched.
+constexpr std::size_t kAhead = 8;
+
+/// Has the processor fetch an element from memory, with its text, which was allocated after it.
+void fetch(const CTarnFWContainerElement* element) {
+  constexpr std::size_t kLine = 64;
+  constexpr std::size_t kLines = 4;
+  const auto* const bytes = reinterpret_cast<const std::byte*>(element);
+  for (std::size_t line = 0; line < kLines; ++line) __builtin_prefetch(bytes + kLine * line);
+}
+
 }  // namespace
 
 CTarnFWContainer::CTarnFWContainer(const std::string& name, FWContainerType type)
@@ -85,15 +96,21 @@ bool CTarnFWContainer::toMessage(void* buffer, unsigned int size, unsigned int* 
 
 bool CTarnFWContainer::addElement(std::unique_ptr<CTarnFWContainerElement> element) {
   if (element.get() == nullptr) return false;
-  return elements_.insert(std::move(element)).second;
+  owned_.push_back(std::move(element));
+  const bool joined = elements_.emplace(owned_.back().get()).second;
+  if (!joined) owned_.pop_back();
+  return joined;
 }
 
-/// Adds what stood in a chain, which every container takes. Of equal elements the first stays. They
-/// are sorted before, so that each goes to the end: a search for each through a tree of pointers is
-/// slow once the tree outgrows the processor's cache.
-void CTarnFWContainer::addRead(std::vector<std::unique_ptr<CTarnFWContainerElement>> read) {
-  std::stable_sort(read.begin(), read.end(), Less());
-  for (auto& element : read) elements_.insert(elements_.end(), std::move(element));
+/// Adds what is owned from `first` on, the elements of a chain. Of equal elements the first stays.
+/// They are sorted before, so that each goes to the end: a search for each through a tree of
+/// pointers is slow once the tree outgrows the processor's cache.
+void CTarnFWContainer::putInOrder(std::size_t first) {
+  std::vector<Ordered> read;
+  read.reserve(owned_.size() - first);
+  for (std::size_t i = first; i < owned_.size(); ++i) read.emplace_back(owned_[i].get());
+  std::stable_sort(read.begin(), read.end());
+  for (const Ordered& each : read) elements_.insert(elements_.end(), each);
 }
 
 bool CTarnFWContainer::parseTLVChain(const FWtlvChain* chain, unsigned int size) {
@@ -115,7 +132,7 @@ bool CTarnFWContainer::parseTLVChain(const FWtlvChain* chain, unsigned int size)
   const auto* place = reinterpret_cast<const std::uint8_t*>(chain) + kHead;
   unsigned int remaining = size - kHead;
   const std::uint32_t count = head.count;
-  std::vector<std::unique_ptr<CTarnFWContainerElement>> read;
+  const std::size_t first = owned_.size();
   bool whole = true;
   for (std::uint32_t index = 0; index < count; ++index) {
     auto element = CTarnFWContainerElement::buildContainerElement(
@@ -126,12 +143,12 @@ bool CTarnFWContainer::parseTLVChain(const FWtlvChain* chain, unsigned int size)
       break;
     }
     const std::uint32_t length = loadRecord<FWtlvChainElem>(place).length;
-    read.push_back(std::move(element));
+    owned_.push_back(std::move(element));
     const unsigned int step = static_cast<unsigned int>(sizeof(FWtlvChainElem)) + length;
     place += step;
     remaining -= step;
   }
-  addRead(std::move(read));
+  putInOrder(first);
   return whole;
 }
 
@@ -142,7 +159,10 @@ bool CTarnFWContainer::elementsToCharArray(char** out, unsigned int capacity) co
     return false;
   }
   std::size_t filled = 0;
+  auto ahead = elements_.begin();
+  for (std::size_t i = 0; i < kAhead && ahead != elements_.end(); ++i) ++ahead;
   for (const auto& element : elements_) {
+    if (ahead != elements_.end()) fetch((ahead++)->element);
     out[filled] = ::strdup(element->toString().c_str());
     if (out[filled] == nullptr) {
       while (filled > 0) std::free(out[--filled]);

@@ -24,13 +24,20 @@ static_assert(offsetof(FWtlvChain, type) == 0 && offsetof(FWtlvChain, count) == 
 /// A named set of typed elements that the kernel holds beside the address sets. Elements are owned,
 /// ordered by their own order, and unique.
 class CTarnFWContainer : public ITarnFWObject {
-  struct Less {
-    bool operator()(const std::unique_ptr<CTarnFWContainerElement>& left,
-                    const std::unique_ptr<CTarnFWContainerElement>& right) const {
-      return left < right;
+  /// An element beside its key, which is compared first: many elements are put in order without a
+  /// look at each, which would wait for memory.
+  struct Ordered {
+    explicit Ordered(CTarnFWContainerElement* of) : key(of->sortKey()), element(of) {}
+    bool operator<(const Ordered& other) const {
+      const auto order = key <=> other.key;
+      return order != 0 ? order < 0 : *element < *other.element;
     }
+    CTarnFWContainerElement* operator->() const { return element; }
+
+    CTarnFWContainerElement::SortKey key;
+    CTarnFWContainerElement* element;
   };
-  using Elements = std::set<std::unique_ptr<CTarnFWContainerElement>, Less>;
+  using Elements = std::set<Ordered>;
 
  public:
   /// Throws `CInvalidContainerNameException` for a name of more than 37 characters.
@@ -73,10 +80,13 @@ class CTarnFWContainer : public ITarnFWObject {
   const Elements& elements() const { return elements_; }
 
  private:
-  void addRead(std::vector<std::unique_ptr<CTarnFWContainerElement>> read);
+  void putInOrder(std::size_t first);
 
   std::string name_;
   FWContainerType type_;
+  // In the order in which they came, which is that of their memory: so they are freed the fastest.
+  // An element of a chain that equals an earlier one stands here alone.
+  std::vector<std::unique_ptr<CTarnFWContainerElement>> owned_;
   Elements elements_;
 };
 

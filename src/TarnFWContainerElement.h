@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -32,6 +33,8 @@ inline constexpr int kContainerObject = 136;
 /// One typed member of a container.
 class CTarnFWContainerElement : public ITarnFWObject {
  public:
+  using SortKey = std::array<std::uint64_t, 3>;
+
   unsigned int getMsgSize() const override;
   int getType() const override;
 
@@ -50,6 +53,10 @@ class CTarnFWContainerElement : public ITarnFWObject {
   /// Both are false for an element of another kind.
   virtual bool operator==(const CTarnFWContainerElement& other) const = 0;
   virtual bool operator<(const CTarnFWContainerElement& other) const = 0;
+
+  /// The beginning of what `operator<` compares: elements of one kind are ordered as their keys
+  /// are, where these differ. So many elements are sorted without a look at each.
+  virtual SortKey sortKey() const { return {}; }
 
   /// Reads one element out of `size` bytes. Null for an unknown kind, for a value that does not lie
   /// in these bytes whole, and for one that the element's class refuses; that text is not logged.

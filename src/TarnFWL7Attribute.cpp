@@ -1,5 +1,6 @@
 #include "TarnFWL7Attribute.h"
 
+#include <algorithm>
 #include <compare>
 #include <cstring>
 #include <iterator>
@@ -31,12 +32,27 @@ std::string keyName(FWAttrKeyID key) { return std::string(dpID2str(key)); }
   throw CInvalidAttrValue(keyName(key) + " : " + value);
 }
 
-std::string uuidText(const CTarnFWL7Attribute::Uuid& uuid) {
-  char text[37];
+constexpr std::size_t kUuidText = 36;
+
+void appendUuid(std::string* to, const CTarnFWL7Attribute::Uuid& uuid) {
+  char text[kUuidText + 1];
   if (!uuid2normalstr(uuid.data(), text, sizeof text)) {
     throw CInvalidAttrValue("failed to convert uuid value to string");
   }
+  to->append(text, kUuidText);
+}
+
+std::string uuidText(const CTarnFWL7Attribute::Uuid& uuid) {
+  std::string text;
+  appendUuid(&text, uuid);
   return text;
+}
+
+/// The beginning of a value, in two numbers that are ordered as the values are.
+using Beginning = std::array<std::uint64_t, 2>;
+
+Beginning beginningOf(const std::array<unsigned char, 16>& bytes) {
+  return {loadRecord<net64>(bytes.data()), loadRecord<net64>(bytes.data() + 8)};
 }
 
 }  // namespace
@@ -67,6 +83,10 @@ struct CTarnFWL7Attribute::Kind {
   void (*write)(const Attribute& attribute, std::uint8_t* record);
 
   std::strong_ordering (*compare)(const Attribute& left, const Attribute& right);
+
+  /// Ordered as `compare` does, where they differ.
+  Beginning (*beginning)(const Attribute& attribute);
+
   std::string (*text)(const Attribute& attribute);
 
   /// The kind of a number, null when there is none.
@@ -82,6 +102,10 @@ struct CTarnFWL7Attribute::Kind {
   static std::strong_ordering compareNumber(const Attribute& left, const Attribute& right) {
     return left.value_.number <=> right.value_.number;
   }
+  static Beginning numberBeginning(const Attribute& attribute) {
+    // The sign's bit turned over puts the negative numbers first.
+    return {static_cast<std::uint64_t>(attribute.value_.number) ^ std::uint64_t{1} << 63, 0};
+  }
   static std::string numberText(const Attribute& attribute) {
     return std::to_string(attribute.value_.number);
   }
@@ -95,6 +119,9 @@ struct CTarnFWL7Attribute::Kind {
   }
   static std::strong_ordering compareUnsigned(const Attribute& left, const Attribute& right) {
     return left.value_.unsignedNumber <=> right.value_.unsignedNumber;
+  }
+  static Beginning unsignedBeginning(const Attribute& attribute) {
+    return {attribute.value_.unsignedNumber, 0};
   }
   static std::string unsignedText(const Attribute& attribute) {
     return std::to_string(attribute.value_.unsignedNumber);
@@ -127,6 +154,9 @@ struct CTarnFWL7Attribute::Kind {
   static std::strong_ordering compareUuid(const Attribute& left, const Attribute& right) {
     return left.value_.uuid <=> right.value_.uuid;
   }
+  static Beginning uuidBeginning(const Attribute& attribute) {
+    return beginningOf(attribute.value_.uuid);
+  }
 
   // Security identifiers
   static bool parseSid(Attribute& attribute, const std::string& text) {
@@ -141,6 +171,12 @@ struct CTarnFWL7Attribute::Kind {
   static std::strong_ordering compareText(const Attribute& left, const Attribute& right) {
     return left.text_ <=> right.text_;
   }
+  static Beginning textBeginning(const Attribute& attribute) {
+    std::array<unsigned char, 16> first{};
+    std::memcpy(first.data(), attribute.text_.data(),
+                std::min(attribute.text_.size(), first.size()));
+    return beginningOf(first);
+  }
   static std::string ownText(const Attribute& attribute) { return attribute.text_; }
 };
 
@@ -148,10 +184,9 @@ void CTarnFWL7Attribute::Kind::readUuid(Attribute& attribute, const std::uint8_t
                                         unsigned int size) {
   Uuid& uuid = attribute.value_.uuid;
   std::memcpy(uuid.data(), record + kHead, uuid.size());
-  const std::string identifier = uuidText(uuid);
   const std::uint16_t length = loadRecord<host16>(record + kTextLengthAt);
   if (length == 0) {
-    attribute.text_ = identifier;
+    attribute.text_ = uuidText(uuid);
     return;
   }
   if (length > size - kTextAt) {
@@ -160,15 +195,16 @@ void CTarnFWL7Attribute::Kind::readUuid(Attribute& attribute, const std::uint8_t
   }
   const auto* const text = reinterpret_cast<const char*>(record) + kTextAt;
   std::size_t characters = fieldLength(text, length);
-  if (characters + identifier.size() + 2 > kMaxText) {
+  if (characters + kUuidText + 2 > kMaxText) {
     // The composed text must fit the record again.
-    characters = kMaxText - identifier.size() - 2;
+    characters = kMaxText - kUuidText - 2;
     TARNFW_WARNING("text of attribute %s cut off at %zu characters\n",
                    keyName(attribute.key_).c_str(), characters);
   }
+  attribute.text_.reserve(characters + kUuidText + 2);
   attribute.text_.assign(text, characters);
   attribute.text_ += '(';
-  attribute.text_ += identifier;
+  appendUuid(&attribute.text_, uuid);
   attribute.text_ += ')';
 }
 
@@ -189,16 +225,18 @@ void CTarnFWL7Attribute::Kind::readSid(Attribute& attribute, const std::uint8_t*
 const CTarnFWL7Attribute::Kind* CTarnFWL7Attribute::Kind::of(unsigned int type) {
   static constexpr Kind kKinds[] = {
       // FW_ATTR_VALUE_INT
-      {"int", kNumberLength, 0, nullptr, readNumber, writeNumber, compareNumber, numberText},
+      {"int", kNumberLength, 0, nullptr, readNumber, writeNumber, compareNumber, numberBeginning,
+       numberText},
       // FW_ATTR_VALUE_UINT
       {"uint", kNumberLength, 0, nullptr, readUnsigned, writeUnsigned, compareUnsigned,
-       unsignedText},
+       unsignedBeginning, unsignedText},
       // FW_ATTR_VALUE_EINT
-      {"int", kNumberLength, 0, parseName, readNamed, writeNumber, compareNumber, ownText},
+      {"int", kNumberLength, 0, parseName, readNamed, writeNumber, compareNumber, numberBeginning,
+       ownText},
       // FW_ATTR_VALUE_UUID
-      {"uuid", 0, kNumberLength, nullptr, readUuid, writeUuid, compareUuid, ownText},
+      {"uuid", 0, kNumberLength, nullptr, readUuid, writeUuid, compareUuid, uuidBeginning, ownText},
       // FW_ATTR_VALUE_SID
-      {"sid", kSidLength, 0, parseSid, readSid, writeSid, compareText, ownText},
+      {"sid", kSidLength, 0, parseSid, readSid, writeSid, compareText, textBeginning, ownText},
   };
   static_assert(FW_ATTR_VALUE_INT == 0 && FW_ATTR_VALUE_UINT == 1 && FW_ATTR_VALUE_EINT == 2 &&
                 FW_ATTR_VALUE_UUID == 3 && FW_ATTR_VALUE_SID + 1 == std::size(kKinds));
@@ -355,6 +393,11 @@ bool CTarnFWL7Attribute::operator<(const CTarnFWContainerElement& other) const {
   if (key_ != that.key_) return key_ < that.key_;
   if (type_ != that.type_) return type_ < that.type_;
   return kind().compare(*this, that) < 0;
+}
+
+CTarnFWContainerElement::SortKey CTarnFWL7Attribute::sortKey() const {
+  const auto value = kind().beginning(*this);
+  return {static_cast<std::uint64_t>(key_) << 32 | type_, value[0], value[1]};
 }
 
 std::string CTarnFWL7Attribute::toStringValue() const { return kind().text(*this); }

@@ -50,6 +50,7 @@ class CTarnFWL7Attribute final : public CTarnFWContainerElement {
   bool operator==(const CTarnFWContainerElement& other) const override;
   bool operator==(const CTarnFWL7Attribute& other) const;
   bool operator<(const CTarnFWContainerElement& other) const override;
+  SortKey sortKey() const override;
 
   FWAttrKeyID getKeyID() const { return key_; }
   FWAttrKeyValueType getAttrType() const { return type_; }

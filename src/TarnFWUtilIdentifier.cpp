@@ -2,8 +2,10 @@
 
 #include <strings.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
+#include <cstring>
 #include <string_view>
 
 #include "TarnFWException.h"
@@ -28,6 +30,16 @@ class UuidText {
     text_[length_] = '\0';
   }
   const char* c_str() const { return text_.data(); }
+
+  /// Copies the text with its NUL, as far as it fits; see `fits`.
+  bool copyTo(char* buffer, std::size_t size) const {
+    if (size != 0) {
+      const std::size_t copied = std::min(length_, size - 1);
+      std::memcpy(buffer, text_.data(), copied);
+      buffer[copied] = '\0';
+    }
+    return length_ <= size;
+  }
 
  private:
   std::array<char, 3 * kUuidSize + 1> text_;
@@ -88,12 +100,12 @@ bool readIndex(int* index, const char* text) {
 
 bool uuid2gfystr(const std::uint8_t* uuid, char* buffer, std::size_t size) {
   if (uuid == nullptr || buffer == nullptr) return false;
-  return fits(std::snprintf(buffer, size, "%s", UuidText(uuid, kGfy).c_str()), size);
+  return UuidText(uuid, kGfy).copyTo(buffer, size);
 }
 
 bool uuid2normalstr(const std::uint8_t* uuid, char* buffer, std::size_t size) {
   if (uuid == nullptr || buffer == nullptr) return false;
-  return fits(std::snprintf(buffer, size, "%s", UuidText(uuid, kNormal).c_str()), size);
+  return UuidText(uuid, kNormal).copyTo(buffer, size);
 }
 
 bool uuid2vnicstr(const std::uint8_t* uuid, int index, char* buffer, std::size_t size) {

@@ -40,6 +40,13 @@ bool parse(CTarnFWContainer& container, const Bytes& bytes) {
                                  static_cast<unsigned int>(bytes.size()));
 }
 
+/// Adds an element to the bytes of a chain.
+void append(Bytes& chain, CTarnFWL7Attribute attribute) {
+  Bytes element(attribute.getMsgSize());
+  ASSERT_TRUE(attribute.toMessage(element.data(), attribute.getMsgSize(), nullptr));
+  chain.insert(chain.end(), element.begin(), element.end());
+}
+
 /// Bytes in a block of their own size, so that a read after them is seen.
 Bytes cutTo(const Bytes& whole, std::size_t size) {
   Bytes cut(size);
@@ -179,15 +186,25 @@ TEST(TarnFWContainer, ElementsOfAChainStandInTheirOwnOrder) {
   EXPECT_EQ(bytes, chainOf({2, 4, 6, 33, 34}));
 }
 
+TEST(TarnFWContainer, TextsOfAChainThatBeginAlikeStandInTheirOwnOrder) {
+  Bytes chain{7, 0, 0, 0, 4, 0, 0, 0, 0, 0, 0, 0};
+  for (const char* const text :
+       {"S-1-5-21-1-2-3-4-6", "S-1-5-21-1-2-3-4", "S-1-5-21-1-2-3-4-5", "S-1-5-21-1-2-3-4-6"}) {
+    append(chain, CTarnFWL7Attribute(FW_ATTR_KEY_WIN_SID, text));
+  }
+  CTarnFWContainer container("web", kPlain);
+  ASSERT_TRUE(parse(container, chain));
+  EXPECT_EQ(container.getCount(), 3u);
+  EXPECT_EQ(container.toString(),
+            "{WIN_SID : S-1-5-21-1-2-3-4, WIN_SID : S-1-5-21-1-2-3-4-5, "
+            "WIN_SID : S-1-5-21-1-2-3-4-6 }");
+}
+
 TEST(TarnFWContainer, OfEqualElementsOfAChainTheFirstStays) {
   // The text of an identifier plays no part in what is equal.
   Bytes chain{7, 0, 0, 0, 3, 0, 0, 0, 0, 0, 0, 0};
-  for (const auto& [low, text] : {std::pair{2UL, "/c"}, {1UL, "/b"}, {1UL, "/a"}}) {
-    CTarnFWL7Attribute path(FW_ATTR_KEY_HTTP_PATH, 1UL, low, text);
-    Bytes element(path.getMsgSize());
-    ASSERT_TRUE(path.toMessage(element.data(), path.getMsgSize(), nullptr));
-    chain.insert(chain.end(), element.begin(), element.end());
-  }
+  for (const auto& [low, text] : {std::pair{2UL, "/c"}, {1UL, "/b"}, {1UL, "/a"}})
+    append(chain, CTarnFWL7Attribute(FW_ATTR_KEY_HTTP_PATH, 1UL, low, text));
   CTarnFWContainer container("web", kPlain);
   ASSERT_TRUE(parse(container, chain));
   EXPECT_EQ(container.toString(),

@@ -444,6 +444,40 @@ TEST(TarnFWL7Attribute, TheOrderIsKeyThenValueSignedOrUnsignedByKind) {
   EXPECT_FALSE(high < low);
 }
 
+TEST(TarnFWL7Attribute, WhereSortKeysDifferTheyAreOrderedAsTheAttributesAre) {
+  const auto uuid = [](std::size_t at) {
+    CTarnFWL7Attribute::Uuid changed = kUuid;
+    changed[at] = 0xf0;
+    return CTarnFWL7Attribute(FW_ATTR_KEY_FQDN, changed, "a");
+  };
+  const auto sid = [](const char* text) { return CTarnFWL7Attribute(FW_ATTR_KEY_WIN_SID, text); };
+  // In order. The longest two texts differ after the beginning that a key holds.
+  const CTarnFWL7Attribute ordered[] = {
+      {FW_ATTR_KEY_APP_ID, -1L},
+      {FW_ATTR_KEY_APP_ID, 0L},
+      {FW_ATTR_KEY_APP_ID, 33L},
+      {FW_ATTR_KEY_TLS_VERSION, 767L},
+      uuid(15),
+      uuid(8),
+      uuid(7),
+      uuid(0),
+      sid("S-1-5"),
+      sid("S-1-5-21-1-2-3-4"),
+      sid("S-1-5-21-1-2-3-4-5"),
+      {FW_ATTR_KEY_PROCESS_HASH, 1UL},
+      {FW_ATTR_KEY_PROCESS_HASH, ULONG_MAX},
+  };
+  for (const CTarnFWL7Attribute& left : ordered) {
+    for (const CTarnFWL7Attribute& right : ordered) {
+      EXPECT_EQ(left < right, &left < &right) << left.toString() << ' ' << right.toString();
+      if (left.sortKey() == right.sortKey()) continue;
+      EXPECT_EQ(left.sortKey() < right.sortKey(), &left < &right)
+          << left.toString() << ' ' << right.toString();
+    }
+  }
+  EXPECT_EQ(ordered[9].sortKey(), ordered[10].sortKey());
+}
+
 TEST(TarnFWL7Attribute, AnElementOfAnotherKindIsNeitherEqualNorLess) {
   const CTarnFWL7Attribute attribute(FW_ATTR_KEY_APP_ID, 0L);
   const OtherElement element;
