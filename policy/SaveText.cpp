@@ -253,7 +253,13 @@ class Saver {
     const auto from = saved_.made.ruleSets.find(name);
     try {
       if (from == saved_.made.ruleSets.end()) throw Unsayable("the rule set is missing itself");
-      saved_.text += "set jumpto of ruleset " + quoted(name) + " as " + quoted(target) + ";\n";
+      const std::string statement =
+          "set jumpto of ruleset " + quoted(name) + " as " + quoted(target);
+      const auto back = made("create ruleset " + quoted(name) + "; " + statement);
+      if (!back || back->ruleSets.size() != 1 || back->ruleSets.begin()->second.jump != target) {
+        throw Unsayable("its text can't be read again");
+      }
+      saved_.text += statement + ";\n";
       from->second.jump = target;
     } catch (const Unsayable& e) {
       comment("",
@@ -264,8 +270,13 @@ class Saver {
   void saveRoot() {
     saved_.text += '\n';
     try {
-      saved_.text +=
-          "set root ruleset " + quoted(state_.layer3) + " and " + quoted(state_.layer2) + ";\n";
+      const std::string statement =
+          "set root ruleset " + quoted(state_.layer3) + " and " + quoted(state_.layer2);
+      const auto back = made(statement);
+      if (!back || back->layer3 != state_.layer3 || back->layer2 != state_.layer2) {
+        throw Unsayable("its text can't be read again");
+      }
+      saved_.text += statement + ";\n";
       saved_.made.layer3 = state_.layer3;
       saved_.made.layer2 = state_.layer2;
     } catch (const Unsayable& e) {

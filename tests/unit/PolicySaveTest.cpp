@@ -397,6 +397,21 @@ TEST(PolicySave, ARootAndAJumpWithoutQuotesThatFitAreNamed) {
                    "the root: no quotes fit around \"b\\x22'\""}));
 }
 
+TEST(PolicySave, ARootAndAJumpWhoseNamesFillTheirFieldsAreNamed) {
+  const std::string longest(63, 'n'), whole(64, 'n');
+  State state = stateOf("create ruleset r;");
+  state.ruleSets.at("r").jump = longest;
+  state.layer3 = state.layer2 = longest;
+  const SavedText saved = saveText(state);
+  EXPECT_EQ(saved.missing, Texts{});
+  EXPECT_EQ(stateOf(saved.text), state);
+  state.ruleSets.at("r").jump = whole;
+  state.layer3 = whole;
+  EXPECT_EQ(saveText(state).missing,
+            (Texts{"jump of rule set \"r\" to \"" + whole + "\": its text can't be read again",
+                   "the root: its text can't be read again"}));
+}
+
 // --- Verification
 
 TEST(PolicySave, DifferencesOfRecordsAreNamed) {
