@@ -34,16 +34,23 @@ class Reader {
 
   State read() {
     State state;
-    for (const std::string& name : setNames()) readSet(state, name);
-    for (const std::string& name : ruleSetNames()) readRuleSet(state, name);
+    const std::vector<std::string> sets = setNames();
+    const std::vector<std::string> ruleSets = ruleSetNames();
     readRoot(state);
-    // What was read at different times is one state when nothing has changed since.
+    for (const std::string& name : sets) readSet(state, name);
+    for (const std::string& name : ruleSets) readRuleSet(state, name);
+    // What was read at different times is one state when nothing has changed since: nothing is new,
+    // nothing is another one, and the root is the same.
+    if (setNames() != sets || ruleSetNames() != ruleSets) throw Changed();
     for (const auto& [name, mark] : ruleSetMarks_) {
       if (ruleSetMark(name) != mark) throw Changed();
     }
     for (const auto& [name, mark] : setMarks_) {
       if (setMark(name) != mark) throw Changed();
     }
+    State now;
+    readRoot(now);
+    if (now.layer3 != state.layer3 || now.layer2 != state.layer2) throw Changed();
     return state;
   }
 
