@@ -162,7 +162,8 @@ void createContainer(State& state, const Body& body) {
 constexpr std::uint16_t kCreateRuleSet = 3, kClearRuleSet = 6, kDestroyRuleSet = 7,
                         kCreateAddrSet = 13, kDestroyAddrSet = 14, kClearRoot = 36,
                         kDestroyAllRuleSets = 60, kSetJump = 61, kClearJump = 63,
-                        kClearAddrSet = 64, kDestroyAllAddrSets = 65, kCreateContainer = 75;
+                        kClearAddrSet = 64, kDestroyAllAddrSets = 65, kCreateContainer = 75,
+                        kSetTimeout = 41;
 
 /// Statements that change something which is not in a state; all that is left asks.
 constexpr std::uint16_t kOthers[] = {
@@ -171,7 +172,7 @@ constexpr std::uint16_t kOthers[] = {
     30,  // clear stat of kif
     33,  // debug
     37,  // set connection with a list
-    41,  // set timeout
+    kSetTimeout,
     43,  // clear all connection
     44,  // enable, disable shared addrset
     54,  // set exportver
@@ -188,6 +189,11 @@ bool isOther(std::uint16_t number) {
     if (other == number) return true;
   }
   return false;
+}
+
+/// How a statement is named to people; one has no text of its own.
+std::string shownStatement(CTarnFWCmd& statement) {
+  return statement.getCommand() == kSetTimeout ? "set timeout" : statement.toString();
 }
 
 }  // namespace
@@ -279,10 +285,10 @@ StateText stateOfStatements(CTarnFWCmdList& statements) {
     CTarnFWCmd& statement = statements.at(i);
     try {
       if (!applyStatement(made.state, statement) && isOther(statement.getCommand())) {
-        made.others.push_back(statement.toString());
+        made.others.push_back(shownStatement(statement));
       }
     } catch (const StateError& e) {
-      std::string text = statement.toString();
+      std::string text = shownStatement(statement);
       constexpr std::size_t kShown = 200;
       if (text.size() > kShown) text = text.substr(0, kShown) + "...";
       throw StateError("`" + text + "' can't be carried out: " + e.what());

@@ -138,8 +138,8 @@ TEST(PolicyStateText, WhatIsNoPartOfAStateIsListedUnlessItOnlyAsks) {
       "\"dfw.tcp.opening\" "
       "to 5; clear all connection;",
       "test.conf");
-  ASSERT_EQ(text.others.size(), 3u);
-  EXPECT_EQ(text.others[0], "enable tcp strict");
+  EXPECT_EQ(text.others,
+            (std::vector<std::string>{"enable tcp strict", "set timeout", "clear all connection"}));
   EXPECT_EQ(text.state.sets.size(), 1u);
 }
 
