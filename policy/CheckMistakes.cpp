@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-#include "CheckWords.h"
+#include "ShownText.h"
 #include "tarnfw_parser.h"
 
 namespace {

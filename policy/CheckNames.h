@@ -1,8 +1,8 @@
 #pragma once
 
-/// The names in a policy: what creates them, what refers to them, and what that leaves to be said.
-/// A reader of the text calls it word by word; it needs no more of a statement than its words, and
-/// of its commands the filter that they are for.
+/// The names in a policy: finds in each statement what it creates, destroys and refers to, and
+/// hands that to the scope of its filter. A reader of the text calls it word by word; it needs no
+/// more of a statement than its words, and of its commands the filter that they are for.
 
 #include <cstdint>
 #include <deque>
@@ -14,19 +14,12 @@
 #include <vector>
 
 #include "CheckParse.h"
+#include "CheckScope.h"
 #include "Diagnostic.h"
 
 class ShadowCheck;
 
-/// What a name can be of.
-enum class NameKind : unsigned char { set, container, ruleSet };
-inline constexpr std::size_t kNameKinds = 3;
-
-/// Names that a filter holds before the texts are loaded.
-struct HeldNames {
-  std::set<std::string, std::less<>> names[kNameKinds];
-};
-
+/// Reads the names of all texts.
 class NameCheck final : public TextListener {
  public:
   /// With `held` all statements are for the filter that holds these names; else each is for the
@@ -46,49 +39,18 @@ class NameCheck final : public TextListener {
 
  private:
   struct Word {
+    PlacedName name() const { return {text, range}; }
+
     int code;
     TextRange range;
     std::string_view text;  // of names without their quotes
   };
   struct Reference {
     NameKind kind;
-    bool jump;
-    std::string_view name;
-    TextRange range;
-  };
-  struct Object {
-    TextRange created;
-    bool alive = false;
-    bool generated = false;
-  };
-  struct Uses {
-    TextRange first;
-    std::size_t count = 0;
-    bool jump = false;
-  };
-  struct Jump {
-    std::string_view to;
-    TextRange range;
-  };
-  template <typename Value>
-  using ByName = std::unordered_map<std::string_view, Value>;
-
-  /// What the texts say of one filter.
-  struct Scope {
-    ByName<Object> objects[kNameKinds];
-    ByName<Uses> uses[kNameKinds];
-    ByName<std::vector<Jump>> jumps;
-    std::vector<std::pair<std::string_view, TextRange>> rootsOfOne;
-    std::optional<TextRange> root;
-    bool hasRules = false;
-    bool allSetsGone = false, allRuleSetsGone = false;  // of those that the filter held
+    PlacedName name;
   };
   struct RuleId {
     std::uint64_t id;
-    TextRange range;
-  };
-  struct Generated {
-    std::string_view name;
     TextRange range;
   };
 
@@ -97,29 +59,17 @@ class NameCheck final : public TextListener {
   void ruleWord(const Word& word);
   void beginRule();
   std::size_t scopeOf(const TarnFirewall::CTarnFWCmdList& commands);
-  void carryOut(Scope& scope, const TarnFirewall::CTarnFWCmdList& commands);
-  void carryOutCreate(Scope& scope);
-  void carryOutRoot(Scope& scope);
+  void carryOut(NameScope& scope, const TarnFirewall::CTarnFWCmdList& commands);
+  void carryOutCreate(NameScope& scope);
+  void carryOutClear(NameScope& scope);
+  void carryOutRoot(NameScope& scope);
+  void carryOutJump(NameScope& scope);
   void carryOutConfig();
-  void create(Scope& scope, NameKind kind, const Word& name);
-  void createGenerated(Scope& scope);
-  void destroy(Scope& scope, NameKind kind, const Word& name);
-  void destroyAll(Scope& scope, NameKind kind);
-  void requireThere(Scope& scope, NameKind kind, const Word& name);
+  void requireNames(NameScope& scope);
+  void checkCut(const Word& word);
   void checkIds();
-  void use(Scope& scope, const Reference& reference);
 
-  bool isHeld(const Scope& scope, NameKind kind, std::string_view name) const;
-  bool isCreated(const Scope& scope, NameKind kind, std::string_view name) const;
-  void finishUses(const Scope& scope);
-  void finishRoots(const Scope& scope);
-  void finishUnused(const Scope& scope);
-  void finishCircles(const Scope& scope);
-
-  void add(Check check, const TextRange& range, std::string message, std::string help = {},
-           const TextRange* related = nullptr, const char* relatedMessage = "");
-  void addUnknown(const Scope& scope, const Reference& reference, std::string message);
-  std::string nearestName(const Scope& scope, const Reference& reference);
+  void addNoEffect(const TextRange& range, std::string message, std::string help = {});
   int code(std::size_t place) const { return place < head_.size() ? head_[place].code : 0; }
 
   const SourceTexts& sources_;
@@ -136,13 +86,12 @@ class NameCheck final : public TextListener {
   std::uint64_t ruleId_ = 0;
   std::vector<RuleId> ids_;
   std::vector<std::uint32_t> rulePlaces_;
-  std::vector<Reference> references_;
-  std::vector<Generated> generated_;
+  std::vector<Reference> references_;  // jumps are those of rule sets
+  std::vector<PlacedName> generated_;
 
   std::deque<std::string> made_;  // names that stand in no text
   std::unordered_map<std::string, std::size_t> scopeNumbers_;
-  std::deque<Scope> scopes_;
+  std::deque<NameScope> scopes_;
   std::set<std::string_view> mentioned_;  // in statements with mistakes
-  std::size_t unknown_ = 0;               // names for which a nearer one was looked for
   std::optional<TextRange> channel_;
 };

@@ -10,6 +10,7 @@
 #include "CheckGrammar.h"
 #include "CheckMistakes.h"
 #include "CheckWords.h"
+#include "ShownText.h"
 #include "TarnFWCmdConfig.h"
 #include "TarnFWCmdList.h"
 #include "tarnfw_parser.h"

@@ -1,12 +1,9 @@
 #include "CheckShadow.h"
 
 #include <algorithm>
-#include <bit>
 #include <cstring>
-#include <map>
-#include <memory>
 
-#include "TarnFWAddrSetHead.h"
+#include "CheckBuckets.h"
 #include "TarnFWCmdCatalogue.h"
 #include "TarnFWCmdList.h"
 #include "TarnFWRuleSetCreateCmd.h"
@@ -20,10 +17,9 @@ namespace {
 constexpr std::size_t kMaxRests = 256;       // combinations that are compared with a rule's
 constexpr std::size_t kMaxWider = 64;        // addresses that are wider than one
 constexpr std::size_t kMaxSetsOfBlock = 16;  // sets that hold one block
-constexpr std::size_t kMaxPorts = 8;         // lists of ports for the same addresses
 
-/// Commands by their object types: their classes have no type information to ask for.
-constexpr int kCreateRuleSet = kCmdObjectType + 3, kCreateAddrSet = kCmdObjectType + 13;
+/// A command by its object type: its class has no type information to ask for.
+constexpr int kCreateRuleSet = kCmdObjectType + 3;
 
 /// Kinds of rules: the kernel goes through each by itself.
 enum Kind : std::uint8_t { kFilter, kSnat, kDnat };
@@ -37,22 +33,6 @@ bool isFinalAction(unsigned int action) {
   return action == FW_ACTION_ACCEPT || action == FW_ACTION_DROP || action == FW_ACTION_REJECT ||
          action == FW_ACTION_SNAT || action == FW_ACTION_DNAT;
 }
-
-/// The key of a name in a filter, made in place.
-class ScopedName {
- public:
-  ScopedName(std::size_t scope, const void* field, std::size_t size) {
-    const std::size_t length = fieldLength(static_cast<const char*>(field), size);
-    std::memcpy(bytes_, &scope, sizeof scope);
-    std::memcpy(bytes_ + sizeof scope, field, length);
-    size_ = sizeof scope + length;
-  }
-  std::string_view view() const { return {bytes_, size_}; }
-
- private:
-  char bytes_[sizeof(std::size_t) + sizeof(FWAddrSetID_t)];
-  std::size_t size_;
-};
 
 /// The bytes of a record up to the last that is not zero, or a few more.
 std::string_view withoutZeros(const FWAddress_& record) {
@@ -68,151 +48,26 @@ std::string_view withoutZeros(const FWAddress_& record) {
   return {bytes, size};
 }
 
-std::uint64_t mixed(std::uint64_t hash) {
-  hash = (hash ^ hash >> 32) * 0xd6e8feb86659fd93u;
-  hash = (hash ^ hash >> 32) * 0xd6e8feb86659fd93u;
-  return hash ^ hash >> 32;
+/// Whether an address is the block of all addresses of its family.
+bool isWholeFamily(const FWAddress_& record) {
+  if ((record.flags & kAddressNegated) != 0) return false;
+  return (record.type == FW_ADDRESS_IPV4_CIDR && record.value[4] == 0) ||
+         (record.type == FW_ADDRESS_IPV6_CIDR && record.value[16] == 0);
 }
 
 }  // namespace
-
-/// The earlier rules that say the same but for the ports of the destination. Of single ranges only
-/// those are kept that no other one holds, so that both their ends rise.
-class ShadowCheck::Bucket {
- public:
-  /// The rule that lets all of these ports through, or null.
-  const Rule* find(const std::vector<PortRanges>& lists, const Rule& rule) const {
-    if (first_ == nullptr) return nullptr;
-    if (contains(first_->hull, rule.hull) && first_->ports == 0) return first_;
-    if (more_ == nullptr) return nullptr;
-    auto next = more_->ranges.upper_bound(rule.hull.low);
-    if (next != more_->ranges.begin() && contains((--next)->second->hull, rule.hull)) {
-      return next->second;
-    }
-    const PortRanges own = rangesOf(lists, rule);
-    for (const Rule* earlier : more_->lists) {
-      if (::covers(rangesOf(lists, *earlier), own)) return earlier;
-    }
-    return nullptr;
-  }
-
-  void add(const Rule& rule) {
-    if (first_ == nullptr && rule.ports == 0) {
-      first_ = &rule;
-      return;
-    }
-    if (more_ == nullptr) more_ = std::make_unique<More>();
-    if (first_ == nullptr) first_ = &rule;
-    if (rule.ports != 0) {
-      if (more_->lists.size() < kMaxPorts) more_->lists.push_back(&rule);
-      return;
-    }
-    auto& ranges = more_->ranges;
-    auto place = ranges.insert_or_assign(rule.hull.low, &rule).first;
-    while (std::next(place) != ranges.end() &&
-           contains(rule.hull, std::next(place)->second->hull)) {
-      ranges.erase(std::next(place));
-    }
-  }
-
- private:
-  struct More {
-    std::map<std::uint16_t, const Rule*> ranges;  // by their low ends
-    std::vector<const Rule*> lists;
-  };
-
-  static bool contains(const PortRange& outer, const PortRange& inner) {
-    return outer.low <= inner.low && inner.high <= outer.high;
-  }
-  static PortRanges rangesOf(const std::vector<PortRanges>& lists, const Rule& rule) {
-    return rule.ports != 0 ? lists[rule.ports] : PortRanges{rule.hull};
-  }
-
-  const Rule* first_ = nullptr;
-  std::unique_ptr<More> more_;
-};
-
-/// Buckets by their keys, in a table of numbers that is never more than half full.
-class ShadowCheck::Buckets {
- public:
-  explicit Buckets(std::size_t most) : places_(std::bit_ceil(2 * most + 2)) {
-    entries_.reserve(most);
-  }
-
-  const Bucket* find(const Key& key) const {
-    const std::uint32_t number = places_[placeOf(key)];
-    return number == 0 ? nullptr : &entries_[number - 1].bucket;
-  }
-
-  Bucket& at(const Key& key) {
-    std::uint32_t& number = places_[placeOf(key)];
-    if (number == 0) {
-      entries_.push_back({key, {}});
-      number = static_cast<std::uint32_t>(entries_.size());
-    }
-    return entries_[number - 1].bucket;
-  }
-
- private:
-  struct Entry {
-    Key key;
-    Bucket bucket;
-  };
-
-  std::size_t placeOf(const Key& key) const {
-    const std::uint64_t both = static_cast<std::uint64_t>(key.source) << 32 | key.destination;
-    std::size_t place = mixed(both + key.rest * 0x9e3779b97f4a7c15u);
-    for (;; ++place) {
-      place &= places_.size() - 1;
-      const std::uint32_t number = places_[place];
-      if (number == 0 || entries_[number - 1].key == key) return place;
-    }
-  }
-
-  std::vector<std::uint32_t> places_;  // numbers of entries from 1, a power of two of them
-  std::vector<Entry> entries_;
-};
 
 void ShadowCheck::statement(std::size_t scope, std::uint32_t file, CTarnFWCmdList& commands,
                             std::span<const std::uint32_t> places) {
   for (std::size_t i = 0; i < commands.size(); ++i) {
     CTarnFWCmd& command = commands.at(i);
-    if (command.getType() == kCreateAddrSet) {
-      takeSet(scope, command);
-    } else if (command.getType() == kCreateRuleSet) {
-      const CTarnFWRuleList& rules = static_cast<CTarnFWRuleSetCreateCmd&>(command).rules();
-      if (rules.getRuleCount() == places.size()) takeRules(scope, file, rules, places);
+    if (command.getType() != kCreateRuleSet) {
+      sets_.statement(scope, command);
+      continue;
     }
+    const CTarnFWRuleList& rules = static_cast<CTarnFWRuleSetCreateCmd&>(command).rules();
+    if (rules.getRuleCount() == places.size()) takeRules(scope, file, rules, places);
   }
-}
-
-/// Reads a set out of the message that would create it.
-void ShadowCheck::takeSet(std::size_t scope, CTarnFWCmd& command) {
-  const unsigned int size = command.getMsgSize();
-  std::vector<std::uint8_t> body(size);
-  unsigned int written = 0;
-  if (!command.writeCmdBody(body.data(), size, &written, 0) || written > size ||
-      written < sizeof(FWAddrSetHead_)) {
-    return;
-  }
-  const auto head = loadRecord<FWAddrSetHead_>(body.data());
-  Contents contents{true, {}};
-  for (std::size_t at = sizeof head; written - at >= sizeof(FWAddress_); at += sizeof(FWAddress_)) {
-    const auto record = loadRecord<FWAddress_>(&body[at]);
-    const std::size_t before = contents.blocks.size();
-    if (const auto block = blockOf(record)) {
-      contents.blocks.push_back(*block);
-    } else {
-      addBlocksOf(record, contents.blocks);
-    }
-    if (contents.blocks.size() == before || (record.flags & kAddressNegated) != 0) {
-      contents.known = false;
-    }
-  }
-  if (!contents.known) contents.blocks.clear();
-  contents.blocks = merged(std::move(contents.blocks));
-  const ScopedName name(scope, head.name.text, sizeof head.name.text);
-  sets_[setNumber(name.view()) - 1] = std::move(contents);
 }
 
 void ShadowCheck::takeRules(std::size_t scope, std::uint32_t file, const CTarnFWRuleList& rules,
@@ -236,9 +91,13 @@ void ShadowCheck::takeRules(std::size_t scope, std::uint32_t file, const CTarnFW
 ShadowCheck::Rule ShadowCheck::ruleOf(std::size_t scope, const FWRule_& record) {
   Rule rule{};
   rule.rest = restOf(record);
-  rule.source = addressOf(scope, record.source, (record.flags & kRuleHasSource) != 0);
-  rule.destination =
-      addressOf(scope, record.destination, (record.flags & kRuleHasDestination) != 0);
+  const bool layer3 = (record.flags & kRuleLayer3) != 0;
+  const auto addressIn = [&](unsigned int flag, const FWAddress_& address) {
+    const bool present = (record.flags & flag) != 0 && !isWholeFamily(address);
+    return addressOf(scope, address, present, layer3);
+  };
+  rule.source = addressIn(kRuleHasSource, record.source);
+  rule.destination = addressIn(kRuleHasDestination, record.destination);
   rule.id = record.id;
   rule.position = record.position;
   rule.ports = portsNumber(record.destinationPorts, rule.hull);
@@ -254,7 +113,12 @@ std::uint32_t ShadowCheck::restOf(const FWRule_& record) {
   rest.direction =
       static_cast<std::uint8_t>(record.flags >> kRuleDirectionShift & kRuleDirectionMask);
   rest.af = static_cast<std::uint8_t>(ruleAF(record));
-  rest.askedAf = (record.origin & kRuleAFDerived) != 0 ? std::uint8_t{FW_AF_NONE} : rest.af;
+  // All addresses of a family are `any` for a rule that asks for the family.
+  const bool whole =
+      ((record.flags & kRuleHasSource) != 0 && isWholeFamily(record.source)) ||
+      ((record.flags & kRuleHasDestination) != 0 && isWholeFamily(record.destination));
+  const bool asked = whole || (record.origin & kRuleAFDerived) == 0;
+  rest.askedAf = asked ? rest.af : std::uint8_t{FW_AF_NONE};
   rest.hasProtocol = (record.flags & kRuleHasProtocol) != 0;
   rest.protocolNegated = (record.flags & kRuleProtocolNegated) != 0;
   rest.protocol = record.protocol;
@@ -318,16 +182,9 @@ std::uint32_t ShadowCheck::numberOfAny() {
   return any_ - 1;
 }
 
-std::uint32_t ShadowCheck::setNumber(std::string_view name) {
-  const auto place = setNumbers_.find(name);
-  if (place != setNumbers_.end()) return place->second;
-  sets_.emplace_back();
-  return setNumbers_.emplace(name, static_cast<std::uint32_t>(sets_.size())).first->second;
-}
-
 /// The number of a set's contents as an address.
 std::uint32_t ShadowCheck::numberOfSet(std::uint32_t set) {
-  if (setAddresses_.size() < set) setAddresses_.resize(sets_.size());
+  if (setAddresses_.size() < set) setAddresses_.resize(sets_.count());
   std::uint32_t& number = setAddresses_[set - 1];
   if (number == 0) {
     addresses_.emplace_back().set = set;
@@ -352,16 +209,18 @@ std::uint32_t ShadowCheck::numberOfRecord(std::size_t scope, const FWAddress_& r
       .first->second;
 }
 
-std::uint32_t ShadowCheck::addressOf(std::size_t scope, const FWAddress_& record, bool present) {
+/// The number of an address. In layer-2 rules sets are compared by their names: what is known of
+/// their contents are IP addresses.
+std::uint32_t ShadowCheck::addressOf(std::size_t scope, const FWAddress_& record, bool present,
+                                     bool layer3) {
   if (!present) return numberOfAny();
   const bool negated = (record.flags & kAddressNegated) != 0;
   const auto block = negated ? std::nullopt : blockOf(record);
   std::uint32_t number = 0;
   if (block) {
     number = numberOfBlock(*block);
-  } else if (record.type == FW_ADDRESS_ADDRSET && !negated) {
-    const ScopedName name(scope, record.value, sizeof(FWAddrSetID_t));
-    number = numberOfSet(setNumber(name.view()));
+  } else if (record.type == FW_ADDRESS_ADDRSET && !negated && layer3) {
+    number = numberOfSet(sets_.numberOf(scope, record.value));
   } else {
     number = numberOfRecord(scope, record);
   }
@@ -428,7 +287,11 @@ void ShadowCheck::indexAddresses() {
   for (const std::uint32_t number : setAddresses_) {
     if (number == 0) continue;
     // Blocks that no rule has get numbers too.
-    for (const AddressBlock& block : sets_[addresses_[number - 1].set - 1].blocks) {
+    const std::uint32_t set = addresses_[number - 1].set;
+    if (sets_.holdsAny(set) && setsOfAny_.size() < kMaxSetsOfBlock) {
+      setsOfAny_.push_back(number - 1);
+    }
+    for (const AddressBlock& block : sets_.blocksOf(set)) {
       Address& address = addresses_[numberOfBlock(block)];
       if (address.sets == 0) {
         setsOfBlock_.emplace_back();
@@ -469,18 +332,19 @@ void ShadowCheck::widen(std::uint32_t number, std::vector<std::uint32_t>& wider)
   if (any_ != 0 && any_ - 1 != number) wider.push_back(any_ - 1);
   candidates_.clear();
   if (address.hasBlock) addWiderBlocks(address.block, candidates_);
-  if (address.set != 0 && !sets_[address.set - 1].blocks.empty()) {
-    const std::vector<AddressBlock>& blocks = sets_[address.set - 1].blocks;
+  if (address.set != 0 && !sets_.blocksOf(address.set).empty()) {
+    const std::vector<AddressBlock>& blocks = sets_.blocksOf(address.set);
     addWiderBlocks(blocks.front(), candidates_);
     const auto hull = hullOf(blocks);
     std::erase_if(candidates_, [&](std::uint32_t candidate) {
       const Address& other = addresses_[candidate];
       if (other.hasBlock) return !hull || !other.block.contains(*hull);
-      const std::vector<AddressBlock>& outer = sets_[other.set - 1].blocks;
+      const std::vector<AddressBlock>& outer = sets_.blocksOf(other.set);
       return !std::all_of(blocks.begin(), blocks.end(),
                           [&](const AddressBlock& block) { return holds(outer, block); });
     });
   }
+  candidates_.insert(candidates_.end(), setsOfAny_.begin(), setsOfAny_.end());
   for (const std::uint32_t candidate : candidates_) {
     if (wider.size() == kMaxWider) break;
     if (std::find(wider.begin(), wider.end(), candidate) == wider.end()) wider.push_back(candidate);

@@ -17,12 +17,12 @@
 #include <vector>
 
 #include "AddressBlocks.h"
+#include "CheckSets.h"
 #include "Diagnostic.h"
 #include "PortRanges.h"
 #include "TarnFWRuleRecord.h"
 
 namespace TarnFirewall {
-class CTarnFWCmd;
 class CTarnFWCmdList;
 class CTarnFWRuleList;
 }  // namespace TarnFirewall
@@ -46,7 +46,7 @@ class ShadowCheck {
     std::uint8_t layer3;
     std::uint8_t direction;
     std::uint8_t af;       // of the rule or of its addresses
-    std::uint8_t askedAf;  // what the rule itself asks for
+    std::uint8_t askedAf;  // what the rule itself asks for, or a block of a whole family in it
     std::uint8_t hasProtocol;
     std::uint8_t protocolNegated;
     std::uint16_t protocol;
@@ -59,7 +59,7 @@ class ShadowCheck {
   /// What a rule says of one side, as a value.
   struct Address {
     AddressBlock block;      // where `hasBlock` is set
-    std::uint32_t set = 0;   // of those with contents, from 1
+    std::uint32_t set = 0;   // its number, from 1, where it is one
     std::uint32_t uses = 0;  // by rules
     std::uint32_t kept = 0;  // where its wider addresses are kept, from 1, when it is used again
     std::uint32_t sets = 0;  // the sets that hold the block, from 1 in `setsOfBlock_`
@@ -80,11 +80,6 @@ class ShadowCheck {
   };
   template <typename Value>
   using ByText = std::unordered_map<std::string, Value, TextHash, std::equal_to<>>;
-  /// What a set holds; known only while nothing but plain addresses is in it.
-  struct Contents {
-    bool known = false;
-    std::vector<AddressBlock> blocks;  // merged
-  };
   struct Rule {
     std::uint32_t rest;
     std::uint32_t source;
@@ -109,16 +104,15 @@ class ShadowCheck {
   class Bucket;
   class Buckets;
 
-  void takeSet(std::size_t scope, TarnFirewall::CTarnFWCmd& command);
   void takeRules(std::size_t scope, std::uint32_t file, const TarnFirewall::CTarnFWRuleList& rules,
                  std::span<const std::uint32_t> places);
   Rule ruleOf(std::size_t scope, const TarnFirewall::FWRule_& record);
   std::uint32_t restOf(const TarnFirewall::FWRule_& record);
-  std::uint32_t addressOf(std::size_t scope, const TarnFirewall::FWAddress_& record, bool present);
+  std::uint32_t addressOf(std::size_t scope, const TarnFirewall::FWAddress_& record, bool present,
+                          bool layer3);
   std::uint32_t numberOfAny();
   std::uint32_t numberOfSet(std::uint32_t set);
   std::uint32_t numberOfRecord(std::size_t scope, const TarnFirewall::FWAddress_& record);
-  std::uint32_t setNumber(std::string_view name);
   std::uint32_t portsNumber(const TarnFirewall::FWPortBlock_& block, PortRange& hull);
 
   std::size_t blockPlace(const AddressBlock& block) const;
@@ -144,19 +138,19 @@ class ShadowCheck {
   std::vector<std::uint32_t> blockPlaces_ = std::vector<std::uint32_t>(1024);  // see `blockPlace`
   std::size_t blocks_ = 0;                                                     // of these in use
   ByText<std::uint32_t> recordNumbers_;      // of addresses that are equal only
-  std::vector<std::uint32_t> setAddresses_;  // of sets with contents, from 1 by their numbers
+  std::vector<std::uint32_t> setAddresses_;  // of sets, from 1 by their numbers
   std::deque<std::vector<std::uint32_t>> kept_;
   std::uint32_t any_ = 0;       // number of "any" and 1, once there is one
   std::uint32_t lastRest_ = 0;  // what the last rule had
 
-  ByText<std::uint32_t> setNumbers_;  // filter and name
-  std::deque<Contents> sets_;         // from number 1
+  SetContents sets_;
 
   std::vector<PortRanges> ports_{{}};
   ByText<Ports> portNumbers_;  // of lists, by their bytes
 
   // Made by `indexAddresses`: the addresses of sets that hold a block.
   std::deque<std::vector<std::uint32_t>> setsOfBlock_;
+  std::vector<std::uint32_t> setsOfAny_;  // sets that hold `any`
   bool hasLength_[2][129] = {};
   std::vector<Length> lengths_[2];  // of the prefixes of both: IPv6, IPv4
   std::vector<std::uint32_t> sourceRoom_, destinationRoom_, candidates_;

@@ -16,6 +16,10 @@ namespace {
 
 using TarnFirewall::FW_STATUS_OK;
 
+/// After so many mistakes in literals a text that is not closed somewhere is not read to its end:
+/// each time the rest is copied.
+constexpr std::size_t kMostCopies = 100;
+
 inline bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
 
 }  // namespace
@@ -51,12 +55,17 @@ TokenReader::TokenReader(const SourceText& source, TarnFirewall::fw_lex_extra_& 
 
 TokenReader::~TokenReader() { stop(); }
 
+/// Begins at a place of the text, whose copy is made anew where the scanner has changed it.
 void TokenReader::start(std::uint32_t offset) {
   if (yylex_init_extra(&extra_, &scanner_) != 0) throw std::bad_alloc();
-  // The scanner writes into its buffer, and wants two NULs at its end.
-  scanned_.assign(source_.text().substr(offset));
-  scanned_.append(2, '\0');
-  buffer_ = yy_scan_buffer(scanned_.data(), scanned_.size(), scanner_);
+  if (scanned_.empty() || wasReadAgain()) {
+    // The scanner writes into its buffer, and wants two NULs at its end.
+    scanned_.assign(source_.text().substr(offset));
+    scanned_.append(2, '\0');
+    copied_ = offset;
+  }
+  const std::size_t skipped = offset - copied_;
+  buffer_ = yy_scan_buffer(scanned_.data() + skipped, scanned_.size() - skipped, scanner_);
   base_ = yyget_text(scanner_);
   yyset_lineno(1, scanner_);
   offset_ = place_ = offset;
@@ -67,6 +76,17 @@ void TokenReader::stop() {
   if (buffer_ != nullptr) yy_delete_buffer(buffer_, scanner_);
   buffer_ = nullptr;
   yylex_destroy(std::exchange(scanner_, nullptr));
+}
+
+/// Where the comment that begins at a place is closed; `npos` where none begins, and for one that
+/// is not closed.
+std::size_t TokenReader::closeOfComment(std::uint32_t at) {
+  const std::string_view text = source_.text();
+  if (!text.substr(at).starts_with("/*")) return text.npos;
+  // Looking for a close that is not there, from each place anew, would take time by the square.
+  if (!lastClose_) lastClose_ = text.rfind("*/");
+  if (*lastClose_ == text.npos || *lastClose_ < at + std::size_t{2}) return text.npos;
+  return text.find("*/", at + std::size_t{2});
 }
 
 /// Skips blanks and comments, and reports the other bytes before `to`. Without `to`, which is 0
@@ -86,8 +106,8 @@ std::uint32_t TokenReader::skipGap(std::uint32_t from, std::uint32_t to) {
     if (text[at] == '#') {
       const std::size_t line = text.find('\n', at);
       at = static_cast<std::uint32_t>(line < end ? line : end);
-    } else if (text.substr(at).starts_with("/*") && text.find("*/", at + 2) < end) {
-      at = static_cast<std::uint32_t>(text.find("*/", at + 2) + 2);
+    } else if (const std::size_t close = closeOfComment(at); close < end) {
+      at = static_cast<std::uint32_t>(close + 2);
     } else if (to == 0) {
       break;
     } else {
@@ -125,8 +145,7 @@ Token TokenReader::placed(int code) {
 
 void TokenReader::read(YYSTYPE* value, Token& token) {
   token.code = yylex(value, nullptr, scanner_);
-  if (token.code == 0 || extra_.status != FW_STATUS_OK || extra_.unclosed ||
-      extra_.input.againSize() != 0) {
+  if (token.code == 0 || extra_.status != FW_STATUS_OK || wasReadAgain()) {
     token = placed(token.code);
   } else {
     const char* const word = yyget_text(scanner_);
@@ -157,8 +176,20 @@ std::uint32_t TokenReader::failedEnd(std::uint32_t begin) const {
 }
 
 void TokenReader::skipFailed(const Token& token) {
+  const std::string_view text = source_.text();
+  const auto end = static_cast<std::uint32_t>(text.size());
+  std::uint32_t next = token.end;
+  if (!wasReadAgain()) {
+    // The scanner ends a word in its buffer with a NUL.
+    const auto nul =
+        static_cast<std::size_t>(yyget_text(scanner_) + yyget_leng(scanner_) - scanned_.data());
+    if (copied_ + nul < text.size()) scanned_[nul] = text[copied_ + nul];
+  } else if (++copies_ > kMostCopies || (extra_.unclosed && extra_.input.isLost())) {
+    // A comment that is not closed may be too long to be read as words.
+    next = end;
+  }
   stop();
   extra_.status = FW_STATUS_OK;
   extra_.message[0] = '\0';
-  start(token.end);
+  start(next);
 }

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "SourceText.h"
@@ -25,6 +26,7 @@ struct Token {
 /// Bytes that belong to nothing, in one run.
 using StrayFunction = std::function<void(std::uint32_t begin, std::uint32_t end)>;
 
+/// Reads a text from its beginning, or from after a word that the scanner failed at.
 class TokenReader {
  public:
   /// `extra` is what the scanner's actions use; both it and the source must outlive the reader.
@@ -37,14 +39,18 @@ class TokenReader {
   /// Reads the next word. At a failure of the scanner the extra record has its status.
   void read(YYSTYPE* value, Token& token);
 
-  /// After a failure: clears it and goes on after the literal that failed, at `token`.
+  /// After a failure: clears it and goes on after the literal that failed, at `token`. At the end
+  /// of the text after a comment that is not closed and too long to be read as words.
   void skipFailed(const Token& token);
 
   void* scanner() const { return scanner_; }
 
  private:
   void start(std::uint32_t offset);
+  /// Whether the scanner's buffer has held something else than its copy of the text.
+  bool wasReadAgain() const { return extra_.unclosed || extra_.input.againSize() != 0; }
   void stop();
+  std::size_t closeOfComment(std::uint32_t at);
   std::uint32_t skipGap(std::uint32_t from, std::uint32_t to);
   Token placed(int code);
   std::uint32_t failedEnd(std::uint32_t begin) const;
@@ -59,8 +65,11 @@ class TokenReader {
   std::unique_ptr<QuietErrors> quiet_;
   void* scanner_ = nullptr;
   yy_buffer_state* buffer_ = nullptr;
-  std::string scanned_;         // the scanner's copy of the text, with its two NULs
-  const char* base_ = nullptr;  // where that begins
-  std::uint32_t offset_ = 0;    // of that beginning in the text
-  std::uint32_t place_ = 0;     // after the word that was read last
+  std::string scanned_;                   // the scanner's copy of the text, with its two NULs
+  std::size_t copied_ = 0;                // where that copy begins in the text
+  std::size_t copies_ = 0;                // copies that were made after a failure
+  const char* base_ = nullptr;            // where the scanner has begun in the copy
+  std::uint32_t offset_ = 0;              // the same in the text
+  std::uint32_t place_ = 0;               // after the word that was read last
+  std::optional<std::size_t> lastClose_;  // the last close of a comment, once it was looked for
 };

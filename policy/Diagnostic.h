@@ -10,6 +10,7 @@
 
 #include "SourceText.h"
 
+/// A text with an error is not loaded, or would do what nobody means; a warning is loaded.
 enum class Severity { error, warning };
 
 /// What can be found. The order is that of the table behind `checkRows`.
@@ -33,6 +34,7 @@ enum class Check : unsigned char {
   shadowedRule,
 };
 
+/// What is the same for all finds of one kind.
 struct CheckRow {
   Check check;
   const char* name;  // stable: scripts name it
@@ -40,6 +42,7 @@ struct CheckRow {
   const char* summary;
 };
 
+/// All of them, in the order of `Check`, and the one of a kind.
 std::span<const CheckRow> checkRows();
 const CheckRow& rowOf(Check check);
 
@@ -50,6 +53,7 @@ struct TextRange {
   std::uint32_t end;
 };
 
+/// One find. Texts are for people, without a full stop.
 struct Diagnostic {
   Check check;
   TextRange range;

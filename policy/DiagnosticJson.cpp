@@ -1,6 +1,9 @@
-#include "CheckWords.h"
+#include <algorithm>
+#include <vector>
+
 #include "DiagnosticPrinter.h"
 #include "JsonText.h"
+#include "ShownText.h"
 
 namespace {
 
@@ -10,17 +13,54 @@ const char* severityWord(Severity severity) {
   return severity == Severity::error ? "error" : "warning";
 }
 
-/// Column in characters, from 1.
-std::size_t characterColumn(const SourceText& source, std::uint32_t offset) {
-  const std::uint32_t bytes = source.place(offset).column - 1;
-  std::string_view before = source.text().substr(offset - bytes, bytes);
-  std::size_t column = 1;
-  while (!before.empty()) {
-    before.remove_prefix(std::max<std::size_t>(characterSize(before), 1));
-    ++column;
+/// Columns in characters, from 1. Characters are counted once, with marks on the way, so that many
+/// finds in one long line do not count it from its beginning each.
+class CharacterColumns {
+ public:
+  explicit CharacterColumns(const SourceText& source) : source_(source) {}
+
+  std::size_t at(std::uint32_t offset) {
+    const std::uint32_t before = source_.place(offset).column - 1;
+    return charactersBefore(offset) - charactersBefore(offset - before) + 1;
   }
-  return column;
-}
+
+ private:
+  static constexpr std::uint32_t kBetweenMarks = 4096;
+  struct Mark {
+    std::uint32_t offset;
+    std::size_t characters;
+  };
+
+  /// Steps over a character, or over a byte that is none.
+  static void step(std::string_view text, Mark& place) {
+    const std::size_t size = characterSize(text.substr(place.offset));
+    place.offset += static_cast<std::uint32_t>(std::max<std::size_t>(size, 1));
+    ++place.characters;
+  }
+
+  std::size_t charactersBefore(std::uint32_t offset) {
+    while (marks_.back().offset + kBetweenMarks < offset) {
+      Mark next = marks_.back();
+      while (next.offset < marks_.back().offset + kBetweenMarks) step(source_.text(), next);
+      marks_.push_back(next);
+    }
+    auto mark = std::upper_bound(marks_.begin(), marks_.end(), offset,
+                                 [](std::uint32_t at, const Mark& m) { return at < m.offset; });
+    Mark place = *--mark;
+    const std::string_view text = source_.text().substr(0, offset);
+    while (place.offset < offset) step(text, place);
+    return place.characters;
+  }
+
+  const SourceText& source_;
+  std::vector<Mark> marks_ = {{0, 0}};
+};
+
+/// Those of all texts.
+struct Columns {
+  const SourceTexts& sources;
+  std::vector<CharacterColumns> of;
+};
 
 void writePlace(JsonText& json, const SourceTexts& sources, const TextRange& range) {
   const SourceText& source = sources[range.file];
@@ -50,17 +90,18 @@ std::string uriOf(std::string_view name) {
   return uri;
 }
 
-void writeLocation(JsonText& json, const SourceTexts& sources, const TextRange& range) {
-  const SourceText& source = sources[range.file];
+void writeLocation(JsonText& json, Columns& columns, const TextRange& range) {
+  const SourceText& source = columns.sources[range.file];
+  CharacterColumns& column = columns.of[range.file];
   json.key("physicalLocation").beginObject();
   json.key("artifactLocation").beginObject();
   json.member("uri", uriOf(source.name()));
   json.endObject();
   json.key("region").beginObject();
   json.member("startLine", source.place(range.begin).line);
-  json.member("startColumn", characterColumn(source, range.begin));
+  json.member("startColumn", column.at(range.begin));
   json.member("endLine", source.place(range.end).line);
-  json.member("endColumn", characterColumn(source, range.end));
+  json.member("endColumn", column.at(range.end));
   json.endObject();
   json.endObject();
 }
@@ -71,7 +112,7 @@ void writeText(JsonText& json, const char* key, std::string_view text) {
   json.endObject();
 }
 
-void writeResult(JsonText& json, const SourceTexts& sources, const Diagnostic& diagnostic) {
+void writeResult(JsonText& json, Columns& columns, const Diagnostic& diagnostic) {
   json.beginObject();
   json.member("ruleId", rowOf(diagnostic.check).name);
   json.member("ruleIndex", static_cast<std::size_t>(diagnostic.check));
@@ -81,11 +122,11 @@ void writeResult(JsonText& json, const SourceTexts& sources, const Diagnostic& d
   if (!diagnostic.help.empty()) text += "; " + diagnostic.help;
   writeText(json, "message", text);
   json.key("locations").beginArray().beginObject();
-  writeLocation(json, sources, diagnostic.range);
+  writeLocation(json, columns, diagnostic.range);
   json.endObject().endArray();
   if (!diagnostic.relatedMessage.empty()) {
     json.key("relatedLocations").beginArray().beginObject();
-    writeLocation(json, sources, diagnostic.related);
+    writeLocation(json, columns, diagnostic.related);
     writeText(json, "message", diagnostic.relatedMessage);
     json.endObject().endArray();
   }
@@ -154,7 +195,8 @@ void printSarif(std::FILE* stream, const SourceTexts& sources, const Diagnostics
   json.endArray().endObject().endObject();
   json.member("columnKind", "unicodeCodePoints");
   json.key("results").beginArray();
-  for (const Diagnostic& diagnostic : diagnostics.all()) writeResult(json, sources, diagnostic);
+  Columns columns{sources, {sources.begin(), sources.end()}};
+  for (const Diagnostic& diagnostic : diagnostics.all()) writeResult(json, columns, diagnostic);
   json.endArray();
   json.endObject().endArray();
   json.endObject();

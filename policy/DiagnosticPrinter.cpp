@@ -3,13 +3,14 @@
 #include <algorithm>
 #include <string_view>
 
-#include "CheckWords.h"
+#include "ShownText.h"
 
 namespace {
 
 /// Bytes of a line that are shown before and after the place.
 constexpr std::size_t kShownBefore = 60;
 constexpr std::size_t kShownAfter = 100;
+constexpr std::size_t kLongestCharacter = 4;
 
 struct Colours {
   const char* bold;
@@ -51,11 +52,13 @@ std::string blanksUnder(std::string_view text) {
 
 void printLine(std::FILE* stream, const SourceText& source, const TextRange& range,
                const Colours& colours) {
-  const std::string_view line = source.lineAt(range.begin);
+  const std::string_view line = source.lineAt(range.begin, kShownAfter + kLongestCharacter);
   const std::size_t at = std::min<std::size_t>(source.place(range.begin).column - 1, line.size());
   const std::size_t begin =
       at > kShownBefore ? characterStart(line, at - kShownBefore) : std::size_t{0};
-  const std::string_view shown = line.substr(begin, at - begin + kShownAfter);
+  const std::size_t end =
+      line.size() > at + kShownAfter ? characterStart(line, at + kShownAfter) : line.size();
+  const std::string_view shown = line.substr(begin, end - begin);
   const std::string_view before = shown.substr(0, at - begin);
   const char* const cut = begin > 0 ? "..." : "";
   const std::size_t length = range.end - range.begin;

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "CheckWords.h"
+#include "ShownText.h"
 
 JsonText& JsonText::key(std::string_view name) {
   place();

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "CheckWords.h"
+#include "ShownText.h"
 #include "State.h"
 #include "TarnFWText.h"
 

@@ -46,10 +46,12 @@ SourceText::Place SourceText::place(std::uint32_t offset) const {
   return {line, offset - next[-1] + 1};
 }
 
-std::string_view SourceText::lineAt(std::uint32_t offset) const {
-  const std::uint32_t start = offset - (place(offset).column - 1);
-  std::string_view line = text().substr(start);
-  line = line.substr(0, line.find('\n'));
+std::string_view SourceText::lineAt(std::uint32_t offset, std::size_t after) const {
+  const std::size_t before = place(offset).column - 1;
+  std::string_view line = text().substr(offset - before, before + after + 1);
+  const std::size_t end = line.find('\n', before);
+  if (end == line.npos) return line.substr(0, before + after);
+  line = line.substr(0, end);
   if (line.ends_with('\r')) line.remove_suffix(1);
   return line;
 }

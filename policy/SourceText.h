@@ -15,6 +15,7 @@ class SourceError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+/// One file, or standard input.
 class SourceText {
  public:
   /// Texts are at most this long: the scanner counts in an int.
@@ -37,8 +38,9 @@ class SourceText {
   };
   Place place(std::uint32_t offset) const;
 
-  /// The line that holds the place, without its end.
-  std::string_view lineAt(std::uint32_t offset) const;
+  /// The line that holds the place, without its end, and no more than `after` bytes after the
+  /// place.
+  std::string_view lineAt(std::uint32_t offset, std::size_t after) const;
 
   /// Whether nothing but blanks stands before the place in its line.
   bool isFirstInLine(std::uint32_t offset) const;

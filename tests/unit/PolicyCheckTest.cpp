@@ -221,4 +221,59 @@ TEST(PolicyCheck, FilesOfOtherKindsAreNamed) {
             "\"NAME\" { 10.0.0.1 };");
 }
 
+TEST(PolicyCheck, ManyBeginningsOfCommentsCostNoMoreThanOthers) {
+  // Far from done in the time of a test if each looks for a close of its own.
+  std::string text;
+  for (int i = 0; i < 300000; ++i) text += "/* ";
+  EXPECT_GE(checked({text}).errors(), 1u);
+  EXPECT_EQ(checked({text + "*/"}).all().size(), 0u);
+}
+
+TEST(PolicyCheck, AWordThatIsShownInPartEndsWithAWholeCharacter) {
+  const std::string name = std::string(58, 'n') + "\xe4\xb8\xad\xe4\xb8\xad";
+  EXPECT_EQ(mistake("describe timeout; \"" + name + "\";"),
+            "1:19 unexpected `\"" + std::string(58, 'n') + "...`");
+}
+
+TEST(PolicyCheck, ManyLiteralsThatCannotBeReadCostNoMoreThanOthers) {
+  // Far from done in the time of a test if the rest is copied after each.
+  std::string text;
+  for (int i = 0; i < 100000; ++i) text += "create addrset \"a\" { 99999999999999999999 };\n";
+  const Diagnostics diagnostics = checked({text});
+  ASSERT_EQ(diagnostics.errors(), 100000u);
+  const SourceText source("", text);
+  for (std::size_t i = 0; i < 100000; i += 9999) {
+    const auto [line, column] = source.place(diagnostics.all()[i].range.begin);
+    EXPECT_EQ(line, i + 1);
+    EXPECT_EQ(column, 22u);
+  }
+}
+
+TEST(PolicyCheck, GoesOnRightAfterALiteralThatCannotBeRead) {
+  const std::string number(20, '9');
+  const std::string name(256, 'n');
+  for (const std::string& bad : {number, name, "\"" + name + "\"", "\"" + name + name + "\"",
+                                 "10.0.0.1-" + number, number + "-1", "0x" + number + number}) {
+    for (const char* next : {";", " ;", ", 10.0.0.1 };", "};", "\n};"}) {
+      const std::string text = "create addrset \"a\" { " + bad + next +
+                               "\ncreate addrset \"b\" whit;\ncreate addrset \"c\" { " + bad +
+                               " };";
+      const std::vector<std::string> lines = found(text);
+      ASSERT_EQ(lines.size(), 3u) << text;
+      EXPECT_NE(lines[0].find("1:22 value: "), std::string::npos) << lines[0];
+      EXPECT_NE(lines[1].find(":20 syntax: unexpected `whit`"), std::string::npos) << lines[1];
+      EXPECT_NE(lines[2].find(":22 value: "), std::string::npos) << lines[2];
+    }
+  }
+}
+
+TEST(PolicyCheck, ALongCommentThatIsNotClosedIsOneFind) {
+  std::string text = "create addrset;\n/* ";
+  while (text.size() < 6000000) text += "/* 99999999999999999999 \" \n";
+  const std::vector<std::string> lines = found(text);
+  ASSERT_EQ(lines.size(), 2u);
+  EXPECT_EQ(lines[0], "1:15 syntax: unexpected `;`");
+  EXPECT_EQ(lines[1], "2:1 syntax: unexpected `/`");
+}
+
 }  // namespace

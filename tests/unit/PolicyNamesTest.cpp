@@ -141,12 +141,126 @@ TEST(PolicyNames, GeneratedSetsHaveTheNamesOfTheLibrary) {
 
 TEST(PolicyNames, EveryPartWithoutEffectIsNamed) {
   for (const char* statement :
-       {"debug \"xx\" 1;", "describe tcp strict;", "describe config of lb;", "describe stat of lb;",
-        "config file \"a\" save to \"b\";", "config file \"a\"; config file \"b\";"}) {
+       {"debug \"xx\" 1;", "describe tcp strict;", "config file \"a\" save to \"b\";",
+        "config file \"a\"; config file \"b\";"}) {
     EXPECT_EQ(foundOf("no-effect", statement).size(), 1u) << statement;
   }
-  EXPECT_EQ(found("debug \"dp\" 1; config device \"a\"; enable tcp strict; describe stat of kif;"),
+  EXPECT_EQ(found("debug \"dp\" 1; config device \"a\"; enable tcp strict; describe stat of kif; "
+                  "describe config of lb; describe stat of lb;"),
             Lines{});
+}
+
+/// A rule set with one rule that jumps.
+std::string jumping(const std::string& from, const std::string& to) {
+  return "create ruleset \"" + from + "\" { rule 1 in protocol any from any to any jumpto \"" + to +
+         "\"; };\n";
+}
+
+TEST(PolicyNames, OnlyJumpsThatAreLeftMakeCircles) {
+  const std::string back = jumping("b", "a");
+  const std::string sets = "create ruleset \"a\"; create ruleset \"b\"; create ruleset \"c\";\n";
+  const std::string own = sets + "set jumpto of ruleset \"a\" as \"b\";\n";
+  ASSERT_EQ(foundOf("jump-circle", jumping("a", "b") + back).size(), 1u);
+  ASSERT_EQ(foundOf("jump-circle", own + back).size(), 1u);
+  for (const std::string& text :
+       {jumping("a", "b") + "create ruleset \"a\"; " + back,
+        jumping("a", "b") + jumping("a", "c") + back,
+        jumping("a", "b") + "destroy ruleset \"a\"; create ruleset \"a\"; " + back,
+        jumping("a", "b") + "destroy all ruleset; create ruleset \"a\"; " + back,
+        jumping("a", "b") + "clear rule of ruleset \"a\"; " + back,
+        own + "set jumpto of ruleset \"a\" as \"c\"; " + back,
+        own + "clear jumpto of ruleset \"a\"; " + back,
+        own + "destroy ruleset \"a\"; create ruleset \"a\"; " + back}) {
+    EXPECT_EQ(foundOf("jump-circle", text), Lines{}) << text;
+  }
+  // The kernel keeps the jump of a rule set that is created again, and that of one that is cleared.
+  EXPECT_EQ(
+      foundOf("jump-circle", own + "create ruleset \"a\"; clear rule of ruleset \"a\"; " + back)
+          .size(),
+      1u);
+  // One that its rules have does not go with its own.
+  EXPECT_EQ(
+      foundOf("jump-circle", jumping("a", "b") + "clear jumpto of ruleset \"a\"; " + back).size(),
+      1u);
+}
+
+TEST(PolicyNames, ALongCircleIsShownByItsEnds) {
+  std::string text;
+  for (int i = 10; i < 19; ++i) text += jumping(std::to_string(i), std::to_string(i + 1));
+  EXPECT_EQ(foundOf("jump-circle", text + jumping("18", "11")),
+            (Lines{
+                "10:69 jump-circle: the jumps lead in a circle: `11`, `12`, `13`, `14`, `15`, "
+                "`16`, `17`, `18`, `11`",
+            }));
+  EXPECT_EQ(foundOf("jump-circle", text + jumping("19", "10")),
+            (Lines{"10:69 jump-circle: the jumps lead in a circle: `10`, `11`, `12`, `13`, ..., "
+                   "`16`, `17`, `18`, `19`, `10`"}));
+}
+
+TEST(PolicyNames, ASetThatIsOnlyDestroyedIsNotCreated) {
+  EXPECT_EQ(found("destroy addrset \"a\";\n"
+                  "create ruleset \"r\" { rule 1 in protocol any from \"a\" to any drop; };"),
+            (Lines{"1:17 unknown-set: the set `a` is not there when this statement is carried out",
+                   "2:50 unknown-set: nothing creates the set `a`"}));
+  HeldNames held;
+  held.names[static_cast<std::size_t>(NameKind::set)].insert("a");
+  SourceTexts sources;
+  sources.emplace_back(
+      "1", "destroy addrset \"a\"; create ruleset \"r\" { " + kRule +
+               "drop; }; create ruleset \"s\" { rule 1 in protocol any from \"a\" to any drop; };");
+  const Diagnostics diagnostics = checkTexts(sources, &held);
+  ASSERT_EQ(diagnostics.all().size(), 1u);
+  EXPECT_EQ(diagnostics.all()[0].message,
+            "nothing creates the set `a`, and the filter does not hold it");
+}
+
+TEST(PolicyNames, SetsAndContainersShareTheirNames) {
+  const std::string set = "create addrset \"a\" 10.0.0.1;\n";
+  const std::string container = "create attrprofile \"a\" with { [ APP_ID : APP_HTTP ] };\n";
+  EXPECT_EQ(found(set + container),
+            (Lines{"2:20 duplicate-name: the container `a` has the name of a set"}));
+  EXPECT_EQ(found(container + set),
+            (Lines{"2:16 duplicate-name: the set `a` has the name of a container"}));
+  EXPECT_EQ(found(container + container),
+            (Lines{"2:20 duplicate-name: the container `a` is created a second time"}));
+  EXPECT_EQ(found(container + "destroy addrset \"a\";\n" + set + "delete attrprofile \"a\";\n" +
+                  container + "destroy all addrset;\n" + set),
+            Lines{});
+  EXPECT_EQ(found("create ruleset \"a\";\n" + set), Lines{});
+  const std::string range =
+      "create ruleset \"r\" { rule 7 in protocol any from 10.0.0.1-9 to any attrprofile \"src7\" "
+      "drop; };\n";
+  EXPECT_EQ(foundOf("generated-set",
+                    "create attrprofile \"src7\" with { [ APP_ID : APP_HTTP ] };\n" + range),
+            (Lines{"2:50 generated-set: the set `src7` that is made for this range takes the place "
+                   "of a container that the text creates"}));
+}
+
+TEST(PolicyNames, OnlyTheLastRootNeedsItsLayer2RuleSet) {
+  const std::string sets = "create ruleset \"a\"; create ruleset \"b\";\n";
+  EXPECT_EQ(foundOf("missing-layer2", sets + "set root ruleset \"a\";").size(), 1u);
+  EXPECT_EQ(foundOf("missing-layer2", sets + "set root ruleset \"a\"; clear root ruleset;"),
+            Lines{});
+  EXPECT_EQ(
+      foundOf("missing-layer2", sets + "set root ruleset \"a\"; set root ruleset \"b\" and \"\";"),
+      Lines{});
+  EXPECT_EQ(foundOf("missing-layer2",
+                    sets + "create ruleset \"a_L2\"; set root ruleset \"a\"; destroy ruleset "
+                           "\"a_L2\";")
+                .size(),
+            1u);
+  EXPECT_EQ(foundOf("missing-layer2", sets + "set root ruleset \"a\"; create ruleset \"a_L2\";"),
+            Lines{});
+}
+
+TEST(PolicyNames, StatementsThatDestroyAllCostNoMoreWithManyNames) {
+  std::string text;
+  for (int i = 0; i < 20000; ++i) {
+    text += "create addrset \"a" + std::to_string(i) + "\"; " + "create ruleset \"r" +
+            std::to_string(i) + "\" { rule 1 in protocol any from any to any jumpto \"s\"; };\n";
+  }
+  for (int i = 0; i < 20000; ++i) text += "destroy all addrset; destroy all ruleset;\n";
+  EXPECT_EQ(foundOf("unused-set", text), Lines{});
 }
 
 }  // namespace

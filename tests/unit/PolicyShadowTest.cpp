@@ -178,6 +178,67 @@ TEST(PolicyShadow, TwoFiltersAndTwoRuleSetsDoNotMeet) {
   EXPECT_EQ(found("create ruleset \"a\" " + rule + "create ruleset \"b\" " + rule), Lines{});
 }
 
+TEST(PolicyShadow, SetsByWhatTheyHoldAtTheEnd) {
+  const std::string rules =
+      "create ruleset \"r\" { rule 1 in protocol tcp from any to \"s\" accept;\n"
+      "rule 2 in protocol tcp from any to 10.1.1.1 drop; };\n";
+  const std::string set = "create addrset \"s\" { 10.0.0.0/8 };\n";
+  const auto isFound = [&](const std::string& before, const std::string& after) {
+    return foundOf("shadowed-rule", before + rules + after).size() == 1;
+  };
+  EXPECT_TRUE(isFound(set, ""));
+  EXPECT_TRUE(isFound("", set));
+  EXPECT_TRUE(isFound("destroy all addrset; destroy addrset \"s\";" + set, ""));
+  EXPECT_TRUE(isFound(set, "destroy addrset \"s\";" + set));
+  EXPECT_TRUE(isFound(set, "destroy all addrset of filter \"f2\";"));
+  EXPECT_TRUE(isFound(set, "destroy addrset \"t\";"));
+  EXPECT_FALSE(isFound(set, "destroy addrset \"s\";"));
+  EXPECT_FALSE(isFound(set, "delete all from addrset \"s\";"));
+  EXPECT_FALSE(isFound(set, "destroy all addrset;"));
+  EXPECT_FALSE(isFound(set, "create addrset \"s\" { 10.2.0.0/16 };"));
+  EXPECT_FALSE(isFound(set, "create attrprofile \"s\" with { [ APP_ID : APP_HTTP ] };"));
+}
+
+TEST(PolicyShadow, AllAddressesOfAFamily) {
+  const auto rule = [](const std::string& from, const std::string& to) {
+    return "in protocol tcp from " + from + " to " + to + " accept";
+  };
+  for (const char* whole : {"0.0.0.0/0", "10.0.0.0/0", "0.0.0.0/0.0.0.0"}) {
+    EXPECT_TRUE(shadows(rule(whole, "10.0.0.5"), rule("any", "10.0.0.5"))) << whole;
+    EXPECT_TRUE(shadows(rule(whole, "any"), rule("any", "10.0.0.5"))) << whole;
+    EXPECT_TRUE(shadows(rule("any", whole), rule("10.0.0.5", "not 10.0.0.6"))) << whole;
+    EXPECT_TRUE(shadows(rule(whole, "any"), rule(whole, "\"some\""))) << whole;
+    EXPECT_FALSE(shadows(rule(whole, "any"), rule("any", "any"))) << whole;
+    EXPECT_FALSE(shadows(rule(whole, "any"), rule("any", "2001:db8::1"))) << whole;
+    EXPECT_FALSE(shadows(rule(std::string("not ") + whole, "any"), rule("10.0.0.5", "any")))
+        << whole;
+  }
+  EXPECT_TRUE(shadows(rule("::/0", "any"), rule("any", "2001:db8::1")));
+  EXPECT_FALSE(shadows(rule("::/0", "any"), rule("any", "10.0.0.5")));
+  EXPECT_FALSE(shadows("in inet protocol tcp from any to any accept",
+                       "in inet6 protocol tcp from ::/0 to any accept"));
+}
+
+TEST(PolicyShadow, ASetMayHoldAnyAddress) {
+  const std::string set = "create addrset \"every\" any;\n";
+  const auto isFound = [&](const std::string& first, const std::string& second) {
+    return foundOf("shadowed-rule", set + kSets + "create ruleset \"r\" {\nrule 1 " + first +
+                                        ";\nrule 2 " + second + ";\n};")
+               .size() == 1;
+  };
+  const std::string before = "in protocol tcp from ", after = " to any accept";
+  for (const char* narrow : {"any", "10.0.0.1", "\"some\"", "\"empty\"", "not 10.0.0.1", "\"x\""}) {
+    EXPECT_TRUE(isFound(before + "\"every\"" + after, before + narrow + after)) << narrow;
+  }
+  EXPECT_FALSE(isFound(before + "not \"every\"" + after, before + "10.0.0.1" + after));
+  EXPECT_FALSE(isFound(before + "10.0.0.0/8" + after, before + "\"every\"" + after));
+  // What it says of Ethernet addresses is not known.
+  const std::string layer2 = "in ethertype any from ";
+  EXPECT_FALSE(isFound(layer2 + "\"every\"" + after, layer2 + "00:11:22:33:44:55" + after));
+  EXPECT_TRUE(isFound(layer2 + "\"every\"" + after, layer2 + "\"every\"" + after));
+  EXPECT_FALSE(isFound(layer2 + "\"net\"" + after, layer2 + "\"some\"" + after));
+}
+
 /// Blocks as text "bits/length" in hexadecimal.
 std::string textOf(const std::vector<AddressBlock>& blocks) {
   std::string text;

@@ -1,0 +1,20 @@
+#pragma once
+
+/// Text that comes from outside, as messages show it.
+
+#include <cstddef>
+#include <span>
+#include <string>
+#include <string_view>
+
+/// The text in grave accents, cut when it is long, and without what a terminal would obey.
+std::string quotedWord(std::string_view text);
+
+/// The same without the accents and uncut. What is no UTF-8 becomes a question mark; tabs stay.
+std::string printableText(std::string_view text);
+
+/// Length of the UTF-8 character at the beginning of the text, 0 for bytes that are none.
+std::size_t characterSize(std::string_view text);
+
+/// "A, B or C".
+std::string joinedWords(std::span<const std::string> words);
