@@ -3,6 +3,8 @@
 
     layers.py FOLDER    the folder with src/, tool/, policy/, lab/ and docs/
 
+The page has a table for src/, with a column that says what is open to tool/, and one for policy/.
+
 Prints a line for each include that does not run downwards, for each file without a layer and for
 each pattern of the table that fits no file; returns 1 if there was any.
 """
@@ -12,6 +14,8 @@ import re
 import sys
 
 ROW = re.compile(r"\| *([^|]+?) *\| *((?:`[^`|]+`[, ]*)+)\| *(yes)? *\|")
+POLICY_ROW = re.compile(r"\| *([^|]+?) *\| *((?:`[^`|]+`[, ]*)+)\|()")
+HEAD = re.compile(r"\| *Layer *\| *Files in `(\w+)/` *\|")
 INCLUDE = re.compile(r'^\s*#\s*include\s*(["<])([^">]+)', re.MULTILINE)
 SOURCES = (".h", ".cpp", ".inc", ".l", ".y")
 
@@ -23,11 +27,14 @@ def stem(name):
 class Table:
     """The rows from top to bottom; a layer may have several."""
 
-    def __init__(self, path):
+    def __init__(self, path, folder, form):
         self.layers, self.rows = [], []
+        here = False
         with open(path, encoding="utf-8") as page:
             for line in page:
-                row = ROW.match(line)
+                head = HEAD.match(line)
+                here = head.group(1) == folder if head else here and line.startswith("|")
+                row = form.match(line) if here else None
                 if row is None:
                     continue
                 layer, patterns, is_open = row.groups()
@@ -66,26 +73,31 @@ def sources(root, folder):
     return found
 
 
-def check(root):
-    table = Table(os.path.join(root, "docs/architecture.md"))
-    src, tool, policy, lab = (
-        sources(root, folder) for folder in ("src", "tool", "policy", "lab"))
-    library = {stem(name) for name in src}
-    faults = []
-    for name in sorted(library):
-        if table.row(name)[0] is None:
-            faults.append(f"src/{name}: no layer in docs/architecture.md")
-    for name, included in src.items():
+def upwards(folder, found, table):
+    """Includes of a folder's files among themselves that do not run downwards; files without a layer."""
+    faults = [f"{folder}/{name}: no layer in docs/architecture.md"
+              for name in sorted({stem(name) for name in found}) if table.row(name)[0] is None]
+    for name, included in found.items():
         layer, _ = table.row(stem(name))
         for other in included:
-            if stem(other) not in library:
-                faults.append(f"src/{name} includes {other}, which is not in src/")
-                continue
-            above, _ = table.row(stem(other))
+            above, _ = table.row(stem(other)) if other in found else (None, False)
             if None in (layer, above):
                 continue
             if table.layers.index(above) < table.layers.index(layer):
-                faults.append(f"src/{name} ({layer}) includes {other} ({above}), a layer above")
+                faults.append(f"{folder}/{name} ({layer}) includes {other} ({above}), a layer above")
+    return faults
+
+
+def check(root):
+    page = os.path.join(root, "docs/architecture.md")
+    table, policy_table = Table(page, "src", ROW), Table(page, "policy", POLICY_ROW)
+    src, tool, policy, lab = (
+        sources(root, folder) for folder in ("src", "tool", "policy", "lab"))
+    library = {stem(name) for name in src}
+    faults = upwards("src", src, table)
+    for name, included in src.items():
+        faults += [f"src/{name} includes {other}, which is not in src/"
+                   for other in included if stem(other) not in library]
     for name, included in tool.items():
         for other in included:
             if other not in tool and not table.row(stem(other))[1]:
@@ -93,11 +105,13 @@ def check(root):
     for name, included in policy.items():
         faults += [f"policy/{name} includes {other}, which is not in policy/ or src/"
                    for other in included if other not in policy and stem(other) not in library]
+    faults += upwards("policy", policy, policy_table)
     for name, included in lab.items():
         faults += [f"lab/{name} includes {other}, which is not in lab/"
                    for other in included if other not in lab]
     faults += [f"docs/architecture.md: no file for {pattern}"
-               for pattern, _, _ in table.rows if pattern not in table.used]
+               for one in (table, policy_table)
+               for pattern, _, _ in one.rows if pattern not in one.used]
     return faults
 
 
