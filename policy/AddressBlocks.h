@@ -27,6 +27,7 @@ struct AddressBlock {
   bool operator==(const AddressBlock&) const = default;
 };
 
+/// For tables of blocks.
 struct AddressBlockHash {
   std::size_t operator()(const AddressBlock& block) const;
 };

@@ -18,6 +18,7 @@ struct PartChange {
   std::string after;
 };
 
+/// How something of the first state is in the second one.
 enum class Change { added, removed, changed, moved };
 
 /// One rule that is not the same in both. A rule that was changed may have been moved as well.
@@ -40,6 +41,7 @@ struct SetChange {
   bool typeChanged = false;
 };
 
+/// A rule set that is not the same in both.
 struct RuleSetChange {
   Change change;  // added, removed or changed
   std::string name;
@@ -50,12 +52,14 @@ struct RuleSetChange {
   std::size_t countOf(Change wanted) const;
 };
 
+/// The roots in both; empty for none.
 struct RootChange {
   bool changed() const { return layer3Before != layer3After || layer2Before != layer2After; }
   std::string layer3Before, layer3After;
   std::string layer2Before, layer2After;
 };
 
+/// All that differs.
 struct StateDiff {
   bool isEmpty() const { return sets.empty() && ruleSets.empty() && !root.changed(); }
 
@@ -64,6 +68,7 @@ struct StateDiff {
   RootChange root;
 };
 
+/// What would have to change for the first state to become the second.
 StateDiff differencesOf(const State& before, const State& after);
 
 /// A member of a container in words for people.

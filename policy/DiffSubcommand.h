@@ -18,4 +18,5 @@ inline constexpr char kDiffUsage[] =
     "\n"
     "Exit status: 0 no difference, 1 they differ, 2 called wrongly or failed.\n";
 
+/// 0 without differences, 1 with some. Throws `CallError` and `StateError`.
 int runDiff(int argc, char** argv);

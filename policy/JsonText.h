@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+/// One document. The caller keeps objects and arrays paired.
 class JsonText {
  public:
   explicit JsonText(std::FILE* stream) : stream_(stream) {}

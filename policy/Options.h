@@ -31,6 +31,7 @@ struct HelpWanted {};
 /// Thrown where the version was asked for.
 struct VersionWanted {};
 
+/// Reads the options of one call, then its operands.
 class OptionReader {
  public:
   /// `argv[0]` is the subcommand. One reader at a time: the C library keeps its place.

@@ -8,6 +8,7 @@
 
 #include "TarnFWRuleRecord.h"
 
+/// Ports from `low` to `high`, both included.
 struct PortRange {
   std::uint16_t low;
   std::uint16_t high;

@@ -19,4 +19,6 @@ inline constexpr char kSaveUsage[] =
     "Exit status: 0 saved, 2 called wrongly or failed, 3 something is missing; a file is not\n"
     "written then.\n";
 
+/// 0 when saved, 2 when a verification or a write failed, 3 when something can't be said. Throws
+/// `CallError` and `StateError`.
 int runSave(int argc, char** argv);

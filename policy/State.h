@@ -55,6 +55,7 @@ inline constexpr std::array<StateRules, kStateRuleKinds> kStateRuleOrder = {
 /// The kind of a rule, which follows from its action.
 StateRules stateRulesOf(const TarnFirewall::FWRule_& rule);
 
+/// A rule set: its rules by kind, and its jump.
 struct StateRuleSet {
   using Rules = std::vector<TarnFirewall::FWRule_>;
 
@@ -71,6 +72,7 @@ struct StateRuleSet {
   std::string jump;
 };
 
+/// What one filter holds.
 struct State {
   bool operator==(const State& other) const = default;
   bool isEmpty() const { return sets.empty() && ruleSets.empty() && !hasRoot(); }
