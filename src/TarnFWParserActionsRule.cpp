@@ -341,7 +341,7 @@ std::unique_ptr<CTarnFWRuleList> withRule(std::unique_ptr<CTarnFWRuleList> list,
 }
 
 std::unique_ptr<CTarnFWContainerID> containerID(const FWParserText& name) {
-  return std::make_unique<CTarnFWContainerID>(name.data);
+  return std::make_unique<CTarnFWContainerID>(asString(name));
 }
 
 }  // namespace TarnFirewall

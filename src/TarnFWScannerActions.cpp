@@ -69,6 +69,13 @@ int scanEtherPair(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text, int to
   return token;
 }
 
+/// The number of the digits at `at`, which comes to stand after them.
+std::int64_t readDigits(const char*& at) {
+  std::int64_t number = 0;
+  for (; isDigit(*at); ++at) number = 10 * number + (*at - '0');
+  return number;
+}
+
 /// A number with a sign or with more digits than 64 bits always hold. Apart from the others, which
 /// then need no room for what is kept across calls.
 [[gnu::noinline]] int scanLongDecimal(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text) {
@@ -85,6 +92,20 @@ int failRange(fw_lex_extra_* extra, const char* bound, ScannedText text) {
   errno = ERANGE;
   return fail(extra, FW_STATUS_PARSING_ERROR, "%s bound of decimal range overflows - %s", bound,
               text.data);
+}
+
+/// A range with more digits than 64 bits always hold.
+int scanLongRange(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text) {
+  const char* const end = text.data + text.length;
+  std::int64_t low = 0;
+  const auto first = std::from_chars(text.data, end, low);
+  if (first.ec != std::errc{}) return failRange(extra, "low", text);
+  std::int64_t high = 0;
+  const auto second = std::from_chars(first.ptr + 1, end, high);
+  if (second.ec != std::errc{}) return failRange(extra, "high", text);
+  errno = 0;
+  value->numberRange = {static_cast<std::uint32_t>(low), static_cast<std::uint32_t>(high)};
+  return TK_NUMBER_RANGE;
 }
 
 /// `inet_pton` of one part of a range, or the failure that names the part.
@@ -152,9 +173,8 @@ int scanIdentifier(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text) {
 
 int scanDecimal(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text) {
   if (text.length > kSafeDigits || *text.data == '-') return scanLongDecimal(extra, value, text);
-  std::int64_t number = 0;
-  for (const char* at = text.data; isDigit(*at); ++at) number = 10 * number + (*at - '0');
-  value->number = number;
+  const char* at = text.data;
+  value->number = readDigits(at);
   errno = 0;
   return TK_NUMBER;
 }
@@ -171,13 +191,10 @@ int scanHexadecimal(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text) {
 }
 
 int scanRange(fw_lex_extra_* extra, YYSTYPE* value, ScannedText text) {
-  const char* const end = text.data + text.length;
-  std::int64_t low = 0;
-  const auto first = std::from_chars(text.data, end, low);
-  if (first.ec != std::errc{}) return failRange(extra, "low", text);
-  std::int64_t high = 0;
-  const auto second = std::from_chars(first.ptr + 1, end, high);
-  if (second.ec != std::errc{}) return failRange(extra, "high", text);
+  if (text.length > kSafeDigits) return scanLongRange(extra, value, text);
+  const char* at = text.data;
+  const std::int64_t low = readDigits(at);
+  const std::int64_t high = readDigits(++at);
   errno = 0;
   value->numberRange = {static_cast<std::uint32_t>(low), static_cast<std::uint32_t>(high)};
   return TK_NUMBER_RANGE;
