@@ -75,6 +75,9 @@ class FuzzHost {
   std::string err() const;
   static constexpr std::size_t kMaxText = 1 << 20;
 
+  /// After so many calls all that follow fail, so that a count that the kernel made up ends.
+  static constexpr unsigned int kMaxCalls = 4096;
+
   /// Calls of devices, files and sockets so far.
   unsigned int calls() const { return calls_; }
 
