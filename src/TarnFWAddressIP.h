@@ -177,16 +177,16 @@ class CTarnFWAddressIPCIDR : public CTarnFWAddressIP<Family> {
 
   /// Throws `CInvalidAddressException` for a prefix that is too long.
   CTarnFWAddressIPCIDR(const Address& address, unsigned char prefix, bool negated)
-      : Base(negated), address_(address), prefix_(prefix) {
-    makeMask();
+      : Base(negated), prefix_(prefix), address_(address) {
+    checkPrefix();
   }
 
   /// Throws `CInvalidAddressException` for a prefix that is too long.
   explicit CTarnFWAddressIPCIDR(const FWAddress_* record)
       : Base(*record),
-        address_(Base::load(record->value)),
-        prefix_(record->value[sizeof(Address)]) {
-    makeMask();
+        prefix_(record->value[sizeof(Address)]),
+        address_(Base::load(record->value)) {
+    checkPrefix();
   }
 
   int getType() const final { return Type; }
@@ -197,23 +197,29 @@ class CTarnFWAddressIPCIDR : public CTarnFWAddressIP<Family> {
     return this->negated_;
   }
   bool getAddress(Address* address, unsigned char* prefix, Address* mask) const {
-    *mask = mask_;
+    *mask = this->mask();
     return getAddress(address, prefix);
   }
 
  private:
   bool readMask(std::string_view text) {
     if (text.find(Family::maskMark) != text.npos) {
-      return Base::read(text, &mask_) && Family::mask2prefix(mask_, &prefix_);
+      Address mask;
+      return Base::read(text, &mask) && Family::mask2prefix(mask, &prefix_);
     }
-    return Family::str2prefix(text, &prefix_) && Family::prefix2mask(prefix_, &mask_);
+    return Family::str2prefix(text, &prefix_);
   }
 
-  void makeMask() {
+  void checkPrefix() const {
     if (prefix_ > Family::maxPrefix) {
       throw CInvalidAddressException(Family::invalidPrefix, prefix_);
     }
-    Family::prefix2mask(prefix_, &mask_);
+  }
+
+  Address mask() const {
+    Address mask{};
+    Family::prefix2mask(prefix_, &mask);
+    return mask;
   }
 
   void appendValue(std::string& text) const final {
@@ -226,15 +232,14 @@ class CTarnFWAddressIPCIDR : public CTarnFWAddressIP<Family> {
   void storeValue(typename Base::ValueArea value) const final {
     std::uint8_t mask[sizeof(Address)];
     Base::store(value.data(), address_);
-    Base::store(mask, mask_);
+    Base::store(mask, this->mask());
     for (std::size_t i = 0; i < sizeof mask; ++i) value[i] &= mask[i];
     value[sizeof(Address)] = prefix_;
   }
 
  protected:
-  Address address_;
   unsigned char prefix_;
-  Address mask_;
+  Address address_;
 };
 
 }  // namespace TarnFirewall

@@ -40,6 +40,7 @@ CTarnFWAddressList::CTarnFWAddressList(const FWAddrSetID_t& id, const FWAddress_
     addresses_.push_back(std::move(address));
     place += used;
   }
+  count_ = count;
 }
 
 bool CTarnFWAddressList::accepts(int type) const {
@@ -69,6 +70,7 @@ bool CTarnFWAddressList::accepts(int type) const {
 void CTarnFWAddressList::keep(std::unique_ptr<CTarnFWAddress> address) {
   if (borrowed_) owned_.push_back(address.get());
   addresses_.push_back(std::move(address));
+  ++count_;
 }
 
 CTarnFWAddressList::Taken CTarnFWAddressList::add(const CTarnFWAddress* address) {
@@ -98,7 +100,10 @@ CTarnFWAddressList::Taken CTarnFWAddressList::add(const CTarnFWAddress* address)
 
 bool CTarnFWAddressList::addAddress(CTarnFWAddress* address) {
   const Taken taken = add(address);
-  if (taken == Taken::yes) addresses_.emplace_back().reset(address);
+  if (taken == Taken::yes) {
+    addresses_.emplace_back().reset(address);
+    ++count_;
+  }
   return taken != Taken::no;
 }
 
@@ -108,16 +113,34 @@ bool CTarnFWAddressList::addAddress(std::unique_ptr<CTarnFWAddress> address) {
   return taken != Taken::no;
 }
 
+void CTarnFWAddressList::addBlocks(std::unique_ptr<CTarnFWAddressBlocks> blocks) {
+  const std::size_t count = count_ + blocks->getCount();
+  if (blocks->areIPv6()) hasIPv6_ = true;
+  if (!isFull()) keep(std::move(blocks));
+  count_ = count;
+}
+
 std::vector<std::unique_ptr<CTarnFWAddress>> CTarnFWAddressList::takeAddresses() {
-  if (unkept_ != 0) static_cast<void>(getMsgSize());
-  return std::exchange(addresses_, {});
+  static_cast<void>(getMsgSize());
+  const bool hasBlocks = std::exchange(count_, 0) != addresses_.size();
+  std::vector<Member> members = std::exchange(addresses_, {});
+  if (!hasBlocks) return members;
+  std::vector<Member> all;
+  for (Member& member : members) {
+    if (member->getType() == FW_ADDRESS_LIST) {
+      for (Member& block : static_cast<CTarnFWAddressBlocks&>(*member).makeAddresses()) {
+        all.push_back(std::move(block));
+      }
+    } else {
+      all.push_back(std::move(member));
+    }
+  }
+  return all;
 }
 
 int CTarnFWAddressList::getType() const { return FW_ADDRESS_LIST; }
 
-unsigned int CTarnFWAddressList::getMsgSize() const {
-  return getMsgSize(addresses_.size() + unkept_);
-}
+unsigned int CTarnFWAddressList::getMsgSize() const { return getMsgSize(count_); }
 
 unsigned int CTarnFWAddressList::getMsgSize(std::size_t count) {
   if (!itemsFit(count, sizeof(FWAddress_), std::numeric_limits<unsigned int>::max())) {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "TarnFWAddress.h"
+#include "TarnFWAddressBlocks.h"
 #include "TarnFWLoadMemory.h"
 #include "TarnFWTypes.h"
 
@@ -46,27 +47,32 @@ class CTarnFWAddressList : public CTarnFWAddress {
   /// The same for a list that owns its members. An address that is not kept is destroyed.
   bool addAddress(std::unique_ptr<CTarnFWAddress> address);
 
+  /// Adds the blocks of a range at the end, as one member. The set is not one of MAC addresses.
+  void addBlocks(std::unique_ptr<CTarnFWAddressBlocks> blocks);
+
   /// True when a message holds no more addresses than the list has. What is added then is judged
   /// and counted and not kept, so that it costs no memory; `getMsgSize` throws for its sake.
-  bool isFull() const { return addresses_.size() >= kMostMembers; }
+  bool isFull() const { return count_ >= kMostAddresses; }
 
   /// What `addAddress` does with an address of an IP set when the list is full.
-  void count() { ++unkept_; }
+  void count() { ++count_; }
 
+  /// The members; one of them may be the blocks of a range.
   std::span<const Member> getAddresses() const { return addresses_; }
+  /// The addresses, each block of a range and each that was only counted included.
+  std::size_t getAddressCount() const { return count_; }
   const FWAddrSetID_t& getSetID() const { return id_; }
 
   /// True when `addAddress` has taken an IPv6 address.
   bool hasIPv6() const { return hasIPv6_; }
 
-  /// Hands the members of an owning list to the caller and leaves the list empty. Throws
-  /// `CIntegerOverflowException` where some were only counted.
+  /// Hands the addresses of an owning list to the caller and leaves the list empty. Throws
+  /// `CIntegerOverflowException` where some were not kept.
   std::vector<std::unique_ptr<CTarnFWAddress>> takeAddresses();
 
   int getType() const override;
 
-  /// 144 for each member and for each that was counted. Throws `CIntegerOverflowException` where
-  /// that needs more than 32 bits.
+  /// 144 for each address. Throws `CIntegerOverflowException` where that needs more than 32 bits.
   unsigned int getMsgSize() const override;
   static unsigned int getMsgSize(std::size_t count);
 
@@ -88,7 +94,7 @@ class CTarnFWAddressList : public CTarnFWAddress {
                      bool (*belongs)(int type));
 
  private:
-  static constexpr std::size_t kMostMembers = 0xffffffff / sizeof(FWAddress_);
+  static constexpr std::size_t kMostAddresses = 0xffffffff / sizeof(FWAddress_);
 
   enum class Taken { no, yes, replaced, counted };
   /// What becomes of an address. Where it is replaced, that has been done. Log lines have its name.
@@ -98,7 +104,7 @@ class CTarnFWAddressList : public CTarnFWAddress {
 
   std::vector<Member> addresses_;
   std::vector<const CTarnFWAddress*> owned_;  // the members of a borrowed list that are its own
-  std::size_t unkept_ = 0;                    // added when the list was full
+  std::size_t count_ = 0;                     // addresses, kept or not
   CTarnFWLoadMemory* memory_ = nullptr;
   FWAddrSetID_t id_;
   bool hasIPv6_ = false;

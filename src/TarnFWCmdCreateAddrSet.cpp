@@ -62,16 +62,21 @@ std::string CTarnFWCmdCreateAddrSet::toString() const {
 }
 
 bool CTarnFWCmdCreateAddrSet::writeEntries(void* buffer, unsigned int room, unsigned int* written) {
-  if (list_->getAddresses().empty()) return true;
   // Addresses leave the bytes of their records that they do not use as they stand.
   std::memset(buffer, 0, std::min(room, entriesSize()));
+  return writeFreshEntries(buffer, room, written);
+}
+
+bool CTarnFWCmdCreateAddrSet::writeFreshEntries(void* buffer, unsigned int room,
+                                                unsigned int* written) {
+  if (list_->getAddresses().empty()) return true;
   return list_->toMessage(buffer, room, written);
 }
 
 void CTarnFWCmdCreateAddrSet::fillHead(std::span<std::byte> head) const {
   FWAddrSetHead_ record{};
   record.name = id_;
-  record.count = static_cast<std::uint32_t>(list_->getAddresses().size());
+  record.count = static_cast<std::uint32_t>(list_->getAddressCount());
   record.type = kAddressSet;
   record.size = list_->getMsgSize();
   record.flags = kRequestFlags;

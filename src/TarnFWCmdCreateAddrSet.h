@@ -33,6 +33,7 @@ class CTarnFWCmdCreateAddrSet final : public CTarnFWCreateCmd {
  private:
   unsigned int entriesSize() const override { return list_->getMsgSize(); }
   bool writeEntries(void* buffer, unsigned int room, unsigned int* written) override;
+  bool writeFreshEntries(void* buffer, unsigned int room, unsigned int* written) override;
   void fillHead(std::span<std::byte> head) const override;
 
   FWAddrSetID_t id_;

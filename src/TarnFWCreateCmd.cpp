@@ -16,8 +16,7 @@ unsigned int CTarnFWCreateCmd::getMsgSize() const {
   return layout_.head + entries;
 }
 
-bool CTarnFWCreateCmd::writeCmdBody(void* body, unsigned int room, unsigned int* written,
-                                    unsigned int) {
+bool CTarnFWCreateCmd::writeBody(void* body, unsigned int room, unsigned int* written, bool fresh) {
   const unsigned int size = getMsgSize();
   if (size > room) {
     refused(room);
@@ -29,9 +28,22 @@ bool CTarnFWCreateCmd::writeCmdBody(void* body, unsigned int room, unsigned int*
   storeAt(head, layout_.flags, kRequestFlags);
   fillHead(head);
   unsigned int entries = 0;
-  if (!writeEntries(bytes + layout_.head, room - layout_.head, &entries)) return false;
+  std::byte* const place = bytes + layout_.head;
+  const unsigned int left = room - layout_.head;
+  if (!(fresh ? writeFreshEntries(place, left, &entries) : writeEntries(place, left, &entries))) {
+    return false;
+  }
   *written = layout_.head + entries;
   return true;
+}
+
+bool CTarnFWCreateCmd::writeCmdBody(void* body, unsigned int room, unsigned int* written,
+                                    unsigned int) {
+  return writeBody(body, room, written, false);
+}
+
+bool CTarnFWCreateCmd::writeFreshBody(void* body, unsigned int room, unsigned int* written) {
+  return writeBody(body, room, written, true);
 }
 
 void CTarnFWCreateCmd::checkCmdReply(const void* reply, unsigned int size) {

@@ -40,11 +40,19 @@ class CTarnFWCreateCmd : public CTarnFWCmd {
       : CTarnFWCmd(port), layout_(layout), number_(number) {}
 
  private:
+  bool writeBody(void* body, unsigned int room, unsigned int* written, bool fresh);
+  bool writeFreshBody(void* body, unsigned int room, unsigned int* written) final;
+
   /// Bytes of the entries.
   virtual unsigned int entriesSize() const = 0;
 
   /// Writes the entries, every byte of them, into memory that may hold anything; `*written` bytes.
   virtual bool writeEntries(void* buffer, unsigned int room, unsigned int* written) = 0;
+
+  /// The same into memory that is zero.
+  virtual bool writeFreshEntries(void* buffer, unsigned int room, unsigned int* written) {
+    return writeEntries(buffer, room, written);
+  }
 
   /// Fills the zeroed head, in which the flags of a request are set already.
   virtual void fillHead(std::span<std::byte> head) const = 0;

@@ -2,6 +2,7 @@
 
 #include "TarnFWAddrSetID.h"
 #include "TarnFWAddressAttr.h"
+#include "TarnFWAddressBlocks.h"
 #include "TarnFWAddressConvert.h"
 #include "TarnFWAddressEther.h"
 #include "TarnFWAddressEtherMask.h"
@@ -127,15 +128,22 @@ bool IPv6Range2CIDR_Callback(void* list, in6_addr address, unsigned int prefix) 
 }
 
 bool addBlocksOfRange(CTarnFWAddressList& list, const CTarnFWAddress& range) {
+  unsigned int count = 0;
   if (range.getType() == FW_ADDRESS_IPV4_RANGE) {
     in_addr first, last;
     static_cast<const CTarnFWAddressIPv4Range&>(range).getAddress(&first, &last);
-    return ipv4range2cidr(first, last, &list, IPv4Range2CIDR_Callback);
+    CTarnFWAddressIPv4Blocks::countOf(first, last, &count);
+    if (count < 2) return ipv4range2cidr(first, last, &list, IPv4Range2CIDR_Callback);
+    list.addBlocks(list.make<CTarnFWAddressIPv4Blocks>(first, last, count));
+    return true;
   }
   if (range.getType() == FW_ADDRESS_IPV6_RANGE) {
     in6_addr first, last;
     static_cast<const CTarnFWAddressIPv6Range&>(range).getAddress(&first, &last);
-    return ipv6range2cidr(first, last, &list, IPv6Range2CIDR_Callback);
+    CTarnFWAddressIPv6Blocks::countOf(first, last, &count);
+    if (count < 2) return ipv6range2cidr(first, last, &list, IPv6Range2CIDR_Callback);
+    list.addBlocks(list.make<CTarnFWAddressIPv6Blocks>(first, last, count));
+    return true;
   }
   return false;
 }

@@ -59,7 +59,8 @@ std::unique_ptr<CTarnFWCmd> createRuleIPRangeCmd(const FWParse& parse, const dvs
 }
 
 bool isRange(const CTarnFWAddress& address) {
-  return address.getType() == FW_ADDRESS_IPV4_RANGE || address.getType() == FW_ADDRESS_IPV6_RANGE;
+  const int type = address.getType();
+  return type == FW_ADDRESS_IPV4_RANGE || type == FW_ADDRESS_IPV6_RANGE;
 }
 
 /// Replaces a range by a set named "`word``id`", created ahead of the statement.
@@ -89,8 +90,8 @@ void replaceTargetRange(const FWParse& parse, std::uint32_t id, CTarnFWRuleActio
   (*parse.cmdList)->addCmd(std::move(command));
 }
 
-CTarnFWProtocol ruleProtocol(const FWParserProtocol& protocol) {
-  if (!protocol.defined) return CTarnFWProtocol(protocol.layer);
+CTarnFWProtocolMatch ruleProtocol(const FWParserProtocol& protocol) {
+  if (!protocol.defined) return CTarnFWProtocolMatch(protocol.layer);
   return {protocol.layer, protocol.number, protocol.negated};
 }
 
@@ -99,14 +100,15 @@ CTarnFWProtocolSpecList connectionSpecs(std::unique_ptr<CTarnFWProtocolSpecList>
   return std::move(*specs);
 }
 
-/// The ports of one end, turned to its direction.
-CTarnFWProtocolSpecList portSpecs(std::unique_ptr<CTarnFWProtocolSpec> ports,
-                                  FWProtocolSpecDir dir) {
-  CTarnFWProtocolSpecList list(dir);
-  if (ports == nullptr) return list;
-  ports->setDir(dir);
-  list.setSpec(std::move(ports));
-  return list;
+/// Null for a rule that has none of them.
+std::unique_ptr<FWRuleExtras> ruleExtras(FWParserRule& rule) {
+  if (rule.extendedSource == nullptr && rule.attributeProfile == nullptr && rule.tag.length == 0)
+    return nullptr;
+  auto extras = std::make_unique<FWRuleExtras>();
+  extras->extendedSource = std::move(rule.extendedSource);
+  extras->attributeProfile = std::move(rule.attributeProfile);
+  extras->tag = FWRuleTag({rule.tag.data, rule.tag.length});
+  return extras;
 }
 
 FWRuleParts ruleParts(FWParserRule& rule, std::uint32_t id, std::uint32_t position) {
@@ -116,13 +118,11 @@ FWRuleParts ruleParts(FWParserRule& rule, std::uint32_t id, std::uint32_t positi
           .protocol = ruleProtocol(rule.protocol),
           .connection = connectionSpecs(std::move(rule.connection)),
           .source = std::move(rule.source),
-          .sourcePorts = portSpecs(std::move(rule.sourcePorts), FW_SPEC_DIR_SOURCE),
+          .sourcePorts = {FW_SPEC_DIR_SOURCE, std::move(rule.sourcePorts)},
           .destination = std::move(rule.destination),
-          .destinationPorts = portSpecs(std::move(rule.destinationPorts), FW_SPEC_DIR_DESTINATION),
+          .destinationPorts = {FW_SPEC_DIR_DESTINATION, std::move(rule.destinationPorts)},
           .action = std::move(rule.action),
-          .extendedSource = std::move(rule.extendedSource),
-          .attributeProfile = std::move(rule.attributeProfile),
-          .tag = FWRuleTag({rule.tag.data, rule.tag.length})};
+          .extras = ruleExtras(rule)};
 }
 
 std::unique_ptr<CTarnFWRule> assembleRule(const FWParse& parse, FWParserRule& rule,

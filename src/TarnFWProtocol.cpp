@@ -54,21 +54,21 @@ bool appendName(std::string& text, unsigned short number) {
 
 }  // namespace
 
-CTarnFWProtocol::CTarnFWProtocol(bool defined, unsigned short number, FWProtocolLayer layer,
-                                 bool negated)
+CTarnFWProtocolMatch::CTarnFWProtocolMatch(bool defined, unsigned short number,
+                                           FWProtocolLayer layer, bool negated)
     : number_(number), layer_(layer), negated_(negated), defined_(defined) {
   if (!defined && negated)
     throw CUnsupportedException("protocol is not defined but not protocol flag is set");
 }
 
-void CTarnFWProtocol::setProtocol(unsigned short number, bool negated) {
+void CTarnFWProtocolMatch::setProtocol(unsigned short number, bool negated) {
   number_ = number;
   negated_ = negated;
   defined_ = true;
 }
 
-void CTarnFWProtocol::appendWith(std::string& text, const char* protocolWord,
-                                 const char* ethertypeWord) const {
+void CTarnFWProtocolMatch::appendWith(std::string& text, const char* protocolWord,
+                                      const char* ethertypeWord) const {
   if (negated_) text += "not ";
   text += isLayer3() ? protocolWord : ethertypeWord;
   if (!defined_) {
@@ -82,7 +82,7 @@ void CTarnFWProtocol::appendWith(std::string& text, const char* protocolWord,
   }
 }
 
-void CTarnFWProtocol::appendTo(std::string& text) const {
+void CTarnFWProtocolMatch::appendTo(std::string& text) const {
   appendWith(text, "protocol", "ethertype");
 }
 
@@ -92,7 +92,7 @@ std::string CTarnFWProtocol::toString() const {
   return text;
 }
 
-std::string CTarnFWProtocol::toString2() const {
+std::string CTarnFWProtocolMatch::toString2() const {
   std::string text;
   appendWith(text, "Protocol :", "Ethertype :");
   return text;

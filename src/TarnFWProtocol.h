@@ -19,27 +19,20 @@ constexpr FWProtocolLayer protocolLayer(bool layer3) {
 }
 
 /// What a rule matches above its addresses: one IP protocol (layer 3) or one ethertype (layer 2),
-/// or any of them. It has no wire form of its own: the rule record holds its number and flags.
-class CTarnFWProtocol final : public ITarnFWObject {
+/// or any of them. A plain value, as rules keep it.
+class CTarnFWProtocolMatch {
  public:
-  static constexpr int kType = 19;
-
   /// Any protocol of the layer.
-  explicit CTarnFWProtocol(FWProtocolLayer layer) : layer_(layer) {}
+  explicit CTarnFWProtocolMatch(FWProtocolLayer layer) : layer_(layer) {}
 
   /// One protocol, or every other.
-  CTarnFWProtocol(FWProtocolLayer layer, unsigned short number, bool negated)
+  CTarnFWProtocolMatch(FWProtocolLayer layer, unsigned short number, bool negated)
       : number_(number), layer_(layer), negated_(negated), defined_(true) {}
 
   /// Either. Throws CUnsupportedException when negated without being defined.
-  CTarnFWProtocol(bool defined, unsigned short number, FWProtocolLayer layer, bool negated);
+  CTarnFWProtocolMatch(bool defined, unsigned short number, FWProtocolLayer layer, bool negated);
 
-  unsigned int getMsgSize() const override { return 0; }
-  int getType() const override { return kType; }
-  std::string toString() const override;
-  void appendTo(std::string& text) const override;
-  /// Writes nothing and reports 0 bytes.
-  bool toMessage(void* buffer, unsigned int size, unsigned int* written) override;
+  void appendTo(std::string& text) const;
 
   /// The labelled form, with "Protocol :" or "Ethertype :" as its word.
   std::string toString2() const;
@@ -63,6 +56,22 @@ class CTarnFWProtocol final : public ITarnFWObject {
   FWProtocolLayer layer_;
   bool negated_ = false;
   bool defined_ = false;
+};
+
+/// The same as an object. It has no wire form of its own: the rule record holds its number and
+/// flags.
+class CTarnFWProtocol final : public ITarnFWObject, public CTarnFWProtocolMatch {
+ public:
+  static constexpr int kType = 19;
+
+  using CTarnFWProtocolMatch::CTarnFWProtocolMatch;
+
+  unsigned int getMsgSize() const override { return 0; }
+  int getType() const override { return kType; }
+  std::string toString() const override;
+  void appendTo(std::string& text) const override { CTarnFWProtocolMatch::appendTo(text); }
+  /// Writes nothing and reports 0 bytes.
+  bool toMessage(void* buffer, unsigned int size, unsigned int* written) override;
 };
 
 }  // namespace TarnFirewall

@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <string>
 
 #include "TarnFWObject.h"
@@ -60,7 +59,6 @@ class CTarnFWProtocolSpec : public ITarnFWObject {
 
   std::uint8_t dir_;
   bool negated_;
-  std::unique_ptr<CTarnFWProtocolSpec> next_;  // in the list that holds this spec
 };
 
 }  // namespace TarnFirewall

@@ -1,5 +1,6 @@
 #include "TarnFWProtocolSpecList.h"
 
+#include <iterator>
 #include <span>
 
 #include "TarnFWException.h"
@@ -32,7 +33,7 @@ void writeSpec(CTarnFWProtocolSpec& spec, FWSpecHeader_& header, std::span<std::
 
 void CTarnFWProtocolSpecList::appendTo(std::string& text) const {
   if (!first_) return;
-  if (!first_->next_) {
+  if (rest_.empty()) {
     first_->appendTo(text);
     return;
   }
@@ -50,38 +51,59 @@ void CTarnFWProtocolSpecList::setDir(unsigned char dir) {
   forEach([dir](CTarnFWProtocolSpec& spec) { spec.setDir(dir); });
 }
 
-void CTarnFWProtocolSpecList::claimKind(const CTarnFWProtocolSpec& spec) {
-  const std::uint32_t bit = std::uint32_t{1} << (spec.getType() - kFirstType);
-  if ((kinds_ & bit) != 0) throw CDuplicateProtocolSpecException(spec.getType());
-  kinds_ |= bit;
+void CTarnFWProtocolSpecList::refuseSecondOfAKind(const CTarnFWProtocolSpec& spec) const {
+  if (((kinds_.held | kinds_.taken) & kindOf(spec)) != 0)
+    throw CDuplicateProtocolSpecException(spec.getType());
 }
 
-std::unique_ptr<CTarnFWProtocolSpec>& CTarnFWProtocolSpecList::end() {
-  auto* place = &first_;
-  while (*place) place = &(*place)->next_;
-  return *place;
+void CTarnFWProtocolSpecList::append(Member spec) {
+  const std::uint16_t kind = kindOf(*spec);
+  if (!first_) {
+    first_ = std::move(spec);
+  } else {
+    auto last = rest_.before_begin();
+    while (std::next(last) != rest_.end()) ++last;
+    rest_.insert_after(last, std::move(spec));
+  }
+  kinds_.held |= kind;
 }
 
 void CTarnFWProtocolSpecList::addSpec(std::unique_ptr<CTarnFWProtocolSpec> spec) {
-  claimKind(*spec);
-  end() = std::move(spec);
+  refuseSecondOfAKind(*spec);
+  append(std::move(spec));
 }
 
 std::unique_ptr<CTarnFWProtocolSpec> CTarnFWProtocolSpecList::deleteSpec(
     FWProtocolSpecType_t kind) {
-  auto* place = &first_;
-  while (*place && (*place)->getSpecType() != kind) place = &(*place)->next_;
-  if (!*place) return nullptr;
+  Member spec;
+  if (first_ && first_->getSpecType() == kind) {
+    spec = takeFirst();
+  } else {
+    auto before = rest_.before_begin();
+    while (std::next(before) != rest_.end() && (*std::next(before))->getSpecType() != kind)
+      ++before;
+    if (std::next(before) == rest_.end()) return nullptr;
+    spec = std::move(*std::next(before));
+    rest_.erase_after(before);
+    markTaken(*spec);
+  }
   TARNFW_TRACE(FW_COMPONENT_PROTOCOL, 0, "Remove protocol spec %d\n\n", static_cast<int>(kind));
-  std::unique_ptr<CTarnFWProtocolSpec> spec = std::move(*place);
-  *place = std::move(spec->next_);
   return spec;
 }
 
 std::unique_ptr<CTarnFWProtocolSpec> CTarnFWProtocolSpecList::takeFirst() {
-  std::unique_ptr<CTarnFWProtocolSpec> spec = std::move(first_);
-  if (spec) first_ = std::move(spec->next_);
+  Member spec = std::move(first_);
+  if (!rest_.empty()) {
+    first_ = std::move(rest_.front());
+    rest_.pop_front();
+  }
+  if (spec) markTaken(*spec);
   return spec;
+}
+
+void CTarnFWProtocolSpecList::markTaken(const CTarnFWProtocolSpec& spec) {
+  kinds_.held = static_cast<std::uint16_t>(kinds_.held & ~kindOf(spec));
+  kinds_.taken |= kindOf(spec);
 }
 
 unsigned int CTarnFWProtocolSpecList::getSpecCount(FWProtocolSpecType_t kind) const {
@@ -92,16 +114,10 @@ unsigned int CTarnFWProtocolSpecList::getSpecCount(FWProtocolSpecType_t kind) co
   return count;
 }
 
-std::uint32_t CTarnFWProtocolSpecList::kindsOfMembers() const {
-  std::uint32_t kinds = 0;
-  forEach([&](const CTarnFWProtocolSpec& spec) { kinds |= 1u << spec.getSpecType(); });
-  return kinds;
-}
-
 void CTarnFWProtocolSpecList::mergeSpecList(CTarnFWProtocolSpecList& other) {
   while (other.first_) {
-    claimKind(*other.first_);
-    end() = other.takeFirst();
+    refuseSecondOfAKind(*other.first_);
+    append(other.takeFirst());
   }
 }
 

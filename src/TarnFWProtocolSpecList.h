@@ -1,5 +1,6 @@
 #pragma once
 
+#include <forward_list>
 #include <memory>
 #include <utility>
 
@@ -19,18 +20,28 @@ class CTarnFWProtocolSpecList final : public CTarnFWProtocolSpec {
   /// An empty list, port mode off. Throws CInvalidProtocolSpecDirException for a dir above 2.
   explicit CTarnFWProtocolSpecList(unsigned char dir) : CTarnFWProtocolSpec(dir, false) {}
 
+  /// A list of one member, or an empty one for null, whose member is turned to the list's dir.
+  CTarnFWProtocolSpecList(unsigned char dir, std::unique_ptr<CTarnFWProtocolSpec> only)
+      : CTarnFWProtocolSpecList(dir) {
+    if (only == nullptr) return;
+    only->setDir(dir);
+    setSpec(std::move(only));
+  }
+
   /// What is moved from is empty, and all kinds can be added to it again.
   CTarnFWProtocolSpecList(CTarnFWProtocolSpecList&& other) noexcept
       : CTarnFWProtocolSpec(other.getDir(), other.isNegated()),
         portMode_(other.portMode_),
-        kinds_(std::exchange(other.kinds_, 0)),
-        first_(std::move(other.first_)) {}
+        kinds_(std::exchange(other.kinds_, Kinds{})),
+        first_(std::move(other.first_)),
+        rest_(std::move(other.rest_)) {}
   CTarnFWProtocolSpecList& operator=(CTarnFWProtocolSpecList&& other) noexcept {
     dir_ = other.dir_;
     negated_ = other.negated_;
     portMode_ = other.portMode_;
     first_ = std::move(other.first_);
-    kinds_ = std::exchange(other.kinds_, 0);
+    rest_ = std::move(other.rest_);
+    kinds_ = std::exchange(other.kinds_, Kinds{});
     return *this;
   }
 
@@ -43,9 +54,14 @@ class CTarnFWProtocolSpecList final : public CTarnFWProtocolSpec {
   /// Throws CDuplicateProtocolSpecException when two members want the same place; nothing is
   /// written then.
   bool toMessage(void* buffer, unsigned int size, unsigned int* written) override;
-  /// Writes the ports into a cleared block, in any mode. Throws as `toMessage`; something may be
-  /// written then.
+  /// Write the ports, or all else, into a cleared block, in any mode. Throw as `toMessage`;
+  /// something may be written then.
   void writePorts(FWPortBlock_& block) const;
+  void writeSession(FWSessionBlock_& block) const;
+  /// Whether no two members want the same place, so that these two don't throw.
+  bool hasAPlaceForEach() const {
+    return atMostOne(kinds_.held & kPortKinds) && atMostOne(kinds_.held & kFlagKinds);
+  }
 
   /// Of the list and each member.
   void setDir(unsigned char dir) override;
@@ -65,8 +81,8 @@ class CTarnFWProtocolSpecList final : public CTarnFWProtocolSpec {
 
   /// Makes this spec the only member; null makes the list empty. All other kinds can be added.
   void setSpec(std::unique_ptr<CTarnFWProtocolSpec> spec) {
-    kinds_ = 0;
-    if (spec) claimKind(*spec);
+    clear();
+    if (spec) kinds_.held = kindOf(*spec);
     first_ = std::move(spec);
   }
 
@@ -76,35 +92,52 @@ class CTarnFWProtocolSpecList final : public CTarnFWProtocolSpec {
   /// Back to an empty list to which all kinds can be added.
   void clear() {
     first_.reset();
-    kinds_ = 0;
+    rest_.clear();
+    kinds_ = {};
   }
 
   bool empty() const { return !first_; }
 
   /// The kinds of the members, a bit each: `1 << kind`.
-  std::uint32_t getKinds() const { return first_ ? kindsOfMembers() : 0; }
-
-  /// Takes the first member out; null when there is none.
-  std::unique_ptr<CTarnFWProtocolSpec> takeFirst();
+  std::uint32_t getKinds() const { return kinds_.held; }
 
   /// Moves the members of `other` to this list's end. On CDuplicateProtocolSpecException the member
   /// in question and those after it stay in `other`.
   void mergeSpecList(CTarnFWProtocolSpecList& other);
 
  private:
-  std::uint32_t kindsOfMembers() const;
-  void claimKind(const CTarnFWProtocolSpec& spec);
-  std::unique_ptr<CTarnFWProtocolSpec>& end();
+  using Member = std::unique_ptr<CTarnFWProtocolSpec>;
+
+  /// Kinds that share a place in the record.
+  static constexpr unsigned int kPortKinds =
+      1u << FW_SPEC_L4_PORT | 1u << FW_SPEC_L4_PORT_RANGE | 1u << FW_SPEC_L4_PORT_SET;
+  static constexpr unsigned int kFlagKinds = 1u << FW_SPEC_TCP_FLAGS | 1u << FW_SPEC_ICMP_TYPE;
+  static constexpr bool atMostOne(unsigned int kinds) { return (kinds & (kinds - 1)) == 0; }
+
+  /// A bit each, `1 << kind`.
+  struct Kinds {
+    std::uint16_t held = 0;   // of the members
+    std::uint16_t taken = 0;  // of those that were taken out
+  };
+
+  static std::uint16_t kindOf(const CTarnFWProtocolSpec& spec) {
+    return static_cast<std::uint16_t>(1u << spec.getSpecType());
+  }
+  void refuseSecondOfAKind(const CTarnFWProtocolSpec& spec) const;
+  void append(Member spec);
+  /// Takes the first member out; null when there is none.
+  Member takeFirst();
+  void markTaken(const CTarnFWProtocolSpec& spec);
   template <typename Action>
   void forEach(Action action) const {
-    for (CTarnFWProtocolSpec* spec = first_.get(); spec != nullptr; spec = spec->next_.get())
-      action(*spec);
+    if (first_) action(*first_);
+    for (const Member& spec : rest_) action(*spec);
   }
-  void writeSession(FWSessionBlock_& block) const;
 
   bool portMode_ = false;
-  std::uint32_t kinds_ = 0;                     // bit: object type of a member less kFirstType
-  std::unique_ptr<CTarnFWProtocolSpec> first_;  // the others hang on it: most lists have one
+  Kinds kinds_;
+  Member first_;                    // most lists have no other
+  std::forward_list<Member> rest_;  // in order, those after it
 };
 
 }  // namespace TarnFirewall

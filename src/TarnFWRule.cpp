@@ -21,6 +21,9 @@ namespace {
 constexpr SpecKinds kTCPKinds = specKind(FW_SPEC_TCP_FLAGS) | specKind(FW_SPEC_TCP_OPTIONS) |
                                 specKind(FW_SPEC_STRICT) | specKind(FW_SPEC_SLOPPY);
 
+/// What log lines about a rule that is written name as their function.
+constexpr char kToMessage[] = "toMessage";
+
 /// Length of most rules' texts, so that the string grows once.
 constexpr std::size_t kUsualText = 200;
 
@@ -112,10 +115,9 @@ void CTarnFWRule::begin() {
   parts_.af = FW_AF_NONE;
   parts_.sourcePorts.setPortMode(true);
   parts_.destinationPorts.setPortMode(true);
-  if (parts_.attributeProfile || parts_.extendedSource) {
-    profileMode_ = (parts_.attributeProfile ? kProfileAttribute : 0) |
-                   (parts_.extendedSource ? kProfileExtendedSource : 0);
-  }
+  const unsigned int attribute = parts_.attributeProfile() != nullptr ? kProfileAttribute : 0;
+  const unsigned int source = parts_.extendedSource() != nullptr ? kProfileExtendedSource : 0;
+  if ((attribute | source) != 0) profileMode_ = attribute | source;
 }
 
 void CTarnFWRule::validateProtocolSpec() const { checkSpecs(parts_); }
@@ -141,7 +143,7 @@ void CTarnFWRule::setAF(FWRuleAF_t af) {
 
 void CTarnFWRule::setTag(const char* tag) {
   keepWritten();
-  parts_.tag = FWRuleTag(tag != nullptr ? tag : "");
+  parts_.setTag(tag != nullptr ? tag : "");
 }
 
 void CTarnFWRule::setTCPStrict(bool on) {
@@ -149,12 +151,13 @@ void CTarnFWRule::setTCPStrict(bool on) {
   const bool strict = parts_.connection.getSpecCount(FW_SPEC_STRICT) != 0;
   const bool changes = tcp && on != strict;
   if (changes) keepWritten();
-  if (kept_) {
-    const unsigned int flags = kept_->flags;
+  if (kept() != nullptr) {
+    FWRule_& record = *parts_.extras->written;
+    const unsigned int flags = record.flags;
     if ((flags & (kRuleProtocolNegated | kRuleLayer3)) == kRuleLayer3 &&
-        kept_->protocol == IPPROTO_TCP) {
-      const unsigned int session = kept_->session.flags & ~unsigned{kSessionStrict};
-      kept_->session.flags = static_cast<std::uint16_t>(session | (on ? kSessionStrict : 0u));
+        record.protocol == IPPROTO_TCP) {
+      const unsigned int session = record.session.flags & ~unsigned{kSessionStrict};
+      record.session.flags = static_cast<std::uint16_t>(session | (on ? kSessionStrict : 0u));
     }
   }
   if (!changes) return;
@@ -167,7 +170,7 @@ void CTarnFWRule::setTCPStrict(bool on) {
 
 void CTarnFWRule::appendHead(std::string& text) const {
   CTarnFWShortText<sizeof "# internal # rule -2147483648 at -2147483648 inout inet6 "> head;
-  if (parts_.internal) head.add("# internal # ");
+  if (parts_.internal()) head.add("# internal # ");
   head.add("rule ");
   head.addDecimal(static_cast<std::int32_t>(parts_.id));  // signed: scripts expect that
   if (parts_.position != -1) {
@@ -192,13 +195,13 @@ void CTarnFWRule::appendTo(std::string& text) const {
   appendAddress(text, parts_.destination.get());
   const bool toPort69 = appendSpecs(text, parts_.destinationPorts) == "port 69";
   if ((profileMode_ & kProfileCopy) != 0) text += " with attribute ANY ";
-  if (hasExtSrcProfile() && parts_.extendedSource) {
+  if (hasExtSrcProfile() && parts_.extendedSource() != nullptr) {
     text += " with extended src ";
-    text += parts_.extendedSource->getContainerID();
+    text += parts_.extendedSource()->getContainerID();
   }
-  if (hasAttributeProfile() && parts_.attributeProfile) {
+  if (hasAttributeProfile() && parts_.attributeProfile() != nullptr) {
     text += " with attribute profile ";
-    text += parts_.attributeProfile->getContainerID();
+    text += parts_.attributeProfile()->getContainerID();
   }
   if ((profileMode_ & kProfileCopy) != 0) text += " with L7 copy ";
   text += ' ';
@@ -208,9 +211,9 @@ void CTarnFWRule::appendTo(std::string& text) const {
     text += "accept";
   }
   if (protocol().getNumber() == IPPROTO_UDP && toPort69) text += " as tftp";
-  if (!parts_.tag.empty()) {
+  if (const char* const tag = parts_.tag(); *tag != '\0') {
     text += " tag '";
-    text += parts_.tag.text;
+    text += tag;
     text += '\'';
   }
   text += ';';
@@ -244,7 +247,7 @@ std::string CTarnFWRule::toString2() const {
   text += "Action : ";
   text += parts_.action ? parts_.action->toString(0) : CTarnFWRuleActionAccept().toString();
   text += '\n';
-  if (parts_.internal) text.insert(0, "# internal # ");
+  if (parts_.internal()) text.insert(0, "# internal # ");
   return text;
 }
 
@@ -258,29 +261,40 @@ bool CTarnFWRule::encode(FWRule_& record) {
 }
 
 void CTarnFWRule::keepWritten() {
-  if (!written_ || kept_) return;
+  if (!written_ || kept() != nullptr) return;
   auto record = std::make_unique<FWRule_>();
   encode(*record);
-  kept_ = std::move(record);
+  parts_.makeExtras().written = std::move(record);
 }
 
 bool CTarnFWRule::toMessage(void* buffer, unsigned int size, unsigned int* written) {
+  return write(buffer, size, written, true);
+}
+
+bool CTarnFWRule::toFreshMessage(void* buffer, unsigned int size, unsigned int* written) {
+  return write(buffer, size, written, false);
+}
+
+bool CTarnFWRule::write(void* buffer, unsigned int size, unsigned int* written, bool clear) {
   if (size < sizeof(FWRule_)) return false;
-  if (kept_) {
-    storeRecord(buffer, *kept_);
-  } else if (written_) {
-    // In place, where a first writing must leave everything alone when it fails: this one has been
-    // written as it is.
-    encode(clearRecord<FWRule_>(buffer));
+  if (kept() != nullptr) {
+    storeRecord(buffer, *kept());
+  } else if (written_ || fitsIntoRecord(parts_)) {
+    // In place: nothing can fail any more.
+    if (clear) clearBytes(buffer, sizeof(FWRule_));
+    if (!encode(recordAt<FWRule_>(buffer))) return false;
   } else {
+    // Beside it, since nothing may be written where one part can't be.
     FWRule_ record{};
     if (!encode(record)) return false;
     storeRecord(buffer, record);
   }
   if (written_) {
-    TARNFW_TRACE(FW_COMPONENT_RULE, 0, "    copy cached rule: %d.\n", static_cast<int>(parts_.id));
+    TARNFW_TRACE_IN(kToMessage, LOG_DEBUG, FW_COMPONENT_RULE, 0, "    copy cached rule: %d.\n",
+                    static_cast<int>(parts_.id));
   } else {
-    TARNFW_TRACE(FW_COMPONENT_RULE, 0, "    wrote rule: %d.\n", static_cast<int>(parts_.id));
+    TARNFW_TRACE_IN(kToMessage, LOG_DEBUG, FW_COMPONENT_RULE, 0, "    wrote rule: %d.\n",
+                    static_cast<int>(parts_.id));
   }
   written_ = true;
   if (written != nullptr) *written = sizeof(FWRule_);

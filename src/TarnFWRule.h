@@ -37,6 +37,8 @@ class CTarnFWRule : public ITarnFWObject {
   std::string toString() const override;
   void appendTo(std::string& text) const override;
   bool toMessage(void* buffer, unsigned int size, unsigned int* written) override;
+  /// The same into a buffer that is zero.
+  bool toFreshMessage(void* buffer, unsigned int size, unsigned int* written);
 
   /// The labelled form, a line for each part.
   std::string toString2() const;
@@ -53,7 +55,7 @@ class CTarnFWRule : public ITarnFWObject {
   void setTag(const char* tag);
 
   /// Marks the rule as made by the system. The kernel sets this mark; it is never written.
-  void setInternal() { parts_.internal = true; }
+  void setInternal() { parts_.makeExtras().internal = true; }
 
   /// Makes connections of the rule tracked strictly or not. The one change that reaches the wire of
   /// a rule that was written already. Switching it on again after switching it off throws
@@ -63,29 +65,33 @@ class CTarnFWRule : public ITarnFWObject {
   bool isLayer3() const { return protocol().isLayer3(); }
   bool hasAttributeProfile() const { return (profileMode_ & kProfileAttribute) != 0; }
   bool hasExtSrcProfile() const { return (profileMode_ & kProfileExtendedSource) != 0; }
-  const CTarnFWContainerID* getAttributeProfile() const { return parts_.attributeProfile.get(); }
-  const CTarnFWContainerID* getExtSrcProfile() const { return parts_.extendedSource.get(); }
+  const CTarnFWContainerID* getAttributeProfile() const { return parts_.attributeProfile(); }
+  const CTarnFWContainerID* getExtSrcProfile() const { return parts_.extendedSource(); }
 
   /// Throws CUnsupportedException when the specs don't go with the protocol or with each other.
   void validateProtocolSpec() const;
+
+ private:
+  bool written_ = false;  // here, where the alignment of what follows leaves room
 
  protected:
   /// kProfileNone and its like. The copy mode of a default rule stands in the record alone.
   std::uint32_t profileMode_ = kProfileNone;
 
  private:
-  const CTarnFWProtocol& protocol() const { return *parts_.protocol; }
+  const CTarnFWProtocolMatch& protocol() const { return *parts_.protocol; }
   /// Checks the parts and makes them a rule's.
   void accept();
   void begin();
   /// Appends what stands in front of the protocol.
   void appendHead(std::string& text) const;
+  /// `clear`: the buffer is not zero.
+  bool write(void* buffer, unsigned int size, unsigned int* written, bool clear);
   bool encode(FWRule_& record);
+  const FWRule_* kept() const { return parts_.extras ? parts_.extras->written.get() : nullptr; }
   void keepWritten();
 
-  FWRuleParts parts_;              // always with a protocol
-  std::unique_ptr<FWRule_> kept_;  // what was written, once the rule differs from it
-  bool written_ = false;
+  FWRuleParts parts_;  // always with a protocol
 };
 
 }  // namespace TarnFirewall

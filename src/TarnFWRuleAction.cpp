@@ -5,6 +5,14 @@
 
 namespace TarnFirewall {
 
+namespace {
+
+/// Flags that are set or cleared in a record; `kActionDynamic` is only set.
+constexpr unsigned int kAssignedFlags =
+    kActionLog | kActionCopy | kActionNoFlow | kActionRtt | kActionLBRule;
+
+}  // namespace
+
 const char* const rule_action_name[kRuleActions] = {
     "unknown", "accept",     "drop", "reject",  "jumpto", "punt", "divert", "snat",
     "dnat",    "macrewrite", "copy", "encrypt", "clear",  "lb",   "pbr"};
@@ -24,8 +32,8 @@ void CTarnFWRuleAction::setDynamic(unsigned int app, bool withMark, bool mark) {
     default:
       throw CUnsupportedException("unknown dynamic application");
   }
-  dynamic_ = true;
-  dynamicApp_ = app;
+  setFlag(kActionDynamic, true);
+  dynamicApp_ = static_cast<std::uint16_t>(app);
 }
 
 void CTarnFWRuleAction::enableDynamic(unsigned int app) { setDynamic(app, false, false); }
@@ -33,7 +41,7 @@ void CTarnFWRuleAction::enableDynamic(unsigned int app) { setDynamic(app, false,
 void CTarnFWRuleAction::enableDynamic(unsigned int app, bool mark) { setDynamic(app, true, mark); }
 
 void CTarnFWRuleAction::disableDynamic() {
-  dynamic_ = false;
+  setFlag(kActionDynamic, false);
   dynamicApp_ = 0;
   dynamicFlags_ = 0;
 }
@@ -43,24 +51,28 @@ std::unique_ptr<CTarnFWAddress> CTarnFWRuleAction::replaceIPRangeAddress(const c
 }
 
 void CTarnFWRuleAction::appendFlags(std::string& text) const {
-  const struct {
-    bool set;
+  static constexpr struct {
+    std::uint16_t flag;
     const char* word;
-  } flags[] = {
-      {log_, "log"}, {copy_, "copy"}, {noFlow_, "noflow"}, {rtt_, "rtt"}, {lbRule_, "lbrule"}};
-  const int count = log_ + copy_ + noFlow_ + rtt_ + lbRule_;
-  if (count > 0) {
-    text += count > 1 ? " with {" : " with ";
+  } kWords[] = {{kActionLog, "log"},
+                {kActionCopy, "copy"},
+                {kActionNoFlow, "noflow"},
+                {kActionRtt, "rtt"},
+                {kActionLBRule, "lbrule"}};
+  const unsigned int flags = flags_ & kAssignedFlags;
+  if (flags != 0) {
+    const bool several = (flags & (flags - 1)) != 0;
+    text += several ? " with {" : " with ";
     const char* separator = "";
-    for (const auto& flag : flags) {
-      if (!flag.set) continue;
+    for (const auto& flag : kWords) {
+      if ((flags & flag.flag) == 0) continue;
       text += separator;
       text += flag.word;
       separator = ",";
     }
-    if (count > 1) text += '}';
+    if (several) text += '}';
   }
-  if (!dynamic_) return;
+  if ((flags_ & kActionDynamic) == 0) return;
   static constexpr const char* applications[] = {"", " as ftp", " as oracle", " as sunrpc",
                                                  " as dcerpc"};
   text += applications[dynamicApp_];
@@ -96,13 +108,8 @@ std::string CTarnFWRuleAction::toString(int) const {
 void CTarnFWRuleAction::writeData(fw_rule_action_&) {}
 
 void CTarnFWRuleAction::setActionFlag(fw_rule_action_* record) const {
-  constexpr unsigned int kAssigned =
-      kActionLog | kActionCopy | kActionNoFlow | kActionRtt | kActionLBRule;
-  unsigned int flags = record->flags & ~kAssigned;
-  flags |= log_ * kActionLog | copy_ * kActionCopy | noFlow_ * kActionNoFlow | rtt_ * kActionRtt |
-           lbRule_ * kActionLBRule;
-  if (dynamic_) {
-    flags |= kActionDynamic;
+  const unsigned int flags = (record->flags & ~kAssignedFlags) | flags_;
+  if ((flags_ & kActionDynamic) != 0) {
     const unsigned int kept = record->dynamicApp & 0xf000u;
     record->dynamicApp =
         static_cast<std::uint16_t>(kept | (dynamicFlags_ & 0xfu) | ((dynamicApp_ & 0xffu) << 4));

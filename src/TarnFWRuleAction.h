@@ -30,6 +30,7 @@ class CTarnFWRuleAction : public ITarnFWObject {
   /// Writes the wire form into a cleared record. False, with nothing written, when the action's
   /// data does not fit.
   bool writeTo(fw_rule_action_& record);
+  bool fits() const { return dataFits(); }
 
   virtual FWRuleAction_t getAction() const = 0;
 
@@ -41,15 +42,15 @@ class CTarnFWRuleAction : public ITarnFWObject {
   /// shows. The number means nothing.
   virtual std::string toString(int) const;
 
-  bool enableLogPacket() { return log_ = true; }
-  bool disableLogPacket() { return log_ = false; }
-  bool enableCopyPacket() { return copy_ = true; }
-  bool disableCopyPacket() { return copy_ = false; }
-  bool enableNoFlow() { return noFlow_ = true; }
-  bool disableNoFlow() { return noFlow_ = false; }
-  bool enableRtt() { return rtt_ = true; }
-  bool disableRtt() { return rtt_ = false; }
-  bool enableLBRule() { return lbRule_ = true; }
+  bool enableLogPacket() { return setFlag(kActionLog, true); }
+  bool disableLogPacket() { return setFlag(kActionLog, false); }
+  bool enableCopyPacket() { return setFlag(kActionCopy, true); }
+  bool disableCopyPacket() { return setFlag(kActionCopy, false); }
+  bool enableNoFlow() { return setFlag(kActionNoFlow, true); }
+  bool disableNoFlow() { return setFlag(kActionNoFlow, false); }
+  bool enableRtt() { return setFlag(kActionRtt, true); }
+  bool disableRtt() { return setFlag(kActionRtt, false); }
+  bool enableLBRule() { return setFlag(kActionLBRule, true); }
 
   /// Both throw CUnsupportedException for an application that is no FWDynamicApp_t.
   void enableDynamic(unsigned int app);
@@ -80,15 +81,15 @@ class CTarnFWRuleAction : public ITarnFWObject {
  private:
   void appendFlags(std::string& text) const;
   void setDynamic(unsigned int app, bool withMark, bool mark);
+  bool setFlag(std::uint16_t flag, bool on) {
+    flags_ = static_cast<std::uint16_t>(on ? flags_ | flag : flags_ & ~flag);
+    return on;
+  }
 
-  bool log_ = false;
-  bool copy_ = false;
-  bool noFlow_ = false;
-  bool rtt_ = false;
-  bool dynamic_ = false;
-  bool lbRule_ = false;
+  // Each action of a load has these: they fit into what its alignment leaves free.
   std::uint8_t dynamicFlags_ = 0;  // the low 4 bits go on the wire
-  std::uint32_t dynamicApp_ = 0;
+  std::uint16_t flags_ = 0;        // kActionLog and its like, as the record has them
+  std::uint16_t dynamicApp_ = 0;   // FWDynamicApp_t
 };
 
 }  // namespace TarnFirewall

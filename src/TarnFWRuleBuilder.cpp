@@ -56,7 +56,7 @@ void setTag(FWRuleParts& parts, const std::string& tag) {
     TARNFW_WARNING("rule tag is longer than %d chars: %s\n\n", static_cast<int>(FWRuleTag::kLength),
                    tag.c_str());
   }
-  parts.tag = FWRuleTag(tag);
+  parts.setTag(tag);
 }
 
 void readParts(const FWRule_& record, FWRuleParts& parts, CTarnFWLoadMemory* memory) {
@@ -269,8 +269,9 @@ std::unique_ptr<CTarnFWRule> CTarnFWRuleBuilder::buildRule() {
   try {
     validateRule();
     const FWRuleAF_t af = parts_.af;
+    FWRuleParts next = freshParts();
     auto rule = std::make_unique<CTarnFWRule>(std::move(parts_));
-    init();
+    parts_ = std::move(next);
     rule->setAF(af);
     return rule;
   } catch (const CTarnFWException& e) {
@@ -297,11 +298,13 @@ std::unique_ptr<CTarnFWRule> CTarnFWRuleBuilder::buildRule(const FWRule_& record
   }
 }
 
-void CTarnFWRuleBuilder::init() {
+FWRuleParts CTarnFWRuleBuilder::freshParts() const {
   FWRuleParts fresh;
-  fresh.tag = parts_.tag;
-  parts_ = std::move(fresh);
+  if (parts_.extras && !parts_.extras->tag.empty()) fresh.makeExtras().tag = parts_.extras->tag;
+  return fresh;
 }
+
+void CTarnFWRuleBuilder::init() { parts_ = freshParts(); }
 
 void CTarnFWRuleBuilder::init(const FWRule_* record) {
   init();

@@ -26,7 +26,7 @@ class CTarnFWRuleBuilder {
   void setDirection(FWRuleDirection_t direction);
   /// IPv6 for true, IPv4 for false.
   void setInetAF(bool inet6) { parts_.af = inet6 ? FW_AF_INET6 : FW_AF_INET; }
-  void setInternal() { parts_.internal = true; }
+  void setInternal() { parts_.makeExtras().internal = true; }
   /// Keeps the first 31 characters and warns of the rest. The tag outlives the rule: the next one
   /// has it too unless another is set.
   void setTag(const std::string& tag);
@@ -126,10 +126,10 @@ class CTarnFWRuleBuilder {
   void addTCPFlags(unsigned char flags, bool negated);
 
   void setExtendedSource(std::unique_ptr<CTarnFWContainerID> id) {
-    parts_.extendedSource = std::move(id);
+    parts_.makeExtras().extendedSource = std::move(id);
   }
   void setAttributeProfile(std::unique_ptr<CTarnFWContainerID> id) {
-    parts_.attributeProfile = std::move(id);
+    parts_.makeExtras().attributeProfile = std::move(id);
   }
 
   /// Both throw CUnsupportedException. Weaker than the checks of the rule itself: a strict rule
@@ -166,6 +166,8 @@ class CTarnFWRuleBuilder {
   static void negate(std::unique_ptr<CTarnFWAddress>& address);
 
   CTarnFWRuleAction& requireAction() const;
+  /// Parts with the tag alone.
+  FWRuleParts freshParts() const;
   void read(const FWRule_& record);
 
   FWRuleParts parts_;  // at most one spec in a list of ports

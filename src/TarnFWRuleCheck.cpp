@@ -17,7 +17,7 @@ bool isIP(const CTarnFWAddress* address) { return address != nullptr && address-
 
 }  // namespace
 
-const CTarnFWProtocol& requireProtocol(const FWRuleParts& parts) {
+const CTarnFWProtocolMatch& requireProtocol(const FWRuleParts& parts) {
   if (!parts.protocol) throw CUnsupportedException("no protocol is defined");
   return *parts.protocol;
 }
@@ -45,7 +45,7 @@ void checkRuleParts(const FWRuleParts& parts, FWRuleAction_t action) {
   }
 }
 
-void checkRuleSpecs(const CTarnFWProtocol& protocol, SpecKinds connection, bool directionPorts,
+void checkRuleSpecs(const CTarnFWProtocolMatch& protocol, SpecKinds connection, bool directionPorts,
                     SpecKinds tcpOnly) {
   const int number = protocol.getIPProtocol();
   const bool tcp = number == IPPROTO_TCP;

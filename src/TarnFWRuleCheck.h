@@ -13,7 +13,7 @@ namespace TarnFirewall {
 void checkRuleParts(const FWRuleParts& parts, FWRuleAction_t action);
 
 /// Throws CUnsupportedException without a protocol.
-const CTarnFWProtocol& requireProtocol(const FWRuleParts& parts);
+const CTarnFWProtocolMatch& requireProtocol(const FWRuleParts& parts);
 
 /// A set of spec kinds, one bit each.
 using SpecKinds = std::uint32_t;
@@ -25,7 +25,7 @@ inline constexpr SpecKinds kPortKinds = specKind(1) | specKind(2) | specKind(3);
 /// Checks that the specs of a rule go with its protocol. `connection` are the kinds of the
 /// connection specs, `directionPorts` says that a port stands at source or destination, `tcpOnly`
 /// are the kinds that only TCP has. Throws CUnsupportedException.
-void checkRuleSpecs(const CTarnFWProtocol& protocol, SpecKinds connection, bool directionPorts,
+void checkRuleSpecs(const CTarnFWProtocolMatch& protocol, SpecKinds connection, bool directionPorts,
                     SpecKinds tcpOnly);
 
 }  // namespace TarnFirewall

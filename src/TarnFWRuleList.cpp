@@ -43,19 +43,28 @@ std::string CTarnFWRuleList::toString() const {
   return text;
 }
 
-bool CTarnFWRuleList::toMessage(void* buffer, unsigned int size, unsigned int* written) {
+bool CTarnFWRuleList::write(void* buffer, unsigned int size, unsigned int* written, bool fresh) {
   if (size < getMsgSize()) return false;
   auto* const bytes = static_cast<std::uint8_t*>(buffer);
   unsigned int total = 0;
   bool good = true;
   for (const auto& rule : rules_) {
     unsigned int one = 0;
-    good = rule->toMessage(bytes + total, size - total, &one);
+    good = fresh ? rule->toFreshMessage(bytes + total, size - total, &one)
+                 : rule->toMessage(bytes + total, size - total, &one);
     if (!good) break;
     total += one;
   }
   if (written != nullptr) *written = total;
   return good;
+}
+
+bool CTarnFWRuleList::toMessage(void* buffer, unsigned int size, unsigned int* written) {
+  return write(buffer, size, written, false);
+}
+
+bool CTarnFWRuleList::toFreshMessage(void* buffer, unsigned int size, unsigned int* written) {
+  return write(buffer, size, written, true);
 }
 
 }  // namespace TarnFirewall

@@ -41,8 +41,12 @@ class CTarnFWRuleList final : public ITarnFWObject {
   std::string to_string() const { return toString(); }
   /// Writes the rules in order up to the first that fails; `written` adds up their sizes.
   bool toMessage(void* buffer, unsigned int size, unsigned int* written) override;
+  /// The same into a buffer that is zero.
+  bool toFreshMessage(void* buffer, unsigned int size, unsigned int* written);
 
  private:
+  bool write(void* buffer, unsigned int size, unsigned int* written, bool fresh);
+
   dvs_port_ port_;
   std::vector<std::unique_ptr<CTarnFWRule>> rules_;  // released, not deleted, by a borrowed list
   bool borrowed_;

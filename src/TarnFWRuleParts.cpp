@@ -6,7 +6,6 @@
 #include "TarnFWProtocolSpecSloppy.h"
 #include "TarnFWProtocolSpecStateless.h"
 #include "TarnFWProtocolSpecStrict.h"
-#include "TarnFWRuleActionAccept.h"
 #include "TarnFWRuleActionFactory.h"
 
 namespace TarnFirewall {
@@ -26,7 +25,12 @@ bool writeAddress(CTarnFWAddress* address, FWAddress_& record, unsigned int bit,
 
 bool writeAction(CTarnFWRuleAction* action, fw_rule_action_& record) {
   if (action != nullptr) return action->writeTo(record);
-  return CTarnFWRuleActionAccept().writeTo(record);
+  record.action = FW_ACTION_ACCEPT;
+  return true;
+}
+
+bool addressFits(const CTarnFWAddress* address) {
+  return address == nullptr || address->getMsgSize() <= sizeof(FWAddress_);
 }
 
 /// The mode bit of a container reference that is there, and its name in the record.
@@ -89,18 +93,17 @@ FWRuleDirection_t checkedDirection(FWRuleDirection_t direction) {
 bool writeRuleRecord(FWRuleParts& parts, FWRule_& record) {
   record.id = parts.id;
   record.position = parts.position;
-  std::memcpy(record.tag, parts.tag.text, sizeof record.tag);
+  if (parts.extras) std::memcpy(record.tag, parts.extras->tag.text, sizeof record.tag);
 
   unsigned int flags = (parts.direction & kRuleDirectionMask) << kRuleDirectionShift;
-  const CTarnFWProtocol& protocol = *parts.protocol;
+  const CTarnFWProtocolMatch& protocol = *parts.protocol;
   if (protocol.isLayer3()) flags |= kRuleLayer3;
   if (protocol.isDefined()) {
     flags |= kRuleHasProtocol;
     record.protocol = ruleProtocolNumber(protocol.getNumber(), protocol.isLayer3());
     if (protocol.isNegated()) flags |= kRuleProtocolNegated;
   }
-  if (!parts.connection.empty())
-    parts.connection.toMessage(&record.session, sizeof record.session, nullptr);
+  parts.connection.writeSession(record.session);
   if (!writeAction(parts.action.get(), record.action) ||
       !writeAddress(parts.source.get(), record.source, kRuleHasSource, flags) ||
       !writeAddress(parts.destination.get(), record.destination, kRuleHasDestination, flags)) {
@@ -119,11 +122,17 @@ bool writeRuleRecord(FWRuleParts& parts, FWRule_& record) {
   parts.sourcePorts.writePorts(record.sourcePorts);
   parts.destinationPorts.writePorts(record.destinationPorts);
   const unsigned int mode =
-      writeProfile(parts.extendedSource.get(), record.extendedSource, kProfileExtendedSource) |
-      writeProfile(parts.attributeProfile.get(), record.attributeProfile, kProfileAttribute);
+      writeProfile(parts.extendedSource(), record.extendedSource, kProfileExtendedSource) |
+      writeProfile(parts.attributeProfile(), record.attributeProfile, kProfileAttribute);
   record.profileMode = mode != 0 ? mode : kProfileNone;
   if (isDefaultRule(record)) record.profileMode = kProfileCopy;
   return true;
+}
+
+bool fitsIntoRecord(const FWRuleParts& parts) {
+  return addressFits(parts.source.get()) && addressFits(parts.destination.get()) &&
+         (!parts.action || parts.action->fits()) && parts.connection.hasAPlaceForEach() &&
+         parts.sourcePorts.hasAPlaceForEach() && parts.destinationPorts.hasAPlaceForEach();
 }
 
 void readRuleRecord(const FWRule_& record, FWRuleParts& parts, CTarnFWLoadMemory* memory) {
@@ -149,9 +158,9 @@ void readRuleRecord(const FWRule_& record, FWRuleParts& parts, CTarnFWLoadMemory
   parts.action = CTarnFWRuleActionFactory::newFromMsgBuf(&record.action, memory);
   const unsigned int mode = record.profileMode;
   if ((mode & kProfileExtendedSource) != 0)
-    parts.extendedSource = readProfile(record.extendedSource);
+    parts.makeExtras().extendedSource = readProfile(record.extendedSource);
   if ((mode & kProfileAttribute) != 0)
-    parts.attributeProfile = readProfile(record.attributeProfile);
+    parts.makeExtras().attributeProfile = readProfile(record.attributeProfile);
 }
 
 }  // namespace TarnFirewall

@@ -19,6 +19,12 @@ bool CTarnFWRuleSetCreateCmd::writeEntries(void* buffer, unsigned int room, unsi
   return list_->toMessage(buffer, room, written);
 }
 
+bool CTarnFWRuleSetCreateCmd::writeFreshEntries(void* buffer, unsigned int room,
+                                                unsigned int* written) {
+  if (list_->getRuleCount() == 0) return true;
+  return list_->toFreshMessage(buffer, room, written);
+}
+
 void CTarnFWRuleSetCreateCmd::fillHead(std::span<std::byte> head) const {
   FWRuleSetHead_ record{};
   record.name = name_;

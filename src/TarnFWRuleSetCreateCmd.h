@@ -42,6 +42,7 @@ class CTarnFWRuleSetCreateCmd : public CTarnFWCreateCmd {
  private:
   unsigned int entriesSize() const override { return list_->getMsgSize(); }
   bool writeEntries(void* buffer, unsigned int room, unsigned int* written) override;
+  bool writeFreshEntries(void* buffer, unsigned int room, unsigned int* written) override;
   void fillHead(std::span<std::byte> head) const override;
 
   FWRuleSetID_t name_;

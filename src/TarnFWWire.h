@@ -113,6 +113,18 @@ Record& clearRecord(void* at) {
   return *::new (at) Record{};
 }
 
+/// The record that a buffer holds, for a writer that fills in place what is zero. The caller has
+/// checked that `Record` fits at `at`.
+template <typename Record>
+Record& recordAt(void* at) {
+  static_assert(std::is_trivially_copyable_v<Record> && alignof(Record) == 1);
+  return *static_cast<Record*>(at);
+}
+
+/// Clears memory by the C library. Of a size that it knows, the compiler makes a single instruction
+/// instead, which takes twice as long for a record of some hundred bytes.
+void clearBytes(void* at, std::size_t size);
+
 /// True when `count` items of `size` bytes fit into `room` bytes. Checked by division, so that no
 /// count from a kernel reply can wrap around.
 constexpr bool itemsFit(std::uint64_t count, std::uint64_t size, std::uint64_t room) {

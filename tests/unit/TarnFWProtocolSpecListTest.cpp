@@ -141,6 +141,26 @@ TEST(TarnFWProtocolSpecList, ADeletedKindStillCountsAsPresentForAddSpec) {
                     "duplicate definition of protocol spec of tcp strict");
 }
 
+TEST(TarnFWProtocolSpecList, DeletesTheFirstMemberAndOneInTheMiddle) {
+  CTarnFWProtocolSpecList list(0);
+  add<CTarnFWProtocolSpecStrict>(list);
+  add<CTarnFWProtocolSpecDSCP>(list, 1);
+  add<CTarnFWProtocolSpecSloppy>(list);
+  EXPECT_EQ(list.getKinds(), 1u << FW_SPEC_STRICT | 1u << FW_SPEC_DSCP | 1u << FW_SPEC_SLOPPY);
+  ASSERT_NE(list.deleteSpec(FW_SPEC_DSCP), nullptr);
+  EXPECT_EQ(list.toString(), "with {strict, sloppy}");
+  EXPECT_EQ(list.deleteSpec(FW_SPEC_DSCP), nullptr);
+  ASSERT_NE(list.deleteSpec(FW_SPEC_STRICT), nullptr);
+  EXPECT_EQ(list.toString(), "sloppy");
+  EXPECT_EQ(list.getKinds(), 1u << FW_SPEC_SLOPPY);
+  add<CTarnFWProtocolSpecStateless>(list);
+  EXPECT_EQ(list.toString(), "with {sloppy, stateless}");
+  list.clear();
+  EXPECT_EQ(list.getKinds(), 0u);
+  add<CTarnFWProtocolSpecDSCP>(list, 2);
+  EXPECT_EQ(list.toString(), "dscp 2");
+}
+
 TEST(TarnFWProtocolSpecList, MergeMovesTheMembers) {
   CTarnFWProtocolSpecList list(0);
   CTarnFWProtocolSpecList other(1);

@@ -156,7 +156,7 @@ TEST(TarnFWRule, OnlyAPlainLayer3AcceptIsADefaultRule) {
   CTarnFWRule layer2 = ethernet.make();
   EXPECT_EQ(messageOf(layer2), plainRecord().at(790, {0x00}).at(884, {1}));
   Parts profiled;
-  profiled.attributeProfile = std::make_unique<CTarnFWContainerID>(std::string("p"));
+  profiled.makeExtras().attributeProfile = std::make_unique<CTarnFWContainerID>(std::string("p"));
   CTarnFWRule profile = profiled.make();
   EXPECT_EQ(messageOf(profile)[884], 8);
   // Specs, tags and flags don't matter.
@@ -286,8 +286,8 @@ TEST(TarnFWRule, TagsHave31Characters) {
 
 TEST(TarnFWRule, ProfilesInTheRecord) {
   Parts both = tcp();
-  both.extendedSource = std::make_unique<CTarnFWContainerID>(std::string("ext"));
-  both.attributeProfile = std::make_unique<CTarnFWContainerID>(std::string(37, 'p'));
+  both.makeExtras().extendedSource = std::make_unique<CTarnFWContainerID>(std::string("ext"));
+  both.makeExtras().attributeProfile = std::make_unique<CTarnFWContainerID>(std::string(37, 'p'));
   CTarnFWRule rule = both.make();
   EXPECT_TRUE(rule.hasExtSrcProfile());
   EXPECT_TRUE(rule.hasAttributeProfile());
@@ -297,7 +297,7 @@ TEST(TarnFWRule, ProfilesInTheRecord) {
             tcpRecord().text(380, "ext").text(422, std::string(37, 'p')).at(884, {12}));
 
   Parts extended = tcp();
-  extended.extendedSource = std::make_unique<CTarnFWContainerID>(std::string("ext"));
+  extended.makeExtras().extendedSource = std::make_unique<CTarnFWContainerID>(std::string("ext"));
   CTarnFWRule one = extended.make();
   EXPECT_TRUE(one.hasExtSrcProfile());
   EXPECT_FALSE(one.hasAttributeProfile());
@@ -309,7 +309,7 @@ TEST(TarnFWRule, AContainerNameWithoutANulIsCutInTheRecord) {
   FWAddrSetID_t id;
   std::memset(id.text, 'p', sizeof id.text);
   Parts parts = tcp();
-  parts.attributeProfile = std::make_unique<CTarnFWContainerID>(id);
+  parts.makeExtras().attributeProfile = std::make_unique<CTarnFWContainerID>(id);
   CTarnFWRule rule = parts.make();
   EXPECT_EQ(messageOf(rule), tcpRecord().text(422, std::string(37, 'p')).at(884, {8}));
 }
@@ -339,8 +339,8 @@ TEST(TarnFWRule, ARuleWithEverything) {
   dnat->enableRtt();
   dnat->enableDynamic(1);
   parts.action = std::move(dnat);
-  parts.extendedSource = std::make_unique<CTarnFWContainerID>(std::string("ext"));
-  parts.attributeProfile = std::make_unique<CTarnFWContainerID>(std::string("prof"));
+  parts.makeExtras().extendedSource = std::make_unique<CTarnFWContainerID>(std::string("ext"));
+  parts.makeExtras().attributeProfile = std::make_unique<CTarnFWContainerID>(std::string("prof"));
   CTarnFWRule rule = parts.make();
   rule.setAF(FW_AF_INET);
   rule.setTag("tagged");
@@ -384,6 +384,45 @@ TEST(TarnFWRule, TwoPortFormsOfOneEndAreRefusedWhenWritten) {
   EXPECT_THROW_WITH(rule.toMessage(bytes.data(), 892, nullptr), CDuplicateProtocolSpecException, 43,
                     "duplicate definition of protocol spec of min protocol spec placeholder");
   EXPECT_EQ(bytes, Bytes(892, 0xee));
+}
+
+TEST(TarnFWRule, AFreshBufferGetsTheSameRecord) {
+  CTarnFWRule rule =
+      tcp().src<CTarnFWAddressIPv4CIDR>("10.1.2.3/24", true).to<Port>(2, 80, false).make();
+  const Bytes record = messageOf(rule);
+  for (int again = 0; again < 2; ++again) {
+    CTarnFWRule first =
+        tcp().src<CTarnFWAddressIPv4CIDR>("10.1.2.3/24", true).to<Port>(2, 80, false).make();
+    CTarnFWRule& written = again == 0 ? first : rule;
+    Bytes bytes(892);
+    unsigned int size = 0;
+    EXPECT_FALSE(written.toFreshMessage(bytes.data(), 891, &size));
+    EXPECT_EQ(size, 0u);
+    EXPECT_TRUE(written.toFreshMessage(bytes.data(), 892, &size));
+    EXPECT_EQ(size, 892u);
+    EXPECT_EQ(bytes, record);
+  }
+}
+
+TEST(TarnFWRule, NothingIsWrittenIntoAFreshBufferWhereOnePartIsRefused) {
+  CTarnFWRule ports = tcp().from<Port>(1, 80, false).from<PortRange>(1, 1, 2, false).make();
+  CTarnFWRule flags = Parts(1).with<ICMPType>(0, 8, false).make();
+  Bytes bytes(892);
+  EXPECT_THROW_WITH(ports.toFreshMessage(bytes.data(), 892, nullptr),
+                    CDuplicateProtocolSpecException, 43,
+                    "duplicate definition of protocol spec of min protocol spec placeholder");
+  EXPECT_EQ(bytes, Bytes(892));
+  EXPECT_TRUE(flags.toFreshMessage(bytes.data(), 892, nullptr));
+  EXPECT_EQ(bytes, messageOf(flags));
+}
+
+TEST(TarnFWRule, TakesLittleMemory) {
+  EXPECT_LE(sizeof(CTarnFWRule), 168u);
+  EXPECT_LE(sizeof(CTarnFWProtocolSpecList), 32u);
+  EXPECT_LE(sizeof(Port), 16u);
+  EXPECT_LE(sizeof(IPv4), 16u);
+  EXPECT_LE(sizeof(CTarnFWAddressIPv4CIDR), 16u);
+  EXPECT_LE(sizeof(CTarnFWRuleActionAccept), 16u);
 }
 
 // ---- what was written once
@@ -564,10 +603,10 @@ TEST(TarnFWRule, BothAddressesAreOfOneFamily) {
 TEST(TarnFWRule, ARefusedRuleLeavesItsPartsToTheCaller) {
   Parts parts(17);
   parts.src<IPv4>("10.0.0.1", false).to<Port>(2, 80, false).with<Strict>();
-  parts.extendedSource = std::make_unique<CTarnFWContainerID>(std::string("ext"));
+  parts.makeExtras().extendedSource = std::make_unique<CTarnFWContainerID>(std::string("ext"));
   EXPECT_THROW_WITH(parts.make(), CUnsupportedException, 7, kFlagsText);
   ASSERT_TRUE(parts.source && !parts.destinationPorts.empty() && !parts.connection.empty() &&
-              parts.action && parts.extendedSource);
+              parts.action && parts.extendedSource() != nullptr);
   parts.connection.clear();
   EXPECT_EQ(parts.make().toString(),
             "rule 7 inout protocol udp from ip 10.0.0.1 to any port 80 with extended src ext "
