@@ -33,6 +33,8 @@ bool isPossible(const Fault& fault) {
              peerFaultKind(fault.peer) != nullptr &&
              fault.only.value_or(PeerLength::exact) <= PeerLength::less &&
              (fault.peer != PeerFault::slow || fault.value <= Fault::delayLimit);
+    case Fault::Kind::signal:
+      return fault.value >= 1 && fault.value <= Fault::signalLimit;
   }
   return false;
 }
@@ -69,6 +71,13 @@ std::string Fault::toString() const {
     case Kind::delay:
       text = format("requests are held up for %u ms", value);
       break;
+    case Kind::signal: {
+      const char* name = ::sigabbrev_np(static_cast<int>(value));
+      text = "programs get " +
+             (name != nullptr ? "SIG" + std::string(name) : format("signal %u", value)) +
+             " with the answer to a request";
+      break;
+    }
     case Kind::absent:
       return "the device " + std::string(deviceName(device)) + " is absent";
     case Kind::peer:
@@ -148,12 +157,16 @@ bool Faults::skips(std::size_t index) {
   return true;
 }
 
-std::uint32_t Faults::takeDelay() {
+std::uint32_t Faults::takeNext(Fault::Kind kind) {
   for (std::size_t i = 0; i < faults_.size(); ++i) {
-    if (faults_[i].kind == Fault::Kind::delay && !skips(i)) return strike(i);
+    if (faults_[i].kind == kind && !skips(i)) return strike(i);
   }
   return 0;
 }
+
+std::uint32_t Faults::takeDelay() { return takeNext(Fault::Kind::delay); }
+
+std::uint32_t Faults::takeSignal() { return takeNext(Fault::Kind::signal); }
 
 std::optional<std::uint32_t> Faults::takeError(Device device, std::uint32_t request) {
   for (std::size_t i = 0; i < faults_.size(); ++i) {

@@ -13,10 +13,10 @@
 namespace TarnLab {
 
 struct Fault {
-  enum class Kind : std::uint8_t { status, error, delay, absent, peer };
-  static constexpr std::uint32_t errnoLimit = 4095, delayLimit = 3600000;
+  enum class Kind : std::uint8_t { status, error, delay, absent, peer, signal };
+  static constexpr std::uint32_t errnoLimit = 4095, delayLimit = 3600000, signalLimit = 64;
   Kind kind = Kind::status;
-  std::uint32_t value = 0;            // status, errno, milliseconds or bytes
+  std::uint32_t value = 0;            // status, errno, milliseconds, bytes or signal
   std::uint32_t remaining = 0;        // how often it still strikes; 0 until it is cleared
   std::optional<std::uint32_t> only;  // the one command or request that it strikes;
                                       // of an announced length, its relation
@@ -52,6 +52,9 @@ class Faults {
   /// The milliseconds by which the next request is held up. Counts.
   std::uint32_t takeDelay();
 
+  /// The signal that the program gets once the next request is answered; 0 for none. Counts.
+  std::uint32_t takeSignal();
+
   /// The errno with which this request is to fail. Counts.
   std::optional<std::uint32_t> takeError(Device device, std::uint32_t request);
 
@@ -65,6 +68,9 @@ class Faults {
   bool changed() const { return changed_; }
 
  private:
+  /// What the first fault of the kind does, which needs nothing to strike; 0 for none. Counts.
+  std::uint32_t takeNext(Fault::Kind kind);
+
   std::uint32_t strike(std::size_t index);
 
   /// Whether the fault lets what it is for pass this time. Counts.

@@ -3,6 +3,7 @@
 #include <poll.h>
 
 #include <cerrno>
+#include <csignal>
 #include <ctime>
 #include <new>
 
@@ -64,39 +65,49 @@ int Model::request(Device device, std::uint32_t number, std::uint64_t argument,
   try {
     delay(store_, duringDelay);
 
-    const StoreLock lock(store_);
-    Faults faults;
-    JournalEntry entry;
-    entry.stamp();
-    entry.device = device;
-    entry.request = number;
-    try {
-      faults = Faults::load(store_);
-      if (const auto error = faults.takeError(device, entry.request)) {
-        entry.error = static_cast<int>(*error);
-        entry.note = "ordered fault";
-      } else {
-        entry.error = answerDirect(findDirect(device, number), store_, faults, entry, argument);
-      }
-    } catch (const StoreError& failure) {
-      entry.error = EIO;
-      entry.note = failure.what();
-    } catch (const std::bad_alloc&) {
-      entry.error = ENOMEM;
-      entry.note = "out of memory";
-    } catch (const std::exception& failure) {
-      entry.error = EINVAL;
-      entry.note = failure.what();
-    }
-    if (faults.changed()) faults.save(store_);
-    Journal(store_).append(entry);
-    if (result != nullptr) *result = entry.result;
-    return entry.error;
+    std::uint32_t signal = 0;
+    const int error = answer(device, number, argument, result, signal);
+    // After the lock is given back, which the program may not live to do then.
+    if (signal != 0) ::raise(static_cast<int>(signal));
+    return error;
   } catch (const std::bad_alloc&) {
     return ENOMEM;
   } catch (const std::exception&) {
     return EIO;
   }
+}
+
+int Model::answer(Device device, std::uint32_t number, std::uint64_t argument, int* result,
+                  std::uint32_t& signal) const {
+  const StoreLock lock(store_);
+  Faults faults;
+  JournalEntry entry;
+  entry.stamp();
+  entry.device = device;
+  entry.request = number;
+  try {
+    faults = Faults::load(store_);
+    signal = faults.takeSignal();
+    if (const auto error = faults.takeError(device, entry.request)) {
+      entry.error = static_cast<int>(*error);
+      entry.note = "ordered fault";
+    } else {
+      entry.error = answerDirect(findDirect(device, number), store_, faults, entry, argument);
+    }
+  } catch (const StoreError& failure) {
+    entry.error = EIO;
+    entry.note = failure.what();
+  } catch (const std::bad_alloc&) {
+    entry.error = ENOMEM;
+    entry.note = "out of memory";
+  } catch (const std::exception& failure) {
+    entry.error = EINVAL;
+    entry.note = failure.what();
+  }
+  if (faults.changed()) faults.save(store_);
+  Journal(store_).append(entry);
+  if (result != nullptr) *result = entry.result;
+  return entry.error;
 }
 
 }  // namespace TarnLab

@@ -19,11 +19,16 @@ class Model {
   /// Answers one request; `argument` is an address of this process. Returns 0, or the errno with
   /// which the ioctl fails; without one, `result` gets what the ioctl returns. What was asked and
   /// answered goes into the lab's log, also a refusal. While an ordered fault holds the request up,
-  /// the thread's mask of signals is `duringDelay`, or without one as it is.
+  /// the thread's mask of signals is `duringDelay`, or without one as it is. A signal that was
+  /// ordered is raised at the end.
   int request(Device device, std::uint32_t number, std::uint64_t argument,
               const sigset_t* duringDelay = nullptr, int* result = nullptr) const;
 
  private:
+  /// `request` under the lab's lock. `signal` gets the signal that was ordered, if any.
+  int answer(Device device, std::uint32_t number, std::uint64_t argument, int* result,
+             std::uint32_t& signal) const;
+
   Store store_;
 };
 

@@ -27,10 +27,23 @@ std::optional<std::uint32_t> parseErrno(std::string_view text) {
   return std::nullopt;
 }
 
-/// What a fault does: a status, an errno or a number of milliseconds.
+/// The number of a signal by its name or as a number.
+std::optional<std::uint32_t> parseSignal(std::string_view text) {
+  if (const auto number = parseNumber(text, Fault::signalLimit); number && *number > 0) {
+    return static_cast<std::uint32_t>(*number);
+  }
+  for (std::uint32_t number = 1; number <= Fault::signalLimit; ++number) {
+    const char* name = ::sigabbrev_np(static_cast<int>(number));
+    if (name != nullptr && text == "SIG" + std::string(name)) return number;
+  }
+  return std::nullopt;
+}
+
+/// What a fault does: a status, an errno, a signal or a number of milliseconds.
 std::optional<std::uint32_t> parseValue(Fault::Kind kind, std::string_view text) {
   if (kind == Fault::Kind::status) return statusNumber(text);
   if (kind == Fault::Kind::error) return parseErrno(text);
+  if (kind == Fault::Kind::signal) return parseSignal(text);
   const auto milliseconds = parseNumber(text, Fault::delayLimit);
   if (!milliseconds) return std::nullopt;
   return static_cast<std::uint32_t>(*milliseconds);
@@ -203,6 +216,8 @@ int runFault(const Store& store, Arguments arguments) {
     fault.kind = Fault::Kind::error;
   } else if (what == "delay") {
     fault.kind = Fault::Kind::delay;
+  } else if (what == "signal") {
+    fault.kind = Fault::Kind::signal;
   } else {
     return misused("fault", "unknown fault " + printable(what));
   }

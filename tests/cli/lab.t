@@ -556,6 +556,7 @@ Faults
          tarnlab fault errno E [--after N] [--count N] [--only REQUEST]
                        [--device DEVICE]
          tarnlab fault delay MS [--after N] [--count N]
+         tarnlab fault signal SIGNAL [--after N] [--count N]
          tarnlab fault absent [DEVICE...]
          tarnlab fault peer WHAT [VALUE] [--count N] [--peer PEER]
          tarnlab fault clear
@@ -566,6 +567,8 @@ Faults
                     a name like no-ruleset
     errno E         requests fail with the errno E, a number or a name like ENOMEM
     delay MS        requests are held up for so many milliseconds
+    signal SIGNAL   programs get the signal with the answer to a request, a number or a
+                    name like SIGINT
     absent          the devices cannot be opened; without a DEVICE, the firewall
     peer WHAT       the processes that programs talk to over sockets: absent, refuse, close
                     (at once), cut BYTES (of the answer), slow MS, bytes (one by one),
@@ -632,6 +635,14 @@ Faults
   err| tarnlab: fault: bad delay 3600001
   err| Try "tarnlab fault --help".
   [2]
+  $ run tarnlab fault signal SIGNONE
+  err| tarnlab: fault: bad signal SIGNONE
+  err| Try "tarnlab fault --help".
+  [2]
+  $ run tarnlab fault signal 65 --only 20
+  err| tarnlab: fault: bad signal 65
+  err| Try "tarnlab fault --help".
+  [2]
   $ run tarnlab fault absent nowhere
   err| tarnlab: fault: unknown device nowhere
   err| Try "tarnlab fault --help".
@@ -659,6 +670,24 @@ Faults
   log| tarnioctl <84> tarnfw: TarnFWIoctl:FW_Ioctl():N error 12: cannot open device /dev/brq-tarn: 2\n
   $ run tarnlab fault clear
   $ run tarnlab fault
+  no faults
+
+A signal comes with the answer, and what was asked is done
+
+  $ tarnlab fault signal SIGTERM --after 1 --count 1
+  $ tarnlab fault signal 62
+  $ tarnlab fault
+  programs get SIGTERM with the answer to a request, after 1 more, the next 1
+  programs get signal 62 with the answer to a request, until cleared
+  $ tarnlab fault clear
+  $ tarnlab fault signal SIGTERM --after 1 --count 1
+  $ tarnlab run tarnioctl getfilters -n
+  Total number of kernel filters: 8
+  $ { tarnlab run tarnioctl setfailpolicy -f nic-998214-eth0-kelpco-sfw.2 -p 1; } 2> /dev/null
+  [143]
+  $ tarnlab run tarnioctl getfailpolicy -f nic-998214-eth0-kelpco-sfw.2
+  filter fail policy: fail close
+  $ tarnlab fault
   no faults
 
 Help, wherever it is asked for

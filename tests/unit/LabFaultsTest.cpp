@@ -3,6 +3,7 @@
 #include <sys/time.h>
 
 #include <chrono>
+#include <csignal>
 
 #include "LabBench.h"
 #include "LabFaults.h"
@@ -110,6 +111,24 @@ TEST_F(LabFaults, ASignalMakesADelayNoShorter) {
   ASSERT_EQ(::sigaction(SIGALRM, &before, nullptr), 0);
 }
 
+TEST_F(LabFaults, ASignalComesOnceTheRequestIsAnswered) {
+  order(Fault::Kind::signal, SIGUSR1, 1);
+  static volatile std::sig_atomic_t seen;
+  seen = 0;
+  struct sigaction action {};
+  struct sigaction before {};
+  action.sa_handler = [](int number) { seen = number; };
+  ASSERT_EQ(::sigaction(SIGUSR1, &action, &before), 0);
+  ByteVector body(116);
+  EXPECT_EQ(direct(20, body), 0);
+  EXPECT_EQ(seen, SIGUSR1);
+  EXPECT_EQ(left(), 0u);
+  seen = 0;
+  EXPECT_EQ(direct(20, body), 0);
+  EXPECT_EQ(seen, 0);
+  ASSERT_EQ(::sigaction(SIGUSR1, &before, nullptr), 0);
+}
+
 TEST_F(LabFaults, AFaultOfOnePeerSparesTheOtherAndAllAreKept) {
   {
     const StoreLock lock(store);
@@ -137,7 +156,9 @@ TEST_F(LabFaults, AFileWithAFaultThatNobodyOrdersIsDamaged) {
       Record().u8(4).u8(4).u8(0).u8(10).u32(0).u32(0).u64(0),        // no fault of a peer
       Record().u8(4).u8(5).u8(1).u8(6).u32(0).u32(0).u32(3).u32(0),  // no relation
       Record().u8(4).u8(4).u8(0).u8(4).u32(3600001).u32(0).u64(0),   // longer than an hour
-      Record().u8(5).u8(0).u8(0).u8(0).u32(0).u32(0).u64(0),         // no kind
+      Record().u8(5).u8(0).u8(0).u8(0).u32(0).u32(0).u64(0),         // no signal
+      Record().u8(5).u8(0).u8(0).u8(0).u32(65).u32(0).u64(0),        // nor that
+      Record().u8(6).u8(0).u8(0).u8(0).u32(0).u32(0).u64(0),         // no kind
   };
   for (const ByteVector& content : damaged) {
     const StoreLock lock(store);
@@ -157,6 +178,10 @@ TEST_F(LabFaults, EachHasItsLineOfText) {
             "requests fail with 4000, request 15 only, the next 1");
   EXPECT_EQ(text({Kind::delay, 5, 0, std::nullopt, Device::none}),
             "requests are held up for 5 ms, until cleared");
+  EXPECT_EQ(text({Kind::signal, SIGHUP, 2, std::nullopt, Device::none}),
+            "programs get SIGHUP with the answer to a request, the next 2");
+  EXPECT_EQ(text({Kind::signal, 64, 0, std::nullopt, Device::none}),
+            "programs get signal 64 with the answer to a request, until cleared");
   EXPECT_EQ(text({Kind::absent, 0, 0, std::nullopt, Device::serviceInsertion}),
             "the device insertion is absent");
   EXPECT_EQ(text({Kind::peer, 0, 0, std::nullopt, Device::trace, PeerFault::refuse}),
