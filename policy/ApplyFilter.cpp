@@ -2,6 +2,9 @@
 
 #include <unistd.h>
 
+#include <optional>
+
+#include "HeldState.h"
 #include "PlanCommand.h"
 #include "SaveText.h"
 #include "StateFilter.h"
@@ -31,10 +34,11 @@ ApplyFilter::ApplyFilter(fwlibhandle_* library, std::string name)
 
 void ApplyFilter::prepare(const State& wanted, bool partial, bool toRun) {
   if (toRun) lock_ = std::make_unique<JournalLock>(name_);
-  earlier_ = stateOfFilter(library_, port_, name_);
   wanted_ = &wanted;
-  plan_ = planSteps(earlier_, wanted);
   partial_ = partial;
+  if (filterHolds(library_, port_, wanted)) return;
+  earlier_ = held();
+  plan_ = planSteps(earlier_, wanted);
   if (plan_.empty()) {
     earlier_ = {};
     return;
@@ -45,6 +49,11 @@ void ApplyFilter::prepare(const State& wanted, bool partial, bool toRun) {
   throw StateError(formatText("it holds what no file can keep (%zu in all); --partial goes on: ",
                               saved.missing.size()) +
                    saved.missing.front());
+}
+
+State ApplyFilter::held() const {
+  // Who puts a state back must know all of it.
+  return stateOfFilter(library_, port_, name_, PurgedRuleSets::refuse);
 }
 
 void ApplyFilter::send(const PlanStep& step, const State& to) const {
@@ -82,28 +91,41 @@ ApplyReport ApplyFilter::run(const ApplyProgress& progress) {
   return {ApplyEnd::done, plan_.size(), {}, {}};
 }
 
+std::vector<std::string> ApplyFilter::keep() {
+  file_.remove();
+  return removeLeftFiles(name_);
+}
+
 ApplyReport ApplyFilter::undo(const std::string& reason) { return restore(reason); }
 
 ApplyReport ApplyFilter::restore(const std::string& reason) {
   std::string problem;
+  std::optional<State> known;  // by what was read and answered last
   for (int attempt = 0; attempt < kTries; ++attempt) {
     if (attempt > 0) sleep(kPauseSeconds);
     try {
       // What the filter holds now decides, not what was sent: a statement that failed may have
       // been carried out all the same.
-      const State now = stateOfFilter(library_, port_, name_);
-      for (const PlanStep& step : planSteps(now, earlier_)) send(step, earlier_);
+      known = held();
+      for (const PlanStep& step : planSteps(*known, earlier_)) {
+        send(step, earlier_);
+        applyStep(*known, step, earlier_);
+      }
       file_.remove();
       return {ApplyEnd::restored, done_, reason, {}};
     } catch (const StateError& e) {
       problem = e.what();
     }
   }
-  return reportMixture(reason, problem);
+  if (!known) {
+    known = earlier_;
+    for (std::size_t i = 0; i < done_; ++i) applyStep(*known, plan_[i], *wanted_);
+  }
+  return reportMixture(reason, problem, *known);
 }
 
-ApplyReport ApplyFilter::reportMixture(const std::string& reason,
-                                       const std::string& problem) const {
+ApplyReport ApplyFilter::reportMixture(const std::string& reason, const std::string& problem,
+                                       const State& known) const {
   ApplyReport report{ApplyEnd::mixture, done_, reason, {}};
   std::string& text = report.instructions;
   text = formatText("%zu of %zu statements were carried out", done_, plan_.size());
@@ -113,9 +135,7 @@ ApplyReport ApplyFilter::reportMixture(const std::string& reason,
   text += ". This puts it back:\n    tarnpolicy apply " +
           std::string(partial_ ? "--partial " : "") + "-f " + inCommand(name_) + " " +
           inCommand(file_.path()) + "\n";
-  State now = earlier_;
-  for (std::size_t i = 0; i < done_; ++i) applyStep(now, plan_[i], *wanted_);
-  const std::vector<PlanStep> rest = planSteps(now, earlier_);
+  const std::vector<PlanStep> rest = planSteps(known, earlier_);
   if (rest.empty()) return report;
   text += "Statement by statement, after those that were answered, these are still to be done:\n";
   for (const PlanStep& step : rest) text += stepText(step, earlier_);

@@ -52,12 +52,17 @@ class ApplyFilter {
   /// Puts the earlier state back after `run` has done its work.
   ApplyReport undo(const std::string& reason);
 
-  /// The new state stays: the file with the earlier one goes.
-  void keep() { file_.remove(); }
+  /// The filter keeps the state, which `run` has given it or which it held: the file with the
+  /// earlier one goes. So do those that calls before this one left, since the filter holds a whole
+  /// policy; gives their paths.
+  std::vector<std::string> keep();
 
  private:
   ApplyReport restore(const std::string& reason);
-  ApplyReport reportMixture(const std::string& reason, const std::string& problem) const;
+  /// `known` is what the filter holds by what is known of it.
+  ApplyReport reportMixture(const std::string& reason, const std::string& problem,
+                            const State& known) const;
+  State held() const;
   void send(const PlanStep& step, const State& to) const;
 
   TarnFirewall::fwlibhandle_* library_;

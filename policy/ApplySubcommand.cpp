@@ -147,7 +147,8 @@ class Apply {
       if (call_.dryRun) {
         printPlan(*filter);
       } else if (filter->plan().empty()) {
-        std::printf("%s: nothing to do\n", shown(name).c_str());
+        const std::string removed = keep(*filter);
+        std::printf("%s: nothing to do\n%s", shown(name).c_str(), removed.c_str());
       } else {
         change(std::move(filter));
       }
@@ -174,10 +175,19 @@ class Apply {
     }
     std::printf("%s: done, %s\n", shown(filter->name()).c_str(), counted(filter->plan()).c_str());
     if (call_.confirmSeconds == 0) {
-      filter->keep();
+      std::fputs(keep(*filter).c_str(), stdout);
     } else {
       done_.push_back(std::move(filter));
     }
+  }
+
+  /// Gives a line for each file of an earlier call that has gone.
+  static std::string keep(ApplyFilter& filter) {
+    std::string lines;
+    for (const std::string& path : filter.keep()) {
+      lines += shown(filter.name()) + ": removed " + path + ", which an earlier call left\n";
+    }
+    return lines;
   }
 
   void confirm(ConfirmPlace& place) {
@@ -193,8 +203,9 @@ class Apply {
                  asksTerminal ? ": by Enter here, or" : "");
     const ConfirmEnd end = place.wait(names, call_.confirmSeconds);
     if (end == ConfirmEnd::confirmed) {
-      for (const auto& filter : done_) filter->keep();
-      std::puts("confirmed");
+      std::string removed;
+      for (const auto& filter : done_) removed += keep(*filter);
+      std::printf("confirmed\n%s", removed.c_str());
       return;
     }
     // First the filters: a terminal that is lost may hold up whoever writes to it.

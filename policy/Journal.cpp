@@ -1,15 +1,19 @@
 #include "Journal.h"
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 
 #include "State.h"
+#include "TarnFWText.h"
 
 namespace {
 
@@ -17,16 +21,22 @@ namespace {
   throw StateError(what + ": " + std::strerror(errno));
 }
 
-/// The filter's name as a part of a file name.
+/// The filter's name as a part of a file name; no two filters have the same.
 std::string fileName(const std::string& filter) {
   std::string name;
   for (const char c : filter) {
     const bool plain = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
                        c == '-' || c == '_' || (c == '.' && !name.empty());
-    name += plain ? c : '_';
+    name += plain ? std::string(1, c)
+                  : TarnFirewall::formatText("%%%02x", static_cast<unsigned char>(c));
   }
   return name;
 }
+
+/// What stands between the filter's name and the end of the file's: `mkostemps` puts six letters
+/// and digits there.
+constexpr char kUnique[] = ".XXXXXX";
+constexpr char kEnding[] = ".conf";
 
 std::string folderName() {
   if (const char* const given = std::getenv("TARNPOLICY_RUNTIME");
@@ -62,8 +72,8 @@ std::string journalFolder() {
 }
 
 void JournalFile::write(const std::string& filter, const std::string& text) {
-  std::string path = journalFolder() + "/" + fileName(filter) + ".XXXXXX.conf";
-  const int descriptor = mkostemps(path.data(), 5, O_CLOEXEC);
+  std::string path = journalFolder() + "/" + fileName(filter) + kUnique + kEnding;
+  const int descriptor = mkostemps(path.data(), sizeof kEnding - 1, O_CLOEXEC);
   if (descriptor < 0) fail("can't make a file for the earlier state, " + path);
   const bool written = writeAll(descriptor, text);
   const int reason = errno;
@@ -80,17 +90,53 @@ void JournalFile::remove() {
   path_.clear();
 }
 
-JournalLock::JournalLock(const std::string& filter) {
-  const std::string path = journalFolder() + "/" + fileName(filter) + ".lock";
-  descriptor_ = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
-  if (descriptor_ < 0) fail("can't open " + path);
-  if (flock(descriptor_, LOCK_EX | LOCK_NB) == 0) return;
-  const bool taken = errno == EWOULDBLOCK;
-  const int reason = errno;
-  close(descriptor_);
-  if (taken) throw StateError("another tarnpolicy apply works on it");
-  errno = reason;
-  fail("can't lock " + path);
+std::vector<std::string> removeLeftFiles(const std::string& filter) {
+  const std::string folder = folderName();
+  const std::string before = fileName(filter) + ".";
+  const std::size_t length = before.size() + sizeof kUnique - 2 + sizeof kEnding - 1;
+  std::vector<std::string> removed;
+  const std::unique_ptr<DIR, int (*)(DIR*)> entries(opendir(folder.c_str()), closedir);
+  if (!entries) return removed;
+  while (const dirent* const entry = readdir(entries.get())) {
+    const std::string name = entry->d_name;
+    if (name.size() != length || !name.starts_with(before) || !name.ends_with(kEnding)) continue;
+    const std::string path = folder + "/" + name;
+    if (unlink(path.c_str()) == 0) removed.push_back(path);
+  }
+  std::sort(removed.begin(), removed.end());
+  return removed;
 }
 
-JournalLock::~JournalLock() { close(descriptor_); }
+JournalLock::JournalLock(const std::string& filter)
+    : path_(journalFolder() + "/" + fileName(filter) + ".lock") {
+  while (!take()) {
+  }
+}
+
+bool JournalLock::take() {
+  descriptor_ = open(path_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
+  if (descriptor_ < 0) fail("can't open " + path_);
+  struct stat held {
+  }, named{};
+  if (flock(descriptor_, LOCK_EX | LOCK_NB) == 0 && fstat(descriptor_, &held) == 0) {
+    // Who had it before may have removed the file since it was opened here: a lock of a file
+    // without a name keeps nobody out.
+    if (lstat(path_.c_str(), &named) == 0 && named.st_ino == held.st_ino &&
+        named.st_dev == held.st_dev) {
+      return true;
+    }
+    close(descriptor_);
+    return false;
+  }
+  const int reason = errno;
+  close(descriptor_);
+  if (reason == EWOULDBLOCK) throw StateError("another tarnpolicy apply works on it");
+  errno = reason;
+  fail("can't lock " + path_);
+}
+
+JournalLock::~JournalLock() {
+  // While it is locked: the name still stands for this file.
+  unlink(path_.c_str());
+  close(descriptor_);
+}

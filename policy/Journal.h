@@ -5,6 +5,7 @@
 /// the sockets that `confirm` talks to.
 
 #include <string>
+#include <vector>
 
 /// The folder, made where it is not there: the one that the environment variable
 /// TARNPOLICY_RUNTIME names, else /run/tarnpolicy for the superuser and /tmp/tarnpolicy-UID for any
@@ -29,8 +30,12 @@ class JournalFile {
   std::string path_;
 };
 
+/// Removes the files with earlier states of a filter that calls before this one left, and gives
+/// their paths, sorted. Hold the filter's lock. A folder that can't be read has none.
+std::vector<std::string> removeLeftFiles(const std::string& filter);
+
 /// Keeps other calls of `apply` from a filter while it lives. Throws `StateError` when one of them
-/// has it.
+/// has it. Its file goes with it.
 class JournalLock {
  public:
   explicit JournalLock(const std::string& filter);
@@ -39,5 +44,9 @@ class JournalLock {
   JournalLock& operator=(const JournalLock&) = delete;
 
  private:
-  int descriptor_;
+  /// False when the file is not the one of that name any more.
+  bool take();
+
+  std::string path_;
+  int descriptor_ = -1;
 };

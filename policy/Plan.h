@@ -10,6 +10,11 @@
 ///     5. rule sets that nothing leads to any more, each after those that lead to it
 ///     6. sets that nothing uses any more
 ///
+/// Circles cost a statement more for each place in which they are opened, and are opened in the
+/// fewest places: new rule sets whose rules jump in a circle, and some that go. A root that is to
+/// name, for one of its layers, a rule set that goes is set after it has gone; one that led there
+/// before is first set without that layer.
+///
 /// So a packet that enters at the root meets the new rules as a whole when the root changes, as far
 /// as they stand in rule sets of new names; what keeps its name changes in its place, with one
 /// statement each.
@@ -24,9 +29,10 @@ struct PlanStep {
   enum class Kind {
     createSet,
     createRuleSet,
-    createEmptyRuleSet,  // ahead of its rules, for one that rule sets in a circle lead to
+    createEmptyRuleSet,  // ahead of its rules, for one in a circle of new ones
     setJump,
     clearJump,
+    setRootThatIsThere,  // without the layer that names a rule set which the state does not have
     setRoot,
     clearRoot,
     clearRules,  // of a rule set in a circle of those that go

@@ -195,6 +195,12 @@ std::unique_ptr<CTarnFWCmd> stepCommand(const PlanStep& step, const State& to,
           port, ruleSet(), idOf<FWRuleSetID_t>(to.ruleSets.at(step.name).jump));
     case Kind::clearJump:
       return std::make_unique<CTarnFWCmdClearRuleSetJump>(port, ruleSet());
+    case Kind::setRootThatIsThere: {
+      const auto there = [&](const std::string& name) {
+        return to.ruleSets.contains(name) ? idOf<FWRuleSetID_t>(name) : FWRuleSetID_t{};
+      };
+      return std::make_unique<CTarnFWCmdSetRootRuleSet>(port, there(to.layer3), there(to.layer2));
+    }
     case Kind::setRoot:
       return std::make_unique<CTarnFWCmdSetRootRuleSet>(port, idOf<FWRuleSetID_t>(to.layer3),
                                                         idOf<FWRuleSetID_t>(to.layer2));

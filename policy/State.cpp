@@ -211,6 +211,15 @@ std::vector<std::string> chainElements(std::span<const std::byte> chain) {
   return elements;
 }
 
+bool sameButPosition(const FWRule_& a, const FWRule_& b) {
+  constexpr std::size_t kAt = offsetof(FWRule_, position);
+  constexpr std::size_t kAfter = kAt + sizeof(FWRule_::position);
+  const auto* const left = reinterpret_cast<const char*>(&a);
+  const auto* const right = reinterpret_cast<const char*>(&b);
+  return std::memcmp(left, right, kAt) == 0 &&
+         std::memcmp(left + kAfter, right + kAfter, sizeof a - kAfter) == 0;
+}
+
 void addRules(StateRuleSet& set, std::vector<FWRule_> rules) {
   for (FWRule_& rule : rules) {
     settleRule(rule);

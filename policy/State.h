@@ -103,6 +103,9 @@ void settleSet(StateSet& set);
 /// throws `StateError`.
 std::vector<std::string> chainElements(std::span<const std::byte> chain);
 
+/// Whether two rules are the same but for their positions, which only make the order.
+bool sameButPosition(const TarnFirewall::FWRule_& a, const TarnFirewall::FWRule_& b);
+
 /// Sorts the rules of a set into their kinds, and by position in each.
 void addRules(StateRuleSet& set, std::vector<TarnFirewall::FWRule_> rules);
 

@@ -29,8 +29,9 @@ struct Changed {};
 /// Reads a filter once. A failure is a `StateError`, a change in between a `Changed`.
 class Reader {
  public:
-  Reader(fwlibhandle_* library, const dvs_port_& port, const std::string& filter)
-      : library_(library), port_(port), filter_(filter) {}
+  Reader(fwlibhandle_* library, const dvs_port_& port, const std::string& filter,
+         PurgedRuleSets purged)
+      : library_(library), port_(port), filter_(filter), purged_(purged) {}
 
   State read() {
     State state;
@@ -201,14 +202,14 @@ class Reader {
     return id;
   }
 
-  /// Nothing for a rule set that is being purged.
+  /// Nothing for a rule set that is being purged and left out.
   std::optional<std::uint64_t> ruleSetMark(const std::string& name) const {
     const FWRuleSetID_t id = ruleSetID(name);
     unsigned int count = 0;
     std::uint64_t realized = 0, generation = 0;
     const FWStatus_t status =
         FW_GetRuleSetInfo(library_, &port_, nullptr, &id, &count, &realized, &generation);
-    if (status == FW_STATUS_BAD_STATE) return {};
+    if (status == FW_STATUS_BAD_STATE && purged_ == PurgedRuleSets::leaveOut) return {};
     checkSet(status, "asking for the generation", name);
     return generation;
   }
@@ -260,6 +261,7 @@ class Reader {
   fwlibhandle_* library_;
   const dvs_port_& port_;
   const std::string& filter_;
+  PurgedRuleSets purged_;
   std::uint64_t addresses_ = 0;
   std::uint64_t elementBytes_ = 0;
   std::uint64_t rules_ = 0;
@@ -292,10 +294,11 @@ dvs_port_ filterSelector(const std::string& name) {
   return port;
 }
 
-State stateOfFilter(fwlibhandle_* library, const dvs_port_& port, const std::string& name) {
+State stateOfFilter(fwlibhandle_* library, const dvs_port_& port, const std::string& name,
+                    PurgedRuleSets purged) {
   for (int attempt = 0; attempt < kTries; ++attempt) {
     try {
-      return Reader(library, port, name).read();
+      return Reader(library, port, name, purged).read();
     } catch (const Changed&) {
     }
   }

@@ -37,10 +37,14 @@ inline constexpr std::uint32_t kMostRules = 4000000;
 inline constexpr std::uint32_t kMostAddresses = 16000000;
 inline constexpr std::uint32_t kMostElementBytes = 64u << 20;
 
+/// What becomes of a rule set that the kernel is purging, or whose state it does not say: it is not
+/// there, or no state can be told without it.
+enum class PurgedRuleSets { leaveOut, refuse };
+
 /// Everything that the filter holds. A filter that changes while it is read is read again, three
-/// times in all. Throws `StateError` with the question that failed and why; `name` stands in it. A
-/// rule set that the kernel is purging is not there.
-State stateOfFilter(fwlibhandle_* library, const dvs_port_& port, const std::string& name);
+/// times in all. Throws `StateError` with the question that failed and why; `name` stands in it.
+State stateOfFilter(fwlibhandle_* library, const dvs_port_& port, const std::string& name,
+                    PurgedRuleSets purged = PurgedRuleSets::leaveOut);
 
 /// The same by name.
 State stateOfFilter(const std::string& name);

@@ -112,7 +112,28 @@ The change, and what it sends.
    CreateRuleSet
   $ quiet tarnpolicy diff two.conf filter:$web
   $ ls run
-  nic-1002672-eth0-kelpco-sfw.2.lock
+
+A filter that holds the policy is asked once, with all questions in one message.
+
+  $ tarnlab log -s | wc -l > before
+  $ quiet tarnpolicy apply -f $web two.conf
+  nic-1002672-eth0-kelpco-sfw.2: nothing to do
+  $ tarnlab log -s | tail -n +$(($(cat before) + 1)) > asked
+  $ wc -l < asked
+  1
+  $ grep -oE '[A-Z][A-Za-z]+[(]' asked | tr -d '(' | sort | uniq -c | sed 's/^ *//'
+  1 GetAddrSetCount
+  4 GetAddrSetInfo
+  1 GetAddrSetList
+  2 GetAddrSetTypeAndSize
+  2 GetAddressOfAddrSet
+  1 GetRootRuleSet
+  6 GetRuleCountOfRuleSet
+  2 GetRuleOfRuleSet
+  1 GetRuleSetCount
+  4 GetRuleSetInfo
+  2 GetRuleSetJump
+  1 GetRuleSetList
 
 Several filters; those that fail are listed at the end.
 
@@ -148,7 +169,7 @@ What the kernel refuses.
   err|   nic-1002672-eth0-kelpco-sfw.2  earlier state  `create ruleset "web" with 2 rules' failed: kernel out of memory
   [1]
   $ quiet tarnpolicy diff two.conf filter:$web
-  $ tarnlab fault errno EIO --count 1
+  $ tarnlab fault errno EIO --count 2
   $ quiet tarnpolicy apply -f $web one.conf
   err| tarnpolicy apply: 1 of 1 filters failed:
   err|   FILTER                         HOLDS          WHY
@@ -185,14 +206,39 @@ What it refuses for good: a mixture, and the way back.
     nic-1002672-eth0-kelpco-sfw.2  a mixture      `set root ruleset "b" and ""' failed: kernel out of memory
     nic-1003044-eth0-kelpco-sfw.2  what it held   not begun
   $ tarnlab fault clear
-  $ quiet tarnpolicy apply -f $web run/$web.*.conf
+  $ tarnlab run tarnpolicy apply -f $web run/$web.*.conf | sed -E "s#$PWD#PWD#; s/[.][A-Za-z0-9]{6}[.]conf/.XXXXXX.conf/g"
   nic-1002672-eth0-kelpco-sfw.2: done, 1 statement
+  nic-1002672-eth0-kelpco-sfw.2: removed PWD/run/nic-1002672-eth0-kelpco-sfw.2.XXXXXX.conf, which an earlier call left
+  $ ls run
   $ quiet tarnpolicy diff jump.conf filter:$web
+
+A file that a call left is there until the filter holds a whole policy again, whichever.
+
+  $ touch run/$web.abc123.conf run/other.abc123.conf
+  $ quiet tarnpolicy apply --dry-run -f $web jump.conf
+  # nic-1002672-eth0-kelpco-sfw.2: nothing to do
+  $ ls run
+  nic-1002672-eth0-kelpco-sfw.2.abc123.conf
+  other.abc123.conf
+  $ tarnlab run tarnpolicy apply -f $web jump.conf | sed "s#$PWD#PWD#"
+  nic-1002672-eth0-kelpco-sfw.2: nothing to do
+  nic-1002672-eth0-kelpco-sfw.2: removed PWD/run/nic-1002672-eth0-kelpco-sfw.2.abc123.conf, which an earlier call left
+  $ rm run/other.abc123.conf
+
+A root of which one layer's rule set goes.
+
+  $ echo 'create ruleset "a"; create ruleset "a_L2"; set root ruleset "a";' > layers.conf
+  $ echo 'create ruleset "a"; set root ruleset "a";' > layer.conf
+  $ quiet tarnpolicy apply -f $web layers.conf
+  nic-1002672-eth0-kelpco-sfw.2: done, 4 statements
+  $ quiet tarnpolicy apply -f $web layer.conf
+  nic-1002672-eth0-kelpco-sfw.2: done, 3 statements
+  $ quiet tarnpolicy diff layer.conf filter:$web
 
 Undone unless confirmed.
 
   $ quiet tarnpolicy apply -f $web two.conf
-  nic-1002672-eth0-kelpco-sfw.2: done, 7 statements
+  nic-1002672-eth0-kelpco-sfw.2: done, 6 statements
   $ quiet tarnpolicy apply --confirm 1 -f $web one.conf < /dev/null
   nic-1002672-eth0-kelpco-sfw.2: done, 3 statements
   err| tarnpolicy apply: undone in 1 second unless confirmed by "tarnpolicy confirm" elsewhere

@@ -28,6 +28,9 @@ class PolicyFilter {
 
   unsigned int requests() const { return requests_; }
 
+  /// Messages, each with one request or more.
+  std::size_t messages() const { return kernel_.messages(); }
+
   /// Numbers of the commands that changed something.
   const std::vector<unsigned int>& changes() const { return changes_; }
 

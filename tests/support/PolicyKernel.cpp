@@ -7,8 +7,9 @@ using namespace TarnFirewall;
 
 namespace {
 
+constexpr std::size_t kHeader = 20, kEnvelope = 12;
 constexpr std::size_t kSetName = 38, kRuleSetName = 64;
-constexpr FWStatus_t kNoRuleSet = 28, kNoAddrSet = 29;
+constexpr FWStatus_t kTooSmall = 9, kNoRuleSet = 28, kNoAddrSet = 29;
 constexpr std::uint64_t kGeneration = 7;
 
 /// Names of a map from an index on, into a reply that has room for `max` of them.
@@ -37,18 +38,35 @@ void putRecords(const std::vector<Record>& records, PolicyKernel::Body body, std
 }  // namespace
 
 PolicyKernel::PolicyKernel(State state) : state_(std::move(state)) {
-  kernel_.answerAllWith([this](std::uint8_t* message, unsigned int size) -> FWStatus_t {
-    const unsigned int command = message[24] + 256u * message[25];
-    asked_.push_back(command);
-    const Body body{message + 32, size - 32};
-    const auto first = before_.find(command);
-    FWStatus_t status = first != before_.end() ? first->second(body) : kUsual;
-    if (status == kUsual) status = answer(command, body);
-    const auto last = after_.find(command);
-    if (status == 0 && last != after_.end()) last->second(body);
-    std::memcpy(message + 28, &status, sizeof status);
-    return 0;
-  });
+  kernel_.answerAllWith(
+      [this](std::uint8_t* message, unsigned int size) { return answerMessage(message, size); });
+}
+
+FWStatus_t PolicyKernel::answerMessage(std::uint8_t* message, unsigned int size) {
+  const unsigned int commands = message[16] + 256u * message[17];
+  EXPECT_GT(commands, 0u);
+  std::size_t at = kHeader;
+  for (unsigned int i = 0; i < commands && refusal_ == 0; ++i) {
+    std::uint32_t length = 0;
+    std::memcpy(&length, message + at, sizeof length);
+    EXPECT_LE(at + kEnvelope + length, size);
+    const unsigned int command = message[at + 4] + 256u * message[at + 5];
+    const FWStatus_t status = answerCommand(command, {message + at + kEnvelope, length});
+    std::memcpy(message + at + 8, &status, sizeof status);
+    at += kEnvelope + length;
+  }
+  EXPECT_TRUE(at == size || refusal_ != 0);
+  return refusal_;
+}
+
+FWStatus_t PolicyKernel::answerCommand(unsigned int command, Body body) {
+  asked_.push_back(command);
+  const auto first = before_.find(command);
+  FWStatus_t status = first != before_.end() ? first->second(body) : kUsual;
+  if (status == kUsual) status = answer(command, body);
+  const auto last = after_.find(command);
+  if (status == 0 && last != after_.end()) last->second(body);
+  return status;
 }
 
 void PolicyKernel::fail(unsigned int command, FWStatus_t status) {
@@ -134,6 +152,7 @@ FWStatus_t PolicyKernel::answerSets(unsigned int command, Body body) {
     case 56:
       body.put32(70, set.type);
       body.put32(74, count);
+      if (body.size < 82 + chain.size()) return kTooSmall;
       body.put32(78, static_cast<std::uint32_t>(chain.size()));
       body.put(82, chain.data(), chain.size());
       return 0;

@@ -33,11 +33,19 @@ class PolicyKernel {
   /// The question fails from now on.
   void fail(unsigned int command, TarnFirewall::FWStatus_t status);
 
+  /// No message reaches it from now on: each ends with this result.
+  void refuseMessages(TarnFirewall::FWStatus_t result) { refusal_ = result; }
+
   State& state() { return state_; }
   TarnFirewall::fwlibhandle_* handle() { return kernel_.handle(); }
   unsigned int timesAsked(unsigned int command) const;
 
+  /// Messages that it got, each with one command or more.
+  std::size_t messages() const { return kernel_.messages().size(); }
+
  private:
+  TarnFirewall::FWStatus_t answerMessage(std::uint8_t* message, unsigned int size);
+  TarnFirewall::FWStatus_t answerCommand(unsigned int command, Body body);
   TarnFirewall::FWStatus_t answer(unsigned int command, Body body);
   TarnFirewall::FWStatus_t answerSets(unsigned int command, Body body);
   TarnFirewall::FWStatus_t answerRuleSets(unsigned int command, Body body);
@@ -47,4 +55,5 @@ class PolicyKernel {
   std::map<unsigned int, Answer> before_;
   std::map<unsigned int, std::function<void(Body)>> after_;
   std::vector<unsigned int> asked_;
+  TarnFirewall::FWStatus_t refusal_ = 0;
 };

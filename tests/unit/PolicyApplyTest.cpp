@@ -68,7 +68,10 @@ ApplyReport applyTo(PolicyFilter& filter, const State& wanted, bool partial = fa
   } catch (const StateError& e) {
     return {ApplyEnd::untouched, 0, e.what(), {}};
   }
-  if (apply.plan().empty()) return {};
+  if (apply.plan().empty()) {
+    apply.keep();
+    return {};
+  }
   ApplyReport report = apply.run([](std::size_t, std::size_t) { return true; });
   if (report.end == ApplyEnd::done) apply.keep();
   return report;
@@ -108,6 +111,8 @@ TEST_F(PolicyApply, AFilterThatHoldsTheStateIsOnlyAsked) {
   PolicyFilter filter(stateOf(kAfter));
   EXPECT_EQ(applyTo(filter, stateOf(kAfter)).end, ApplyEnd::unchanged);
   EXPECT_TRUE(filter.changes().empty());
+  EXPECT_EQ(filter.messages(), 1u);
+  EXPECT_TRUE(std::filesystem::is_empty(folder_));
 }
 
 /// Whatever request fails, once or twice, and whether or not it was carried out all the same: the
@@ -180,6 +185,50 @@ TEST_F(PolicyApply, AFailureThatStaysIsReportedWithTheWayBack) {
   EXPECT_TRUE(sawMixture);
 }
 
+/// A rule set whose state the kernel does not say could neither be kept nor put back.
+TEST_F(PolicyApply, AFilterWithAPurgedRuleSetIsLeftAlone) {
+  const State before = stateOf(kBefore);
+  PolicyFilter counting(before);
+  applyTo(counting, stateOf(kAfter));
+  for (unsigned int first = 1; first <= counting.requests(); ++first) {
+    PolicyFilter filter(before);
+    filter.setFault(
+        [&](unsigned int request) {
+          return request >= first && request < first + 3 ? kBadState : PolicyKernel::kUsual;
+        },
+        false);
+    const ApplyReport report = applyTo(filter, stateOf(kAfter));
+    ASSERT_EQ(filter.state(), report.end == ApplyEnd::done ? stateOf(kAfter) : before)
+        << first << ": " << report.reason;
+  }
+}
+
+/// Nothing is answered any more while the way back is half gone: the statements begin there.
+TEST_F(PolicyApply, TheStatementsGoOnWhereTheWayBackEnded) {
+  const State before = stateOf(kBefore), after = stateOf(kAfter);
+  bool sawMixture = false, sawEnd = false;
+  for (unsigned int first = 1; !sawEnd; ++first) {
+    PolicyFilter filter(before);
+    ApplyFilter apply(filter.handle(), kName);
+    apply.prepare(after, false, true);
+    ASSERT_EQ(apply.run([](std::size_t, std::size_t) { return true; }).end, ApplyEnd::done);
+    filter.setFault(
+        [&](unsigned int request) { return request >= first ? kNoMemory : PolicyKernel::kUsual; },
+        false);
+    const ApplyReport report = apply.undo("not confirmed");
+    sawEnd = report.end == ApplyEnd::restored;
+    State now = filter.state();
+    if (!sawEnd) {
+      ASSERT_EQ(report.end, ApplyEnd::mixture);
+      sawMixture = true;
+      load(now, statementsIn(report.instructions));
+      std::filesystem::remove(leftFiles().at(0));
+    }
+    ASSERT_EQ(now, before) << first << report.instructions;
+  }
+  EXPECT_TRUE(sawMixture);
+}
+
 TEST_F(PolicyApply, AStopAtAnyStatementPutsTheEarlierStateBack) {
   const State before = stateOf(kBefore), after = stateOf(kAfter);
   for (std::size_t stop = 0; stop < 8; ++stop) {
@@ -193,6 +242,97 @@ TEST_F(PolicyApply, AStopAtAnyStatementPutsTheEarlierStateBack) {
     EXPECT_EQ(filter.state(), before);
     EXPECT_TRUE(leftFiles().empty());
   }
+}
+
+/// A signal during any request ends the work after it, but for those that a broken connection
+/// sends, which end nothing.
+TEST_F(PolicyApply, ASignalDuringAnyRequestLeavesNoMixture) {
+  const State before = stateOf(kBefore), after = stateOf(kAfter);
+  PolicyFilter counting(before);
+  applyTo(counting, after);
+  const unsigned int all = counting.requests();
+  for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE, SIGTSTP}) {
+    const bool ends = number != SIGPIPE && number != SIGTSTP;
+    unsigned int stopped = 0;
+    for (unsigned int at = 1; at <= all; ++at) {
+      const ApplySignals signals;
+      PolicyFilter filter(before);
+      filter.setFault(
+          [&](unsigned int request) {
+            if (request == at) raise(number);
+            return PolicyKernel::kUsual;
+          },
+          false);
+      ApplyFilter apply(filter.handle(), kName);
+      apply.prepare(after, false, true);
+      const ApplyReport report =
+          apply.run([](std::size_t, std::size_t) { return ApplySignals::seen() == 0; });
+      ASSERT_EQ(ApplySignals::seen(), ends ? number : 0);
+      if (report.end == ApplyEnd::done) {
+        apply.keep();
+        ASSERT_EQ(filter.state(), after) << at;
+        ASSERT_TRUE(!ends || at == all) << "signal " << number << ", request " << at;
+      } else {
+        ++stopped;
+        ASSERT_NE(report.end, ApplyEnd::mixture) << at;
+        ASSERT_EQ(report.reason, "interrupted");
+        ASSERT_EQ(filter.state(), before) << at;
+      }
+      ASSERT_TRUE(leftFiles().empty()) << at;
+    }
+    EXPECT_EQ(stopped, ends ? all - 1 : 0) << number;
+  }
+}
+
+/// A process that is killed during a request leaves what leads back, from the first change on.
+TEST_F(PolicyApply, TheFileIsThereBeforeAnythingChanges) {
+  const State before = stateOf(kBefore), after = stateOf(kAfter);
+  PolicyFilter filter(before);
+  unsigned int seen = 0;
+  filter.setFault(
+      [&](unsigned int) {
+        if (filter.state() == before) return PolicyKernel::kUsual;
+        ++seen;
+        const auto files = leftFiles();
+        EXPECT_EQ(files.size(), 1u);
+        if (files.size() == 1) {
+          EXPECT_EQ(stateOf(readFile(files[0])), before);
+        }
+        return PolicyKernel::kUsual;
+      },
+      false);
+  EXPECT_EQ(applyTo(filter, after).end, ApplyEnd::done);
+  EXPECT_EQ(seen, 7u);
+}
+
+TEST_F(PolicyApply, WhatEarlierCallsLeftGoesWithTheNextSuccess) {
+  const State before = stateOf(kBefore), after = stateOf(kAfter);
+  const auto leave = [&](const std::string& filter) {
+    JournalFile file;
+    file.write(filter, "# left\n");
+    return file.path();
+  };
+  PolicyFilter filter(before);
+  const std::vector<std::string> left = {leave(kName), leave("nic-2-eth0-kelpco-sfw.2")};
+
+  // Not while the filter may still need it.
+  filter.setFault([](unsigned int) { return kNoMemory; }, false);
+  EXPECT_EQ(applyTo(filter, after).end, ApplyEnd::untouched);
+  EXPECT_EQ(leftFiles().size(), 2u);
+  filter.clearFault();
+  {
+    ApplyFilter stopped(filter.handle(), kName);
+    stopped.prepare(after, false, true);
+    EXPECT_EQ(stopped.run([](std::size_t done, std::size_t) { return done < 2; }).end,
+              ApplyEnd::restored);
+  }
+  EXPECT_EQ(leftFiles().size(), 2u);
+
+  EXPECT_EQ(applyTo(filter, after).end, ApplyEnd::done);
+  EXPECT_EQ(leftFiles(), std::vector<std::string>{left[1]});
+  leave(kName);
+  EXPECT_EQ(applyTo(filter, after).end, ApplyEnd::unchanged);
+  EXPECT_EQ(leftFiles(), std::vector<std::string>{left[1]});
 }
 
 TEST_F(PolicyApply, WhatIsDoneIsUndoneByTheEarlierRecords) {

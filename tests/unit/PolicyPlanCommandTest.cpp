@@ -33,8 +33,10 @@ const char kTo[] =
 TEST(PolicyPlanCommand, ACommandIsTheOneThatItsStatementMakes) {
   const State from = stateOf(kFrom), to = stateOf(kTo), none;
   const State oneSet = stateOf("create addrset old;");
+  const State layered = stateOf("create ruleset r; create ruleset r_L2; set root ruleset r;");
+  const State open = stateOf("create ruleset r; set root ruleset r;");
   const std::pair<const State*, const State*> ways[] = {
-      {&from, &to}, {&to, &from}, {&to, &none}, {&oneSet, &none}, {&none, &to}};
+      {&from, &to}, {&to, &from}, {&to, &none}, {&oneSet, &none}, {&layered, &open}, {&none, &to}};
   std::size_t steps = 0;
   for (const auto& [before, after] : ways) {
     for (const PlanStep& step : planSteps(*before, *after)) {

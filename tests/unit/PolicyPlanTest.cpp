@@ -5,6 +5,7 @@
 #include "Choices.h"
 #include "LanguageText.h"
 #include "Plan.h"
+#include "PolicyTextGenerator.h"
 #include "StateText.h"
 
 using namespace TarnFirewall;
@@ -59,43 +60,6 @@ bool isRemoval(PlanStep::Kind kind) {
   using Kind = PlanStep::Kind;
   return kind == Kind::clearJump || kind == Kind::clearRules || kind == Kind::destroyRuleSet ||
          kind == Kind::destroySet || kind == Kind::destroyAllSets;
-}
-
-/// A state of few names, so that two of them have much in common; nothing in it dangles.
-std::string generatedText(Choices& choices) {
-  std::string text;
-  std::vector<std::string> sets, ruleSets;
-  for (const char* name : {"s1", "s2", "s3"}) {
-    if (choices.chance(40)) continue;
-    sets.emplace_back(name);
-    text +=
-        std::string("create addrset ") + name + " 10.0.0." + std::to_string(choices.below(3)) + ";";
-  }
-  for (const char* name : {"a", "b", "c", "d", "e"}) {
-    if (choices.chance(60)) ruleSets.emplace_back(name);
-  }
-  const auto any = [&](const std::vector<std::string>& names) {
-    return names[choices.below(static_cast<std::uint32_t>(names.size()))];
-  };
-  for (const std::string& name : ruleSets) {
-    text += "create ruleset " + name;
-    const std::uint32_t rules = choices.below(3);
-    if (rules > 0) text += " with {";
-    for (std::uint32_t i = 1; i <= rules; ++i) {
-      text += " rule " + std::to_string(i) + " in protocol any from " +
-              (!sets.empty() && choices.chance(60) ? any(sets) : "any") + " to any " +
-              (choices.chance(50) ? "jumpto " + any(ruleSets) : "drop") + ";";
-    }
-    text += rules > 0 ? " };" : ";";
-  }
-  for (const std::string& name : ruleSets) {
-    if (choices.chance(30)) text += "set jumpto of ruleset " + name + " as " + any(ruleSets) + ";";
-  }
-  if (!ruleSets.empty() && choices.chance(70)) {
-    text += "set root ruleset " + any(ruleSets) + " and " +
-            (choices.chance(50) ? "\"\"" : any(ruleSets)) + ";";
-  }
-  return text;
 }
 
 }  // namespace
@@ -160,20 +124,58 @@ TEST(PolicyPlan, ACircleIsOpenedBeforeItGoesAndClosedAtTheEnd) {
                              "create ruleset kept;"
                              "create ruleset self; set jumpto of ruleset self as self;";
   EXPECT_EQ(plan("create ruleset kept;", circle),
-            (Texts{"create ruleset \"a\"",
-                   "create ruleset \"b\" with {\n"
-                   "    rule 1 in protocol any from any to any drop;\n"
-                   "    rule 9 in protocol any from any to any jumpto \"a\";\n"
-                   "}",
+            (Texts{"create ruleset \"b\"",
                    "create ruleset \"a\" with {\n"
                    "    rule 1 in protocol any from any to any drop;\n"
                    "    rule 9 in protocol any from any to any jumpto \"b\";\n"
+                   "}",
+                   "create ruleset \"b\" with {\n"
+                   "    rule 1 in protocol any from any to any drop;\n"
+                   "    rule 9 in protocol any from any to any jumpto \"a\";\n"
                    "}",
                    "create ruleset \"self\"", "set jumpto of ruleset \"self\" as \"self\""}));
   EXPECT_EQ(
       plan(circle, "create ruleset kept;"),
       (Texts{"clear jumpto of ruleset \"self\"", "destroy ruleset \"self\"",
              "clear rule of ruleset \"b\"", "destroy ruleset \"a\"", "destroy ruleset \"b\""}));
+}
+
+TEST(PolicyPlan, ACircleThroughWhatIsThereNeedsNoStatementMore) {
+  // Whichever of the two is new.
+  for (const char* const old : {"a", "b"}) {
+    EXPECT_EQ(
+        plan(std::string("create ruleset ") + old + ";", ruleSet("a", {"b"}) + ruleSet("b", {"a"}))
+            .size(),
+        2u);
+  }
+  // Nor does one that a jump closes, which comes after.
+  EXPECT_EQ(
+      plan("", ruleSet("a", {"b"}) + "create ruleset b; set jumpto of ruleset b as a;").size(), 3u);
+  EXPECT_EQ(
+      plan("", ruleSet("b", {"a"}) + "create ruleset a; set jumpto of ruleset a as b;").size(), 3u);
+}
+
+TEST(PolicyPlan, CirclesThatMeetAreOpenedWhereTheyMeet) {
+  const std::string meeting = ruleSet("a", {"m"}) + ruleSet("b", {"m"}) + ruleSet("c", {"m"}) +
+                              ruleSet("m", {"a", "b", "c"}) + "create ruleset kept;";
+  EXPECT_EQ(plan("create ruleset kept;", meeting).size(), 5u);
+  EXPECT_EQ(plan(meeting, "create ruleset kept;"),
+            (Texts{"clear rule of ruleset \"m\"", "destroy ruleset \"a\"", "destroy ruleset \"c\"",
+                   "destroy ruleset \"b\"", "destroy ruleset \"m\""}));
+}
+
+TEST(PolicyPlan, ARootLeavesARuleSetThatGoesAndNamesItAgain) {
+  const std::string before = "create ruleset r; create ruleset r_L2; set root ruleset r;";
+  const std::string after = "create ruleset r; set root ruleset r;";
+  EXPECT_EQ(plan(before, after),
+            (Texts{"set root ruleset \"r\" and \"\"", "destroy ruleset \"r_L2\"",
+                   "set root ruleset \"r\" and \"r_L2\""}));
+  EXPECT_EQ(plan("create ruleset r; create ruleset r_L2; set root ruleset r and \"\";", after),
+            (Texts{"destroy ruleset \"r_L2\"", "set root ruleset \"r\" and \"r_L2\""}));
+  EXPECT_EQ(plan("create ruleset q; create ruleset r_L2; set root ruleset q;", after),
+            (Texts{"create ruleset \"r\"", "destroy ruleset \"r_L2\"",
+                   "set root ruleset \"r\" and \"r_L2\"", "destroy ruleset \"q\""}));
+  EXPECT_EQ(plan(after, before), (Texts{"create ruleset \"r_L2\""}));
 }
 
 TEST(PolicyPlan, StepsAreShownOnALine) {
@@ -207,8 +209,8 @@ TEST(PolicyPlan, LeadsThereAndNothingDanglesOnTheWay) {
   for (std::uint64_t seed = 1; seed <= 4000; ++seed) {
     SCOPED_TRACE("seed " + std::to_string(seed));
     Choices choices(seed);
-    const std::string before = generatedText(choices);
-    const std::string after = choices.chance(5) ? "" : generatedText(choices);
+    const std::string before = generatedPolicyText(choices);
+    const std::string after = choices.chance(5) ? "" : generatedPolicyText(choices);
     const State to = stateOf(after);
     State state = stateOf(before);
     ASSERT_EQ(dangling(state), "");

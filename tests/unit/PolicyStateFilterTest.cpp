@@ -97,6 +97,8 @@ TEST(PolicyStateFilter, ARuleSetThatIsPurgedIsNotThere) {
     return body.text(0, 64) == "s" ? 26 : PolicyKernel::kUsual;
   });
   EXPECT_FALSE(read(kernel).ruleSets.contains("s"));
+  EXPECT_THROW(stateOfFilter(kernel.handle(), filterSelector(kName), kName, PurgedRuleSets::refuse),
+               StateError);
 }
 
 TEST(PolicyStateFilter, AFilterThatChangesIsReadAgain) {
