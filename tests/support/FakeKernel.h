@@ -71,8 +71,8 @@ class FakeKernel {
   std::optional<TarnFirewall::dvs_port_> port_;
 };
 
-/// Calls of `sleep` since the last `clear`, with the seconds asked for. Nothing in a test program
-/// with this support really sleeps.
+/// Calls of `sleep` by the thread of the tests since the last `clear`, with the seconds asked for.
+/// That thread never really sleeps in a test program with this support.
 struct Sleeps {
   static const std::vector<unsigned int>& seen();
   static void clear();

@@ -186,6 +186,18 @@ TEST(PolicySave, WhatPrintedRulesLoseIsSaid) {
   }
 }
 
+TEST(PolicySave, AFamilyIsSaidWhereTheRuleNamedIt) {
+  for (const char* rest :
+       {"in inet protocol any from any to any drop", "in inet6 protocol any from any to any drop",
+        "in protocol any from any to any drop",
+        // It follows from the address, and is not said a second time.
+        "in protocol any from 10.0.0.1 to any drop"}) {
+    State state = withRule(rest);
+    EXPECT_EQ(ruleText(ruleIn(state)), std::string("rule 1 ") + rest);
+    EXPECT_EQ(saveText(state).made, state);
+  }
+}
+
 TEST(PolicySave, IdsAndPositionsOf32BitsAreSaid) {
   State state = stateOf(
       "create ruleset r with rule 4294967295 at 2147483648 in protocol any from any "
