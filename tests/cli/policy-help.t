@@ -79,6 +79,3 @@ Output that is lost.
   $ (tarnpolicy --help > /dev/full) 2>&1
   tarnpolicy: failed to write output: No space left on device
   [2]
-  $ (tarnpolicy --version >&-) 2>&1
-  tarnpolicy: failed to write output: Bad file descriptor
-  [2]

@@ -13,6 +13,9 @@ What is printed gets neither to the control device nor into a file that is opene
   $ policy save -f $filter >&-
   tarnpolicy: failed to write output: Bad file descriptor
   [2]
+  $ (tarnpolicy --version >&-) 2>&1
+  tarnpolicy: failed to write output: Bad file descriptor
+  [2]
   $ policy save -f $filter <&- >&-
   tarnpolicy: failed to write output: Bad file descriptor
   [2]
