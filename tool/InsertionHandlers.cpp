@@ -105,7 +105,7 @@ constexpr char kBadGre[] =
     "ERROR: bad spec, expected proto=prec=addrstr=key=flags=encapProto=gtmac=flipdir\n";
 constexpr char kBadMacred[] = "ERROR: bad spec, expected proto=prec=addrstr=dgtmac=flipdir\n";
 
-/// Tokens of a specification, cut in place. Several "=" in a row count as one.
+/// Tokens of the words for a transport, cut in place. Several "=" in a row count as one.
 class SpecTokens {
  public:
   explicit SpecTokens(char* text) : rest_(text) {}

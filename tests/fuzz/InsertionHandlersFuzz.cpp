@@ -1,4 +1,4 @@
-// The commands on service instances and service profiles, with any specification of a transport and
+// The commands on service instances and service profiles, with any words for a transport and
 // any records of the kernel.
 
 #include "Fuzz.h"
