@@ -2,13 +2,15 @@
 # (CMAKE_DISABLE_PRECOMPILE_HEADERS), so that a source that forgets an include is noticed.
 
 # tarnfw_precompile(TARGET SCOPE HEADER...)
+# tarnfw_precompile(TARGET REUSE_FROM OTHER) takes what was compiled for another target, with the same
+# options.
 function(tarnfw_precompile target scope)
   target_precompile_headers(${target} ${scope} ${ARGN})
   if(TARNFW_CCACHE)
     # ccache compares the precompiled header by what it was made of.
     target_compile_options(
-      ${target} ${scope} $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-fpch-preprocess>
-                         "$<$<COMPILE_LANG_AND_ID:CXX,Clang>:SHELL:-Xclang -fno-pch-timestamp>")
+      ${target} PRIVATE $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-fpch-preprocess>
+                        "$<$<COMPILE_LANG_AND_ID:CXX,Clang>:SHELL:-Xclang -fno-pch-timestamp>")
   endif()
 endfunction()
 
