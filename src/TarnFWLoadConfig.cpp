@@ -27,13 +27,8 @@ CTarnFWCmdList* fromConfigFile(fwconfigfile_* handle) {
   return reinterpret_cast<CTarnFWCmdList*>(handle);
 }
 
-void deleteTraced(ITarnFWObject* object) {
-  if (object == nullptr) return;
-  TARNFW_TRACE(FW_COMPONENT_API, 0, "delete cmd list/config\n");
-  delete object;
-}
-
-/// One load: scanner, record and results, all of which end with it.
+/// One load: scanner, record and results, all of which end with it. Its debug lines name the public
+/// function that loads.
 class Load {
  public:
   ~Load() {
@@ -42,7 +37,7 @@ class Load {
     deleteTraced(list_);
     deleteTraced(config_);
   }
-  Load() = default;
+  explicit Load(const char* function) : function_(function) {}
   Load(const Load&) = delete;
   Load& operator=(const Load&) = delete;
 
@@ -56,18 +51,19 @@ class Load {
     }
     yyset_lineno(1, scanner_);
     if (!parse(kCommandLine)) {
-      TARNFW_TRACE(FW_COMPONENT_API, 0, "failed to parse config string.\n");
+      TARNFW_TRACE_IN(function_, LOG_DEBUG, FW_COMPONENT_API, 0,
+                      "failed to parse config string.\n");
       return status_;
     }
     if (config_ != nullptr) {
-      TARNFW_TRACE(FW_COMPONENT_API, 0, "loading new IO channel.\n");
+      TARNFW_TRACE_IN(function_, LOG_DEBUG, FW_COMPONENT_API, 0, "loading new IO channel.\n");
       if (const FWStatus_t status = makeChannel(channel)) {
-        TARNFW_TRACE(FW_COMPONENT_API, 0, "failed to load new IO channel: %d.\n",
-                     static_cast<int>(status));
+        TARNFW_TRACE_IN(function_, LOG_DEBUG, FW_COMPONENT_API, 0,
+                        "failed to load new IO channel: %d.\n", static_cast<int>(status));
         return status;
       }
     }
-    TARNFW_TRACE(FW_COMPONENT_API, 0, "obtained config handle.\n");
+    TARNFW_TRACE_IN(function_, LOG_DEBUG, FW_COMPONENT_API, 0, "obtained config handle.\n");
     return handOver(handle);
   }
 
@@ -76,18 +72,20 @@ class Load {
     if (!start()) return FW_STATUS_OUT_OF_MEMORY;
     yyset_in(file, scanner_);
     if (!parse(fileName)) {
-      TARNFW_TRACE(FW_COMPONENT_API, 0, "failed to parse config file.\n");
+      TARNFW_TRACE_IN(function_, LOG_DEBUG, FW_COMPONENT_API, 0, "failed to parse config file.\n");
       return status_;
     }
     if (config_ != nullptr) {
-      TARNFW_TRACE(FW_COMPONENT_API, 0, "loading new IO channel from config file.\n");
+      TARNFW_TRACE_IN(function_, LOG_DEBUG, FW_COMPONENT_API, 0,
+                      "loading new IO channel from config file.\n");
       if (const FWStatus_t status = makeChannel(channel)) {
-        TARNFW_TRACE(FW_COMPONENT_API, 0, "failed to load new IO channel from config file: %d.\n",
-                     static_cast<int>(status));
+        TARNFW_TRACE_IN(function_, LOG_DEBUG, FW_COMPONENT_API, 0,
+                        "failed to load new IO channel from config file: %d.\n",
+                        static_cast<int>(status));
         return status;
       }
     }
-    TARNFW_TRACE(FW_COMPONENT_API, 0, "obtained config file handle.\n");
+    TARNFW_TRACE_IN(function_, LOG_DEBUG, FW_COMPONENT_API, 0, "obtained config file handle.\n");
     return handOver(handle);
   }
 
@@ -110,6 +108,13 @@ class Load {
     return FW_STATUS_OK;
   }
 
+  void deleteTraced(ITarnFWObject* object) const {
+    if (object == nullptr) return;
+    TARNFW_TRACE_IN(function_, LOG_DEBUG, FW_COMPONENT_API, 0, "delete cmd list/config\n");
+    delete object;
+  }
+
+  const char* function_;
   void* scanner_ = nullptr;
   yy_buffer_state* buffer_ = nullptr;
   fw_lex_extra_ extra_;
@@ -127,22 +132,24 @@ using namespace TarnFirewall;
 extern "C" {
 
 FWStatus_t FW_LoadConfigString(const char* text, fwlibhandle_** channel, fwconfigfile_** handle) {
-  return callFrame(__func__, [&]() -> FWStatus_t {
+  const char* const function = __func__;
+  return callFrame(function, [&]() -> FWStatus_t {
     if (text == nullptr || channel == nullptr || handle == nullptr) {
       return FW_STATUS_INVALID_ARGUMENT;
     }
-    return Load().fromString(text, channel, handle);
+    return Load(function).fromString(text, channel, handle);
   });
 }
 
 FWStatus_t FW_LoadConfigFile2(std::FILE* file, const char* fileName, fwlibhandle_** channel,
                               fwconfigfile_** handle) {
-  return callFrame(__func__, [&]() -> FWStatus_t {
+  const char* const function = __func__;
+  return callFrame(function, [&]() -> FWStatus_t {
     if (file == nullptr || fileName == nullptr || channel == nullptr || handle == nullptr) {
       return FW_STATUS_INVALID_ARGUMENT;
     }
     *handle = nullptr;
-    return Load().fromStream(file, fileName, channel, handle);
+    return Load(function).fromStream(file, fileName, channel, handle);
   });
 }
 

@@ -8,7 +8,10 @@
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
+#include <initializer_list>
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "FakeKernel.h"
 #include "LogCapture.h"
@@ -318,47 +321,102 @@ TEST(TarnFWLoadConfig, StopsAtTheFirstCommandThatFails) {
   EXPECT_EQ(kernel.messages().size(), 1u);
 }
 
-TEST(TarnFWLoadConfig, TracesItsSteps) {
+namespace {
+
+/// Debug lines of a load in the public function, which says what it is about to do and what came of
+/// it; with the line of its entry in front.
+std::vector<std::string> debugLines(const std::string& function,
+                                    std::initializer_list<std::string> texts) {
+  std::vector<std::string> lines;
+  const auto add = [&](const std::string& text) {
+    lines.push_back("7|tarnfw:api TarnFWLoadConfig:" + function + "():N " + text + "\n");
+  };
+  add(function + ".");
+  for (const std::string& text : texts) add(text);
+  return lines;
+}
+
+/// What a load logs at debug level in `TarnFWLoadConfig`: not what is reported, nor what the
+/// channel says.
+std::vector<std::string> debugLinesOf(const LogCapture& log) {
+  std::vector<std::string> lines;
+  for (const std::string& line : log.normalized()) {
+    if (line.starts_with("7|tarnfw:api TarnFWLoadConfig:")) lines.push_back(line);
+  }
+  return lines;
+}
+
+}  // namespace
+
+TEST(TarnFWLoadConfig, TracesTheStepsOfAString) {
   LogCapture log;
   const ApiLevel level;
   const TextFile messages("");
-  const std::string text = std::string("config file \"") + messages.path() + "\";";
-  {
+  const auto load = [&](const std::string& text) {
+    log.clear();
     Loaded loaded;
     FW_LoadConfigString(text.c_str(), &loaded.channel, &loaded.config);
-  }
-  for (const char* line : {"FW_LoadConfigString.\n", "loading new IO channel.\n",
-                           "delete cmd list/config\n", "obtained config handle.\n",
-                           "FW_LoadConfigString: ok\n", "deleting config file handle.\n"}) {
-    EXPECT_TRUE(log.has(7, line)) << line;
-  }
-  EXPECT_EQ(log.normalized().end()[-2],
-            "7|tarnfw:api TarnFWLoadConfig:FW_FreeConfigFile():N deleting config file handle.\n");
-  log.clear();
-  const TextFile file(text);
+    return debugLinesOf(log);
+  };
+  const std::string function = "FW_LoadConfigString";
+  EXPECT_EQ(load(""), debugLines(function, {"obtained config handle.", function + ": ok"}));
+  EXPECT_EQ(load(std::string("config file \"") + messages.path() + "\";"),
+            debugLines(function, {"loading new IO channel.", "delete cmd list/config",
+                                  "obtained config handle.", function + ": ok"}));
+  EXPECT_EQ(load("config file \"/nonesuch/x\";"),
+            debugLines(function, {"loading new IO channel.", "delete cmd list/config",
+                                  "failed to load new IO channel: 12.", "delete cmd list/config",
+                                  function + ": cannot load file"}));
+  EXPECT_EQ(load("x"),
+            debugLines(function, {"failed to parse config string.", function + ": parsing error"}));
+}
+
+TEST(TarnFWLoadConfig, TracesTheStepsOfAStream) {
+  LogCapture log;
+  const ApiLevel level;
+  const TextFile messages("");
+  const auto load = [&](const std::string& text) {
+    const TextFile file(text);
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> stream(std::fopen(file.path(), "r"),
+                                                                 &std::fclose);
+    log.clear();
+    Loaded loaded;
+    FW_LoadConfigFile2(stream.get(), "name", &loaded.channel, &loaded.config);
+    return debugLinesOf(log);
+  };
+  const std::string function = "FW_LoadConfigFile2";
+  EXPECT_EQ(load(""), debugLines(function, {"obtained config file handle.", function + ": ok"}));
+  EXPECT_EQ(
+      load(std::string("config file \"") + messages.path() + "\";"),
+      debugLines(function, {"loading new IO channel from config file.", "delete cmd list/config",
+                            "obtained config file handle.", function + ": ok"}));
+  EXPECT_EQ(
+      load("config file \"/nonesuch/x\";"),
+      debugLines(function, {"loading new IO channel from config file.", "delete cmd list/config",
+                            "failed to load new IO channel from config file: 12.",
+                            "delete cmd list/config", function + ": cannot load file"}));
+  EXPECT_EQ(load("x"),
+            debugLines(function, {"failed to parse config file.", function + ": parsing error"}));
+}
+
+TEST(TarnFWLoadConfig, TracesAFileThatItOpensAndAConfigThatItFrees) {
+  LogCapture log;
+  const ApiLevel level;
+  const TextFile file("");
   {
     Loaded loaded;
     FW_LoadConfigFile(file.path(), &loaded.channel, &loaded.config);
   }
-  const std::string opened = std::string("opened config file ") + file.path() + "\n";
-  for (const char* line :
-       {opened.c_str(), "FW_LoadConfigFile2.\n", "loading new IO channel from config file.\n",
-        "obtained config file handle.\n"}) {
-    EXPECT_TRUE(log.has(7, line)) << line;
-  }
-  log.clear();
-  {
-    Loaded loaded;
-    FW_LoadConfigString("x", &loaded.channel, &loaded.config);
-    const TextFile bad("x");
-    FW_LoadConfigFile(bad.path(), &loaded.channel, &loaded.config);
-    const TextFile noChannel("config file \"/nonesuch/x\";");
-    const FWStatus_t status = FW_LoadConfigFile(noChannel.path(), &loaded.channel, &loaded.config);
-    EXPECT_TRUE(log.has(
-        7, "failed to load new IO channel from config file: " + std::to_string(status) + ".\n"));
-  }
-  EXPECT_TRUE(log.has(7, "failed to parse config string.\n"));
-  EXPECT_TRUE(log.has(7, "failed to parse config file.\n"));
+  std::vector<std::string> lines =
+      debugLines("FW_LoadConfigFile", {std::string("opened config file ") + file.path()});
+  for (const std::string& line :
+       debugLines("FW_LoadConfigFile2", {"obtained config file handle.", "FW_LoadConfigFile2: ok"}))
+    lines.push_back(line);
+  lines.push_back("7|tarnfw:api TarnFWLoadConfig:FW_LoadConfigFile():N FW_LoadConfigFile: ok\n");
+  for (const std::string& line :
+       debugLines("FW_FreeConfigFile", {"deleting config file handle.", "FW_FreeConfigFile: ok"}))
+    lines.push_back(line);
+  EXPECT_EQ(debugLinesOf(log), lines);
 }
 
 TEST(TarnFWLoadConfig, NeedsNoMemoryForBlanksAndComments) {
