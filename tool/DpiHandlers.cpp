@@ -130,7 +130,7 @@ void showReply(LocalSocket& process, const ReplyTexts& texts) {
     std::fputs(text.get(), stdout);
 }
 
-constexpr char kUsage[] = "Get dpi info.\n\n" USAGE_OPTIONS
+constexpr char kUsage[] = "Get VDPI info.\n\n" USAGE_OPTIONS
                           "    -s          : stats\n"
                           "    -t          : thread status\n"
                           "    -e          : enable tracing\n"

@@ -153,7 +153,7 @@ constexpr unsigned long kMostTimeout = 30;
 constexpr std::size_t kMostPath = sizeof TraceMessage_::argument - 1;
 
 constexpr char kHulldUsage[] =
-    "Trace hulld.\n\n" USAGE_OPTIONS
+    "Trace hulld process.\n\n" USAGE_OPTIONS
     "    -e          : enable tracing\n"
     "    -q          : disable tracing\n"
     "    -s          : tracing status\n"
@@ -298,7 +298,7 @@ int runTrace(const TraceMessage_& message) {
 
 // --- The kernel's firewall
 
-constexpr char kTarnUsage[] = "Trace tarn.\n\n" USAGE_OPTIONS USAGE_FILTER
+constexpr char kTarnUsage[] = "Trace tarn kernel module.\n\n" USAGE_OPTIONS USAGE_FILTER
                               "    -s          : tracing status\n"
                               "    -c <string> : execute a trace command\n" USAGE_COMPONENT
                               "    -v<number>  : verbose log level for log commands\n" USAGE_HELP;

@@ -4,7 +4,7 @@ What the host's inspection process counts and knows.
   $ tarnlab init > made
 
   $ run tarnioctl getdpiinfo -h
-  Get dpi info.
+  Get VDPI info.
   
   Usage: tarnioctl getdpiinfo <options>
       -s          : stats

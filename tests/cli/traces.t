@@ -5,7 +5,7 @@ What the components of the kernel's firewall log, and traces of the host's daemo
   $ filter=nic-1002672-eth0-kelpco-sfw.2
 
   $ run tarnioctl tracetarn -h
-  Trace tarn.
+  Trace tarn kernel module.
   
   Usage: tarnioctl tracetarn <options>
       -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2
@@ -15,7 +15,7 @@ What the components of the kernel's firewall log, and traces of the host's daemo
       -v<number>  : verbose log level for log commands
       -h          : this help message
   $ run tarnioctl tracehulld -h
-  Trace hulld.
+  Trace hulld process.
   
   Usage: tarnioctl tracehulld <options>
       -e          : enable tracing

@@ -9,7 +9,7 @@ namespace {
 
 HandlerRow dpiRow() {
   HandlerRow row = plainRow({"getdpiinfo"},
-                            "Get dpi info.\n\n" OPTIONS
+                            "Get VDPI info.\n\n" OPTIONS
                             "    -s          : stats\n"
                             "    -t          : thread status\n"
                             "    -e          : enable tracing\n"
@@ -27,7 +27,7 @@ HandlerRow dpiRow() {
 std::vector<HandlerRow> traceRows() {
   return {
       plainRow({"tracehulld"},
-               "Trace hulld.\n\n" OPTIONS "    -e          : enable tracing\n"
+               "Trace hulld process.\n\n" OPTIONS "    -e          : enable tracing\n"
                "    -q          : disable tracing\n"
                "    -s          : tracing status\n"
                "    -c <string> : execute a trace command\n"
@@ -37,7 +37,7 @@ std::vector<HandlerRow> traceRows() {
                "    -t <number> : addrset update timeout\n" HELP,
                "-c"),
       {.words = {"tracetarn"},
-       .usage = "Trace tarn.\n\n" OPTIONS
+       .usage = "Trace tarn kernel module.\n\n" OPTIONS
                 "    -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2\n"
                 "    -s          : tracing status\n"
                 "    -c <string> : execute a trace command\n"

@@ -17,7 +17,7 @@ namespace {
 const char kFilter[] = "nic-1002672-eth0-kelpco-sfw.2";
 
 const char kTarnUsage[] =
-    "Trace tarn.\n\n"
+    "Trace tarn kernel module.\n\n"
     "Usage: tarnioctl tracetarn <options>\n"
     "    -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2\n"
     "    -s          : tracing status\n"

@@ -20,7 +20,7 @@ using namespace std::string_literals;
 namespace {
 
 const char kHulldUsage[] =
-    "Trace hulld.\n\n"
+    "Trace hulld process.\n\n"
     "Usage: tarnioctl tracehulld <options>\n"
     "    -e          : enable tracing\n"
     "    -q          : disable tracing\n"
