@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <utility>
 
 #include "CheckShadow.h"
 #include "ShownText.h"
@@ -144,7 +145,7 @@ void NameCheck::ruleWord(const Word& word) {
 void NameCheck::statement(CTarnFWCmdList* commands) {
   if (commands == nullptr) {
     for (const Word& word : head_) mentioned_.insert(word.text);
-    for (const Reference& reference : references_) mentioned_.insert(reference.name.text);
+    for (const NameReference& reference : references_) mentioned_.insert(reference.name.text);
   } else if (!head_.empty()) {
     const std::size_t number = scopeOf(*commands);
     carryOut(scopes_[number], *commands);
@@ -181,7 +182,7 @@ void NameCheck::carryOut(NameScope& scope, const CTarnFWCmdList& commands) {
       return;
     case TK_DESTROY:
       if (code(1) == TK_ALL) {
-        scope.destroyAll(code(2) == TK_RULESET ? NameKind::ruleSet : NameKind::set);
+        scope.destroyAll(code(2) == TK_RULESET ? NameKind::ruleSet : NameKind::set, head_[1].range);
       } else if (head_.size() > 2) {
         scope.destroy(code(1) == TK_RULESET ? NameKind::ruleSet : NameKind::set, head_[2].name());
       }
@@ -247,7 +248,7 @@ void NameCheck::carryOutCreate(NameScope& scope) {
   create(2, NameKind::ruleSet);
   if (!ids_.empty()) scope.addRules();
   std::vector<PlacedName> jumps;
-  for (const Reference& reference : references_) {
+  for (const NameReference& reference : references_) {
     if (reference.kind != NameKind::ruleSet) {
       scope.use(reference.kind, reference.name);
       continue;
@@ -256,6 +257,8 @@ void NameCheck::carryOutCreate(NameScope& scope) {
     jumps.push_back(reference.name);
   }
   scope.jumps().setOfRules(head_[2].text, std::move(jumps));
+  for (const PlacedName& name : generated_) references_.push_back({NameKind::set, name});
+  scope.setReferences(head_[2].text, std::exchange(references_, {}));
   for (std::size_t i = 3; i + 1 < head_.size(); ++i) {
     if (head_[i].code != TK_JUMPTO) continue;
     addNoEffect(head_[i + 1].range, "the jump target of `create ruleset` is not set in the kernel",
@@ -269,7 +272,9 @@ void NameCheck::carryOutClear(NameScope& scope) {
   if (code(1) == TK_ROOT) scope.clearRoot();
   if (code(3) != TK_RULESET || code(4) != TK_STRING) return;
   if (code(1) == TK_JUMPTO) scope.jumps().clear(head_[4].text);
-  if (code(1) == TK_RULE) scope.jumps().setOfRules(head_[4].text, {});
+  if (code(1) != TK_RULE) return;
+  scope.jumps().setOfRules(head_[4].text, {});
+  scope.setReferences(head_[4].text, {});
 }
 
 void NameCheck::carryOutRoot(NameScope& scope) {

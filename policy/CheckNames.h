@@ -45,10 +45,6 @@ class NameCheck final : public TextListener {
     TextRange range;
     std::string_view text;  // of names without their quotes
   };
-  struct Reference {
-    NameKind kind;
-    PlacedName name;
-  };
   struct RuleId {
     std::uint64_t id;
     TextRange range;
@@ -86,7 +82,7 @@ class NameCheck final : public TextListener {
   std::uint64_t ruleId_ = 0;
   std::vector<RuleId> ids_;
   std::vector<std::uint32_t> rulePlaces_;
-  std::vector<Reference> references_;  // jumps are those of rule sets
+  std::vector<NameReference> references_;  // jumps are those of rule sets
   std::vector<PlacedName> generated_;
 
   std::deque<std::string> made_;  // names that stand in no text

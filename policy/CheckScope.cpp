@@ -1,5 +1,7 @@
 #include "CheckScope.h"
 
+#include <tuple>
+
 #include "CheckWords.h"
 #include "ShownText.h"
 
@@ -29,6 +31,10 @@ Check unknownCheck(NameKind kind) {
     default:
       return Check::unknownRuleSet;
   }
+}
+
+bool isBefore(const TextRange& a, const TextRange& b) {
+  return std::tie(a.file, a.begin) < std::tie(b.file, b.begin);
 }
 
 std::size_t indexOf(NameKind kind) { return static_cast<std::size_t>(kind); }
@@ -98,17 +104,38 @@ void NameScope::createGenerated(const PlacedName& name) {
 
 void NameScope::destroy(NameKind kind, const PlacedName& name) {
   requireThere(kind, name);
-  objects_[spaceOf(kind)][name.text].exists = false;
-  if (kind == NameKind::ruleSet) jumps_.destroy(name.text);
+  Object& object = objects_[spaceOf(kind)][name.text];
+  object.exists = false;
+  object.destroyed = name.range;
+  if (kind == NameKind::ruleSet) {
+    jumps_.destroy(name.text);
+    references_.erase(name.text);
+  } else {
+    setsGone_ = true;
+  }
 }
 
-void NameScope::destroyAll(NameKind kind) {
+void NameScope::destroyAll(NameKind kind, const TextRange& place) {
   const std::size_t space = spaceOf(kind);
   allGone_[space] = time_;
   anyGone_[space] = true;
-  if (kind != NameKind::ruleSet) return;
-  jumps_.destroyAll();
-  clearRoot();
+  allGoneAt_[space] = place;
+  if (kind == NameKind::ruleSet) {
+    jumps_.destroyAll();
+    if (!references_.empty()) references_ = {};
+    clearRoot();
+  } else {
+    setsGone_ = true;
+  }
+}
+
+void NameScope::setReferences(std::string_view ruleSet, std::vector<NameReference> references) {
+  const auto place = references_.find(ruleSet);
+  if (place != references_.end()) {
+    place->second = std::move(references);
+  } else if (!references.empty()) {
+    references_.emplace(ruleSet, std::move(references));
+  }
 }
 
 void NameScope::requireThere(NameKind kind, const PlacedName& name) {
@@ -173,6 +200,7 @@ bool NameScope::isUsed(NameKind kind, std::string_view name) const {
 
 void NameScope::finish() {
   finishUses();
+  finishDestroyed();
   finishRoot();
   finishUnused();
   jumps_.finish(diagnostics_);
@@ -188,6 +216,39 @@ void NameScope::finishUses() {
       if (uses.count > 1) message += " (used in " + std::to_string(uses.count) + " places)";
       addUnknown(uses.jump ? Check::unknownJump : unknownCheck(kind), kind, {name, uses.first},
                  std::move(message));
+    }
+  }
+}
+
+/// Sets that a text creates and destroys, while rules that are there at its end refer to them.
+void NameScope::finishDestroyed() {
+  if (!setsGone_) return;
+  ByName<Uses> left[kNameKinds];
+  for (const auto& [ruleSet, references] : references_) {
+    if (mentioned_.contains(ruleSet)) continue;  // nobody knows what is left of it
+    for (const auto& [kind, name] : references) {
+      if (kind == NameKind::ruleSet || !isCreated(kind, name.text) || isThere(kind, name.text) ||
+          mentioned_.contains(name.text)) {
+        continue;
+      }
+      Uses& uses = left[indexOf(kind)][name.text];
+      if (uses.count++ == 0 || isBefore(name.range, uses.first)) uses.first = name.range;
+    }
+  }
+  for (const NameKind kind : {NameKind::set, NameKind::container}) {
+    for (const auto& [name, uses] : left[indexOf(kind)]) {
+      const Object& object = *find(kind, name);
+      std::string message =
+          "the " + kindAndName(kind, name) + " is destroyed, but this rule still uses it";
+      if (uses.count > 1) message += " (used in " + std::to_string(uses.count) + " places)";
+      diagnostics_.add(
+          {.check = unknownCheck(kind),
+           .range = uses.first,
+           .message = std::move(message),
+           .help = "destroy what uses it first, or keep it",
+           .relatedMessage = "destroyed here",
+           .related = object.exists ? allGoneAt_[spaceOf(kind)] : object.destroyed,
+           .severity = held_ != nullptr ? Severity::error : rowOf(unknownCheck(kind)).severity});
     }
   }
 }

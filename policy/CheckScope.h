@@ -9,6 +9,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <vector>
 
 #include "CheckJumps.h"
 #include "Diagnostic.h"
@@ -16,6 +17,12 @@
 /// What a name can be of.
 enum class NameKind : unsigned char { set, container, ruleSet };
 inline constexpr std::size_t kNameKinds = 3;
+
+/// A name that a rule refers to.
+struct NameReference {
+  NameKind kind;
+  PlacedName name;
+};
 
 /// Names that a filter holds before the texts are loaded.
 struct HeldNames {
@@ -39,8 +46,8 @@ class NameScope {
   /// Reports a name that is not there, as `requireThere` does.
   void destroy(NameKind kind, const PlacedName& name);
 
-  /// Sets go together with containers.
-  void destroyAll(NameKind kind);
+  /// Sets go together with containers. `place`: where it is said.
+  void destroyAll(NameKind kind, const TextRange& place);
 
   /// Reports a name that is not there at this point of the texts.
   void requireThere(NameKind kind, const PlacedName& name);
@@ -48,6 +55,9 @@ class NameScope {
   /// A name may be used before it is created.
   void use(NameKind kind, const PlacedName& name) { count(kind, name, false); }
   void useAsJump(const PlacedName& name) { count(NameKind::ruleSet, name, true); }
+
+  /// The rules of the rule set refer to these, and to no others any more.
+  void setReferences(std::string_view ruleSet, std::vector<NameReference> references);
 
   /// `ofOne`: the layer-2 rule set follows from this name.
   void setRoot(const PlacedName& name, bool ofOne);
@@ -65,7 +75,8 @@ class NameScope {
   static std::size_t spaceOf(NameKind kind) { return kind == NameKind::ruleSet ? 1 : 0; }
 
   struct Object {
-    TextRange range;  // of the last statement that created it
+    TextRange range;      // of the last statement that created it
+    TextRange destroyed;  // of the last statement that destroyed it by its name
     NameKind kind;
     bool wasCreated[kNameKinds];  // as what it ever was
     bool exists;                  // unless all have been destroyed since `time`
@@ -93,6 +104,7 @@ class NameScope {
   bool isUsed(NameKind kind, std::string_view name) const;
   void replace(const Object& earlier, NameKind kind, const PlacedName& name);
   void finishUses();
+  void finishDestroyed();
   void finishRoot();
   void finishUnused();
   void addUnknown(Check check, NameKind kind, const PlacedName& name, std::string message);
@@ -106,7 +118,10 @@ class NameScope {
   std::size_t time_ = 0;               // counts what is created
   std::size_t allGone_[kSpaces] = {};  // when all were destroyed the last time
   bool anyGone_[kSpaces] = {};         // whether they ever were, and what the filter held with them
+  TextRange allGoneAt_[kSpaces] = {};  // the statement that did it the last time
+  bool setsGone_ = false;              // whether any set was ever destroyed
   ByName<Uses> uses_[kNameKinds];
+  ByName<std::vector<NameReference>> references_;  // of rule sets that are there
   JumpCheck jumps_;
   std::optional<Root> root_;
   bool hasRules_ = false;

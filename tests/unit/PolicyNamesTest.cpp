@@ -1,6 +1,12 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <map>
+#include <set>
+
+#include "Choices.h"
 #include "PolicyText.h"
+#include "StateText.h"
 
 namespace {
 
@@ -212,6 +218,187 @@ TEST(PolicyNames, ASetThatIsOnlyDestroyedIsNotCreated) {
   ASSERT_EQ(diagnostics.all().size(), 1u);
   EXPECT_EQ(diagnostics.all()[0].message,
             "nothing creates the set `a`, and the filter does not hold it");
+}
+
+TEST(PolicyNames, ASetThatIsDestroyedIsMissingToTheRulesThatAreLeft) {
+  const std::string sets =
+      "create addrset \"a\" 10.0.0.1; create attrprofile \"p\" with { [ APP_ID : APP_HTTP ] };\n";
+  const std::string rules =
+      "create ruleset \"r\" {\n"
+      " rule 1 in protocol any from \"a\" to any drop;\n"
+      " rule 2 in protocol any from any to not addrset a attrprofile \"p\" accept;\n"
+      "};\n";
+  const Lines noSet{
+      "3:30 unknown-set: the set `a` is destroyed, but this rule still uses it (used in 2 places)"};
+  const Lines noContainer{
+      "4:63 unknown-container: the container `p` is destroyed, but this rule still uses it"};
+  Lines none = noSet;
+  none.insert(none.end(), noContainer.begin(), noContainer.end());
+  EXPECT_EQ(found(sets + rules + "destroy addrset \"a\";"), noSet);
+  EXPECT_EQ(
+      found(sets + "destroy addrset \"a\"; " + rules),
+      Lines{"3:30 unknown-set: the set `a` is destroyed, but this rule still uses it (used in "
+            "2 places)"});
+  EXPECT_EQ(found(sets + rules + "delete attrprofile \"p\";"), noContainer);
+  EXPECT_EQ(found(sets + rules + "destroy all addrset;"), none);
+  for (const char* end :
+       {"", "destroy addrset \"a\"; create addrset \"a\" 10.0.0.2;",
+        "destroy all addrset; create addrset \"a\" 10.0.0.2; create addrset \"p\" 10.0.0.3;",
+        "destroy addrset \"a\"; destroy ruleset \"r\"; delete attrprofile \"p\";",
+        "destroy all addrset; destroy all ruleset;",
+        "destroy all addrset; clear rule of ruleset r;",
+        "destroy addrset \"a\"; create attrprofile \"a\" with { [ APP_ID : APP_DNS ] };"}) {
+    EXPECT_EQ(foundOf("unknown-set", sets + rules + end), Lines{}) << end;
+    EXPECT_EQ(foundOf("unknown-container", sets + rules + end), Lines{}) << end;
+  }
+  EXPECT_EQ(found("create ruleset \"r\" { rule 7 in protocol any from 10.0.0.1-9 to any drop; };\n"
+                  "destroy all addrset;"),
+            Lines{"1:50 unknown-set: the set `src7` is destroyed, but this rule still uses it"});
+  // A statement with a mistake may be the one that helps.
+  EXPECT_EQ(
+      foundOf("unknown-set", sets + rules + "destroy addrset \"a\"; destroy ruleset \"r\" r;"),
+      Lines{});
+  EXPECT_EQ(foundOf("unknown-set",
+                    sets + rules + "destroy addrset \"a\"; create addrset \"a\" 10.0.0.300;"),
+            Lines{});
+}
+
+TEST(PolicyNames, ADestroyedSetIsAnErrorWhereTheFilterIsKnown) {
+  HeldNames held;
+  SourceTexts sources;
+  sources.emplace_back("1",
+                       "create addrset \"a\" 10.0.0.1; create ruleset \"r\" { rule 1 in "
+                       "protocol any from \"a\" to any drop; }; destroy addrset \"a\";");
+  const Diagnostics diagnostics = checkTexts(sources, &held);
+  ASSERT_EQ(diagnostics.all().size(), 1u);
+  const Diagnostic& diagnostic = diagnostics.all()[0];
+  EXPECT_EQ(diagnostic.severity, Severity::error);
+  EXPECT_EQ(diagnostic.help, "destroy what uses it first, or keep it");
+  EXPECT_EQ(diagnostic.relatedMessage, "destroyed here");
+  EXPECT_EQ(sources[0].place(diagnostic.related.begin).column, 115u);
+}
+
+/// A text of some sets, profiles and rule sets that are made and destroyed in any order, and what
+/// of them it ever creates.
+struct DestroyingText {
+  explicit DestroyingText(std::uint64_t seed) : choices_(seed) {
+    const std::uint32_t statements = 3 + choices_.below(10);
+    for (std::uint32_t i = 0; i < statements; ++i) add();
+  }
+
+  std::string text;
+  std::set<std::string> sets, profiles;
+
+ private:
+  std::string name() { return std::string(1, "abc"[choices_.below(3)]); }
+
+  void add() {
+    const std::string set = name(), ruleSet = "r" + name();
+    switch (choices_.below(14)) {
+      case 0:
+        text += "destroy all addrset;\n";
+        return;
+      case 1:
+        text += "destroy all ruleset;\n";
+        return;
+      case 2:
+        text += "destroy ruleset \"" + ruleSet + "\";\n";
+        return;
+      case 3:
+        text += "clear rule of ruleset \"" + ruleSet + "\";\n";
+        return;
+      case 4:
+      case 5:
+        text += "destroy addrset \"" + set + "\";\n";
+        return;
+      case 6:
+        text += "delete attrprofile \"" + set + "\";\n";
+        return;
+      case 7:
+        text += "create attrprofile \"" + set + "\" with { [ APP_ID : APP_HTTP ] };\n";
+        profiles.insert(set);
+        return;
+      case 8:
+      case 9:
+      case 10:
+        text += "create addrset \"" + set + "\" 10.0.0.1;\n";
+        sets.insert(set);
+        return;
+      case 11:
+        text += "destroy addrset \"src" + std::to_string(choices_.below(3)) + "\";\n";
+        return;
+      default:
+        if (choices_.chance(20)) {
+          text += "create ruleset \"" + ruleSet + "\";\n";
+          return;
+        }
+        text += "create ruleset \"" + ruleSet + "\" {\n";
+        for (std::uint32_t i = 1 + choices_.below(3); i > 0; --i) addRule();
+        text += "};\n";
+    }
+  }
+
+  void addRule() {
+    const std::string id = std::to_string(choices_.below(3));
+    text += "rule " + id + " in protocol any from ";
+    if (choices_.chance(30)) {
+      text += "10.0.0.1-9";
+      sets.insert("src" + id);
+    } else {
+      text += choices_.chance(50) ? "any" : "addrset " + name();
+    }
+    text += " to " + (choices_.chance(50) ? "any" : "not addrset " + name());
+    if (choices_.chance(30)) text += " attrprofile \"" + name() + "\"";
+    text += " drop;\n";
+  }
+
+  Choices choices_;
+};
+
+/// What rules of the text's final state refer to that is not there, of what the text created.
+Lines missingSets(const DestroyingText& text) {
+  const State state = stateOfText(text.text, "test").state;
+  std::map<std::string, unsigned int> missing;
+  const auto refer = [&](const char* kind, const std::string& name, bool wasCreated) {
+    if (name.empty() || !wasCreated || state.sets.contains(name)) return;
+    ++missing["unknown-" + std::string(kind) + ": the " + kind + " `" + name +
+              "` is destroyed, but this rule still uses it"];
+  };
+  for (const auto& [ruleSet, rules] : state.ruleSets) {
+    for (const TarnFirewall::FWRule_& rule : rules.of(StateRules::filter)) {
+      const StateReferences references = referencesOf(rule);
+      for (const std::string_view set : {references.source, references.destination}) {
+        refer("set", std::string(set), text.sets.contains(std::string(set)));
+      }
+      const std::string profile(references.attributeProfile);
+      refer("container", profile, text.sets.contains(profile) || text.profiles.contains(profile));
+    }
+  }
+  Lines lines;
+  for (const auto& [line, count] : missing) {
+    lines.push_back(count > 1 ? line + " (used in " + std::to_string(count) + " places)" : line);
+  }
+  return lines;
+}
+
+TEST(PolicyNames, DestroyedSetsAreThoseThatTheFinalStateLacks) {
+  std::size_t texts = 0, names = 0;
+  for (std::uint64_t seed = 1; seed <= 4000; ++seed) {
+    const DestroyingText text(seed);
+    Lines lines;
+    for (const std::string& line : found(text.text)) {
+      if (line.find(" is destroyed, but") != line.npos)
+        lines.push_back(line.substr(line.find(' ') + 1));
+    }
+    std::sort(lines.begin(), lines.end());
+    const Lines expected = missingSets(text);
+    ASSERT_EQ(lines, expected) << "seed " << seed << "\n" << text.text;
+    texts += expected.empty() ? 0 : 1;
+    names += expected.size();
+  }
+  EXPECT_GT(texts, 400u);
+  EXPECT_LT(texts, 3600u);
+  EXPECT_GT(names, texts);
 }
 
 TEST(PolicyNames, SetsAndContainersShareTheirNames) {
