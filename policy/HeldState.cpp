@@ -29,9 +29,6 @@ using namespace TarnFirewall;
 
 namespace {
 
-constexpr std::size_t kMostCommands = std::numeric_limits<std::uint16_t>::max();
-constexpr std::size_t kMostBytes = std::size_t{256} << 20;
-
 /// Names that are asked for beside those of the state: the nameless root, and one too many.
 constexpr std::uint32_t kMoreNames = 2;
 
@@ -286,13 +283,13 @@ class Message {
 };
 
 /// Sends the questions, as many in a message as it holds.
-bool allAgree(CTarnFWLibHandle& library, const dvs_port_& port,
-              std::span<const Question> questions) {
+bool allAgree(CTarnFWLibHandle& library, const dvs_port_& port, std::span<const Question> questions,
+              const QuestionLimits& limits) {
   while (!questions.empty()) {
     std::size_t count = 0, bytes = 0;
-    while (count < questions.size() && count < kMostCommands) {
+    while (count < questions.size() && count < limits.questions) {
       const std::size_t size = questions[count].size();
-      if (count > 0 && bytes + size > kMostBytes) break;
+      if (count > 0 && bytes + size > limits.bytes) break;
       bytes += size;
       ++count;
     }
@@ -306,10 +303,11 @@ bool allAgree(CTarnFWLibHandle& library, const dvs_port_& port,
 
 }  // namespace
 
-bool filterHolds(fwlibhandle_* library, const dvs_port_& port, const State& state) {
+bool filterHolds(fwlibhandle_* library, const dvs_port_& port, const State& state,
+                 const QuestionLimits& limits) {
   try {
     const Questions questions(port, state);
-    return allAgree(*fromLibHandle(library), port, questions.all());
+    return allAgree(*fromLibHandle(library), port, questions.all(), limits);
   } catch (const CTarnFWException&) {
     return false;
   }

@@ -43,6 +43,13 @@ class PolicyKernel {
   /// Messages that it got, each with one command or more.
   std::size_t messages() const { return kernel_.messages().size(); }
 
+  /// Commands that it got.
+  std::size_t questions() const { return asked_.size(); }
+
+  /// Bytes of the commands in the last message, with their envelopes; a header of 20 is before
+  /// them.
+  std::size_t bytesOfLastMessage() const { return kernel_.last().bytes.size() - 20; }
+
  private:
   TarnFirewall::FWStatus_t answerMessage(std::uint8_t* message, unsigned int size);
   TarnFirewall::FWStatus_t answerCommand(unsigned int command, Body body);

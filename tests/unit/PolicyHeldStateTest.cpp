@@ -170,3 +170,37 @@ TEST(PolicyHeldState, MoreQuestionsThanAMessageHoldsAreSeveralMessages) {
   EXPECT_TRUE(holds(over, state));
   EXPECT_EQ(over.messages(), 2u);
 }
+
+TEST(PolicyHeldState, MoreBytesThanAMessageHoldsAreSeveralMessages) {
+  const State state = sample();
+  const auto messages = [&](const QuestionLimits& limits) {
+    PolicyKernel kernel(state);
+    EXPECT_TRUE(filterHolds(kernel.handle(), kPort, state, limits));
+    return kernel.messages();
+  };
+  PolicyKernel all(state);
+  EXPECT_TRUE(holds(all, state));
+  const std::size_t size = all.bytesOfLastMessage();
+  const std::size_t questions = all.questions();
+  EXPECT_EQ(messages({.bytes = size}), 1u);
+  EXPECT_EQ(messages({.bytes = size - 1}), 2u);
+  EXPECT_EQ(messages({.questions = questions}), 1u);
+  EXPECT_EQ(messages({.questions = questions - 1}), 2u);
+  // One that is larger than the limit has a message of its own.
+  EXPECT_EQ(messages({.bytes = 1}), questions);
+  EXPECT_EQ(messages({.questions = 1}), questions);
+}
+
+TEST(PolicyHeldState, ADifferenceInALaterMessageIsFound) {
+  State held = sample();
+  held.layer2 = "r";
+  for (std::size_t most = 1; most < 30; ++most) {
+    PolicyKernel kernel(held);
+    EXPECT_FALSE(filterHolds(kernel.handle(), kPort, sample(), {.questions = most})) << most;
+  }
+}
+
+TEST(PolicyHeldState, TheLimitsAreThoseOfTheHeaderAndOfTheMemory) {
+  EXPECT_EQ(QuestionLimits{}.questions, 65535u);
+  EXPECT_EQ(QuestionLimits{}.bytes, 268435456u);
+}
