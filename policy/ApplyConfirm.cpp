@@ -166,7 +166,7 @@ bool ConfirmPlace::askTerminal() {
 
 ConfirmEnd ConfirmPlace::wait(const std::vector<std::string>& filters, unsigned int seconds) {
   filters_.clear();
-  for (const std::string& filter : filters) filters_ += filter + "\n";
+  for (const std::string& filter : filters) filters_.append(filter.c_str(), filter.size() + 1);
   const auto end = Clock::now() + std::chrono::seconds(seconds);
   while (true) {
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now()).count();
@@ -205,7 +205,7 @@ std::vector<WaitingApply> waitingApplies() {
     std::string answer = ask(apply.path, kAsk, &refused);
     if (refused) unlink(apply.path.c_str());
     for (std::size_t at = 0; at < answer.size();) {
-      const std::size_t after = std::min(answer.find('\n', at), answer.size());
+      const std::size_t after = std::min(answer.find('\0', at), answer.size());
       apply.filters.push_back(answer.substr(at, after - at));
       at = after + 1;
     }

@@ -34,7 +34,7 @@ class ConfirmPlace {
   bool answer() const;
 
   std::string path_;
-  std::string filters_;  // one to a line
+  std::string filters_;  // each with a NUL after it
   int socket_ = -1;
   bool asksTerminal_ = false;
 };

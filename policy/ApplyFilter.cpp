@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <new>
 #include <optional>
 
 #include "HeldState.h"
@@ -21,10 +22,35 @@ namespace {
 constexpr int kTries = 3;
 constexpr unsigned int kPauseSeconds = 1;
 
+/// A word as a shell takes it. What a terminal would obey stands as `$'\033'`.
 std::string inCommand(const std::string& word) {
   std::string quotedWord = "'";
-  for (const char c : word) quotedWord += c == '\'' ? std::string("'\\''") : std::string(1, c);
+  for (const char c : word) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (c == '\'') {
+      quotedWord += "'\\''";
+    } else if (byte < 0x20 || byte == 0x7f) {
+      quotedWord += formatText("'$'\\%03o''", byte);
+    } else {
+      quotedWord += c;
+    }
+  }
   return quotedWord + "'";
+}
+
+/// Room that putting a state back takes, for each record: in the list that is read, in the state,
+/// in its growth, and in the message.
+constexpr std::size_t kCopies = 4;
+constexpr std::size_t kLeastRoom = std::size_t{1} << 20;
+
+std::size_t roomOf(const State& state) {
+  std::size_t bytes = 0;
+  for (const auto& [name, set] : state.sets) {
+    bytes += set.addresses.size() * sizeof(FWAddress_);
+    for (const std::string& element : set.elements) bytes += element.size();
+  }
+  for (const auto& [name, set] : state.ruleSets) bytes += set.count() * sizeof(FWRule_);
+  return bytes * kCopies;
 }
 
 }  // namespace
@@ -56,25 +82,42 @@ State ApplyFilter::held() const {
   return stateOfFilter(library_, port_, name_, PurgedRuleSets::refuse);
 }
 
-void ApplyFilter::send(const PlanStep& step, const State& to) const {
+void ApplyFilter::send(const PlanStep& step, const State& to) {
   FWStatus_t status = FW_STATUS_OK;
   try {
     const auto command = stepCommand(step, to, &port_);
+    wasSent_ = true;
     status = ::TarnFirewall::run(*fromLibHandle(library_), *command, nullptr);
   } catch (const CTarnFWException& e) {
     status = static_cast<FWStatus_t>(e.retcode());
   }
   if (status == FW_STATUS_OK) return;
-  throw StateError("`" + shownStep(step, to) + "' failed: " + FW_StatusToString(status));
+  throw StateError("`" + shownStep(step, to) + "' failed: " + statusReason(status));
 }
 
 ApplyReport ApplyFilter::run(const ApplyProgress& progress) {
+  wasSent_ = false;
+  done_ = 0;
+  try {
+    reserve_ = std::make_unique_for_overwrite<std::byte[]>(roomOf(earlier_) + roomOf(*wanted_) +
+                                                           kLeastRoom);
+    ApplyReport report = carryOut(progress);
+    reserve_.reset();
+    return report;
+  } catch (const std::bad_alloc&) {
+    if (wasSent_) return restore(kOutOfMemory);
+  }
+  file_.remove();
+  return {ApplyEnd::untouched, 0, kOutOfMemory, {}};
+}
+
+ApplyReport ApplyFilter::carryOut(const ApplyProgress& progress) {
   try {
     file_.write(name_, earlierText_);
   } catch (const StateError& e) {
     return {ApplyEnd::untouched, 0, e.what(), {}};
   }
-  done_ = 0;
+  earlierText_ = std::string();
   for (const PlanStep& step : plan_) {
     if (!progress(done_, plan_.size())) {
       if (done_ > 0) return restore("interrupted");
@@ -99,6 +142,15 @@ std::vector<std::string> ApplyFilter::keep() {
 ApplyReport ApplyFilter::undo(const std::string& reason) { return restore(reason); }
 
 ApplyReport ApplyFilter::restore(const std::string& reason) {
+  reserve_.reset();
+  try {
+    return tryRestore(reason);
+  } catch (const std::bad_alloc&) {
+    return {ApplyEnd::mixture, done_, kOutOfMemory, {}, file_.takePath()};
+  }
+}
+
+ApplyReport ApplyFilter::tryRestore(const std::string& reason) {
   std::string problem;
   std::optional<State> known;  // by what was read and answered last
   for (int attempt = 0; attempt < kTries; ++attempt) {
@@ -115,6 +167,8 @@ ApplyReport ApplyFilter::restore(const std::string& reason) {
       return {ApplyEnd::restored, done_, reason, {}};
     } catch (const StateError& e) {
       problem = e.what();
+    } catch (const std::bad_alloc&) {
+      problem = kOutOfMemory;
     }
   }
   if (!known) {

@@ -26,7 +26,11 @@ struct ApplyReport {
   std::size_t statements = 0;
   std::string reason;        // why it failed, for a line of its own
   std::string instructions;  // of a mixture: lines that say what to do
+  std::string file{};        // that has the earlier state, where no memory is left for instructions
 };
+
+/// Why something fails for want of memory. No string of it takes any.
+inline constexpr char kOutOfMemory[] = "out of memory";
 
 /// Called before each statement with those that are done and all; false stops the work.
 using ApplyProgress = std::function<bool(std::size_t done, std::size_t all)>;
@@ -46,7 +50,8 @@ class ApplyFilter {
   const std::vector<PlanStep>& plan() const { return plan_; }
 
   /// Carries the statements out, after the earlier state is in a file. The file is kept until
-  /// `keep`, or while the filter holds a mixture.
+  /// `keep`, or while the filter holds a mixture. Memory that runs out is a failure as any other:
+  /// neither this nor `undo` throws.
   ApplyReport run(const ApplyProgress& progress);
 
   /// Puts the earlier state back after `run` has done its work.
@@ -58,12 +63,14 @@ class ApplyFilter {
   std::vector<std::string> keep();
 
  private:
+  ApplyReport carryOut(const ApplyProgress& progress);
   ApplyReport restore(const std::string& reason);
+  ApplyReport tryRestore(const std::string& reason);
   /// `known` is what the filter holds by what is known of it.
   ApplyReport reportMixture(const std::string& reason, const std::string& problem,
                             const State& known) const;
   State held() const;
-  void send(const PlanStep& step, const State& to) const;
+  void send(const PlanStep& step, const State& to);
 
   TarnFirewall::fwlibhandle_* library_;
   std::string name_;
@@ -71,9 +78,11 @@ class ApplyFilter {
   std::unique_ptr<JournalLock> lock_;
   JournalFile file_;
   State earlier_;
-  std::string earlierText_;
+  std::string earlierText_;  // until it is in the file
   const State* wanted_ = nullptr;
   std::vector<PlanStep> plan_;
   std::size_t done_ = 0;
+  bool wasSent_ = false;                  // a statement, at least as far as the library
+  std::unique_ptr<std::byte[]> reserve_;  // memory for putting the earlier state back
   bool partial_ = false;
 };

@@ -17,6 +17,7 @@
 #include "LanguageText.h"
 #include "Options.h"
 #include "PlanCommand.h"
+#include "ShownText.h"
 #include "StateFilter.h"
 #include "StateText.h"
 #include "TarnFWText.h"
@@ -55,7 +56,6 @@ unsigned int secondsOf(const char* text) {
 }
 
 void takeFilter(ApplyCall& call, const std::string& name) {
-  if (name.empty()) throw CallError("the filter's name is empty");
   if (std::find(call.filters.begin(), call.filters.end(), name) == call.filters.end()) {
     call.filters.push_back(name);
   }
@@ -67,10 +67,11 @@ ApplyCall readCall(int argc, char** argv) {
   while (const char letter = options.next()) {
     switch (letter) {
       case 'f':
-        takeFilter(call, options.argument());
+        takeFilter(call, givenFilter(options.argument()));
         break;
       case 'a':
         call.agent = options.argument();
+        if (call.agent.empty()) throw CallError("the agent's name is empty");
         break;
       case 'n':
         call.dryRun = true;
@@ -104,8 +105,9 @@ State wantedState(const ApplyCall& call) {
                        " is no part of a policy and would not be carried out; load it by tarnioctl "
                        "tarnfwcli, or pass it over with --partial");
     }
-    std::fprintf(stderr, "tarnpolicy apply: %s: passed over: %zu statements, the first is %s\n",
-                 name.c_str(), text.others.size(), first.c_str());
+    std::fprintf(stderr, "tarnpolicy apply: %s: passed over: %s, the first is %s\n",
+                 shownLine(name, kLongestMessage).c_str(),
+                 countedText(text.others.size(), "statement").c_str(), first.c_str());
   }
   if (const std::string obstacle = obstacleOf(text.state); !obstacle.empty()) {
     throw StateError(name + ": " + obstacle);
@@ -115,7 +117,7 @@ State wantedState(const ApplyCall& call) {
 
 /// A filter that did not get the policy.
 struct Failure {
-  std::string filter;
+  const std::string* filter;  // its name, which outlives this
   ApplyReport report;
 };
 
@@ -126,17 +128,38 @@ class Apply {
   int run() {
     const FilterLibrary library;
     names_ = call_.agent.empty() ? call_.filters : filtersOfAgent(call_.agent);
+    // What a filter has become is noted without memory.
+    done_.reserve(names_.size());
+    failures_.reserve(names_.size());
     const ApplySignals signals;
     std::optional<ConfirmPlace> place;
     if (call_.confirmSeconds != 0 && !call_.dryRun) place.emplace();
     for (const std::string& name : names_) one(library.handle(), name);
     if (place && !done_.empty()) confirm(*place);
-    printFailures();
+    withoutMemory([this] { printFailures(); });
     return status();
   }
 
  private:
+  /// Runs what only prints and tidies up; what has been done does not depend on it.
+  template <typename Body>
+  static void withoutMemory(Body body) {
+    try {
+      body();
+    } catch (const std::bad_alloc&) {
+      std::fprintf(stderr, "tarnpolicy apply: %s\n", kOutOfMemory);
+    }
+  }
+
   void one(TarnFirewall::fwlibhandle_* library, const std::string& name) {
+    try {
+      tryOne(library, name);
+    } catch (const std::bad_alloc&) {
+      failed(name, {ApplyEnd::untouched, 0, kOutOfMemory, {}});
+    }
+  }
+
+  void tryOne(TarnFirewall::fwlibhandle_* library, const std::string& name) {
     if (ApplySignals::seen() != 0 || stopped_) {
       failed(name, {ApplyEnd::untouched, 0, "not begun", {}});
       return;
@@ -147,10 +170,12 @@ class Apply {
       if (call_.dryRun) {
         printPlan(*filter);
       } else if (filter->plan().empty()) {
-        const std::string removed = keep(*filter);
-        std::printf("%s: nothing to do\n%s", shown(name).c_str(), removed.c_str());
+        withoutMemory([&] {
+          const std::string removed = keep(*filter);
+          std::printf("%s: nothing to do\n%s", shown(name).c_str(), removed.c_str());
+        });
       } else {
-        change(std::move(filter));
+        change(name, std::move(filter));
       }
     } catch (const StateError& e) {
       failed(name, {ApplyEnd::untouched, 0, e.what(), {}});
@@ -162,20 +187,22 @@ class Apply {
     for (const PlanStep& step : filter.plan()) std::fputs(stepText(step, wanted_).c_str(), stdout);
   }
 
-  void change(std::unique_ptr<ApplyFilter> filter) {
-    ProgressLine line(shown(filter->name()));
+  void change(const std::string& name, std::unique_ptr<ApplyFilter> filter) {
+    ProgressLine line(shown(name));
     ApplyReport report = filter->run([&](std::size_t done, std::size_t all) {
       line.show(done, all);
       return ApplySignals::seen() == 0;
     });
     line.clear();
     if (report.end != ApplyEnd::done) {
-      failed(filter->name(), std::move(report));
+      failed(name, std::move(report));
       return;
     }
-    std::printf("%s: done, %s\n", shown(filter->name()).c_str(), counted(filter->plan()).c_str());
+    withoutMemory([&] {
+      std::printf("%s: done, %s\n", shown(name).c_str(), counted(filter->plan()).c_str());
+    });
     if (call_.confirmSeconds == 0) {
-      std::fputs(keep(*filter).c_str(), stdout);
+      withoutMemory([&] { std::fputs(keep(*filter).c_str(), stdout); });
     } else {
       done_.push_back(std::move(filter));
     }
@@ -185,12 +212,26 @@ class Apply {
   static std::string keep(ApplyFilter& filter) {
     std::string lines;
     for (const std::string& path : filter.keep()) {
-      lines += shown(filter.name()) + ": removed " + path + ", which an earlier call left\n";
+      lines += shown(filter.name()) + ": removed " + printableText(path) +
+               ", which an earlier call left\n";
     }
     return lines;
   }
 
   void confirm(ConfirmPlace& place) {
+    try {
+      const ConfirmEnd end = ask(place);
+      if (end != ConfirmEnd::confirmed) return undo(reasonOf(end));
+    } catch (const std::bad_alloc&) {
+      return undo(kOutOfMemory);
+    }
+    std::puts("confirmed");
+    for (const auto& filter : done_) {
+      withoutMemory([&] { std::fputs(keep(*filter).c_str(), stdout); });
+    }
+  }
+
+  ConfirmEnd ask(ConfirmPlace& place) {
     std::vector<std::string> names;
     for (const auto& filter : done_) names.push_back(filter->name());
     std::fflush(stdout);
@@ -201,15 +242,11 @@ class Apply {
                  "\"tarnpolicy confirm\" elsewhere\n",
                  countedText(call_.confirmSeconds, "second").c_str(),
                  asksTerminal ? ": by Enter here, or" : "");
-    const ConfirmEnd end = place.wait(names, call_.confirmSeconds);
-    if (end == ConfirmEnd::confirmed) {
-      std::string removed;
-      for (const auto& filter : done_) removed += keep(*filter);
-      std::printf("confirmed\n%s", removed.c_str());
-      return;
-    }
+    return place.wait(names, call_.confirmSeconds);
+  }
+
+  void undo(const std::string& reason) {
     // First the filters: a terminal that is lost may hold up whoever writes to it.
-    const std::string reason = reasonOf(end);
     for (const auto& filter : done_) failed(filter->name(), filter->undo(reason));
   }
 
@@ -227,30 +264,46 @@ class Apply {
   void failed(const std::string& name, ApplyReport report) {
     // One that can't be put back says that something is wrong with more than this filter.
     stopped_ = stopped_ || report.end == ApplyEnd::mixture;
-    const std::string prefix = "filter " + name + ": ";
-    if (report.reason.starts_with(prefix)) report.reason.erase(0, prefix.size());
-    failures_.push_back({name, std::move(report)});
+    failures_.push_back({&name, std::move(report)});
+  }
+
+  static std::string reasonOf(const Failure& failure) {
+    const std::string& reason = failure.report.reason;
+    const std::string prefix = "filter " + *failure.filter + ": ";
+    return shownLine(reason.starts_with(prefix) ? reason.substr(prefix.size()) : reason,
+                     kLongestMessage);
   }
 
   void printFailures() const {
     if (failures_.empty()) return;
     std::fflush(stdout);
     for (const Failure& failure : failures_) {
-      if (failure.report.end != ApplyEnd::mixture) continue;
-      std::fprintf(stderr, "tarnpolicy apply: filter %s holds a mixture: %s",
-                   shown(failure.filter).c_str(), failure.report.instructions.c_str());
+      if (failure.report.end == ApplyEnd::mixture) printMixture(failure);
     }
     std::fprintf(stderr, "tarnpolicy apply: %zu of %zu filters failed:\n", failures_.size(),
                  names_.size());
     std::size_t width = std::strlen("FILTER");
-    for (const Failure& failure : failures_) width = std::max(width, shown(failure.filter).size());
+    for (const Failure& failure : failures_) {
+      width = std::max(width, shown(*failure.filter).size());
+    }
     const auto row = [&](const std::string& filter, const char* holds, const std::string& why) {
       std::fprintf(stderr, "  %-*s  %-13s  %s\n", static_cast<int>(width), filter.c_str(), holds,
                    why.c_str());
     };
     row("FILTER", "HOLDS", "WHY");
     for (const Failure& failure : failures_) {
-      row(shown(failure.filter), heldBy(failure.report.end), escapedText(failure.report.reason));
+      row(shown(*failure.filter), heldBy(failure.report.end), reasonOf(failure));
+    }
+  }
+
+  static void printMixture(const Failure& failure) {
+    const auto& [end, statements, reason, instructions, file] = failure.report;
+    std::fprintf(stderr,
+                 "tarnpolicy apply: filter %s holds a mixture: ", shown(*failure.filter).c_str());
+    if (file.empty()) {
+      std::fputs(instructions.c_str(), stderr);
+    } else {
+      std::fprintf(stderr, "%s. Load the earlier state from %s\n", reason.c_str(), file.c_str());
     }
   }
 

@@ -9,6 +9,7 @@
 
 #include "CheckTexts.h"
 #include "DiagnosticPrinter.h"
+#include "FilterNames.h"
 #include "Options.h"
 #include "StateFilter.h"
 
@@ -67,19 +68,19 @@ int runCheck(int argc, char** argv) {
       {"format", 'F', false, true}, {"strict", 's', false, false}, {"filter", 'f', true, true}};
   Format format = Format::human;
   bool strict = false;
-  const char* filter = nullptr;
+  std::string filter;
   OptionReader options(argc, argv, kForms);
   while (const char letter = options.next()) {
     if (letter == 'F') format = formatOf(options.argument());
     if (letter == 's') strict = true;
-    if (letter == 'f') filter = options.argument();
+    if (letter == 'f') filter = givenFilter(options.argument());
   }
   if (options.operands().empty()) throw CallError("a file is missing");
 
   SourceTexts sources;
   for (const char* path : options.operands()) sources.push_back(SourceText::read(path));
   std::optional<HeldNames> held;
-  if (filter != nullptr) held = namesOf(filter);
+  if (!filter.empty()) held = namesOf(filter);
   const Diagnostics diagnostics = checkTexts(sources, held ? &*held : nullptr);
   if (format == Format::human) printForPeople(stdout, sources, diagnostics, wantsColours());
   if (format == Format::json) printJson(stdout, sources, diagnostics);

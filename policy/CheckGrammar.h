@@ -26,9 +26,6 @@ struct GrammarClient : TarnFirewall::fw_lex_extra_ {
   /// given last is not part of what failed.
   virtual void refused(bool lookedAhead) = 0;
 
-  /// The parser's stack is full, or there is no memory for it.
-  virtual void exhausted() = 0;
-
  protected:
   ~GrammarClient() = default;
 };
@@ -36,7 +33,8 @@ struct GrammarClient : TarnFirewall::fw_lex_extra_ {
 /// The grammar's name of a token by its code: "keyword rule", ";", "decimal" and so on.
 const char* grammarName(int code);
 
-/// Parses from the client's tokens up to their end or to the first mistake, which has been reported
-/// then: false, and the results are empty. `valueSize`: what the client stores as a token's value.
-bool runGrammar(GrammarClient& client, std::size_t valueSize, void* scanner,
-                TarnFirewall::CTarnFWCmdList** list, TarnFirewall::CTarnFWCmdConfig** config);
+/// Parses the tokens of the client that is attached to the scanner, up to their end or to the first
+/// mistake, which has been reported then: false, and the results are empty. `valueSize`: what the
+/// client stores as a token's value. Throws `std::bad_alloc`.
+bool runGrammar(std::size_t valueSize, void* scanner, TarnFirewall::CTarnFWCmdList** list,
+                TarnFirewall::CTarnFWCmdConfig** config);

@@ -102,7 +102,6 @@ class TextParse final : public GrammarClient {
   int nextToken(void* value) override;
   void unexpected(const std::vector<int>& expected) override;
   void refused(bool lookedAhead) override;
-  void exhausted() override;
 
   void readOne();
   /// Hands the word read last to the listener.
@@ -164,7 +163,7 @@ void TextParse::run() {
   // A hexadecimal number is refused when earlier work has left an error there.
   errno = 0;
   for (;;) {
-    const bool good = runGrammar(*this, sizeof(YYSTYPE), reader_.scanner(), &list_, &config_);
+    const bool good = runGrammar(sizeof(YYSTYPE), reader_.scanner(), &list_, &config_);
     delete std::exchange(list_, nullptr);
     delete std::exchange(config_, nullptr);
     if (good || stopped_) break;
@@ -481,11 +480,6 @@ void TextParse::refused(bool lookedAhead) {
     refusal = explainRefusal(source_, e.what(), words);
   }
   report(Check::value, refusal.token, std::move(refusal.message), {}, std::move(refusal.help));
-}
-
-void TextParse::exhausted() {
-  report(Check::syntax, token_, "the statement is too long, or there is no memory for it");
-  stopped_ = true;
 }
 
 }  // namespace

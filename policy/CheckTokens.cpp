@@ -145,6 +145,7 @@ Token TokenReader::placed(int code) {
 
 void TokenReader::read(YYSTYPE* value, Token& token) {
   token.code = yylex(value, nullptr, scanner_);
+  if (extra_.status == TarnFirewall::FW_STATUS_OUT_OF_MEMORY) throw std::bad_alloc();
   if (token.code == 0 || extra_.status != FW_STATUS_OK || wasReadAgain()) {
     token = placed(token.code);
   } else {

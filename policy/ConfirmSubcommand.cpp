@@ -5,6 +5,7 @@
 #include <string>
 
 #include "ApplyConfirm.h"
+#include "FilterNames.h"
 #include "LanguageText.h"
 #include "Options.h"
 #include "PolicyProgram.h"
@@ -25,7 +26,7 @@ void list(const WaitingApply& apply) {
 int runConfirm(int argc, char** argv) {
   std::string filter;
   OptionReader options(argc, argv, kForms);
-  while (options.next() != 0) filter = options.argument();
+  while (options.next() != 0) filter = givenFilter(options.argument());
   if (!options.operands().empty()) {
     throw CallError(std::string("unexpected ") + options.operands().front());
   }

@@ -82,7 +82,7 @@ void JournalFile::write(const std::string& filter, const std::string& text) {
     if (!written) errno = reason;
     fail("can't write the earlier state to " + path);
   }
-  path_ = path;
+  path_ = std::move(path);
 }
 
 void JournalFile::remove() {

@@ -26,6 +26,9 @@ class JournalFile {
   /// Empty before `write` and after `remove`.
   const std::string& path() const { return path_; }
 
+  /// The path, of a file that stays.
+  std::string takePath() { return std::move(path_); }
+
  private:
   std::string path_;
 };

@@ -3,12 +3,17 @@
 #include <cstdio>
 #include <exception>
 #include <new>
+#include <string>
 #include <string_view>
 
 #include "Options.h"
+#include "ShownText.h"
 #include "Subcommand.h"
 
 namespace {
+
+/// Bytes of a message about a word of the call.
+constexpr std::size_t kLongestCallError = 200;
 
 void printUsage(std::FILE* stream) {
   std::fputs(
@@ -28,8 +33,8 @@ int printVersion() {
   return 0;
 }
 
-int callWithoutSubcommand(const char* problem, const char* word) {
-  std::fprintf(stderr, "tarnpolicy: %s%s\n", problem, word);
+int callWithoutSubcommand(const std::string& problem) {
+  std::fprintf(stderr, "tarnpolicy: %s\n", shownLine(problem, kLongestCallError).c_str());
   printUsage(stderr);
   return kTroubleStatus;
 }
@@ -46,11 +51,12 @@ int runSubcommand(const Subcommand& subcommand, int argc, char** argv) {
     std::fprintf(stderr,
                  "tarnpolicy %s: %s\n"
                  "Its usage is shown by: tarnpolicy %s --help\n",
-                 subcommand.name, e.what(), subcommand.name);
+                 subcommand.name, shownLine(e.what(), kLongestCallError).c_str(), subcommand.name);
   } catch (const std::bad_alloc&) {
     std::fprintf(stderr, "tarnpolicy %s: out of memory\n", subcommand.name);
   } catch (const std::exception& e) {
-    std::fprintf(stderr, "tarnpolicy %s: %s\n", subcommand.name, e.what());
+    std::fprintf(stderr, "tarnpolicy %s: %s\n", subcommand.name,
+                 shownLine(e.what(), kLongestMessage).c_str());
   }
   return kTroubleStatus;
 }
@@ -58,7 +64,7 @@ int runSubcommand(const Subcommand& subcommand, int argc, char** argv) {
 }  // namespace
 
 int runPolicyProgram(int argc, char** argv) {
-  if (argc < 2) return callWithoutSubcommand("a subcommand is missing", "");
+  if (argc < 2) return callWithoutSubcommand("a subcommand is missing");
   const std::string_view word = argv[1];
   if (word == "--help" || word == "-h") {
     printUsage(stdout);
@@ -66,9 +72,10 @@ int runPolicyProgram(int argc, char** argv) {
   }
   if (word == "--version") return printVersion();
   const Subcommand* subcommand = findSubcommand(word);
-  if (subcommand == nullptr) return callWithoutSubcommand("no subcommand ", argv[1]);
+  if (subcommand == nullptr) return callWithoutSubcommand(std::string("no subcommand ") + argv[1]);
   if (subcommand->run == nullptr) {
-    return callWithoutSubcommand("this version does not have the subcommand ", argv[1]);
+    return callWithoutSubcommand(std::string("this version does not have the subcommand ") +
+                                 argv[1]);
   }
   return runSubcommand(*subcommand, argc - 1, argv + 1);
 }

@@ -6,10 +6,12 @@
 #include <fstream>
 #include <string>
 
+#include "FilterNames.h"
 #include "LanguageText.h"
 #include "Options.h"
 #include "PolicyProgram.h"
 #include "SaveText.h"
+#include "ShownText.h"
 #include "StateFilter.h"
 #include "StateText.h"
 #include "TarnFWUtilFile.h"
@@ -37,10 +39,11 @@ SaveCall readCall(int argc, char** argv) {
   while (const char letter = options.next()) {
     switch (letter) {
       case 'f':
-        call.filter = options.argument();
+        call.filter = givenFilter(options.argument());
         break;
       case 'o':
         call.output = options.argument();
+        if (call.output.empty()) throw CallError("the name of the output file is empty");
         break;
       case 'v':
         call.verify = true;
@@ -79,6 +82,8 @@ bool verify(const State& held, const SavedText& saved) {
   return true;
 }
 
+std::string shownOutput(const SaveCall& call) { return shownLine(call.output, kLongestMessage); }
+
 UtilStatus_t writeText(void* context, std::ostream& stream) {
   stream << *static_cast<const std::string*>(context);
   return stream.good() ? UTIL_STATUS_OK : UTIL_STATUS_FAILED;
@@ -104,7 +109,7 @@ int store(const SaveCall& call, std::string& text) {
   const bool stored = isReplaceable(path) ? FwReplaceFile(path, &text, writeText) == UTIL_STATUS_OK
                                           : writeThrough(path, text);
   if (stored) return 0;
-  std::fprintf(stderr, "tarnpolicy save: can't write %s\n", call.output.c_str());
+  std::fprintf(stderr, "tarnpolicy save: can't write %s\n", shownOutput(call).c_str());
   return kTroubleStatus;
 }
 
@@ -123,7 +128,7 @@ int runSave(int argc, char** argv) {
   if (incomplete && toFile) {
     // A file that is there may be whole.
     std::fprintf(stderr, "tarnpolicy save: %s is not written; --partial writes it\n",
-                 call.output.c_str());
+                 shownOutput(call).c_str());
     return kMissingStatus;
   }
   if (const int status = store(call, saved.text)) return status;

@@ -55,6 +55,17 @@ std::string quotedWord(std::string_view text) {
   return "`" + word + (text.size() > kShownLength ? "...`" : "`");
 }
 
+std::string shownLine(std::string_view text, std::size_t most) {
+  if (text.size() <= most) return printableText(text);
+  const auto continues = [&](std::size_t at) {
+    return (static_cast<unsigned char>(text[at]) & 0xc0) == 0x80;
+  };
+  std::size_t begin = most / 2, end = text.size() - most / 2;
+  for (int i = 0; i < 3 && continues(begin); ++i) --begin;
+  for (int i = 0; i < 3 && continues(end); ++i) ++end;
+  return printableText(text.substr(0, begin)) + "..." + printableText(text.substr(end));
+}
+
 std::string joinedWords(std::span<const std::string> words) {
   std::string text;
   for (std::size_t i = 0; i < words.size(); ++i) {

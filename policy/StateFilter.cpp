@@ -57,8 +57,7 @@ class Reader {
 
  private:
   [[noreturn]] void fail(const std::string& question, FWStatus_t status) const {
-    throw StateError("filter " + filter_ + ": " + question +
-                     " failed: " + FW_StatusToString(status));
+    throw StateError("filter " + filter_ + ": " + question + " failed: " + statusReason(status));
   }
 
   void check(FWStatus_t status, const std::string& question) const {
@@ -278,7 +277,7 @@ FilterLibrary::FilterLibrary() {
       FW_Initialize(FW_INTERFACE_VERSION, &reserved, FW_IO_IOCTL, 0, nullptr, &handle);
   if (status != FW_STATUS_OK) {
     throw StateError(std::string("the firewall of this host can't be reached: ") +
-                     FW_StatusToString(status));
+                     statusReason(status));
   }
   // FW_Exit would make the default handle, to know that this one is another.
   library_.reset(fromLibHandle(handle));
@@ -287,6 +286,13 @@ FilterLibrary::FilterLibrary() {
 FilterLibrary::~FilterLibrary() = default;
 
 fwlibhandle_* FilterLibrary::handle() const { return toLibHandle(library_.get()); }
+
+std::string statusReason(FWStatus_t status) {
+  std::string reason = FW_StatusToString(status);
+  // The library's status for an exception that is none of its own.
+  if (status == FW_STATUS_UNKNOWN_ERROR) reason += ", or out of memory";
+  return reason;
+}
 
 dvs_port_ filterSelector(const std::string& name) {
   dvs_port_ port{};

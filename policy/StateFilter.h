@@ -31,6 +31,9 @@ class FilterLibrary {
 /// name that is too long.
 dvs_port_ filterSelector(const std::string& name);
 
+/// Why the library or the kernel failed, for the end of a sentence.
+std::string statusReason(TarnFirewall::FWStatus_t status);
+
 /// Most entries that are read from one filter; one that says it has more is not believed.
 inline constexpr std::uint32_t kMostSets = 1000000;
 inline constexpr std::uint32_t kMostRules = 4000000;

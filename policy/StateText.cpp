@@ -24,6 +24,11 @@ thread_local LibraryLines* currentLines = nullptr;
 
 // ---- parsing
 
+/// The result of a parser that has no memory for its stack, and the end of the line about an
+/// exception that is none of the library's, which is that of memory.
+constexpr int kNoStack = 2;
+constexpr std::string_view kOtherException = "] internal error";
+
 /// One parse of a text: scanner and results, all of which end with it.
 class Parse {
  public:
@@ -51,8 +56,12 @@ class Parse {
   std::unique_ptr<CTarnFWCmdList> run(const char* name) {
     const LibraryLines lines;
     FWStatus_t status = FW_STATUS_OK;
-    const bool parsed = yyparse(&status, scanner_, name, &list_, &channel_) == 0;
-    if (!parsed || list_ == nullptr) {
+    const int result = yyparse(&status, scanner_, name, &list_, &channel_);
+    if (result == kNoStack || status == FW_STATUS_OUT_OF_MEMORY ||
+        extra_.status == FW_STATUS_OUT_OF_MEMORY || lines.error().ends_with(kOtherException)) {
+      throw std::bad_alloc();
+    }
+    if (result != 0 || list_ == nullptr) {
       // Some values that no statement takes end a parse without a line and a status.
       if (lines.error().empty()) throw StateError(place(name) + "a statement can't be carried out");
       throw StateError(lines.error());

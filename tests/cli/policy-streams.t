@@ -87,7 +87,7 @@ Devices and pipes are written as they are; there is nothing in them to be kept.
 A folder for earlier states that is none.
 
   $ for folder in policy.conf no/such $(printf '%5000s' | tr ' ' x); do
-  >   TARNPOLICY_RUNTIME=$folder policy apply -f $filter policy.conf 2>&1 | sed 's/x\{5000\}/LONG/' | grep eth0
+  >   TARNPOLICY_RUNTIME=$folder policy apply -f $filter policy.conf 2>&1 | sed 's/x\{2000,\}[.]\{3\}x\{2000,\}/LONG/' | grep eth0
   > done
     nic-1002672-eth0-kelpco-sfw.2  what it held   policy.conf is not a folder of this user's alone (mode 0700)
     nic-1002672-eth0-kelpco-sfw.2  what it held   can't make no/such: No such file or directory

@@ -180,12 +180,13 @@ TEST(PolicyDiff, StatisticsCountEachKindOfDifference) {
 // --- The subcommand
 
 TEST(PolicyDiffSubcommand, JsonHoldsEveryDifference) {
-  const TextFile a("create addrset a 10.0.0.1; create ruleset r with { rule 1 in protocol any from any "
-                   "to any drop; rule 2 in protocol any from any to any drop; };");
-  const TextFile b("create ruleset r with rule 1 in protocol any from any to any accept tag '\"';"
-                   "set jumpto of ruleset r as r; set root ruleset r and \"\";");
-  EXPECT_EQ(runPolicy({"diff", "--json", a.path(), b.path()}),
-            (PolicyResult{1, R"({
+  const TextFile a(
+      "create addrset a 10.0.0.1; create ruleset r with { rule 1 in protocol any from any "
+      "to any drop; rule 2 in protocol any from any to any drop; };");
+  const TextFile b(
+      "create ruleset r with rule 1 in protocol any from any to any accept tag '\"';"
+      "set jumpto of ruleset r as r; set root ruleset r and \"\";");
+  EXPECT_EQ(runPolicy({"diff", "--json", a.path(), b.path()}), (PolicyResult{1, R"({
   "equal": false,
   "sets": [
     {
@@ -250,7 +251,7 @@ TEST(PolicyDiffSubcommand, JsonHoldsEveryDifference) {
   }
 }
 )",
-                          ""}));
+                                                                             ""}));
   EXPECT_EQ(runPolicy({"diff", "--json", a.path(), a.path()}).status, 0);
 }
 
@@ -286,7 +287,9 @@ TEST(PolicyDiffSubcommand, TroubleHasAStatusOfItsOwn) {
       runPolicy({"diff", "--stat", "--json", "a", "b"}),
       (PolicyResult{2, "", "tarnpolicy diff: --stat and --json exclude each other\n" + usage}));
   EXPECT_EQ(runPolicy({"diff", good.path(), "filter:" + std::string(100, 'x')}),
-            (PolicyResult{2, "", "tarnpolicy diff: the filter's name is too long\n"}));
+            (PolicyResult{2, "",
+                          "tarnpolicy diff: the filter's name is too long\n"
+                          "Its usage is shown by: tarnpolicy diff --help\n"}));
   EXPECT_EQ(
       runPolicy({"diff", good.path(), "/no/such"}),
       (PolicyResult{2, "", "tarnpolicy diff: can't open /no/such: No such file or directory\n"}));
@@ -308,5 +311,7 @@ TEST(PolicySaveSubcommand, IsCalledWithAFilter) {
   EXPECT_EQ(runPolicy({"save", "-f", "x", "more"}),
             (PolicyResult{2, "", "tarnpolicy save: unexpected more\n" + usage}));
   EXPECT_EQ(runPolicy({"save", "-f", std::string(100, 'x')}),
-            (PolicyResult{2, "", "tarnpolicy save: the filter's name is too long\n"}));
+            (PolicyResult{2, "",
+                          "tarnpolicy save: the filter's name is too long\n"
+                          "Its usage is shown by: tarnpolicy save --help\n"}));
 }
