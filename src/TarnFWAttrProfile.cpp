@@ -22,7 +22,8 @@ bool CTarnFWAttrProfile::addElement(std::unique_ptr<CTarnFWContainerElement> ele
 }
 
 bool CTarnFWAttrProfile::addAttribute(std::unique_ptr<CTarnFWL7Attribute> attribute) {
-  if (attribute == nullptr || dpID2attrkey(attribute->getKeyID()) == nullptr) return false;
+  if (attribute == nullptr) return addElement(nullptr);
+  if (dpID2attrkey(attribute->getKeyID()) == nullptr) return false;
   return CTarnFWContainer::addElement(std::move(attribute));
 }
 

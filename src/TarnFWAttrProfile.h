@@ -18,7 +18,7 @@ class CTarnFWAttrProfile final : public CTarnFWContainer {
   /// Takes attributes only: anything else is logged and changes nothing.
   bool addElement(std::unique_ptr<CTarnFWContainerElement> element) override;
 
-  /// The same for an attribute; null is ignored.
+  /// The same for an attribute; one without a key of the table is ignored silently.
   bool addAttribute(std::unique_ptr<CTarnFWL7Attribute> attribute);
 
   /// The name, and a line for each key with all its values.

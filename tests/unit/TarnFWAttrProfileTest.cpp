@@ -77,11 +77,12 @@ TEST(TarnFWAttrProfile, WhatIsNoAttributeIsLoggedAndChangesNothing) {
   EXPECT_EQ(profile.getCount(), 0u);
 }
 
-TEST(TarnFWAttrProfile, ANullAttributeIsIgnoredSilently) {
+TEST(TarnFWAttrProfile, ANullAttributeIsLoggedAsANullElement) {
   CTarnFWAttrProfile profile("web");
   LogCapture log;
   EXPECT_FALSE(profile.addAttribute(nullptr));
-  EXPECT_TRUE(log.lines().empty());
+  EXPECT_TRUE(log.has(LOG_ERR, "element is not an attribute\n"));
+  EXPECT_EQ(profile.getCount(), 0u);
 }
 
 TEST(TarnFWAttrProfile, ANameOf38CharactersThrows) {
