@@ -304,6 +304,31 @@ TEST(TarnFWL7Attribute, RefusesARecordWhoseKindIsNotTheKeys) {
                     "invalid attribute key invalid type for key FQDN");
 }
 
+TEST(TarnFWL7Attribute, TheFirstOfSeveralFaultsOfARecordIsReported) {
+  // No key, no kind, and a length that is not the buffer's: the length is looked at first.
+  Bytes bytes(17);
+  bytes.at(0, {12, 0, 5, 0, 18});
+  const auto firstLine = [&] {
+    LogCapture log;
+    EXPECT_THROW_WITH(read(bytes), CInvalidAttrValue, 67,
+                      "invalid attribute value invalid FWAttr Value");
+    EXPECT_EQ(log.lines().size(), 1u);
+    const std::string line = log.normalized().at(0);
+    return line.substr(line.find(":N ") + 3);
+  };
+  EXPECT_EQ(firstLine(), "size of buffer (17) != length of fwattrvalue (18)\n");
+  bytes.at(4, {17});
+  EXPECT_EQ(firstLine(), "unknown attribute value\n\n");
+  bytes.at(2, {1});
+  EXPECT_EQ(firstLine(), "invalid size for uint attribute\n");
+  bytes.resize(18);
+  bytes.at(4, {18});
+  EXPECT_THROW_WITH(read(bytes), CInvalidAttrKey, 66, "invalid attribute key invalid key id 12");
+  bytes.at(0, {1});
+  EXPECT_THROW_WITH(read(bytes), CInvalidAttrKey, 66,
+                    "invalid attribute key invalid type for key TLS_VERSION");
+}
+
 TEST(TarnFWL7Attribute, RefusesARecordOfANumberWithoutAName) {
   LogCapture log;
   EXPECT_THROW_WITH(read(numberRecord(1, 2, 9)), CInvalidAttrValue, 67,

@@ -97,6 +97,13 @@ TEST(TarnFWProtocolSpecFactory, KindsWithoutABodyAreUnknown) {
   }
 }
 
+TEST(TarnFWProtocolSpecFactory, ABodyThatIsCutOffIsRefusedBeforeItsDir) {
+  EXPECT_THROW_WITH(read(Bytes{0x0b, 0, 0}), CInsufficientMsgBufException, 9,
+                    "expect 2 byte in message buffer, but only get 1 bytes");
+  EXPECT_THROW_WITH(read(Bytes(8).at(0, {0x13, 0, 0, 90, 0, 80})), CInvalidProtocolSpecDirException,
+                    43, "invalid protocol spec dir (0-2): 3");
+}
+
 TEST(TarnFWProtocolSpecFactory, BadValuesInARecordAreRefused) {
   EXPECT_THROW_WITH(read(Bytes{0x0b, 0, 0, 80}), CInvalidProtocolSpecDirException, 43,
                     "invalid protocol spec dir (0-2): 3");

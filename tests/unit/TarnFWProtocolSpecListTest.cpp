@@ -170,8 +170,11 @@ TEST(TarnFWProtocolSpecList, MergeMovesTheMembers) {
   list.mergeSpecList(other);
   EXPECT_EQ(list.toString(), "with {strict, dscp 1, stateless}");
   EXPECT_EQ(other.toString(), "");
-  EXPECT_THROW_WITH(add<CTarnFWProtocolSpecDSCP>(list, 1), CDuplicateProtocolSpecException, 43,
-                    "duplicate definition of protocol spec of dscp");
+  EXPECT_EQ(other.getSpecCount(FW_SPEC_NONE), 0u);
+  for (CTarnFWProtocolSpecList* const both : {&list, &other}) {
+    EXPECT_THROW_WITH(add<CTarnFWProtocolSpecDSCP>(*both, 1), CDuplicateProtocolSpecException, 43,
+                      "duplicate definition of protocol spec of dscp");
+  }
 }
 
 TEST(TarnFWProtocolSpecList, AMergeThatMeetsADuplicateLeavesItInTheOtherList) {

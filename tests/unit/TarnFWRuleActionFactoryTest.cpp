@@ -164,6 +164,17 @@ TEST(TarnFWRuleActionFactory, BadDataIsRefusedByTheActionsClass) {
                     "Invalid LB Options");
 }
 
+TEST(TarnFWRuleActionFactory, TheFirstOfSeveralFaultsIsReported) {
+  Bytes bytes = record(8, 0x24).at(0, {8}).at(144, {0, 81, 0, 80}).at(282, {3}).at(288, {0x50});
+  EXPECT_THROW_WITH(read(bytes), CInvalidRuleActionException, 37, "invalid rule action: 8");
+  bytes.at(291, {0x04});
+  EXPECT_THROW_WITH(read(bytes), CInvalidAddressException, 33, "unknown address type: 8");
+  bytes.at(0, {1});
+  EXPECT_THROW_WITH(read(bytes), CUnsupportedException, 7, "reversed port range");
+  bytes.at(144, {0, 80});
+  EXPECT_THROW_WITH(read(bytes), CUnsupportedException, 7, "unknown dynamic application");
+}
+
 TEST(TarnFWRuleActionFactory, TextsWithoutANulEndWithTheirField) {
   EXPECT_EQ(read(record(11).text(293, std::string(37, 'k')))->toString(),
             "encrypt keypolicy " + std::string(37, 'k'));

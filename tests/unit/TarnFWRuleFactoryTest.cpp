@@ -165,6 +165,49 @@ TEST(TarnFWRuleFactory, BadSpecsOfARecordAreRefused) {
                     "unknown protocol spec type: 10");
 }
 
+TEST(TarnFWRuleFactory, OneKindAtBothPlacesOfTheConnectionIsRefused) {
+  // 32 options: their length is the header of TCP flags, which stand at 800 already.
+  EXPECT_THROW_WITH(read(tcpRecord().at(800, {0x20, 0, 0x02, 0}).at(808, {0x28, 0, 32, 0, 1, 0})),
+                    CDuplicateProtocolSpecException, 43,
+                    "duplicate definition of protocol spec of tcp flags");
+}
+
+TEST(TarnFWRuleFactory, TheFirstOfSeveralFaultsOfARecordIsReported) {
+  // From the direction over addresses, ports, connection and action: each is mended in turn.
+  Bytes bytes = tcpRecord()
+                    .at(12, {8})
+                    .at(156, {10})
+                    .at(300, {0x38})
+                    .at(338, {0x40})
+                    .at(800, {0x48})
+                    .at(810, {0x50})
+                    .at(750, {15})
+                    .at(790, {0x77, 0x01});
+  EXPECT_THROW_WITH(read(bytes), CInvalidRuleDirectionException, 42, "invalid rule action id: 3");
+  bytes.at(790, {0x97});
+  EXPECT_THROW_WITH(read(bytes), CInvalidAddressException, 33, "unknown address type: 8");
+  bytes.at(12, {11});
+  EXPECT_THROW_WITH(read(bytes), CInvalidAddressException, 33, "unknown address type: 10");
+  bytes.at(156, {11});
+  for (const auto& [place, kind] : {std::pair{300, "7"}, {338, "8"}, {800, "9"}, {810, "10"}}) {
+    EXPECT_THROW_WITH(read(bytes), CUnknownProtocolSpecTypeException, 43,
+                      std::string("unknown protocol spec type: ") + kind);
+    bytes.at(static_cast<std::size_t>(place), {0});
+  }
+  EXPECT_THROW_WITH(read(bytes), CInvalidRuleActionException, 37, "invalid rule action: 15");
+  bytes.at(750, {7}).at(460, {11}).at(796, {0, 0x08}).at(794, {17});
+  LogCapture log;
+  EXPECT_EQ(read(bytes), nullptr);  // and its family is no longer looked at
+  EXPECT_TRUE(log.has(3, "buildRule error 7: SNAT rule direction is not out!\n"));
+  bytes.at(790, {0xd7});
+  EXPECT_EQ(read(bytes), nullptr);
+  EXPECT_TRUE(log.has(3,
+                      "buildRule error 7: cannot accept tcp flags/options while tcp protocol is "
+                      "not specified\n"));
+  bytes.at(796, {0, 0});
+  EXPECT_THROW_WITH(read(bytes), CUnsupportedException, 57, "unsupported address family 3");
+}
+
 TEST(TarnFWRuleFactory, ASpecAtAPortPlaceThatIsNoPortIsLostOnTheWire) {
   const auto rule = read(tcpRecord().at(300, {0x21, 0, 0x02, 0}));
   EXPECT_EQ(rule->toString(), kHead + "from any flag 0x0002 to any accept;");

@@ -667,6 +667,37 @@ TEST(TarnFWRule, PortsOfConnectionAndEndExcludeEachOther) {
                     CUnsupportedException, 7, kBothText);
 }
 
+TEST(TarnFWRule, TheFirstOfSeveralFaultsIsReported) {
+  const char* const mac = "02:00:00:00:00:01";
+  const auto snat = [] {
+    return std::make_unique<CTarnFWRuleActionSNAT>(std::make_unique<IPv4>("10.0.0.1", false));
+  };
+  Parts translation;  // of layer 2, inout, with an IP address and a port
+  translation.layer2(0x800).src<IPv4>("10.0.0.1", false).to<Port>(2, 80, false);
+  translation.action = snat();
+  EXPECT_THROW_WITH(translation.make(), CUnsupportedException, 7, "cannot accept layer2 NAT rule!");
+  Parts direction;
+  direction.src<Ether>(mac, false).action = snat();
+  EXPECT_THROW_WITH(direction.make(), CUnsupportedException, 7, "SNAT rule direction is not out!");
+  Parts layer;  // the other address is of no family
+  layer.src<IPv4>("10.0.0.1", false).dst<Ether>(mac, false).with<ICMPType>(0, 8, false);
+  EXPECT_THROW_WITH(layer.make(), CUnsupportedException, 53, "layer3 rule dst address is MAC");
+  Parts family;
+  family.src<IPv4>("10.0.0.1", false).dst<IPv6>("2001:db8::1", false).with<Strict>();
+  EXPECT_THROW_WITH(family.make(), CUnsupportedException, 53,
+                    "rule src and dst are different version of IP addresses");
+  const auto specs = [](Parts parts) {
+    return std::move(parts.with<Port>(0, 80, false).from<Port>(1, 1024, false));
+  };
+  EXPECT_THROW_WITH(specs(Parts(47)).with<ICMPType>(0, 8, false).with<Strict>().make(),
+                    CUnsupportedException, 7, kICMPText);
+  EXPECT_THROW_WITH(specs(tcp()).with<ICMPType>(0, 8, false).make(), CUnsupportedException, 7,
+                    kICMPText);
+  EXPECT_THROW_WITH(specs(Parts(47)).with<Strict>().make(), CUnsupportedException, 7, kPortText);
+  EXPECT_THROW_WITH(specs(Parts(17)).with<Sloppy>().make(), CUnsupportedException, 7, kFlagsText);
+  EXPECT_THROW_WITH(specs(tcp()).with<Sloppy>().make(), CUnsupportedException, 7, kBothText);
+}
+
 TEST(TarnFWRule, StatelessAndDSCPGoWithEveryProtocol) {
   EXPECT_NO_THROW(Parts().with<Stateless>().with<DSCP>(1).make());
   EXPECT_NO_THROW(Parts().layer2(0x806).with<Stateless>().make());
@@ -706,6 +737,8 @@ TEST(TarnFWRule, SetAFOfAMACAddressIsRefusedButForNone) {
   const char* const text = "af conflicts with rule address";
   EXPECT_THROW_WITH(rule.setAF(FW_AF_INET), CUnsupportedException, 57, text);
   EXPECT_THROW_WITH(rule.setAF(FW_AF_INET6), CUnsupportedException, 57, text);
+  EXPECT_THROW_WITH(rule.setAF(static_cast<FWRuleAF_t>(3)), CUnsupportedException, 57,
+                    "unsupported address family 3");
   EXPECT_NO_THROW(rule.setAF(FW_AF_NONE));
 }
 
