@@ -63,6 +63,7 @@ struct Wanted {
   int protocol = IPPROTO_TCP;
   Verbosity verbosity{};
   bool isShown = false;  // the connection, before it is asked for
+  FWConnection_ connection{};
 
   /// Also a -v that leaves the level at 0 has the connection shown.
   int takeVerbosity(const char* text, const Target&) {
@@ -113,8 +114,8 @@ struct Wanted {
     return kGoOn;
   }
 
-  /// Fills a cleared record; false when an address is none.
-  bool fill(FWConnection_& connection) const {
+  /// Fills the record; false when an address is none.
+  bool fill() {
     const bool isIpv6 =
         std::strchr(source, ':') != nullptr && std::strchr(destination, ':') != nullptr;
     const int family = isIpv6 ? AF_INET6 : AF_INET;
@@ -149,22 +150,23 @@ int showAttributes(const Target& target, const FWConnection_* connection, long i
   return 0;
 }
 
-int showWanted(const Target& target, const Wanted& wanted) {
-  if (wanted.hasId) {
-    if (wanted.id == 0) return target.usage.error("ERROR: invalid state id\n");
-    return showAttributes(target, nullptr, wanted.id);
-  }
+/// The step that finds out whether what is wanted can be asked for.
+int checkWanted(const Target& target, Wanted& wanted) {
+  if (wanted.hasId) return wanted.id != 0 ? kGoOn : target.usage.error("ERROR: invalid state id\n");
   if (wanted.source == nullptr || wanted.destination == nullptr)
     return target.usage.error("ERROR: SRC or DST Addr is missing\n");
-  FWConnection_ connection{};
-  if (!wanted.fill(connection)) return target.usage.error("ERROR: Invalid SRC/DST Address\n");
+  return wanted.fill() ? kGoOn : target.usage.error("ERROR: Invalid SRC/DST Address\n");
+}
+
+int showWanted(const Target& target, const Wanted& wanted) {
+  if (wanted.hasId) return showAttributes(target, nullptr, wanted.id);
   // The protocol's word is the same for UDP.
   if (wanted.isShown)
     std::printf("DEBUG: SRC %s:%d  DST %s:%d  Dir %s Proto %s\n", wanted.source,
                 static_cast<int>(wanted.sourcePort), wanted.destination,
                 static_cast<int>(wanted.destinationPort),
                 wanted.direction == Wanted::kIn ? "IN" : "OUT", "tcp");
-  return showAttributes(target, &connection, 0);
+  return showAttributes(target, &wanted.connection, 0);
 }
 
 /// Prints how far inspection has come. A request that fails has found no state.
@@ -188,24 +190,27 @@ int GetConnAttrInfo(const char* cmd, int argc, char** argv) {
       return (wanted.*take)(value, target);
     };
   };
-  return onFilter(
-      cmd, argc, argv,
-      {.usage = kAttributesUsage,
-       .letters = "hv::a:x:C:U:f:t:S:D:s:d:p:i:o:m:",
-       .words = kAttributesWords,
-       .own = {{'m', by(&Wanted::takeId)},
-               {'S', &wanted.source},
-               {'D', &wanted.destination},
-               {'s', by(&Wanted::takeSourcePort)},
-               {'d', by(&Wanted::takeDestinationPort)},
-               {'p', by(&Wanted::takeProtocol)},
-               {'i', by(&Wanted::takeDirection)},
-               {'v', by(&Wanted::takeVerbosity)}},
-       .missing = {.text = kFilterMissingPlain},
-       .check = [&](const Target& target) { return announce(target, wanted.verbosity); },
-       .announces = false,
-       .raisesLibraryLevel = false},
-      [&](const Target& target) { return showWanted(target, wanted); });
+  return onFilter(cmd, argc, argv,
+                  {.usage = kAttributesUsage,
+                   .letters = "hv::a:x:C:U:f:t:S:D:s:d:p:i:o:m:",
+                   .words = kAttributesWords,
+                   .own = {{'m', by(&Wanted::takeId)},
+                           {'S', &wanted.source},
+                           {'D', &wanted.destination},
+                           {'s', by(&Wanted::takeSourcePort)},
+                           {'d', by(&Wanted::takeDestinationPort)},
+                           {'p', by(&Wanted::takeProtocol)},
+                           {'i', by(&Wanted::takeDirection)},
+                           {'v', by(&Wanted::takeVerbosity)}},
+                   .missing = {.text = kFilterMissingPlain},
+                   .check =
+                       [&](const Target& target) {
+                         announce(target, wanted.verbosity);
+                         return checkWanted(target, wanted);
+                       },
+                   .announces = false,
+                   .raisesLibraryLevel = false},
+                  [&](const Target& target) { return showWanted(target, wanted); });
 }
 
 int GetStateDPIInfo(const char* cmd, int argc, char** argv) {

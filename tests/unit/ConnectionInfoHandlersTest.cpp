@@ -125,6 +125,18 @@ TEST(GetAttrInfo, AnIdentifierGoesBeforeAddressesAndInTheHostsOrder) {
   EXPECT_EQ(kernel.request, Bytes(60).at(44, {255, 255, 255, 255, 255, 255, 255, 255}));
 }
 
+TEST(GetAttrInfo, LooksAtWhatIsWantedBeforeItOpensTheLibrary) {
+  const std::string usage = usageOf("getattrinfo");
+  const DefaultHandle none(nullptr);
+  EXPECT_EQ(attributes({"-m", "0"}), (CommandResult{1, usage, "ERROR: invalid state id\n"}));
+  EXPECT_EQ(attributes({"-S", "10.0.0.1"}),
+            (CommandResult{1, usage, "ERROR: SRC or DST Addr is missing\n"}));
+  EXPECT_EQ(attributes({"-S", "10.0.0.1", "-D", "::2"}),
+            (CommandResult{1, usage, "ERROR: Invalid SRC/DST Address\n"}));
+  EXPECT_EQ(attributes({"-m", "1"}),
+            (CommandResult{1, "", "ERROR: unable to open firewall library\n"}));
+}
+
 TEST(GetAttrInfo, RefusesWhatIsNoNumber) {
   const InfoKernel kernel;
   const std::string usage = usageOf("getattrinfo");

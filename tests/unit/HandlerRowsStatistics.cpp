@@ -47,6 +47,7 @@ std::vector<HandlerRow> statisticsRows() {
                 "    -i <IN, OUT> : direction, default is OUT\n"
                 "    -v <number> : enable verbose log\n" HELP,
        .missing = kPlain,
+       .needed = {"-m", "1"},
        .verbose = kNamed},
       {.words = {"getstatedpiinfo"},
        .usage = "get state dpi info for a filter.\n\n" OPTIONS FILTER
