@@ -1,6 +1,4 @@
-// The option letters of the commands on features, settings, discovery, identity and memory, on
-// filters, agents, tables, service insertion, traces and inspection, on balancers, gateways,
-// statistics and single connections: which there are, and which of them take a value. Every other
+// The option letters of the commands: which there are, and which of them take a value. Every other
 // letter is refused.
 
 #include <gtest/gtest.h>
@@ -26,6 +24,18 @@ struct Letters {
 void PrintTo(const Letters& one, std::ostream* to) { *to << one.word; }
 
 const Letters kLetters[] = {
+    {"getfilters", "hia:c:dsn"},
+    {"getfwconfig", "hv::m:fi"},
+    {"getrules", "hv::m:f:r:spdi"},
+    {"getaddrsets", "hv::m:f:a:s:oi"},
+    {"getcontainers", "hv::m:f:a:s:oi"},
+    {"tarnfwcli", "hv::m:f:l:c:"},
+    {"getflows", "hf:t:T:F:avnR"},
+    {"getconnections", "hf:t:v::"},
+    {"getconncount", "hf:v::"},
+    {"clrconnection", "hv:f:"},
+    {"number2uuid", "hb"},
+    {"uuid2number", "hb"},
     {"getspoofguard", "hv::m:f:s"},
     {"getfloodstat", "f:szh"},
     {"setfloodconfig", "f:u:i:t:o:s:b:r:zh"},
