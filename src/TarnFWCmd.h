@@ -13,6 +13,11 @@
 
 namespace TarnFirewall {
 
+/// The operations of a command as log lines name them. Most classes do their part in hooks of a
+/// base, whose names say nothing to those who search the log.
+inline constexpr char kWriteCmdBody[] = "writeCmdBody";
+inline constexpr char kCheckCmdReply[] = "checkCmdReply";
+
 /// A command holds no state from an earlier run and may be executed again. It is used by one
 /// thread.
 class CTarnFWCmd : public ITarnFWObject {

@@ -7,10 +7,10 @@ namespace TarnFirewall {
 
 namespace {
 
-/// The addresses on one line, which ends also when there is none. One without a text is left out.
+/// The addresses on one line. One without a text is left out, and the last one ends the line:
+/// without it the MAC address stands on the same line, as scripts that read the output expect.
 void printAddresses(const CTarnFWReplyRecords<FWAddress_>& addresses, const PrettyPrinting& out) {
   const std::uint32_t count = addresses.size();
-  bool ended = false;
   for (std::uint32_t i = 0; i < count; ++i) {
     const bool isLast = i + 1 == count;
     const FWAddress_ address = addresses[i];
@@ -18,14 +18,14 @@ void printAddresses(const CTarnFWReplyRecords<FWAddress_>& addresses, const Pret
     const FWStatus_t status = addressesToText(&address, 1, text, sizeof text);
     if (status == FW_STATUS_OK) {
       out.print(out.context, isLast ? "%s\n" : "%s, ", text);
-      ended = isLast;
     } else if (isLast) {
-      TARNFW_ERROR("Failed to parse ip address: %s\n\n", statusText(status));
+      TARNFW_LOG_IN(kCheckCmdReply, LOG_ERR, "Failed to parse ip address: %s\n\n",
+                    statusText(status));
     } else {
-      TARNFW_ERROR("Failed to parse %u ip address: %s\n\n", i, statusText(status));
+      TARNFW_LOG_IN(kCheckCmdReply, LOG_ERR, "Failed to parse %u ip address: %s\n\n", i,
+                    statusText(status));
     }
   }
-  if (!ended) out.print(out.context, "\n");
 }
 
 }  // namespace

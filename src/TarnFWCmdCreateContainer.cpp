@@ -49,8 +49,9 @@ void CTarnFWCmdCreateContainer::fillHead(std::span<std::byte> head) const {
 }
 
 void CTarnFWCmdCreateContainer::refused(unsigned int room) const {
-  TARNFW_ERROR("failed to write command body buffer size: %u required size: %u\n\n", room,
-               getMsgSize());
+  TARNFW_LOG_IN(kWriteCmdBody, LOG_ERR,
+                "failed to write command body buffer size: %u required size: %u\n\n", room,
+                getMsgSize());
 }
 
 }  // namespace TarnFirewall

@@ -12,7 +12,8 @@ std::string CTarnFWCmdGetAddrSetList::toString() const {
 
 void CTarnFWCmdGetAddrSetList::read(const CTarnFWCmdReply& reply) {
   const std::uint32_t names = records(reply).checkedSize();
-  TARNFW_TRACE(FW_COMPONENT_CMD, 0, "retrieved %d addrsets\n", static_cast<int>(names));
+  TARNFW_TRACE_IN(kCheckCmdReply, LOG_DEBUG, FW_COMPONENT_CMD, 0, "retrieved %d addrsets\n",
+                  static_cast<int>(names));
 }
 
 void CTarnFWCmdGetAddrSetList::print(const CTarnFWCmdReply& reply,

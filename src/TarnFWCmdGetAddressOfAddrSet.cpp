@@ -14,8 +14,9 @@ std::string CTarnFWCmdGetAddressOfAddrSet::toString() const {
 
 void CTarnFWCmdGetAddressOfAddrSet::read(const CTarnFWCmdReply& reply) {
   const std::uint32_t addresses = records(reply).checkedSize();
-  TARNFW_TRACE(FW_COMPONENT_CMD, 0, "retrieved %d addresses of addrset %s\n",
-               static_cast<int>(addresses), name().c_str());
+  TARNFW_TRACE_IN(kCheckCmdReply, LOG_DEBUG, FW_COMPONENT_CMD, 0,
+                  "retrieved %d addresses of addrset %s\n", static_cast<int>(addresses),
+                  name().c_str());
 }
 
 void CTarnFWCmdGetAddressOfAddrSet::print(const CTarnFWCmdReply& reply,
@@ -26,8 +27,9 @@ void CTarnFWCmdGetAddressOfAddrSet::print(const CTarnFWCmdReply& reply,
     const FWAddress_ address = addresses[i];
     char text[512];
     if (const FWStatus_t status = addressesToText(&address, 1, text, sizeof text)) {
-      TARNFW_TRACE(FW_COMPONENT_CMD, 0, "failed to convert address #%d: %d\n", static_cast<int>(i),
-                   static_cast<int>(status));
+      TARNFW_TRACE_IN(kCheckCmdReply, LOG_DEBUG, FW_COMPONENT_CMD, 0,
+                      "failed to convert address #%d: %d\n", static_cast<int>(i),
+                      static_cast<int>(status));
       break;
     }
     out.print(out.context, "%s\n", text);

@@ -9,8 +9,8 @@ void CTarnFWCmdGetAddressStatOfAddrSet::fill(std::span<std::byte> body) const {
 
 void CTarnFWCmdGetAddressStatOfAddrSet::read(const CTarnFWCmdReply& reply) {
   const std::uint32_t stats = records(reply).checkedSize();
-  TARNFW_TRACE(FW_COMPONENT_CMD, 0, "retrieved %d stats of addrset %s\n", static_cast<int>(stats),
-               name().c_str());
+  TARNFW_TRACE_IN(kCheckCmdReply, LOG_DEBUG, FW_COMPONENT_CMD, 0,
+                  "retrieved %d stats of addrset %s\n", static_cast<int>(stats), name().c_str());
 }
 
 }  // namespace TarnFirewall

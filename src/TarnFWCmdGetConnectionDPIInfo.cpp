@@ -41,8 +41,8 @@ void CTarnFWCmdGetConnectionDPIInfo::fill(std::span<std::byte> body) const {
 }
 
 void CTarnFWCmdGetConnectionDPIInfo::read(const CTarnFWCmdReply& reply) {
-  TARNFW_TRACE(FW_COMPONENT_CMD, 0, "responded state count : %d\n",
-               static_cast<int>(reply.word(0)));
+  TARNFW_TRACE_IN(kCheckCmdReply, LOG_DEBUG, FW_COMPONENT_CMD, 0, "responded state count : %d\n",
+                  static_cast<int>(reply.word(0)));
 }
 
 }  // namespace TarnFirewall

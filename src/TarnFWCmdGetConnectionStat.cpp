@@ -51,8 +51,9 @@ Ends endsOf(const FWFlowRecord_& flow, unsigned int index) {
       break;
     }
     default:
-      TARNFW_WARNING("unknown address family for %d flow record: %d\n\n", static_cast<int>(index),
-                     static_cast<int>(flow.family));
+      TARNFW_LOG_IN(kCheckCmdReply, LOG_WARNING,
+                    "unknown address family for %d flow record: %d\n\n", static_cast<int>(index),
+                    static_cast<int>(flow.family));
       break;
   }
   return ends;
@@ -102,7 +103,7 @@ std::string CTarnFWCmdGetConnectionStat::toString() const {
 }
 
 void CTarnFWCmdGetConnectionStat::fill(std::span<std::byte> body) const {
-  TARNFW_TRACE_IN("writeCmdBody", LOG_DEBUG, FW_COMPONENT_CMD, 0,
+  TARNFW_TRACE_IN(kWriteCmdBody, LOG_DEBUG, FW_COMPONENT_CMD, 0,
                   "Fetching connection from 0x%016llx\n", wide(cursor_));
   storeAt(body, 0, std::uint8_t{1});
   storeAt(body, 4, net64(cursor_));
@@ -116,7 +117,7 @@ void CTarnFWCmdGetConnectionStat::read(const CTarnFWCmdReply& reply) {
 
 void CTarnFWCmdGetConnectionStat::print(const CTarnFWCmdReply& reply,
                                         const PrettyPrinting& out) const {
-  TARNFW_TRACE_IN("checkCmdReply", LOG_DEBUG, FW_COMPONENT_CMD, 0, "connection count : %d\n\n",
+  TARNFW_TRACE_IN(kCheckCmdReply, LOG_DEBUG, FW_COMPONENT_CMD, 0, "connection count : %d\n\n",
                   static_cast<int>(reply.word(16)));
   unsigned int index = 0;
   for (const FWFlowRecord_& flow : records(reply)) {

@@ -4,8 +4,8 @@ namespace TarnFirewall {
 
 void CTarnFWCmdGetDlbOfRuleSet::read(const CTarnFWCmdReply& reply) {
   const std::uint32_t rules = ids(reply).checkedSize();
-  TARNFW_TRACE(FW_COMPONENT_CMD, 0, "retrieved %d dlb of ruleset %s\n", static_cast<int>(rules),
-               name().c_str());
+  TARNFW_TRACE_IN(kCheckCmdReply, LOG_DEBUG, FW_COMPONENT_CMD, 0,
+                  "retrieved %d dlb of ruleset %s\n", static_cast<int>(rules), name().c_str());
 }
 
 void CTarnFWCmdGetDlbOfRuleSet::print(const CTarnFWCmdReply& reply,

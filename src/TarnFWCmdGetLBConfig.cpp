@@ -67,9 +67,8 @@ void CTarnFWCmdGetLBConfig::fill(std::span<std::byte> body) const {
 }
 
 void CTarnFWCmdGetLBConfig::trace(std::span<const std::byte> body) const {
-  constexpr const char* kFunction = "writeCmdBody";
   const auto flag = [this](std::uint8_t bit) { return (sizes_.flags & bit) != 0 ? 1 : 0; };
-  TARNFW_TRACE_IN(kFunction, LOG_DEBUG, FW_COMPONENT_CMD, 1,
+  TARNFW_TRACE_IN(kWriteCmdBody, LOG_DEBUG, FW_COMPONENT_CMD, 1,
                   "LB config: size %u lbs_cnt %u stale_lbs %u options: (current %d all %d debug %d "
                   "id %d uuid %s)\n\n",
                   getMsgSize(), sizes_.activeCount + 0u, sizes_.staleCount + 0u, flag(kLBActive),
@@ -78,7 +77,7 @@ void CTarnFWCmdGetLBConfig::trace(std::span<const std::byte> body) const {
   std::size_t at = kHead;
   int index = 0;
   for (const FWLBServiceSize_& service : services()) {
-    TARNFW_TRACE_IN(kFunction, LOG_DEBUG, FW_COMPONENT_CMD, 1,
+    TARNFW_TRACE_IN(kWriteCmdBody, LOG_DEBUG, FW_COMPONENT_CMD, 1,
                     "LB config: LB-%d: vs %u pool %u pm %u lbs %p\n\n", index++,
                     service.virtualServers + 0u, service.pools + 0u, service.poolMembers + 0u,
                     static_cast<const void*>(body.data() + at));

@@ -7,8 +7,8 @@ namespace TarnFirewall {
 
 void CTarnFWCmdGetRuleOfRuleSet::read(const CTarnFWCmdReply& reply) {
   const std::uint32_t rules = records(reply).checkedSize();
-  TARNFW_TRACE(FW_COMPONENT_CMD, 0, "retrieved %d rules of ruleset %s\n", static_cast<int>(rules),
-               name().c_str());
+  TARNFW_TRACE_IN(kCheckCmdReply, LOG_DEBUG, FW_COMPONENT_CMD, 0,
+                  "retrieved %d rules of ruleset %s\n", static_cast<int>(rules), name().c_str());
 }
 
 void CTarnFWCmdGetRuleOfRuleSet::print(const CTarnFWCmdReply& reply,
@@ -19,8 +19,9 @@ void CTarnFWCmdGetRuleOfRuleSet::print(const CTarnFWCmdReply& reply,
     const FWRule_ rule = rules[i];
     char text[512];
     if (const FWStatus_t status = rulesToText(&rule, 1, text, sizeof text, false)) {
-      TARNFW_TRACE(FW_COMPONENT_CMD, 0, "failed to convert rule #%d: %d\n", static_cast<int>(i),
-                   static_cast<int>(status));
+      TARNFW_TRACE_IN(kCheckCmdReply, LOG_DEBUG, FW_COMPONENT_CMD, 0,
+                      "failed to convert rule #%d: %d\n", static_cast<int>(i),
+                      static_cast<int>(status));
       break;
     }
     out.print(out.context, "%s\n", text);

@@ -24,7 +24,8 @@ void CTarnFWCmdGetRuleSetList::fill(std::span<std::byte> body) const {
 
 void CTarnFWCmdGetRuleSetList::read(const CTarnFWCmdReply& reply) {
   const std::uint32_t names = records(reply).checkedSize();
-  TARNFW_TRACE(FW_COMPONENT_CMD, 0, "retrieved %d rulesets\n", static_cast<int>(names));
+  TARNFW_TRACE_IN(kCheckCmdReply, LOG_DEBUG, FW_COMPONENT_CMD, 0, "retrieved %d rulesets\n",
+                  static_cast<int>(names));
 }
 
 void CTarnFWCmdGetRuleSetList::print(const CTarnFWCmdReply& reply,

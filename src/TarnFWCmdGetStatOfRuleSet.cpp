@@ -6,8 +6,8 @@ namespace TarnFirewall {
 
 void CTarnFWCmdGetStatOfRuleSet::read(const CTarnFWCmdReply& reply) {
   const std::uint32_t stats = records(reply).checkedSize();
-  TARNFW_TRACE(FW_COMPONENT_CMD, 0, "retrieved %d stats of ruleset %s\n", static_cast<int>(stats),
-               name().c_str());
+  TARNFW_TRACE_IN(kCheckCmdReply, LOG_DEBUG, FW_COMPONENT_CMD, 0,
+                  "retrieved %d stats of ruleset %s\n", static_cast<int>(stats), name().c_str());
 }
 
 void CTarnFWCmdGetStatOfRuleSet::print(const CTarnFWCmdReply& reply,

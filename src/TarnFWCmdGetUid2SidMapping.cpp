@@ -12,7 +12,8 @@ void printSids(const CTarnFWReplyRecords<fwattr_sid>& sids, const PrettyPrinting
   char text[kSidTextSize];
   for (const fwattr_sid& sid : sids) {
     if (!sid_bin2str(&sid, text, sizeof text)) {
-      TARNFW_ERROR("%s : failed to convert sid to string\n", __func__);
+      TARNFW_LOG_IN(kCheckCmdReply, LOG_ERR, "%s : failed to convert sid to string\n",
+                    kCheckCmdReply);
       continue;
     }
     out.print(out.context, "  %s\n", text);
@@ -45,7 +46,8 @@ void CTarnFWCmdGetUid2SidMapping::print(const CTarnFWCmdReply& reply,
     offset += sizeof(FWUidMapping_);
     char uid[kSidTextSize];
     if (!sid_bin2str(&user.uid, uid, sizeof uid)) {
-      TARNFW_ERROR("%s : failed to convert uid to string\n", __func__);
+      TARNFW_LOG_IN(kCheckCmdReply, LOG_ERR, "%s : failed to convert uid to string\n",
+                    kCheckCmdReply);
       return;
     }
     out.print(out.context, "User ID : %s\n", uid);

@@ -150,11 +150,15 @@ constexpr const char* sourceName() {
 #define TARNFW_SOURCE __FILE_NAME__
 #endif
 
-/// Logs an unguarded line: the file, function and line stand in front of the text.
-#define TARNFW_LOG(priority, format, ...)                                       \
-  ::TarnFirewall::Logger((priority), "tarnfw: %s:%s():%d " format,              \
-                         ::TarnFirewall::sourceName<TARNFW_SOURCE>(), __func__, \
+/// Logs an unguarded line: the file, function and line stand in front of the text. `function`
+/// stands in the line: where `__func__` says nothing that readers of the log know, another is
+/// passed.
+#define TARNFW_LOG_IN(function, priority, format, ...)                            \
+  ::TarnFirewall::Logger((priority), "tarnfw: %s:%s():%d " format,                \
+                         ::TarnFirewall::sourceName<TARNFW_SOURCE>(), (function), \
                          __LINE__ __VA_OPT__(, ) __VA_ARGS__)
+#define TARNFW_LOG(priority, format, ...) \
+  TARNFW_LOG_IN(__func__, priority, format __VA_OPT__(, ) __VA_ARGS__)
 #define TARNFW_ERROR(format, ...) TARNFW_LOG(LOG_ERR, format __VA_OPT__(, ) __VA_ARGS__)
 #define TARNFW_WARNING(format, ...) TARNFW_LOG(LOG_WARNING, format __VA_OPT__(, ) __VA_ARGS__)
 #define TARNFW_INFO(format, ...) TARNFW_LOG(LOG_INFO, format __VA_OPT__(, ) __VA_ARGS__)

@@ -151,8 +151,7 @@ Statements of the configuration language reach the same guard and the counters o
   [1]
   $ cli 'delete spoofguard with mac 00:11:22:33:44:55;'
   $ cli 'describe spoofguard;'
-  disabled : 
-  MAC = 00:50:56:99:b6:26
+  disabled : MAC = 00:50:56:99:b6:26
   $ cli 'describe stat of kif;' > statement
   $ quiet tarnioctl getfilterstat -f $filter | cmp - statement && head -n 3 statement
   PACKETS                       IN                OUT

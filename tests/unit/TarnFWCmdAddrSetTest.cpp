@@ -358,7 +358,10 @@ TEST_F(TarnFWCmdAddrSet, ATooSmallBufferForAContainerIsLogged) {
   Bytes body(97);
   unsigned int written = 0;
   EXPECT_FALSE(command.writeCmdBody(body.data(), 97, &written, 0));
-  EXPECT_TRUE(log.has(3, "failed to write command body buffer size: 97 required size: 98\n\n"));
+  EXPECT_EQ(log.normalized(),
+            std::vector<std::string>{
+                "3|tarnfw: TarnFWCmdCreateContainer:writeCmdBody():N failed to write command body "
+                "buffer size: 97 required size: 98\n\n"});
 }
 
 // --- Elements

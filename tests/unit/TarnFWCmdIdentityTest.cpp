@@ -321,9 +321,9 @@ TEST_F(TarnFWCmdIdentity, AUserWithoutATextEndsTheListing) {
   putUser(reply, kUsers, 1, 0, 3, 100).at(kUsers + 20, {2});
   putUser(reply, kUsers + 88, 1, 0, 3, 101);
   EXPECT_EQ(printedFor(command, reply), "");
-  ASSERT_EQ(log.lines().size(), 1u);
-  EXPECT_EQ(log.lines()[0].priority, 3);
-  EXPECT_TRUE(log.has(3, "print : failed to convert uid to string\n"));
+  EXPECT_EQ(log.normalized(),
+            std::vector<std::string>{"3|tarnfw: TarnFWCmdGetUid2SidMapping:checkCmdReply():N "
+                                     "checkCmdReply : failed to convert uid to string\n"});
 }
 
 TEST_F(TarnFWCmdIdentity, AnIdentifierWithoutATextIsLeftOut) {
@@ -333,5 +333,7 @@ TEST_F(TarnFWCmdIdentity, AnIdentifierWithoutATextIsLeftOut) {
   putSid(putSid(reply, kUsers + 88, 1).at(kUsers + 93, {16}), kUsers + 160, 2);
   EXPECT_EQ(printedFor(command, reply),
             "User ID : S-1-5-21-100\nStatus : Active\nNoConn : 3\n{\n  S-1-5-32-2\n}\n");
-  EXPECT_TRUE(log.has(3, "printSids : failed to convert sid to string\n"));
+  EXPECT_EQ(log.normalized(),
+            std::vector<std::string>{"3|tarnfw: TarnFWCmdGetUid2SidMapping:checkCmdReply():N "
+                                     "checkCmdReply : failed to convert sid to string\n"});
 }

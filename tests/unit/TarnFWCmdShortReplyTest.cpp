@@ -136,6 +136,21 @@ TEST(TarnFWCmdShortReply, WhatIsThereIsPrintedAndWhatIsMissingIsRefused) {
   }
 }
 
+TEST(TarnFWCmdShortReply, WhatIsLoggedOfAReplyNamesTheOperationOfTheCommand) {
+  for (const ReplyRow& row : rowsOf(&CommandFamily::replies)) {
+    if (row.records.logged.empty()) continue;
+    const auto command = row.make();
+    LogCapture log;
+    g_tarnfw_verbose[FW_COMPONENT_CMD].level = 1;
+    command->checkCmdReply(row.reply.data(), static_cast<unsigned int>(row.reply.size()));
+    const std::string file = std::string(row.className).substr(1);
+    EXPECT_EQ(log.normalized(),
+              std::vector<std::string>{"7|tarnfw:cmd " + file + ":checkCmdReply():N retrieved " +
+                                       std::to_string(row.records.texts.size()) + ' ' +
+                                       row.records.logged + '\n'});
+  }
+}
+
 TEST(TarnFWCmdShortReply, ATransactionIdIsKeptWholeOrNotAtAll) {
   for (const Creation& creation : rowsOf(&CommandFamily::creations)) {
     SCOPED_TRACE(creation.className);
