@@ -124,6 +124,21 @@ What is wrong is reported with its place; nothing of the text is sent.
   log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initialized tarn library\n\n
   log| tarnioctl <85> Filter nic-1002672-eth0-kelpco-sfw.2 was configured with `describe count of ruleset; describe count of addrset;'.\n
 
+A file from another system: a mark in front, line ends of two characters, none after the last line.
+
+  $ printf '\357\273\277describe count of ruleset;\r\ndescribe\r\ncount of addrset;' > other.conf
+  $ quiet tarnioctl tarnfwcli -Override -f $filter -l other.conf
+  ruleset count : 1
+  addrset count : 1
+  err| Unrecognized token:  \xef (esc)
+  err| Unrecognized token:  \xbb (esc)
+  err| Unrecognized token:  \xbf (esc)
+  $ printf 'destroy all ruleset;\r\ndescribe\r\ncount of' >> other.conf
+  $ lab tarnioctl tarnfwcli -Override -f $filter -l other.conf | grep -a yyerror
+  log| tarnioctl <83> tarnfw: tarnfw_parser:yyerror():N [other.conf:5] syntax error, unexpected end of file, expecting keyword ruleset or keyword addrset\n
+  $ quiet tarnioctl tarnfwcli -Override -f $filter -c 'describe count of ruleset;'
+  ruleset count : 1
+
 What the kernel refuses ends the evaluation.
 
   $ lab tarnioctl tarnfwcli -Override -f $filter -c 'destroy ruleset "nonesuch"; describe count of ruleset;'

@@ -334,6 +334,12 @@ TEST(TarnFWGrammar, WantsASemicolonAfterEveryStatement) {
             "[name:1] syntax error, unexpected }, expecting ;\n");
 }
 
+TEST(TarnFWGrammar, WantsNoSecondSemicolonAfterARuleWithoutBraces) {
+  const std::string one = "create ruleset r with rule 1 in protocol any from any to any drop;";
+  EXPECT_EQ(syntax(one), "");
+  EXPECT_EQ(syntax(one + ";"), "[name:1] syntax error, unexpected ;, expecting end of file\n");
+}
+
 TEST(TarnFWGrammar, WantsARuleInEveryRuleSetBody) {
   EXPECT_EQ(syntax("create ruleset r with { };"),
             "[name:1] syntax error, unexpected }, expecting keyword rule\n");

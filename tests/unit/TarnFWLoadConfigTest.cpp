@@ -252,6 +252,28 @@ TEST(TarnFWLoadConfig, GivesTheScannersStatusInsideAStatement) {
             33u);
 }
 
+TEST(TarnFWLoadConfig, GivesTheScannersFailureBeforeThatOfTheStatementInFrontOfIt) {
+  LogCapture log;
+  Loaded loaded;
+  const std::string text = "create ruleset " + std::string(64, 'n') + "\n10.0.0.256-9;";
+  EXPECT_EQ(FW_LoadConfigString(text.c_str(), &loaded.channel, &loaded.config), 33u);
+  ASSERT_EQ(log.lines().size(), 1u);
+  EXPECT_TRUE(log.has(3, "[<cmd>:2] invalid ip address - 10.0.0.256\n"));
+}
+
+TEST(TarnFWLoadConfig, LeavesTheCallersChannelWhenTheLoadFailsOrNamesNone) {
+  LogCapture log;
+  FakeKernel kernel;
+  for (const char* text :
+       {"", "destroy;", "config file \"/nonesuch/x\";", "config file \"/nonesuch/x\"; destroy;"}) {
+    fwlibhandle_* channel = kernel.handle();
+    fwconfigfile_* config = nullptr;
+    FW_LoadConfigString(text, &channel, &config);
+    EXPECT_EQ(channel, kernel.handle()) << text;
+    if (config != nullptr) FW_FreeConfigFile(config);
+  }
+}
+
 TEST(TarnFWLoadConfig, IgnoresWhatFollowsAScannerFailureBetweenStatements) {
   Loaded loaded;
   EXPECT_EQ(FW_LoadConfigString("destroy all ruleset; 10.0.0.256-9 nonsense", &loaded.channel,

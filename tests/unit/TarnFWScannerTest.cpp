@@ -476,6 +476,8 @@ TEST(TarnFWScanner, WritesAUuidWithAPortInTheFormOfTheHostsFiles) {
   }
   EXPECT_EQ(scan(kUuid + std::string(".1234")),
             (Tokens{std::string("ID_PORT(") + kGfy + " 123)", "NUMBER(4)"}));
+  EXPECT_EQ(scan("12345678-9ABC-DEF0-1234-56789ABCDEF0:9"),
+            Tokens{std::string("ID_PORT(") + kGfy + " 9)"});
 }
 
 TEST(TarnFWScanner, ReadsDecimalsWithASignAndIgnoredSuffixes) {
@@ -537,6 +539,34 @@ TEST(TarnFWScanner, DropsUnrecognizedCharactersAndGoesOn) {
   EXPECT_EQ(scan("+5 \xff"), Tokens{"NUMBER(5)"});
   EXPECT_EQ(testing::internal::GetCapturedStderr(),
             "Unrecognized token:  +\nUnrecognized token:  \xff\n");
+}
+
+TEST(TarnFWScanner, TakesNoBlanksButBlanksAndTabs) {
+  testing::internal::CaptureStderr();
+  Scan blanks(
+      "\xef\xbb\xbf"
+      "a\tb\vc\fd\xc2\xa0"
+      "e\r\nf");
+  EXPECT_EQ(blanks.all(),
+            (Tokens{"STRING(a)", "STRING(b)", "STRING(c)", "STRING(d)", "STRING(e)", "STRING(f)"}));
+  EXPECT_EQ(blanks.line(), 2);
+  std::string messages;
+  for (const char byte : {'\xef', '\xbb', '\xbf', '\v', '\f', '\xc2', '\xa0'})
+    messages += std::string("Unrecognized token:  ") + byte + "\n";
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), messages);
+}
+
+TEST(TarnFWScanner, DropsANulOfAStreamAndEndsAQuotedTextAtOne) {
+  using namespace std::string_literals;
+  std::string text = "a\0b # c\0\n/* \0 */ 'd\0e' \0"s;
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> stream(
+      fmemopen(text.data(), text.size(), "r"), &std::fclose);
+  testing::internal::CaptureStderr();
+  Scan scan(stream.get());
+  EXPECT_EQ(scan.all(), (Tokens{"STRING(a)", "STRING(b)", "STRING(d)"}));
+  EXPECT_EQ(scan.line(), 2);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "Unrecognized token:  \0\nUnrecognized token:  \0\n"s);
 }
 
 TEST(TarnFWScanner, ReadsQuotedTextsWithoutEscapes) {
