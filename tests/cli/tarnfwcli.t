@@ -148,6 +148,26 @@ What the kernel refuses ends the evaluation.
   log| tarnioctl <84> tarnfw: TarnFWCmd:execute():N failed to execute command DestroyRuleSet: no ruleset\n\n
   [1]
 
+A selector of the text that no filter has is passed over, unless it is the last or there is the option.
+
+  $ none='vif 00000000-0000-0000-0000-000000000000' some='vif 8d0c7a10-55f4-4c1e-9b02-0000632a0000'
+  $ quiet tarnioctl tarnfwcli -Override -c "clear all connection of $none; describe count of ruleset of $some;"
+  ruleset count : 1
+  $ quiet tarnioctl tarnfwcli -Override -c "describe count of ruleset of $some; describe count of ruleset of $none;"
+  ruleset count : 1
+  err| ERROR: Failed to eval config `describe count of ruleset of vif 8d0c7a10-55f4-4c1e-9b02-0000632a0000; describe count of ruleset of vif 00000000-0000-0000-0000-000000000000;': switch port not found
+  [1]
+  $ quiet tarnioctl tarnfwcli -Override -f nic-9-eth0-kelpco-sfw.9 -c 'describe count of ruleset; describe count of addrset;'
+  err| ERROR: Failed to eval config `describe count of ruleset; describe count of addrset;': switch port not found
+  [1]
+  $ tarnlab log -s -n 1
+  firewall 15: filter nic-9-eth0-kelpco-sfw.9 of kelpco-sfw: message 0: GetRuleSetCount() = ENOENT (there is no filter nic-9-eth0-kelpco-sfw.9 of kelpco-sfw)
+
+In batches the statuses of the commands are not looked at.
+
+  $ tarnfwlib_exec_batch_cmd=True quiet tarnioctl tarnfwcli -Override -f $filter -c 'destroy ruleset "nonesuch"; describe count of ruleset;'
+  ruleset count : 1
+
 Another channel takes the messages of its text and of those after it.
 
   $ lab tarnioctl tarnfwcli -Override -f $filter -c 'config file "out.bin"; destroy ruleset "web";' -c 'destroy all addrset;'
@@ -162,6 +182,39 @@ Another channel takes the messages of its text and of those after it.
   log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initializing tarn library.\n\n
   log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initialized tarn library\n\n
   log| tarnioctl <84> tarnfw: TarnFWLibMain:FW_Initialize():N error 12: /nonesuch/out.bin : No such file or directory\n
+  [1]
+
+A socket's peer gets of each command what is its request, and 20 bytes more. Nothing says which filter is meant.
+
+  $ cat > peer.py <<'PEER'
+  > import socket, struct
+  > listener = socket.create_server(('127.0.0.1', 0))
+  > open('port', 'w').write(str(listener.getsockname()[1]))
+  > peer = listener.accept()[0]
+  > for body, answer in (4, b'\x07\0\0\0'), (132, b'l3' + bytes(62) + b'l2'):
+  >     request = peer.recv(20, socket.MSG_WAITALL)
+  >     request += peer.recv(struct.unpack_from('<I', request, 4)[0], socket.MSG_WAITALL)
+  >     print(len(request), request[:32].hex(' ', 4))
+  >     head = struct.pack('<4sIIBBBBHHIHHI', b'TARN', 12 + body, 0, 1, 1, 1, 1, 1, 0, body, request[24], 0, 0)
+  >     peer.sendall(head + answer.ljust(body, b'\0'))
+  > PEER
+  $ python3 peer.py > requests & while [ ! -s port ]; do sleep 0.05; done
+  $ connect() { local status; quiet tarnioctl tarnfwcli -Override -f $filter -c "$1" > answer; status=$?
+  >   sed "s/:$(cat port);/:PORT;/" answer; return $status; }
+  $ connect "config socket 127.0.0.1:$(cat port); describe count of ruleset; describe root ruleset; describe count of addrset;"
+  ruleset count : 7
+  layer3 root ruleset : l3
+  layer2 root ruleset : l2
+  err| ERROR: Failed to eval config `config socket 127.0.0.1:PORT; describe count of ruleset; describe root ruleset; describe count of addrset;': socket error
+  [1]
+  $ wait; cat requests
+  53 5441524e 21000000 00000000 01010001 01000000 01000000 01000000 00000000
+  53 5441524e 21000000 01000000 01010001 01000000 01000000 04000000 00000000
+  $ connect "config socket 127.0.0.1:$(cat port);"
+  err| ERROR: Could not load config `config socket 127.0.0.1:PORT;': unknown error
+  [1]
+  $ connect "config ribs 127.0.0.1:$(cat port);"
+  err| ERROR: Could not load config `config ribs 127.0.0.1:PORT;': socket error
   [1]
 
 No more than 256 texts.
