@@ -15,10 +15,17 @@ constexpr const char* kTraceWords[] = {"",          "l4port",      "l4port range
                                        "tcp flags", "tcp options", "icmp type",    "stateless",
                                        "dscp",      "strict",      "sloppy"};
 
+/// A line for each spec that is written. It names the list's `toMessage` as its function, whatever
+/// writes the spec.
+void traceWritten(FWProtocolSpecType_t kind) {
+  TARNFW_TRACE_IN("toMessage", LOG_DEBUG, FW_COMPONENT_PROTOCOL, 0, "    wrote protocol spec: %s\n",
+                  kTraceWords[kind]);
+}
+
 /// Writes a spec's header and body into a place that has none, or one of its own kind when
 /// `sameKindFits`.
 void writeSpec(CTarnFWProtocolSpec& spec, FWSpecHeader_& header, std::span<std::uint8_t> body,
-               bool sameKindFits) {
+               bool sameKindFits, bool traced) {
   const unsigned int held = header.kind();
   const FWProtocolSpecType_t kind = spec.getSpecType();
   // Raised with the kind and not with the object type, unlike in addSpec: scripts match both texts.
@@ -26,7 +33,7 @@ void writeSpec(CTarnFWProtocolSpec& spec, FWSpecHeader_& header, std::span<std::
     throw CDuplicateProtocolSpecException(static_cast<int>(kind));
   header = spec.header();
   spec.toMessage(body.data(), static_cast<unsigned int>(body.size()), nullptr);
-  TARNFW_TRACE(FW_COMPONENT_PROTOCOL, 0, "    wrote protocol spec: %s\n", kTraceWords[kind]);
+  if (traced) traceWritten(kind);
 }
 
 }  // namespace
@@ -121,13 +128,13 @@ void CTarnFWProtocolSpecList::mergeSpecList(CTarnFWProtocolSpecList& other) {
   }
 }
 
-void CTarnFWProtocolSpecList::writePorts(FWPortBlock_& block) const {
+void CTarnFWProtocolSpecList::writePorts(FWPortBlock_& block, bool traced) const {
   forEach([&](CTarnFWProtocolSpec& spec) {
     switch (spec.getSpecType()) {
       case FW_SPEC_L4_PORT:
       case FW_SPEC_L4_PORT_RANGE:
       case FW_SPEC_L4_PORT_SET:
-        writeSpec(spec, block.header, block.body, false);
+        writeSpec(spec, block.header, block.body, false, traced);
         break;
       default:
         break;
@@ -135,23 +142,23 @@ void CTarnFWProtocolSpecList::writePorts(FWPortBlock_& block) const {
   });
 }
 
-void CTarnFWProtocolSpecList::writeSession(FWSessionBlock_& block) const {
+void CTarnFWProtocolSpecList::writeSession(FWSessionBlock_& block, bool traced) const {
   forEach([&](CTarnFWProtocolSpec& spec) {
     const FWProtocolSpecType_t kind = spec.getSpecType();
     switch (kind) {
       case FW_SPEC_TCP_FLAGS:
       case FW_SPEC_ICMP_TYPE:
-        writeSpec(spec, block.flagsHeader, block.flagsBody, true);
+        writeSpec(spec, block.flagsHeader, block.flagsBody, true, traced);
         break;
       case FW_SPEC_TCP_OPTIONS:
-        writeSpec(spec, block.optionsHeader, block.options, true);
+        writeSpec(spec, block.optionsHeader, block.options, true, traced);
         break;
       case FW_SPEC_STATELESS:
       case FW_SPEC_DSCP:
       case FW_SPEC_STRICT:
       case FW_SPEC_SLOPPY:
         spec.toMessage(&block, sizeof block, nullptr);
-        TARNFW_TRACE(FW_COMPONENT_PROTOCOL, 0, "    wrote protocol spec: %s\n", kTraceWords[kind]);
+        if (traced) traceWritten(kind);
         break;
       default:
         break;
@@ -163,11 +170,11 @@ bool CTarnFWProtocolSpecList::toMessage(void* buffer, unsigned int size, unsigne
   if (size < getMsgSize()) return false;
   if (portMode_) {
     FWPortBlock_ block{};
-    writePorts(block);
+    writePorts(block, true);
     return writeBody(block, buffer, size, written);
   }
   FWSessionBlock_ block{};
-  writeSession(block);
+  writeSession(block, true);
   return writeBody(block, buffer, size, written);
 }
 

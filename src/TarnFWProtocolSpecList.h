@@ -55,9 +55,10 @@ class CTarnFWProtocolSpecList final : public CTarnFWProtocolSpec {
   /// written then.
   bool toMessage(void* buffer, unsigned int size, unsigned int* written) override;
   /// Write the ports, or all else, into a cleared block, in any mode. Throw as `toMessage`;
-  /// something may be written then.
-  void writePorts(FWPortBlock_& block) const;
-  void writeSession(FWSessionBlock_& block) const;
+  /// something may be written then. `traced`: with the debug lines of `toMessage`. A rule
+  /// that writes once more what it wrote before leaves them out.
+  void writePorts(FWPortBlock_& block, bool traced) const;
+  void writeSession(FWSessionBlock_& block, bool traced) const;
   /// Whether no two members want the same place, so that these two don't throw.
   bool hasAPlaceForEach() const {
     return atMostOne(kinds_.held & kPortKinds) && atMostOne(kinds_.held & kFlagKinds);

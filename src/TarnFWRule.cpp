@@ -252,11 +252,13 @@ std::string CTarnFWRule::toString2() const {
 }
 
 bool CTarnFWRule::encode(FWRule_& record) {
-  if (!writeRuleRecord(parts_, record)) return false;
+  if (!writeRuleRecord(parts_, record, !written_)) return false;
   if (written_) return true;
-  if (parts_.af == FW_AF_NONE) TARNFW_TRACE(FW_COMPONENT_RULE, 0, "    fixing af\n");
+  if (parts_.af == FW_AF_NONE)
+    TARNFW_TRACE_IN(kToMessage, LOG_DEBUG, FW_COMPONENT_RULE, 0, "    fixing af\n");
   if (record.profileMode == kProfileCopy)
-    TARNFW_TRACE(FW_COMPONENT_RULE, 0, "     rule qualifies as default rule, set copy mode\n\n");
+    TARNFW_TRACE_IN(kToMessage, LOG_DEBUG, FW_COMPONENT_RULE, 0,
+                    "     rule qualifies as default rule, set copy mode\n\n");
   return true;
 }
 

@@ -90,7 +90,7 @@ FWRuleDirection_t checkedDirection(FWRuleDirection_t direction) {
   return direction;
 }
 
-bool writeRuleRecord(FWRuleParts& parts, FWRule_& record) {
+bool writeRuleRecord(FWRuleParts& parts, FWRule_& record, bool traced) {
   record.id = parts.id;
   record.position = parts.position;
   if (parts.extras) std::memcpy(record.tag, parts.extras->tag.text, sizeof record.tag);
@@ -103,7 +103,7 @@ bool writeRuleRecord(FWRuleParts& parts, FWRule_& record) {
     record.protocol = ruleProtocolNumber(protocol.getNumber(), protocol.isLayer3());
     if (protocol.isNegated()) flags |= kRuleProtocolNegated;
   }
-  parts.connection.writeSession(record.session);
+  parts.connection.writeSession(record.session, traced);
   if (!writeAction(parts.action.get(), record.action) ||
       !writeAddress(parts.source.get(), record.source, kRuleHasSource, flags) ||
       !writeAddress(parts.destination.get(), record.destination, kRuleHasDestination, flags)) {
@@ -119,8 +119,8 @@ bool writeRuleRecord(FWRuleParts& parts, FWRule_& record) {
   record.flags = static_cast<std::uint8_t>(flags | (af & 1) << kRuleAFLowShift);
   record.moreFlags = static_cast<std::uint8_t>((af >> 1) & kRuleAFHigh);
 
-  parts.sourcePorts.writePorts(record.sourcePorts);
-  parts.destinationPorts.writePorts(record.destinationPorts);
+  parts.sourcePorts.writePorts(record.sourcePorts, traced);
+  parts.destinationPorts.writePorts(record.destinationPorts, traced);
   const unsigned int mode =
       writeProfile(parts.extendedSource(), record.extendedSource, kProfileExtendedSource) |
       writeProfile(parts.attributeProfile(), record.attributeProfile, kProfileAttribute);

@@ -91,8 +91,8 @@ FWRuleDirection_t checkedDirection(FWRuleDirection_t direction);
 /// Not written: an address of type "any" and its negation, and the internal mark, which the kernel
 /// alone sets. False when an address or the action can't be written. Throws
 /// CDuplicateProtocolSpecException when two specs want the same place. Something may be written
-/// then.
-bool writeRuleRecord(FWRuleParts& parts, FWRule_& record);
+/// then. `traced`: with the debug lines about the specs.
+bool writeRuleRecord(FWRuleParts& parts, FWRule_& record, bool traced);
 
 /// Whether `writeRuleRecord` is known to succeed. It may succeed where this is false.
 bool fitsIntoRecord(const FWRuleParts& parts);

@@ -306,14 +306,15 @@ TEST(TarnFWProtocolSpecList, TracesEachSpecThatItWrites) {
   LogCapture log;
   g_tarnfw_verbose[FW_COMPONENT_PROTOCOL].level = 1;
   for (CTarnFWProtocolSpecList* list : {&session, &icmp, &port, &range, &set}) messageOf(*list);
-  std::vector<std::string> words;
-  for (const auto& line : log.lines())
-    words.push_back(line.text.substr(line.text.find(' ', line.text.find("():"))));
   const auto wrote = [](const char* word) {
-    return std::string("     wrote protocol spec: ") + word + "\n";
+    return std::string(
+               "7|tarnfw:protocol TarnFWProtocolSpecList:toMessage():N     wrote protocol "
+               "spec: ") +
+           word + "\n";
   };
-  EXPECT_EQ(words, (std::vector<std::string>{wrote("tcp flags"), wrote("tcp options"),
-                                             wrote("stateless"), wrote("strict"), wrote("sloppy"),
-                                             wrote("dscp"), wrote("icmp type"), wrote("l4port"),
-                                             wrote("l4port range"), wrote("l4port set")}));
+  EXPECT_EQ(
+      log.normalized(),
+      (std::vector<std::string>{wrote("tcp flags"), wrote("tcp options"), wrote("stateless"),
+                                wrote("strict"), wrote("sloppy"), wrote("dscp"), wrote("icmp type"),
+                                wrote("l4port"), wrote("l4port range"), wrote("l4port set")}));
 }

@@ -526,14 +526,33 @@ TEST(TarnFWRule, TracesWhatItWrites) {
   messageOf(rule);
   rule.setTag("late");
   messageOf(rule);
-  EXPECT_EQ(log.normalized(),
-            (std::vector<std::string>{
-                "7|tarnfw:rule TarnFWRule:encode():N     fixing af\n",
-                "7|tarnfw:rule TarnFWRule:encode():N      rule qualifies as default rule, set copy "
-                "mode\n\n",
-                "7|tarnfw:rule TarnFWRule:toMessage():N     wrote rule: 7.\n",
-                "7|tarnfw:rule TarnFWRule:toMessage():N     copy cached rule: 7.\n",
-                "7|tarnfw:rule TarnFWRule:toMessage():N     copy cached rule: 7.\n"}));
+  EXPECT_EQ(
+      log.normalized(),
+      (std::vector<std::string>{
+          "7|tarnfw:rule TarnFWRule:toMessage():N     fixing af\n",
+          "7|tarnfw:rule TarnFWRule:toMessage():N      rule qualifies as default rule, set copy "
+          "mode\n\n",
+          "7|tarnfw:rule TarnFWRule:toMessage():N     wrote rule: 7.\n",
+          "7|tarnfw:rule TarnFWRule:toMessage():N     copy cached rule: 7.\n",
+          "7|tarnfw:rule TarnFWRule:toMessage():N     copy cached rule: 7.\n"}));
+}
+
+TEST(TarnFWRule, TracesOfItsSpecsAreOfTheFirstWriteAlone) {
+  CTarnFWRule rule = tcp()
+                         .with<Strict>()
+                         .with<TCPFlags>(0, 2, false)
+                         .from<Port>(1, 1024, false)
+                         .to<PortRange>(2, 80, 90, false)
+                         .make();
+  LogCapture log;
+  g_tarnfw_verbose[FW_COMPONENT_PROTOCOL].level = 1;
+  const Bytes first = messageOf(rule);
+  EXPECT_EQ(log.lines().size(), 4u);
+  log.clear();
+  EXPECT_EQ(messageOf(rule), first);
+  rule.setTag("late");
+  EXPECT_EQ(messageOf(rule), first);
+  EXPECT_TRUE(log.lines().empty());
 }
 
 // ---- construction
