@@ -14,7 +14,8 @@ using namespace TarnFirewall;
 namespace {
 
 constexpr char kUsage[] = "Get fqdn records of a filter.\n\n" USAGE_OPTIONS USAGE_FILTER
-                          "    -d          : delete all entries\n" USAGE_VERBOSE USAGE_HELP;
+                          "    -d          : delete all entries\n"
+                          "    -v          : enable verbose log\n" USAGE_HELP;
 
 /// Lines of this command name its handler, whichever function prints them.
 constexpr char kHandler[] = "GetFqdnEntries";
@@ -32,15 +33,16 @@ struct AddressText {
 
 /// The entry after `before`, which is cleared in front of the first. Returns 0, or 1 after the
 /// error line.
-int nextEntry(const Target& target, const FWFqdnEntry_& before, FWFqdnEntry_* next) {
+int nextEntry(const Target& target, bool isVerbose, const FWFqdnEntry_& before,
+              FWFqdnEntry_* next) {
   const bool ipv4 = isIPv4(before.family);
-  if (target.verbose())
+  if (isVerbose)
     printWith(stdout, ipv4 ? "DEBUG: %s: Getting V4 address\n" : "DEBUG: %s: Getting V6 address\n",
               kHandler);
   const FWStatus_t status = (ipv4 ? FW_GetFqdnEntriesV4 : FW_GetFqdnEntriesV6)(
       target.handle, target.port, nullptr, before.address, before.family, next);
   if (status != FW_STATUS_OK) return outcome(status, "ERROR: failed to fqdn entries: %s\n");
-  if (target.verbose()) {
+  if (isVerbose) {
     const AddressText address(*next);
     if (isIPv4(next->family))
       std::printf("DEBUG: %s: Response is here, IPv4 %s\n", kHandler, address.text);
@@ -65,7 +67,7 @@ void printEntry(const FWFqdnEntry_& entry, const FWUuidItem_* items, unsigned in
 }
 
 /// Shows an entry with its identifiers; one that has none is left out.
-int showEntry(const Target& target, const FWFqdnEntry_& entry) {
+int showEntry(const Target& target, bool isVerbose, const FWFqdnEntry_& entry) {
   const std::uint32_t count = entry.uuidCount;
   if (count == 0) return 0;
   const auto items = makeRecords<FWUuidItem_>(count);
@@ -74,13 +76,12 @@ int showEntry(const Target& target, const FWFqdnEntry_& entry) {
   const FWStatus_t status = FW_GetUuid(target.handle, target.port, nullptr, &entry.address, count,
                                        items.get(), &returned);
   if (status != FW_STATUS_OK) return outcome(status, "ERROR: failed to uuid: %s\n");
-  if (target.verbose())
-    std::printf("DEBUG: %s: uuid TO PRINT %d\n", kHandler, static_cast<int>(returned));
+  if (isVerbose) std::printf("DEBUG: %s: uuid TO PRINT %d\n", kHandler, static_cast<int>(returned));
   printEntry(entry, items.get(), returned);
   return 0;
 }
 
-int listEntries(const Target& target) {
+int listEntries(const Target& target, bool isVerbose) {
   unsigned int entries = 0;
   unsigned int uuids = 0;
   const FWStatus_t status = FW_GetFqdnCount(target.handle, target.port, nullptr, &entries, &uuids);
@@ -97,14 +98,14 @@ int listEntries(const Target& target) {
   for (unsigned int i = 0; i < entries; ++i) {
     const auto next = makeRecords<FWFqdnEntry_>(1);
     if (next == nullptr) return error("ERROR: %s: no memory for getting fqdn records\n", kHandler);
-    if (const int failed = nextEntry(target, before, next.get())) return failed;
+    if (const int failed = nextEntry(target, isVerbose, before, next.get())) return failed;
     // A kernel that answers with the entry before would do so for as many as it counted.
     if (std::memcmp(&before.address, &next[0].address, sizeof before.address) == 0 &&
         before.family == next[0].family) {
       TARNFW_WARNING("fqdn entry %u of %u is the one before it\n", i + 1, entries);
       return 0;
     }
-    if (const int failed = showEntry(target, next[0])) return failed;
+    if (const int failed = showEntry(target, isVerbose, next[0])) return failed;
     before = next[0];
   }
   return 0;
@@ -114,13 +115,16 @@ int listEntries(const Target& target) {
 
 int GetFqdnEntries(const char* cmd, int argc, char** argv) {
   bool deletes = false;
+  bool isVerbose = false;
   return onFilter(cmd, argc, argv,
                   {.usage = kUsage,
                    .letters = "hf:d::v::",
-                   .own = {{'d', &deletes}},
+                   .own = {{'d', &deletes}, {'v', &isVerbose}},
+                   .announces = false,
+                   .raisesLibraryLevel = false,
                    .libraryFailure = {.text = "ERROR: Library handle init failure.\n"}},
                   [&](const Target& target) {
-                    if (!deletes) return listEntries(target);
+                    if (!deletes) return listEntries(target, isVerbose);
                     int result = 0;
                     return outcome(FW_DeleteFqdnTree(target.handle, target.port, nullptr, &result),
                                    "ERROR: failed to delete fqdn entries: %s\n");

@@ -11,7 +11,7 @@ Fully qualified names.
   Usage: tarnioctl getfqdnentries <options>
       -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2
       -d          : delete all entries
-      -v<number>  : enable verbose log
+      -v          : enable verbose log
       -h          : this help message
   $ brief run tarnioctl getfqdnentries
   (usage)
@@ -44,9 +44,7 @@ Fully qualified names.
        UUID -- 6f1c2b90-4d3e-4a57-8c61-000000000006
        UUID -- 6f1c2b90-4d3e-4a57-8c61-000000000007
   
-  $ quiet tarnioctl getfqdnentries -f $filter -v | head -7 | times
-  verbose level : 1
-  weirgate agent: kelpco-sfw
+  $ quiet tarnioctl getfqdnentries -f $filter -v | head -5 | times
   Total fqdn entries: 5
   Total number of uuid entries: 7
   DEBUG: GetFqdnEntries: Getting V4 address

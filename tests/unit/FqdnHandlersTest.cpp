@@ -115,23 +115,27 @@ TEST(GetFqdnEntries, StepsThroughTheEntriesByTheLastOne) {
 }
 
 TEST(GetFqdnEntries, SaysWhatItDoesWhenItIsVerbose) {
-  const LogCapture log;
-  FqdnKernel kernel({names()[1], names()[2]});
-  EXPECT_EQ(runCommand({"getfqdnentries", "-v", "-f", kFilter}),
-            (CommandResult{0,
-                           "verbose level : 1\nweirgate agent: kelpco-sfw\n"
-                           "Total fqdn entries: 2\nTotal number of uuid entries: 1\n"
-                           "DEBUG: GetFqdnEntries: Getting V4 address\n"
-                           "DEBUG: GetFqdnEntries: Response is here, IPv6 2001:db8::1\n"
-                           "DEBUG: GetFqdnEntries: Number of uuid 1\n"
-                           "DEBUG: GetFqdnEntries: uuid TO PRINT 1\n"
-                           "Fqdn IP 2001:db8::1\n" +
-                               kStart +
-                               "  # ttl : Infinite\n     UUID -- u\n\n"
-                               "DEBUG: GetFqdnEntries: Getting V6 address\n"
-                               "DEBUG: GetFqdnEntries: Response is here, IPv4 10.0.0.2\n"
-                               "DEBUG: GetFqdnEntries: Number of uuid 0\n",
-                           ""}));
+  // A value of -v counts for nothing, and the level is that of no component.
+  for (const char* const option : {"-v", "-v2", "-v0"}) {
+    const LogCapture log;
+    FqdnKernel kernel({names()[1], names()[2]});
+    EXPECT_EQ(runCommand({"getfqdnentries", option, "-f", kFilter}),
+              (CommandResult{0,
+                             "Total fqdn entries: 2\nTotal number of uuid entries: 1\n"
+                             "DEBUG: GetFqdnEntries: Getting V4 address\n"
+                             "DEBUG: GetFqdnEntries: Response is here, IPv6 2001:db8::1\n"
+                             "DEBUG: GetFqdnEntries: Number of uuid 1\n"
+                             "DEBUG: GetFqdnEntries: uuid TO PRINT 1\n"
+                             "Fqdn IP 2001:db8::1\n" +
+                                 kStart +
+                                 "  # ttl : Infinite\n     UUID -- u\n\n"
+                                 "DEBUG: GetFqdnEntries: Getting V6 address\n"
+                                 "DEBUG: GetFqdnEntries: Response is here, IPv4 10.0.0.2\n"
+                                 "DEBUG: GetFqdnEntries: Number of uuid 0\n",
+                             ""}))
+        << option;
+    EXPECT_TRUE(log.lines().empty()) << option;
+  }
 }
 
 TEST(GetFqdnEntries, SaysThatThereAreNone) {

@@ -41,8 +41,10 @@ std::vector<HandlerRow> identityRows() {
                 "Usage: tarnioctl %s <options>\n"
                 "    -f <string> : filter name, e.g., nic-1002672-eth0-kelpco-sfw.2\n"
                 "    -d          : delete all entries\n"
-                "    -v<number>  : enable verbose log\n"
+                "    -v          : enable verbose log\n"
                 "    -h          : this help message\n",
+       .verbose = "",
+       .raisesLibraryLevel = false,
        .libraryFailed = "ERROR: unable to open firewall library\n"
                         "ERROR: Library handle init failure.\n"},
       {.words = {"getsidcache"},
