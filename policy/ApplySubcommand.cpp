@@ -297,14 +297,15 @@ class Apply {
   }
 
   static void printMixture(const Failure& failure) {
-    const auto& [end, statements, reason, instructions, file] = failure.report;
-    std::fprintf(stderr,
-                 "tarnpolicy apply: filter %s holds a mixture: ", shown(*failure.filter).c_str());
-    if (file.empty()) {
-      std::fputs(instructions.c_str(), stderr);
-    } else {
-      std::fprintf(stderr, "%s. Load the earlier state from %s\n", reason.c_str(), file.c_str());
+    const ApplyReport& report = failure.report;
+    if (report.file.empty()) {
+      std::fprintf(stderr, "tarnpolicy apply: filter %s holds a mixture: %s",
+                   shown(*failure.filter).c_str(), report.instructions.c_str());
+      return;
     }
+    // Without memory; the file is named after the filter.
+    std::fprintf(stderr, "tarnpolicy apply: a filter holds a mixture; the earlier state is in %s\n",
+                 report.file.c_str());
   }
 
   static const char* heldBy(ApplyEnd end) {

@@ -8,9 +8,12 @@
 
 #include "CommandProcess.h"
 #include "CommandTable.h"
+#include "Program.h"
 
 using CommandProcess::Result;
 using CommandProcess::Words;
+
+const CommandProcess::Program CommandProcess::kProgram = {"tarnioctl", runProgram, "ERROR", 1};
 
 namespace {
 

@@ -13,7 +13,6 @@
 #include <stdexcept>
 
 #include "MemoryShim.h"
-#include "Program.h"
 #include "StandardOutput.h"
 
 namespace {
@@ -49,12 +48,13 @@ class Capture {
 /// Does what `main` does, and ends the process. `body` runs the command with what is to fail.
 [[noreturn]] void become(const CommandProcess::Words& words,
                          const std::function<int(int, char**)>& body) {
-  std::vector<std::string> copies{"tarnioctl"};
+  std::vector<std::string> copies{CommandProcess::kProgram.name};
   copies.insert(copies.end(), words.begin(), words.end());
   std::vector<char*> argv;
   for (std::string& word : copies) argv.push_back(word.data());
   argv.push_back(nullptr);
-  static TarnFirewall::StandardOutput output("ERROR", 1);
+  static TarnFirewall::StandardOutput output(CommandProcess::kProgram.lostPrefix,
+                                             CommandProcess::kProgram.lostStatus);
   std::exit(output.finish(body(static_cast<int>(copies.size()), argv.data())));
 }
 
@@ -108,7 +108,7 @@ std::ostream& operator<<(std::ostream& to, const Result& result) {
             << result.err << "---\n";
 }
 
-Result run(const Words& words) { return runAs(words, runProgram); }
+Result run(const Words& words) { return runAs(words, kProgram.run); }
 
 Result runWithoutMemory(const Words& words, unsigned int number, bool onwards) {
   return runAs(words, [=](int argc, char** argv) {
@@ -118,7 +118,7 @@ Result runWithoutMemory(const Words& words, unsigned int number, bool onwards) {
     std::atexit([] {
       if (failing.reached()) sayReached();
     });
-    return runProgram(argc, argv);
+    return kProgram.run(argc, argv);
   });
 }
 
@@ -126,7 +126,7 @@ Result runWithoutRoom(const Words& words, unsigned int number, int error) {
   return runAs(words, [=](int argc, char** argv) {
     g_writesLeft = static_cast<int>(number);
     g_writeError = error;
-    return runProgram(argc, argv);
+    return kProgram.run(argc, argv);
   });
 }
 

@@ -4,9 +4,18 @@
 #include <string>
 #include <vector>
 
-/// Runs commands as the program does, each in a process of its own, in which memory or standard
-/// output can fail. The program that links this is run in a lab.
+/// Runs commands as a program does, each in a process of its own, in which memory or standard
+/// output can fail. The test program that links this defines `kProgram`, and is run in a lab.
 namespace CommandProcess {
+
+/// The program: its name, what its `main` runs, and how it says that its output was lost.
+struct Program {
+  const char* name;
+  int (*run)(int argc, char** argv);
+  const char* lostPrefix;
+  int lostStatus;
+};
+extern const Program kProgram;
 
 /// What a run left.
 struct Result {
