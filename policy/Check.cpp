@@ -9,7 +9,6 @@
 
 #include "CheckTexts.h"
 #include "DiagnosticPrinter.h"
-#include "FilterNames.h"
 #include "Options.h"
 #include "StateFilter.h"
 

@@ -5,10 +5,10 @@
 #include <string>
 
 #include "ApplyConfirm.h"
-#include "FilterNames.h"
 #include "LanguageText.h"
 #include "Options.h"
 #include "PolicyProgram.h"
+#include "StateFilter.h"
 
 namespace {
 

@@ -7,12 +7,10 @@
 #include <cstring>
 #include <new>
 
-#include "Options.h"
 #include "State.h"
 #include "TarnFWDirectRequest.h"
 #include "TarnFWFilter.h"
 #include "TarnFWText.h"
-#include "TarnFWUtilFilter.h"
 #include "tarnfw.h"
 
 using namespace TarnFirewall;
@@ -32,13 +30,6 @@ void ask(std::uint32_t request, FWFilterList_& list) {
 }
 
 }  // namespace
-
-std::string givenFilter(const char* text) {
-  std::string name = text;
-  if (name.empty()) throw CallError("the filter's name is empty");
-  if (name.size() > kMaxName) throw CallError("the filter's name is too long");
-  return name;
-}
 
 std::vector<std::string> filtersOfAgent(const std::string& agent) {
   FWFilterList_ list{};

@@ -6,7 +6,6 @@
 #include <fstream>
 #include <string>
 
-#include "FilterNames.h"
 #include "LanguageText.h"
 #include "Options.h"
 #include "PolicyProgram.h"

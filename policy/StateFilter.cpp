@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "LanguageText.h"
+#include "Options.h"
 #include "TarnFWCmdGetElementsOfContainer.h"
 #include "TarnFWCmdRun.h"
 #include "TarnFWText.h"
@@ -286,6 +287,13 @@ FilterLibrary::FilterLibrary() {
 FilterLibrary::~FilterLibrary() = default;
 
 fwlibhandle_* FilterLibrary::handle() const { return toLibHandle(library_.get()); }
+
+std::string givenFilter(const char* text) {
+  std::string name = text;
+  if (name.empty()) throw CallError("the filter's name is empty");
+  if (name.size() > kMaxName) throw CallError("the filter's name is too long");
+  return name;
+}
 
 std::string statusReason(FWStatus_t status) {
   std::string reason = FW_StatusToString(status);

@@ -27,6 +27,10 @@ class FilterLibrary {
   std::unique_ptr<TarnFirewall::CTarnFWLibHandle> library_;
 };
 
+/// A filter's name as an option or operand gives it. Throws `CallError` for one that is empty or
+/// too long.
+std::string givenFilter(const char* text);
+
 /// The selector of a filter by its name, as `-f` of `tarnioctl` takes it. Throws `StateError` for a
 /// name that is too long.
 dvs_port_ filterSelector(const std::string& name);

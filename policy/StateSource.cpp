@@ -3,7 +3,6 @@
 #include <cstdio>
 #include <string_view>
 
-#include "FilterNames.h"
 #include "LanguageText.h"
 #include "ShownText.h"
 #include "StateFilter.h"
