@@ -45,7 +45,8 @@ bool isUnsigned(const char* text) {
 constexpr const char* kPlace = "CTarnFWAttr";
 
 [[noreturn]] void refuseNumber(const char* text) {
-  TARNFW_ERROR("%s: exception in string to integer conversion of string %s.\n", kPlace, text);
+  TARNFW_LOG_IN(kPlace, LOG_ERR, "%s: exception in string to integer conversion of string %s.\n",
+                kPlace, text);
   throw CInvalidAddressException(text);
 }
 
@@ -60,7 +61,7 @@ std::int64_t readSigned(const char* text) {
 
 std::int64_t readUnsigned(const char* text) {
   if (!isUnsigned(text)) {
-    TARNFW_ERROR("%s: %s is not a valid uint64\n", kPlace, text);
+    TARNFW_LOG_IN(kPlace, LOG_ERR, "%s: %s is not a valid uint64\n", kPlace, text);
     refuseNumber(text);
   }
   long number = 0;

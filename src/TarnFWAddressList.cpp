@@ -9,6 +9,13 @@
 
 namespace TarnFirewall {
 
+namespace {
+
+/// What log lines about an address that is added name as their function.
+constexpr char kAddAddress[] = "addAddress";
+
+}  // namespace
+
 CTarnFWAddressList::CTarnFWAddressList(bool borrowed) : id_{}, borrowed_(borrowed) {}
 
 CTarnFWAddressList::CTarnFWAddressList(const FWAddrSetID_t& id, bool negated, bool borrowed)
@@ -47,11 +54,13 @@ bool CTarnFWAddressList::accepts(int type) const {
   switch (setType_) {
     case FW_ADDRSET_IP:
       if (type >= FW_ADDRESS_IPV4 && type <= FW_ADDRESS_IPV6_CIDR) return true;
-      TARNFW_WARNING("cannot add non-IP address of type %d into an IP set\n", type);
+      TARNFW_LOG_IN(kAddAddress, LOG_WARNING,
+                    "cannot add non-IP address of type %d into an IP set\n", type);
       return false;
     case FW_ADDRSET_MAC:
       if (type >= FW_ADDRESS_ETHER && type <= FW_ADDRESS_ETHER_MASK) return true;
-      TARNFW_WARNING("cannot add non-MAC address of type %d into a MAC set\n", type);
+      TARNFW_LOG_IN(kAddAddress, LOG_WARNING,
+                    "cannot add non-MAC address of type %d into a MAC set\n", type);
       return false;
     case FW_ADDRSET_ANY:
       // Attributes of unsigned value are left out: scripts rely on the refusal.
@@ -60,7 +69,7 @@ bool CTarnFWAddressList::accepts(int type) const {
           type == FW_ADDRESS_ATTR_SID) {
         return true;
       }
-      TARNFW_WARNING("cannot add address of unsupported type %d\n", type);
+      TARNFW_LOG_IN(kAddAddress, LOG_WARNING, "cannot add address of unsupported type %d\n", type);
       return false;
     default:
       return true;
@@ -86,7 +95,7 @@ CTarnFWAddressList::Taken CTarnFWAddressList::add(const CTarnFWAddress* address)
     unsigned char prefix = 0;
     static_cast<const CTarnFWAddressIPv4CIDR*>(address)->getAddress(&base, &prefix);
     if (prefix == 0) {
-      TARNFW_WARNING("handling 0 prefix ip cidr\n");
+      TARNFW_LOG_IN(kAddAddress, LOG_WARNING, "handling 0 prefix ip cidr\n");
       for (const char* const half : {"0.0.0.0/1", "128.0.0.0/1"}) {
         keep(make<CTarnFWAddressIPv4CIDR>(half, false));
       }

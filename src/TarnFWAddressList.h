@@ -97,7 +97,7 @@ class CTarnFWAddressList : public CTarnFWAddress {
   static constexpr std::size_t kMostAddresses = 0xffffffff / sizeof(FWAddress_);
 
   enum class Taken { no, yes, replaced, counted };
-  /// What becomes of an address. Where it is replaced, that has been done. Log lines have its name.
+  /// What becomes of an address. Where it is replaced, that has been done.
   Taken add(const CTarnFWAddress* address);
   void keep(std::unique_ptr<CTarnFWAddress> address);
   bool accepts(int type) const;

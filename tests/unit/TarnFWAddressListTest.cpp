@@ -164,7 +164,7 @@ TEST(TarnFWAddressList, AnIPSetTakesTypes1To6) {
     EXPECT_EQ(takes(FW_ADDRSET_IP, type, &lines), type >= 1 && type <= 6) << type;
     if (type == 0 || type == 7) {
       EXPECT_EQ(lines.at(0),
-                "4|tarnfw: TarnFWAddressList:accepts():N cannot add non-IP address of type " +
+                "4|tarnfw: TarnFWAddressList:addAddress():N cannot add non-IP address of type " +
                     std::to_string(type) + " into an IP set\n");
     }
   }
@@ -176,7 +176,7 @@ TEST(TarnFWAddressList, AMacSetTakesTypes7To9) {
     EXPECT_EQ(takes(FW_ADDRSET_MAC, type, &lines), type >= 7 && type <= 9) << type;
     if (type == 6 || type == 10) {
       EXPECT_EQ(lines.at(0),
-                "4|tarnfw: TarnFWAddressList:accepts():N cannot add non-MAC address of type " +
+                "4|tarnfw: TarnFWAddressList:addAddress():N cannot add non-MAC address of type " +
                     std::to_string(type) + " into a MAC set\n");
     }
   }
@@ -189,9 +189,10 @@ TEST(TarnFWAddressList, ASetOfAnyKindTakesNoUnsignedAttribute) {
               type <= 9 || type == 12 || type == 14 || type == 15)
         << type;
     if (type == 10 || type == 11 || type == 13 || type == 16) {
-      EXPECT_EQ(lines.at(0),
-                "4|tarnfw: TarnFWAddressList:accepts():N cannot add address of unsupported type " +
-                    std::to_string(type) + "\n");
+      EXPECT_EQ(
+          lines.at(0),
+          "4|tarnfw: TarnFWAddressList:addAddress():N cannot add address of unsupported type " +
+              std::to_string(type) + "\n");
     }
   }
 }
@@ -234,7 +235,8 @@ TEST(TarnFWAddressList, ABlockOfPrefixLength0BecomesItsTwoHalves) {
   EXPECT_EQ(list.toString(), "{ip 0.0.0.0/1, ip 128.0.0.0/1}");
   EXPECT_EQ(list.getMsgSize(), 288u);
   ASSERT_EQ(log.normalized().size(), 1u);
-  EXPECT_EQ(log.normalized()[0], "4|tarnfw: TarnFWAddressList:add():N handling 0 prefix ip cidr\n");
+  EXPECT_EQ(log.normalized()[0],
+            "4|tarnfw: TarnFWAddressList:addAddress():N handling 0 prefix ip cidr\n");
 }
 
 TEST(TarnFWAddressList, AnyBlockOfPrefixLength0IsReplacedEvenANegatedOne) {
