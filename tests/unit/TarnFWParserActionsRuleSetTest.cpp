@@ -205,6 +205,7 @@ TEST(TarnFWParserActionsRuleSet, ReadsRulesByIdInAscendingOrder) {
   EXPECT_EQ(parse.word(96), 10u);
   EXPECT_EQ(parse.word(100), 20u);
   EXPECT_EQ(ParseText("describe stat of ruleset r with 7;").word(80), 7u);
+  EXPECT_EQ(ParseText("describe stat of ruleset r with 4294967303;").word(80), 7u);
 }
 
 TEST(TarnFWParserActionsRuleSet, RefusesAnIndexOfMoreThan32Bits) {

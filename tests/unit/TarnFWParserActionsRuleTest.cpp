@@ -311,7 +311,10 @@ TEST(TarnFWParserActionsRule, RefusesSpecsWithBadValues) {
   EXPECT_EQ(ruleFailure(tcp("dscp 'x' from any to any drop")), "60|bad dscp markings");
   EXPECT_EQ(ruleFailure(tcp("dscp '40' from any to any drop")), "60|bad dscp markings");
   EXPECT_EQ(ruleFailure(tcp("dscp '100' from any to any drop")), "60|bad dscp markings");
+  EXPECT_EQ(ruleFailure(tcp("dscp '' from any to any drop")), "60|bad dscp markings");
+  EXPECT_EQ(ruleFailure(tcp("dscp '-1' from any to any drop")), "60|bad dscp markings");
   EXPECT_EQ(ruleFailure(tcp("dscp 64 from any to any drop")), "60|bad dscp markings");
+  EXPECT_EQ(ruleFailure(tcp("dscp -1 from any to any drop")), "60|bad dscp markings");
   EXPECT_EQ(ruleFailure(tcp("flag 512 from any to any drop")), "40|invalid TCP flags: 0x0200");
   EXPECT_EQ(ruleFailure(tcp("not flag { SYN, 512 } from any to any drop")),
             "40|invalid TCP flags: 0x0200");
@@ -399,6 +402,11 @@ TEST(TarnFWParserActionsRule, ReplacesARangeOfANatTargetByASet) {
   EXPECT_EQ(parse.field(0, 1), "target9");
   EXPECT_EQ(parse.ruleText(),
             "rule 9 at 0 in protocol tcp from addrset src9 to any dnat addrset target9 port 80;");
+  const RuleText all("9 in protocol tcp from 10.1.0.1-2 to 10.2.0.1-2 dnat ip 10.0.0.1-5");
+  ASSERT_EQ(all.count(), 4u);
+  EXPECT_EQ(all.field(0, 0), "src9");
+  EXPECT_EQ(all.field(0, 1), "dst9");
+  EXPECT_EQ(all.field(0, 2), "target9");
   const RuleText snat("9 out protocol tcp from any to any snat ip 10.0.0.1-5");
   ASSERT_EQ(snat.count(), 2u);
   EXPECT_EQ(snat.field(0, 0), "target9");
@@ -430,7 +438,8 @@ TEST(TarnFWParserActionsRule, ReadsLoadBalancing) {
            {"lb lbtype l4 lbidletimeout 5 lbclosetimeout 6 lboptions o",
             "lb  lbtype L4 lbidletimeout 5 lbclosetimeout 6 lboptions o"},
            {"lb lbtype l4 lboptions o", "lb  lbtype L4 lboptions o"},
-           {"lb lbtype l4 lbidletimeout 65537", "lb  lbtype L4 lbidletimeout 1"}}) {
+           {"lb lbtype l4 lbidletimeout 65537", "lb  lbtype L4 lbidletimeout 1"},
+           {"lb lbtype l4 lbclosetimeout 65538", "lb  lbtype L4 lbclosetimeout 2"}}) {
     EXPECT_EQ(actionText(written), printed + ";");
   }
   EXPECT_EQ(ruleFailure(acting("lb lbtype l4 lboptions " + std::string(128, 'o'))),

@@ -94,6 +94,12 @@ TEST_F(DefaultSelector, StaysWhenTheParseFailsAfterIt) {
   EXPECT_EQ(selector(""), "7|f|a|0");
 }
 
+TEST_F(DefaultSelector, IsWholeAndHasTheAgentOfItsStatement) {
+  EXPECT_EQ(parseFailure("config default agent a and filter f;"), "");
+  EXPECT_EQ(parseFailure("config default agent b and vnic " + kUuid + ":7;"), "");
+  EXPECT_EQ(selector(""), "1|" + kGfy + "|b|7");
+}
+
 TEST_F(DefaultSelector, GivesItsAgentToPortsOnly) {
   EXPECT_EQ(parseFailure("config default agent a and filter f;"), "");
   EXPECT_EQ(selector("of dvsport " + kUuid + ":7"), "2|" + kGfy + "|a|7");
