@@ -121,7 +121,9 @@ Key readKey() {
   const ssize_t count = read(STDIN_FILENO, line, sizeof line);
   if (count < 0 && errno == EINTR) return Key::none;
   if (count <= 0) return Key::lost;
-  return line[0] == '\n' || line[0] == 'y' || line[0] == 'Y' ? Key::yes : Key::no;
+  std::string_view word(line, static_cast<std::size_t>(count));
+  word = word.substr(0, word.find('\n'));
+  return word.empty() || word == "y" || word == "Y" || word == "yes" ? Key::yes : Key::no;
 }
 
 }  // namespace

@@ -16,10 +16,12 @@ struct Known {
   const char* help;
 };
 
+constexpr char kPortRange[] = "invalid port range";
+
 constexpr Known kKnown[] = {
     {"rule id value overflows", {TK_RULE}, true, "ids go from 0 to 4294967295"},
     {"rule position value overflows", {TK_AT}, true, "positions go from 0 to 4294967295"},
-    {"invalid port range", {}, false, "the low end of a range of ports stands first: 80-90"},
+    {kPortRange, {}, false, "the low end of a range of ports stands first"},
     {"TCP/UDP port number", {}, false, "ports go from 0 to 65535"},
     {"too many TCP/UDP port", {TK_PORT}, false, "a list holds 15 ports, and a range counts 2"},
     {"unknown protocol",
@@ -130,6 +132,14 @@ const Token* namedWord(const SourceText& source, std::string_view message,
   return nullptr;
 }
 
+/// The range that was meant most likely.
+std::string portRangeHelp(std::string_view range) {
+  const std::size_t dash = std::min(range.find('-'), range.size() - 1);
+  const std::string first(range.substr(0, dash)), second(range.substr(dash + 1));
+  if (first == second) return "a range has more than one port; this one is: " + first;
+  return "the low end of a range of ports stands first: " + second + "-" + first;
+}
+
 const Token& lastLiteral(std::span<const Token> words) {
   for (std::size_t i = words.size(); i-- > 0;) {
     if (isLiteral(words[i].code)) return words[i];
@@ -151,6 +161,9 @@ Refusal explainRefusal(const SourceText& source, std::string message,
   if (word == nullptr) word = namedWord(source, message, words);
   if (word == nullptr) word = &lastLiteral(words);
   std::string help = known != nullptr ? known->help : literalHelp(word->code);
+  if (known != nullptr && word->code == TK_NUMBER_RANGE && known->part == kPortRange) {
+    help = portRangeHelp(source.text(word->begin, word->end));
+  }
   while (message.ends_with('\n')) message.pop_back();
   message = printableText(message);
   // Some classes say nothing but the value.

@@ -45,7 +45,7 @@ Long work has a line that says how far it has come, on a terminal only, and noth
   $ cat err
   $ tarnlab fault clear
 
-What is done for a time is kept by Enter, or by y.
+What is done for a time is kept by Enter, or by y or yes.
 
   $ cat > one.conf << 'END'
   > create ruleset "a" with rule 1 in protocol any from any to any accept;
@@ -74,6 +74,10 @@ What is done for a time is kept by Enter, or by y.
   confirmed
   $ holds one.conf
   it holds one.conf
+  $ terminal see="$asked" type='yes\n' -- $apply two.conf | tail -1
+  confirmed
+  $ quiet tarnpolicy apply -f $web one.conf
+  nic-1002672-eth0-kelpco-sfw.2: done, 1 statement
 
 By another line it is undone, and what was typed before it was asked for counts for nothing.
 
@@ -87,6 +91,8 @@ By another line it is undone, and what was typed before it was asked for counts 
   [1]
   $ holds one.conf
   it holds one.conf
+  $ terminal see="$asked" type='yet\n' -- $apply two.conf | tail -1
+    nic-1002672-eth0-kelpco-sfw.2  earlier state  not confirmed
   $ terminal early='\n' -- tarnlab run tarnpolicy apply --confirm 1 -f $web two.conf
   
   nic-1002672-eth0-kelpco-sfw.2: done, 1 statement

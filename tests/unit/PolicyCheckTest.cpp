@@ -85,6 +85,10 @@ TEST(PolicyCheck, ValuesHaveTheirPlaceAndRemedy) {
             "it from 0 to 255");
   EXPECT_EQ(mistake(rule("rule 1 in protocol tcp from any port 80 to any port 90-80 accept;")),
             "2:53 invalid port range | the low end of a range of ports stands first: 80-90");
+  EXPECT_EQ(mistake(rule("rule 1 in protocol tcp from any to any port { 1, 65535-443 } accept;")),
+            "2:50 invalid port range | the low end of a range of ports stands first: 443-65535");
+  EXPECT_EQ(mistake(rule("rule 1 in protocol tcp from any to any port 80-80 accept;")),
+            "2:45 invalid port range | a range has more than one port; this one is: 80");
   EXPECT_EQ(mistake(rule("rule 1 in protocol nosuch from any to any accept;")),
             "2:20 unknown protocol (nosuch) | names of protocols are those in /etc/protocols; any "
             "protocol can be given by its number");
