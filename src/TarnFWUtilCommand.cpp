@@ -25,6 +25,9 @@ using namespace TarnFirewall;
 
 namespace {
 
+/// What log lines of all steps name as their function: readers of the log know no other.
+constexpr char kRunCommand[] = "RunCommandWithTimeout";
+
 constexpr std::size_t kReadPiece = 4096;
 constexpr std::size_t kDrainPiece = 256;
 constexpr std::size_t kWritePiece = 4096;  // what a pipe that can be written to takes at once
@@ -161,23 +164,25 @@ class Running {
 
 bool Running::start(char* const* arguments) {
   if (!err_.open()) {
-    TARNFW_ERROR("Failed to create stderr pipe: %d\n\n", errno);
+    TARNFW_LOG_IN(kRunCommand, LOG_ERR, "Failed to create stderr pipe: %d\n\n", errno);
     return false;
   }
   if (!out_.open()) {
-    TARNFW_ERROR("Failed to create stdout pipe: %d\n\n", errno);
+    TARNFW_LOG_IN(kRunCommand, LOG_ERR, "Failed to create stdout pipe: %d\n\n", errno);
     return false;
   }
   if (!in_.open()) {
-    TARNFW_ERROR("Failed to create stdin pipe: %d\n\n", errno);
+    TARNFW_LOG_IN(kRunCommand, LOG_ERR, "Failed to create stdin pipe: %d\n\n", errno);
     return false;
   }
   for (int i = 0; i < kLoggedArguments && arguments[i] != nullptr; ++i)
-    TARNFW_TRACE(FW_COMPONENT_UTIL, 0, "%s: args[%d](%s)\n", path_, i, arguments[i]);
+    TARNFW_TRACE_IN(kRunCommand, LOG_DEBUG, FW_COMPONENT_UTIL, 0, "%s: args[%d](%s)\n", path_, i,
+                    arguments[i]);
 
   const int descriptors[3] = {in_.readEnd(), out_.writeEnd(), err_.writeEnd()};
   if (const int status = spawnOnHost(path_, arguments, descriptors, &pid_); status != 0) {
-    TARNFW_ERROR("Failed to fork child process (%s), status: %d\n\n", path_, status);
+    TARNFW_LOG_IN(kRunCommand, LOG_ERR, "Failed to fork child process (%s), status: %d\n\n", path_,
+                  status);
     return false;
   }
   ended_ = pid_ <= 0;  // not the number of one process: there is nothing to wait for
@@ -192,7 +197,8 @@ bool Running::start(char* const* arguments) {
 void Running::limit(unsigned int timeout) {
   const int flags = fcntl(out_.readEnd(), F_GETFL);
   if (flags < 0 || fcntl(out_.readEnd(), F_SETFL, flags | O_NONBLOCK) < 0) {
-    TARNFW_ERROR("Use blocking read to read from child %s: %s\n", path_, std::strerror(errno));
+    TARNFW_LOG_IN(kRunCommand, LOG_ERR, "Use blocking read to read from child %s: %s\n", path_,
+                  std::strerror(errno));
     return;
   }
   timeout_ = std::int64_t{timeout} * 1000;
@@ -210,8 +216,9 @@ bool Running::wait(int options) {
   if (found == 0) return false;
   ended_ = true;
   if (found == pid_)
-    TARNFW_TRACE(FW_COMPONENT_UTIL, 0, "Reaped child %s, exit status = %d\n\n", path_,
-                 WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status));
+    TARNFW_TRACE_IN(kRunCommand, LOG_DEBUG, FW_COMPONENT_UTIL, 0,
+                    "Reaped child %s, exit status = %d\n\n", path_,
+                    WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status));
   return true;
 }
 
@@ -244,7 +251,7 @@ bool Running::move(int milliseconds) {
 
 void Running::endWhenSilent() {
   if (timeout_ == 0 || millisecondsNow() - lastOutput_ < timeout_) return;
-  TARNFW_WARNING("Kill stuck child process %s.\n", path_);
+  TARNFW_LOG_IN(kRunCommand, LOG_WARNING, "Kill stuck child process %s.\n", path_);
   if (pid_ > 0) kill(pid_, SIGTERM);
   timeout_ = 0;
   signalled_ = true;

@@ -20,6 +20,9 @@ using namespace TarnFirewall;
 
 namespace {
 
+/// What log lines of all steps name as their function: readers of the log know no other.
+constexpr char kReplaceFile[] = "FwReplaceFile";
+
 constexpr mode_t kOwnerOnly = 0600;
 constexpr mode_t kEverybody = 0666;  // as far as the process's mask allows it
 
@@ -64,7 +67,8 @@ class File {
   /// Lets nobody but the owner read what is about to be written.
   void restrictTo(const std::string& path) {
     if (::fchmod(descriptor_, kOwnerOnly) != 0)
-      TARNFW_ERROR("failed to change mode of %s: %s\n", path.c_str(), std::strerror(errno));
+      TARNFW_LOG_IN(kReplaceFile, LOG_ERR, "failed to change mode of %s: %s\n", path.c_str(),
+                    std::strerror(errno));
   }
 
  private:
@@ -105,7 +109,7 @@ struct Earlier {
 /// Writes a copy and closes it. A copy that is cut is reported and counts as none.
 bool writeCopy(File& file, std::string_view content, const char* to) {
   if (file.write(content) && file.close()) return true;
-  TARNFW_ERROR("failed to write %s: %s\n", to, std::strerror(errno));
+  TARNFW_LOG_IN(kReplaceFile, LOG_ERR, "failed to write %s: %s\n", to, std::strerror(errno));
   return false;
 }
 
@@ -114,24 +118,26 @@ bool writeCopy(File& file, std::string_view content, const char* to) {
 bool keepEarlier(const std::string& path, const std::string& old, std::optional<Earlier>* earlier) {
   File file(path, O_RDONLY);
   if (!file) {
-    TARNFW_WARNING("failed to open config file %s\n", path.c_str());
+    TARNFW_LOG_IN(kReplaceFile, LOG_WARNING, "failed to open config file %s\n", path.c_str());
     return true;
   }
   earlier->emplace();
   if (!file.read((*earlier)->content)) {
-    TARNFW_ERROR("failed to read config file %s: %s\n", path.c_str(), std::strerror(errno));
+    TARNFW_LOG_IN(kReplaceFile, LOG_ERR, "failed to read config file %s: %s\n", path.c_str(),
+                  std::strerror(errno));
     return false;
   }
 
   File copy(old, O_WRONLY | O_CREAT | O_TRUNC, kOwnerOnly);
   if (!copy) {
-    TARNFW_ERROR("failed to open old file %s\n", old.c_str());
+    TARNFW_LOG_IN(kReplaceFile, LOG_ERR, "failed to open old file %s\n", old.c_str());
     return true;
   }
   copy.restrictTo(old);
   if (!writeCopy(copy, (*earlier)->content, old.c_str())) return false;
   (*earlier)->kept = true;
-  TARNFW_TRACE(FW_COMPONENT_UTIL, 0, "copied config file %s to %s\n", path.c_str(), old.c_str());
+  TARNFW_TRACE_IN(kReplaceFile, LOG_DEBUG, FW_COMPONENT_UTIL, 0, "copied config file %s to %s\n",
+                  path.c_str(), old.c_str());
   return true;
 }
 
@@ -139,7 +145,7 @@ bool keepEarlier(const std::string& path, const std::string& old, std::optional<
 bool writeTemporary(const std::string& temporary, void* context, FwFileWriter_t writer) {
   File file(temporary, O_WRONLY | O_CREAT | O_TRUNC, kOwnerOnly);
   if (!file) {
-    TARNFW_ERROR("failed to open temporary file %s\n", temporary.c_str());
+    TARNFW_LOG_IN(kReplaceFile, LOG_ERR, "failed to open temporary file %s\n", temporary.c_str());
     return false;
   }
   file.restrictTo(temporary);
@@ -148,24 +154,25 @@ bool writeTemporary(const std::string& temporary, void* context, FwFileWriter_t 
   const bool made = writer(context, stream) == UTIL_STATUS_OK;
   stream.flush();
   if (!file.close() || !stream || !made) {
-    TARNFW_ERROR("failed to write temporary file %s\n", temporary.c_str());
+    TARNFW_LOG_IN(kReplaceFile, LOG_ERR, "failed to write temporary file %s\n", temporary.c_str());
     return false;
   }
-  TARNFW_TRACE(FW_COMPONENT_UTIL, 0, "wrote temporary file %s\n", temporary.c_str());
+  TARNFW_TRACE_IN(kReplaceFile, LOG_DEBUG, FW_COMPONENT_UTIL, 0, "wrote temporary file %s\n",
+                  temporary.c_str());
   return true;
 }
 
 bool readTemporary(const std::string& temporary, std::string& content) {
   File file(temporary, O_RDONLY);
   if (file && file.read(content)) return true;
-  TARNFW_ERROR("failed to open temporary file %s\n", temporary.c_str());
+  TARNFW_LOG_IN(kReplaceFile, LOG_ERR, "failed to open temporary file %s\n", temporary.c_str());
   return false;
 }
 
 void putBack(const std::string& path, std::string_view content) {
   File file(path, O_WRONLY | O_TRUNC);
   if (!file) {
-    TARNFW_ERROR("failed to open config file %s\n", path.c_str());
+    TARNFW_LOG_IN(kReplaceFile, LOG_ERR, "failed to open config file %s\n", path.c_str());
     return;
   }
   writeCopy(file, content, path.c_str());
@@ -184,14 +191,14 @@ UtilStatus_t FwReplaceFile(const char* path, void* context, FwFileWriter_t write
 
   File file(target, O_WRONLY | O_CREAT | O_TRUNC, kEverybody);
   if (!file) {
-    TARNFW_ERROR("failed to open config file %s\n", path);
+    TARNFW_LOG_IN(kReplaceFile, LOG_ERR, "failed to open config file %s\n", path);
     return UTIL_STATUS_FAILED;
   }
   if (!writeCopy(file, content, path)) {
     if (earlier && !earlier->kept) putBack(target, earlier->content);
     return UTIL_STATUS_FAILED;
   }
-  TARNFW_TRACE(FW_COMPONENT_UTIL, 0, "wrote config file %s\n", path);
+  TARNFW_TRACE_IN(kReplaceFile, LOG_DEBUG, FW_COMPONENT_UTIL, 0, "wrote config file %s\n", path);
   return UTIL_STATUS_OK;
 }
 

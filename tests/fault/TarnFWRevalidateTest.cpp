@@ -172,8 +172,8 @@ TEST_F(Revalidate, WithoutTheScriptThereIsNoList) {
   const CallShim::Failing failing(0, ENOENT, "posix_spawn");
   EXPECT_EQ(RevalidateAllVMs(fd_), 0);
   EXPECT_EQ(log_.normalized(),
-            (Lines{"3|tarnfw: TarnFWUtil:start():N Failed to fork child process "
-                   "(/bin/tarn_vm_list.sh), status: 2\n\n",
+            (Lines{"3|tarnfw: TarnFWUtil:RunCommandWithTimeout():N "
+                   "Failed to fork child process (/bin/tarn_vm_list.sh), status: 2\n\n",
                    "3|tarnfw: TarnFWUtil:RevalidateAllVMs():N Failed to get vm list: 32767\n\n"}));
 }
 

@@ -137,7 +137,9 @@ TEST_F(UtilCommand, LogsItsFirstTenArgumentsAndTheEnd) {
   EXPECT_TRUE(log_.has(7, "/bin/sh: args[0](sh)\n"));
   EXPECT_TRUE(log_.has(7, "/bin/sh: args[9](9)\n"));
   EXPECT_TRUE(log_.has(7, "Reaped child /bin/sh, exit status = 3\n\n"));
-  EXPECT_EQ(log_.lines()[0].text.rfind("tarnfw:util TarnFWUtil:", 0), 0u);
+  for (const LogCapture::Line& line : log_.lines())
+    EXPECT_TRUE(line.text.starts_with("tarnfw:util TarnFWUtil:RunCommandWithTimeout():"))
+        << line.text;
 }
 
 TEST_F(UtilCommand, OutputIsCutWithItsTerminatorInTheLastByte) {
@@ -244,8 +246,13 @@ TEST_F(UtilCommand, ASilentProgramIsSentASignal) {
   EXPECT_EQ(run.output, "begun\n");
   EXPECT_GE(run.seconds, 1.0);
   EXPECT_LT(run.seconds, 10.0);
-  EXPECT_TRUE(log_.has(4, "Kill stuck child process /bin/sh.\n"));
-  EXPECT_TRUE(log_.has(7, "Reaped child /bin/sh, exit status = -15\n\n"));
+  const Lines lines = log_.normalized();
+  ASSERT_GE(lines.size(), 2u);
+  EXPECT_EQ(Lines(lines.end() - 2, lines.end()),
+            (Lines{"4|tarnfw: TarnFWUtil:RunCommandWithTimeout():N "
+                   "Kill stuck child process /bin/sh.\n",
+                   "7|tarnfw:util TarnFWUtil:RunCommandWithTimeout():N "
+                   "Reaped child /bin/sh, exit status = -15\n\n"}));
 }
 
 TEST_F(UtilCommand, SilentIsWhoWritesNothingToStandardOutput) {
@@ -301,8 +308,8 @@ TEST_F(UtilCommand, AProgramThatIsNotThereIsAFailure) {
   std::string name = "none";
   char* const arguments[] = {name.data(), nullptr};
   EXPECT_EQ(RunCommand("/none", arguments, nullptr, nullptr, nullptr, nullptr, nullptr, 0), 0);
-  EXPECT_EQ(log_.normalized(), Lines{"3|tarnfw: TarnFWUtil:start():N Failed to fork child process "
-                                     "(/none), status: 2\n\n"});
+  EXPECT_EQ(log_.normalized(), Lines{"3|tarnfw: TarnFWUtil:RunCommandWithTimeout():N "
+                                     "Failed to fork child process (/none), status: 2\n\n"});
 }
 
 TEST_F(UtilCommand, PipesThatCannotBeMadeAreReported) {
@@ -314,7 +321,7 @@ TEST_F(UtilCommand, PipesThatCannotBeMadeAreReported) {
     run.now();
     EXPECT_EQ(run.result, 0);
     EXPECT_EQ(log_.normalized(),
-              Lines{"3|tarnfw: TarnFWUtil:start():N Failed to create " +
+              Lines{"3|tarnfw: TarnFWUtil:RunCommandWithTimeout():N Failed to create " +
                     std::string(names[number]) + " pipe: " + std::to_string(EMFILE) + "\n\n"});
   }
 }
@@ -326,8 +333,9 @@ TEST_F(UtilCommand, AReadEndThatStaysBlockingHasNoTimeout) {
     ScriptRun run{.script = "sleep 1.3; echo late", .timeout = 1};
     run.now();
     EXPECT_EQ(run.output, "late\n");
-    EXPECT_EQ(log_.normalized(), Lines{"3|tarnfw: TarnFWUtil:limit():N Use blocking read to read "
-                                       "from child /bin/sh: Invalid argument\n"});
+    EXPECT_EQ(log_.normalized(),
+              Lines{"3|tarnfw: TarnFWUtil:RunCommandWithTimeout():N "
+                    "Use blocking read to read from child /bin/sh: Invalid argument\n"});
   }
 }
 

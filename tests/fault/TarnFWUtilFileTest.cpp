@@ -95,11 +95,11 @@ TEST_F(UtilFile, ReplacesAFileAndKeepsTheEarlierOne) {
   EXPECT_EQ(mode(), 0644u);
   EXPECT_EQ(mode(".old"), 0600u);
   EXPECT_EQ(mode(".tmp"), 0600u);
-  EXPECT_TRUE(log.has(7, "copied config file " + path_ + " to " + path_ + ".old\n"));
-  EXPECT_TRUE(log.has(7, "wrote temporary file " + path_ + ".tmp\n"));
-  EXPECT_TRUE(log.has(7, "wrote config file " + path_ + "\n"));
-  EXPECT_EQ(log.lines().size(), 3u);
-  EXPECT_EQ(log.lines()[0].text.rfind("tarnfw:util TarnFWUtil:", 0), 0u);
+  const std::string place = "7|tarnfw:util TarnFWUtil:FwReplaceFile():N ";
+  EXPECT_EQ(log.normalized(),
+            (Lines{place + "copied config file " + path_ + " to " + path_ + ".old\n",
+                   place + "wrote temporary file " + path_ + ".tmp\n",
+                   place + "wrote config file " + path_ + "\n"}));
 }
 
 TEST_F(UtilFile, WhoHasTheFileOpenSeesTheNewContent) {
@@ -132,7 +132,9 @@ TEST_F(UtilFile, TheWritersResultIsTheResult) {
     EXPECT_EQ(FwReplaceFile(path_.c_str(), &context, writePart), 0);
     EXPECT_EQ(content(), "earlier");
     EXPECT_EQ(content(".tmp"), "part");
-    EXPECT_TRUE(log.has(3, "failed to write temporary file " + path_ + ".tmp\n"));
+    EXPECT_EQ(log.normalized(),
+              Lines{"3|tarnfw: TarnFWUtil:FwReplaceFile():N failed to write temporary file " +
+                    path_ + ".tmp\n"});
   }
 }
 
@@ -144,7 +146,7 @@ TEST_F(UtilFile, WithoutAnEarlierFileThereIsNoBackup) {
   EXPECT_EQ(content(), "new");
   EXPECT_EQ(content(".old"), std::nullopt);
   EXPECT_EQ(mode(), 0644u);
-  EXPECT_EQ(log.normalized(), (Lines{"4|tarnfw: TarnFWUtil:keepEarlier():N "
+  EXPECT_EQ(log.normalized(), (Lines{"4|tarnfw: TarnFWUtil:FwReplaceFile():N "
                                      "failed to open config file " +
                                      path_ + "\n"}));
 }
@@ -169,7 +171,9 @@ TEST_F(UtilFile, WithoutABackupFileItGoesOn) {
   LogCapture log;
   EXPECT_EQ(replace("new"), 1);
   EXPECT_EQ(content(), "new");
-  EXPECT_TRUE(log.has(3, "failed to open old file " + path_ + ".old\n"));
+  EXPECT_EQ(
+      log.normalized(),
+      Lines{"3|tarnfw: TarnFWUtil:FwReplaceFile():N failed to open old file " + path_ + ".old\n"});
 }
 
 TEST_F(UtilFile, WithoutATemporaryFileItEnds) {
@@ -178,7 +182,9 @@ TEST_F(UtilFile, WithoutATemporaryFileItEnds) {
   LogCapture log;
   EXPECT_EQ(replace("new"), 0);
   EXPECT_EQ(content(), "earlier");
-  EXPECT_TRUE(log.has(3, "failed to open temporary file " + path_ + ".tmp\n"));
+  EXPECT_EQ(log.normalized(),
+            Lines{"3|tarnfw: TarnFWUtil:FwReplaceFile():N failed to open temporary file " + path_ +
+                  ".tmp\n"});
 }
 
 TEST_F(UtilFile, ATargetThatCannotBeOpenedIsReported) {
