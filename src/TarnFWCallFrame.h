@@ -13,6 +13,10 @@
 
 namespace TarnFirewall {
 
+/// The source that the lines of flat functions name, whichever file a function stands in: scripts
+/// that read the log match it.
+inline constexpr char kFlatSource[] = "TarnFWLibMain";
+
 /// Where a function stands, for its log lines.
 struct FWCallPlace {
   const char* function;
@@ -36,7 +40,7 @@ FWStatus_t statusOfException(const FWCallPlace& place, bool named = false);
 
 /// The frame without its entry line, for a function that logs an entry of its own.
 template <typename Body>
-FWStatus_t callBody(const char* function, Body&& body, const char* file = __builtin_FILE(),
+FWStatus_t callBody(const char* function, Body&& body, const char* file = kFlatSource,
                     int line = __builtin_LINE()) {
   const FWCallPlace place{function, file, line};
   FWStatus_t status = FW_STATUS_OK;
@@ -51,7 +55,7 @@ FWStatus_t callBody(const char* function, Body&& body, const char* file = __buil
 
 /// The frame without a handle, for functions that take none.
 template <typename Body>
-FWStatus_t callFrame(const char* function, Body&& body, const char* file = __builtin_FILE(),
+FWStatus_t callFrame(const char* function, Body&& body, const char* file = kFlatSource,
                      int line = __builtin_LINE()) {
   traceEntry({function, file, line});
   return callBody(function, std::forward<Body>(body), file, line);

@@ -72,7 +72,7 @@ void copyRecords(const CTarnFWReplyRecords<Record>& from, Record* to, unsigned i
 /// What every flat function is called with, and where it stands.
 struct FWCall {
   FWCall(const char* function, fwlibhandle_* onHandle, const dvs_port_* onPort, void* withContext,
-         const char* file = __builtin_FILE(), int line = __builtin_LINE())
+         const char* file = kFlatSource, int line = __builtin_LINE())
       : place{function, file, line}, handle(onHandle), port(onPort), context(withContext) {}
 
   FWCallPlace place;

@@ -17,13 +17,23 @@ class CTarnFWDevice {
   CTarnFWDevice& operator=(const CTarnFWDevice&) = delete;
 
  protected:
+  /// How lines in the log name the class of a device, which scripts match.
+  struct LogNames {
+    const char* source;
+    const char* destructor;
+  };
+
   /// Opens `name`, which must outlive the device. Opening and closing are logged at `priority`.
   /// Throws `CCannotOpenDevException`.
-  CTarnFWDevice(const char* name, int priority);
+  CTarnFWDevice(const char* name, const LogNames& logNames, int priority);
   ~CTarnFWDevice();
 
  private:
+  /// Logs what was done to the device in `function`.
+  void trace(const char* function, const char* done, int line = __builtin_LINE()) const;
+
   const char* name_;
+  LogNames logNames_;
   int priority_;
   int descriptor_;
 };

@@ -9,7 +9,8 @@ namespace TarnFirewall {
 
 constinit const char* CTarnFWIoctl::ioctl_devname = "/dev/brq-tarn";
 
-CTarnFWIoctl::CTarnFWIoctl() : CTarnFWDevice(ioctl_devname, LOG_DEBUG) {}
+CTarnFWIoctl::CTarnFWIoctl()
+    : CTarnFWDevice(ioctl_devname, {"TarnFWIoctl", "~CTarnFWIoctl"}, LOG_DEBUG) {}
 
 CTarnFWIoctl* CTarnFWIoctl::GetInstance() {
   return Locks::onlyInstance<CTarnFWIoctl>([function = __func__] {

@@ -20,7 +20,7 @@ namespace TarnFirewall {
 /// handle gives 2 at once.
 template <typename Body>
 FWStatus_t callLibrary(const char* function, fwlibhandle_* handle, Body&& body,
-                       const char* file = __builtin_FILE(), int line = __builtin_LINE()) {
+                       const char* file = kFlatSource, int line = __builtin_LINE()) {
   traceEntry({function, file, line});
   if (handle == nullptr) return FW_STATUS_INVALID_LIB_HANDLE;
   return callBody(

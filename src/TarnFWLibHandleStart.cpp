@@ -27,19 +27,16 @@ FWStatus_t initializeLibrary(FWIOType_t type, unsigned int count, const char** i
   TARNFW_TRACE_IN(kFunction, LOG_DEBUG, FW_COMPONENT_API, 0, "%s. build # %s.\n", kLibVersion,
                   TARNFW_BUILD);
   if (handle == nullptr) return FW_STATUS_INVALID_ARGUMENT;
-  return callBody(
-      kFunction,
-      [&]() -> FWStatus_t {
-        *handle = nullptr;
-        std::unique_ptr<CTarnFWLibHandle> library = CTarnFWLibHandle::GetInstance();
-        library->setIOChannel(create_io_channel(type, count, items));
-        *handle = toLibHandle(library.release());
-        init_ssl_attribute_maps();
-        TARNFW_TRACE_IN(kFunction, LOG_DEBUG, FW_COMPONENT_API, 0,
-                        "Tarn Firewall library is initialized.\n");
-        return FW_STATUS_OK;
-      },
-      TARNFW_SOURCE);
+  return callBody(kFunction, [&]() -> FWStatus_t {
+    *handle = nullptr;
+    std::unique_ptr<CTarnFWLibHandle> library = CTarnFWLibHandle::GetInstance();
+    library->setIOChannel(create_io_channel(type, count, items));
+    *handle = toLibHandle(library.release());
+    init_ssl_attribute_maps();
+    TARNFW_TRACE_IN(kFunction, LOG_DEBUG, FW_COMPONENT_API, 0,
+                    "Tarn Firewall library is initialized.\n");
+    return FW_STATUS_OK;
+  });
 }
 
 }  // namespace TarnFirewall

@@ -1,6 +1,6 @@
 /// The flat functions of logging, components and printing.
 
-#define TARNFW_SOURCE "TarnFWLog.cpp"
+#define TARNFW_SOURCE "TarnFWLibMain.cpp"
 
 #include <strings.h>
 

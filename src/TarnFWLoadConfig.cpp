@@ -1,6 +1,8 @@
 /// Loading and evaluating configuration text. A load parses, makes the channel that the text names,
 /// if any, and hands back the commands; nothing is sent before the evaluation.
 
+#define TARNFW_SOURCE "TarnFWLibMain.cpp"
+
 #include <cerrno>
 #include <climits>
 #include <cstdio>

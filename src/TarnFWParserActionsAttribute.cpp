@@ -1,3 +1,5 @@
+#define TARNFW_SOURCE "tarnfw_parser.y"
+
 #include "TarnFWParserActionsAttribute.h"
 
 #include <iterator>

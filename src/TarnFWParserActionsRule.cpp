@@ -1,3 +1,5 @@
+#define TARNFW_SOURCE "tarnfw_parser.y"
+
 #include "TarnFWParserActionsRule.h"
 
 #include "TarnFWAddrSetID.h"

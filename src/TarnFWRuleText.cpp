@@ -17,9 +17,6 @@ namespace TarnFirewall {
 
 namespace {
 
-/// The file of the public functions, whose name scripts that read the log match.
-constexpr char kSource[] = "TarnFWLibText";
-
 /// Bytes that hold most rules with their parts.
 constexpr std::size_t kRuleRoom = 1024;
 
@@ -46,19 +43,16 @@ class TextBuffer {
 template <typename Record, typename Append>
 FWStatus_t recordsToText(const char* function, const Record* records, unsigned int count,
                          char* text, unsigned int size, const Append& append) {
-  return callFrame(
-      function,
-      [&]() -> FWStatus_t {
-        if (records == nullptr || count == 0 || text == nullptr || size == 0) {
-          return FW_STATUS_INVALID_ARGUMENT;
-        }
-        TextBuffer buffer(text, size);
-        for (unsigned int i = 0; i < count; ++i) {
-          if (const FWStatus_t status = append(records + i, buffer)) return status;
-        }
-        return FW_STATUS_OK;
-      },
-      kSource);
+  return callFrame(function, [&]() -> FWStatus_t {
+    if (records == nullptr || count == 0 || text == nullptr || size == 0) {
+      return FW_STATUS_INVALID_ARGUMENT;
+    }
+    TextBuffer buffer(text, size);
+    for (unsigned int i = 0; i < count; ++i) {
+      if (const FWStatus_t status = append(records + i, buffer)) return status;
+    }
+    return FW_STATUS_OK;
+  });
 }
 
 }  // namespace

@@ -19,7 +19,8 @@ constexpr std::size_t kFrameSize = 32;
 
 constinit const char* const CTarnSiIoctl::ioctl_devname = "/dev/brq-tarn-ploy";
 
-CTarnSiIoctl::CTarnSiIoctl() : CTarnFWDevice(ioctl_devname, LOG_INFO) {}
+CTarnSiIoctl::CTarnSiIoctl()
+    : CTarnFWDevice(ioctl_devname, {"TarnSiIoctl", "~CTarnSiIoctl"}, LOG_INFO) {}
 
 CTarnSiIoctl* CTarnSiIoctl::GetInstance() {
   return Locks::onlyInstance<CTarnSiIoctl>([] { return new CTarnSiIoctl; });

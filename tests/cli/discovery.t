@@ -107,6 +107,6 @@ What is refused, and what nobody answers.
   Set IP discovery related configuration of a filter.
   $ lab tarnioctl getdiscoveredips -f nic-9-eth0-kelpco-sfw.9
   Entries found for nic-9-eth0-kelpco-sfw.9: 0
-  log| tarnioctl <83> tarnfw: TarnFWDevice:sendIoctl():N ioctl cmd 31 on device /dev/brq-tarn failed: No such file or directory\n\n
+  log| tarnioctl <83> tarnfw: TarnFWIoctl:sendIoctl():N ioctl cmd 31 on device /dev/brq-tarn failed: No such file or directory\n\n
   $ quiet tarnioctl setipdiscovery -f nic-9-eth0-kelpco-sfw.9
   $ quiet tarnioctl cleardiscoveredips -f nic-9-eth0-kelpco-sfw.9

@@ -208,10 +208,10 @@ One more than there may be is left out.
 What nobody answers: the status is 0 all the same.
 
   $ lab tarnioctl setflowexclusion -Override -f nic-9-eth0-kelpco-sfw.9
-  log| tarnioctl <83> tarnfw: TarnFWDevice:sendIoctl():N ioctl cmd 25 on device /dev/brq-tarn failed: No such file or directory\n\n
+  log| tarnioctl <83> tarnfw: TarnFWIoctl:sendIoctl():N ioctl cmd 25 on device /dev/brq-tarn failed: No such file or directory\n\n
   $ lab tarnioctl getflowexclusion -f nic-9-eth0-kelpco-sfw.9
   Flow exclusion count        : 0
-  log| tarnioctl <83> tarnfw: TarnFWDevice:sendIoctl():N ioctl cmd 26 on device /dev/brq-tarn failed: No such file or directory\n\n
+  log| tarnioctl <83> tarnfw: TarnFWIoctl:sendIoctl():N ioctl cmd 26 on device /dev/brq-tarn failed: No such file or directory\n\n
   $ tarnlab fault absent
   $ lab tarnioctl setflowexclusion -Override -g off
   turn off flow collection

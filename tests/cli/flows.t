@@ -253,4 +253,4 @@ A filter that is not there.
   No records found
   log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initializing tarn library.\n\n
   log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initialized tarn library\n\n
-  log| tarnioctl <83> tarnfw: TarnFWDevice:sendIoctl():N ioctl cmd 22 on device /dev/brq-tarn failed: No such file or directory\n\n
+  log| tarnioctl <83> tarnfw: TarnFWIoctl:sendIoctl():N ioctl cmd 22 on device /dev/brq-tarn failed: No such file or directory\n\n

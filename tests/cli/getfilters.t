@@ -220,11 +220,11 @@ names, since only the kernel's own status counts. The log says more.
   $ tarnlab fault errno EPERM --count 1 --only 20
   $ lab tarnioctl getfilters
   err| ERROR: there is no filter for agent 
-  log| tarnioctl <83> tarnfw: TarnFWDevice:sendIoctl():N ioctl cmd 20 on device /dev/brq-tarn failed: Operation not permitted\n\n
+  log| tarnioctl <83> tarnfw: TarnFWIoctl:sendIoctl():N ioctl cmd 20 on device /dev/brq-tarn failed: Operation not permitted\n\n
   [1]
   $ tarnlab fault errno ENOMEM --count 1 --only 21
   $ lab tarnioctl getfilters -a kelpco-inspect
-  log| tarnioctl <83> tarnfw: TarnFWDevice:sendIoctl():N ioctl cmd 21 on device /dev/brq-tarn failed: Cannot allocate memory\n\n
+  log| tarnioctl <83> tarnfw: TarnFWIoctl:sendIoctl():N ioctl cmd 21 on device /dev/brq-tarn failed: Cannot allocate memory\n\n
 
 No device at all.
 

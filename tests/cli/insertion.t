@@ -202,7 +202,7 @@ An instance that is made, used by two filters, and that is to go.
   -- Transport --
   Protocol                 : 0
   
-  log| tarnioctl <83> tarnfw: TarnFWDevice:sendIoctl():N ioctl cmd 5 on device /dev/brq-tarn failed: No such file or directory\n\n
+  log| tarnioctl <83> tarnfw: TarnFWIoctl:sendIoctl():N ioctl cmd 5 on device /dev/brq-tarn failed: No such file or directory\n\n
   $ tarnlab log -s -n 18 | grep -v 'firewall 2[01]'
   firewall 4: number of service instances(id "") = ok {count 5}
   firewall 5: service instances(id "", count 5, room 1465) = ok {count 5}
@@ -271,9 +271,9 @@ What the kernel refuses is in the system log only.
 
   $ lab tarnioctl createinstance -Override -i reserve -t 11
   No protocol.
-  log| tarnioctl <83> tarnfw: TarnFWDevice:sendIoctl():N ioctl cmd 1 on device /dev/brq-tarn failed: File exists\n\n
+  log| tarnioctl <83> tarnfw: TarnFWIoctl:sendIoctl():N ioctl cmd 1 on device /dev/brq-tarn failed: File exists\n\n
   $ lab tarnioctl destroyprofile -Override -f $filter
-  log| tarnioctl <83> tarnfw: TarnFWDevice:sendIoctl():N ioctl cmd 10 on device /dev/brq-tarn failed: No such file or directory\n\n
+  log| tarnioctl <83> tarnfw: TarnFWIoctl:sendIoctl():N ioctl cmd 10 on device /dev/brq-tarn failed: No such file or directory\n\n
   $ lab tarnioctl getprofiles -f $filter
   Profile Id                     : 
   Instance Id                    : 
@@ -281,7 +281,7 @@ What the kernel refuses is in the system log only.
   Vendor Template Id             : 
   Vendor Provided Template Id    : 
   
-  log| tarnioctl <83> tarnfw: TarnFWDevice:sendIoctl():N ioctl cmd 12 on device /dev/brq-tarn failed: No such file or directory\n\n
+  log| tarnioctl <83> tarnfw: TarnFWIoctl:sendIoctl():N ioctl cmd 12 on device /dev/brq-tarn failed: No such file or directory\n\n
   $ tarnlab log -s -n 3
   firewall 1: create service instance reserve (name "", slot 0, deploy type 0, force 0, no protocol) = EEXIST (instance reserve)
   firewall 10: destroy service profile of nic-1002672-eth0-kelpco-sfw.2 (id "", instance "", vendor template "", vendor provided template "") = ENOENT (the filter has no profile)
@@ -409,7 +409,7 @@ A device that fails, and none.
   $ tarnlab fault errno EIO --device insertion --count 4
   $ lab tarnioctl getsisvctable
   Failed to get service table count, error -1
-  log| tarnioctl <83> tarnfw: TarnFWDevice:sendIoctl():N ioctl cmd 12 on device /dev/brq-tarn-ploy failed: Input/output error\n\n
+  log| tarnioctl <83> tarnfw: TarnSiIoctl:sendIoctl():N ioctl cmd 12 on device /dev/brq-tarn-ploy failed: Input/output error\n\n
   log| tarnioctl <86> tarnfw: TarnSiIoctl:sendIoctl():N successfully sent cmd 12 with data \x0c\\n (esc)
   [1]
   $ quiet tarnioctl getsinshtable

@@ -21,7 +21,7 @@ An agent comes first. What the kernel says is in the log only.
   $ tarnlab log -s -n 1
   firewall 23: create agent(name "lifecycle") = ok
   $ lab tarnioctl createagent -Override -a lifecycle
-  log| tarnioctl <83> tarnfw: TarnFWDevice:sendIoctl():N ioctl cmd 23 on device /dev/brq-tarn failed: File exists\n\n
+  log| tarnioctl <83> tarnfw: TarnFWIoctl:sendIoctl():N ioctl cmd 23 on device /dev/brq-tarn failed: File exists\n\n
   $ brief lab tarnioctl createagent -Override
   (usage)
   [1]
@@ -130,14 +130,14 @@ A kernel that does not have the request refuses it.
   $ add
   Add filter: vm worldId(1002672), vnic (502e1f3a-c21a-632a-4ae1-00505699b626.000), filter (7), agent (lifecycle)
   err| ERROR: Create filter failed: error ioctl failed
-  log| tarnioctl <83> tarnfw: TarnFWDevice:sendIoctl():N ioctl cmd 1000 on device /dev/brq-tarn failed: Inappropriate ioctl for device\n\n
-  log| tarnioctl <84> tarnfw: TarnFWLibFilter:FW_AddRemoveFilter():N error 19: ioctl failed, errno=25\n
+  log| tarnioctl <83> tarnfw: TarnFWIoctl:sendIoctl():N ioctl cmd 1000 on device /dev/brq-tarn failed: Inappropriate ioctl for device\n\n
+  log| tarnioctl <84> tarnfw: TarnFWLibMain:FW_AddRemoveFilter():N error 19: ioctl failed, errno=25\n
   [1]
   $ tarnlab fault absent firewall
   $ add
   Add filter: vm worldId(1002672), vnic (502e1f3a-c21a-632a-4ae1-00505699b626.000), filter (7), agent (lifecycle)
   err| ERROR: Create filter failed: error cannot load file
-  log| tarnioctl <84> tarnfw: TarnFWLibFilter:FW_AddRemoveFilter():N error 12: cannot open device /dev/brq-tarn: 2\n
+  log| tarnioctl <84> tarnfw: TarnFWLibMain:FW_AddRemoveFilter():N error 12: cannot open device /dev/brq-tarn: 2\n
   [1]
   $ tarnlab fault clear
 
@@ -149,7 +149,7 @@ A kernel that does not have the request refuses it.
       -h          : this help message
   $ lab tarnioctl destroyagent -Override -a lifecycle
   $ lab tarnioctl destroyagent -Override -a lifecycle
-  log| tarnioctl <83> tarnfw: TarnFWDevice:sendIoctl():N ioctl cmd 24 on device /dev/brq-tarn failed: No such file or directory\n\n
+  log| tarnioctl <83> tarnfw: TarnFWIoctl:sendIoctl():N ioctl cmd 24 on device /dev/brq-tarn failed: No such file or directory\n\n
   $ brief lab tarnioctl destroyagent -Override
   (usage)
   [1]
@@ -164,7 +164,7 @@ The agent of the host registers itself. No argument is looked at.
   $ tarnlab fault errno ENOTTY --only 41 --count 1
   $ lab tarnioctl registeragent
   err| ERROR: ioctl failed to set registeragent 195887105
-  log| tarnioctl <83> tarnfw: TarnFWDevice:sendIoctl():N ioctl cmd 41 on device /dev/brq-tarn failed: Inappropriate ioctl for device\n\n
+  log| tarnioctl <83> tarnfw: TarnFWIoctl:sendIoctl():N ioctl cmd 41 on device /dev/brq-tarn failed: Inappropriate ioctl for device\n\n
 
 All rules of a rule set are deleted; the system log keeps a notice.
 

@@ -165,7 +165,7 @@ All that was counted for a filter.
   $ tarnlab log -s -n 1
   firewall 35: clear statistics(filter "nic-1002672-eth0-kelpco-sfw.2") = ok
   $ lab tarnioctl clearfilterstat -Override -f nic-9-eth0-kelpco-sfw.9
-  log| tarnioctl <83> tarnfw: TarnFWDevice:sendIoctl():N ioctl cmd 35 on device /dev/brq-tarn failed: No such file or directory\n\n
+  log| tarnioctl <83> tarnfw: TarnFWIoctl:sendIoctl():N ioctl cmd 35 on device /dev/brq-tarn failed: No such file or directory\n\n
 
 Round trips of a connection: the times of both directions add up to the one that getflows prints.
 
@@ -222,7 +222,7 @@ Round trips of a connection: the times of both directions add up to the one that
   [1]
   $ lab tarnioctl rtt -f nic-9-eth0-kelpco-sfw.9 -i $flow
   Unable to find flow, ver = 0
-  log| tarnioctl <83> tarnfw: TarnFWDevice:sendIoctl():N ioctl cmd 42 on device /dev/brq-tarn failed: No such file or directory\n\n
+  log| tarnioctl <83> tarnfw: TarnFWIoctl:sendIoctl():N ioctl cmd 42 on device /dev/brq-tarn failed: No such file or directory\n\n
   [1]
 
 Attributes of a connection, by its addresses or its id. What goes to standard error is there on success

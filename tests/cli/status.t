@@ -25,14 +25,14 @@ The firewall is on when its agent includes the whole host.
   $ tarnlab fault errno ENOENT --only 8 --count 1
   $ lab tarnioctl getfwstatus
   Distributed firewall status: disabled
-  log| tarnioctl <83> tarnfw: TarnFWDevice:sendIoctl():N ioctl cmd 8 on device /dev/weirgatetbl failed: No such file or directory\n\n
+  log| tarnioctl <83> tarnfw: TarnWGTIoctl:sendIoctl():N ioctl cmd 8 on device /dev/weirgatetbl failed: No such file or directory\n\n
   $ tarnlab fault errno EPERM --only 8 --count 1
   $ lab tarnioctl getfwstatus
-  log| tarnioctl <83> tarnfw: TarnFWDevice:sendIoctl():N ioctl cmd 8 on device /dev/weirgatetbl failed: Operation not permitted\n\n
+  log| tarnioctl <83> tarnfw: TarnWGTIoctl:sendIoctl():N ioctl cmd 8 on device /dev/weirgatetbl failed: Operation not permitted\n\n
   [1]
   $ tarnlab fault errno ENOENT --only 9 --count 1
   $ lab tarnioctl getfwstatus
-  log| tarnioctl <83> tarnfw: TarnFWDevice:sendIoctl():N ioctl cmd 9 on device /dev/weirgatetbl failed: No such file or directory\n\n
+  log| tarnioctl <83> tarnfw: TarnWGTIoctl:sendIoctl():N ioctl cmd 9 on device /dev/weirgatetbl failed: No such file or directory\n\n
   [1]
   $ tarnlab fault absent tables
   $ lab tarnioctl getfwstatus
@@ -100,7 +100,7 @@ A request that fails is no failure of the command.
   Current usage %                  : 0
   CPS                             
   Configured threshold             : 0
-  log| tarnioctl <83> tarnfw: TarnFWDevice:sendIoctl():N ioctl cmd 29 on device /dev/brq-tarn failed: Invalid argument\n\n
+  log| tarnioctl <83> tarnfw: TarnFWIoctl:sendIoctl():N ioctl cmd 29 on device /dev/brq-tarn failed: Invalid argument\n\n
 
 The flows that a filter does not collect.
 
@@ -143,6 +143,6 @@ The flows that a filter does not collect.
   firewall 27: set flow collection of kelpco-sfw = ok (filter nic-1002672-eth0-kelpco-sfw.2, flags 0x15)
   firewall 27: set flow collection of kelpco-sfw = ok (filter nic-1002672-eth0-kelpco-sfw.2, flags 0x0)
   $ lab tarnioctl setfilterflags -Override -f nic-9-eth0-kelpco-sfw.9 -a
-  log| tarnioctl <83> tarnfw: TarnFWDevice:sendIoctl():N ioctl cmd 27 on device /dev/brq-tarn failed: No such file or directory\n\n
+  log| tarnioctl <83> tarnfw: TarnFWIoctl:sendIoctl():N ioctl cmd 27 on device /dev/brq-tarn failed: No such file or directory\n\n
   $ tarnlab log -s -n 1
   firewall 27: set flow collection of kelpco-sfw = ENOENT (filter nic-9-eth0-kelpco-sfw.9, flags 0x20)

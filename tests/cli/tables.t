@@ -40,8 +40,8 @@ What the tables hold, with every kind of entry.
   Exclude table is empty
   
   Include table is empty.
-  log| tarnioctl <83> tarnfw: TarnFWDevice:sendIoctl():N ioctl cmd 3 on device /dev/weirgatetbl failed: No such file or directory\n\n
-  log| tarnioctl <83> tarnfw: TarnFWDevice:sendIoctl():N ioctl cmd 8 on device /dev/weirgatetbl failed: No such file or directory\n\n
+  log| tarnioctl <83> tarnfw: TarnWGTIoctl:sendIoctl():N ioctl cmd 3 on device /dev/weirgatetbl failed: No such file or directory\n\n
+  log| tarnioctl <83> tarnfw: TarnWGTIoctl:sendIoctl():N ioctl cmd 8 on device /dev/weirgatetbl failed: No such file or directory\n\n
   $ brief lab tarnioctl getfiltertables
   (usage)
   [1]
@@ -92,7 +92,7 @@ A change is followed by the revalidation of all machines, of one, or of none.
   
   $ lab tarnioctl setfiltertables -Override -a tables -o -d -k
   $ lab tarnioctl setfiltertables -Override -a tables -f $filter -e -d -k
-  log| tarnioctl <83> tarnfw: TarnFWDevice:sendIoctl():N ioctl cmd 2 on device /dev/weirgatetbl failed: No such file or directory\n\n
+  log| tarnioctl <83> tarnfw: TarnWGTIoctl:sendIoctl():N ioctl cmd 2 on device /dev/weirgatetbl failed: No such file or directory\n\n
   $ tarnlab log -s -n 2
   firewall 40: filter of kelpco-inspect (count 1, room 866) = ok {count 1, bytes 866} (filter nic-1002672-eth0-kelpco-inspect.4)
   tables 2: delete from the exclude table(agent "kelpco-inspect", bytes 23) = ENOENT (no entry vnic 502e1f3a-c21a-632a-4ae1-00505699b626.000)
@@ -107,7 +107,7 @@ A change is followed by the revalidation of all machines, of one, or of none.
 Changes and lookups that fail.
 
   $ lab tarnioctl setfiltertables -Override -a tables -o -d -k
-  log| tarnioctl <83> tarnfw: TarnFWDevice:sendIoctl():N ioctl cmd 7 on device /dev/weirgatetbl failed: No such file or directory\n\n
+  log| tarnioctl <83> tarnfw: TarnWGTIoctl:sendIoctl():N ioctl cmd 7 on device /dev/weirgatetbl failed: No such file or directory\n\n
   $ lab tarnioctl setfiltertables -Override -a tables -o -w 5
   err| ERROR: Failed to revalidate vm(s) after set weirgate table
   log| tarnioctl <83> tarnfw: TarnFWUtil:RevalidateOneVM():N Failed to revalidate vm of world id 5: No such file or directory\n\n
@@ -198,8 +198,8 @@ The entries of an agent are read and deleted.
   $ lab tarnioctl clrwgttable -Override -a none
   No include entries found for none
   No exclude entries found for none
-  log| tarnioctl <83> tarnfw: TarnFWDevice:sendIoctl():N ioctl cmd 8 on device /dev/weirgatetbl failed: No such file or directory\n\n
-  log| tarnioctl <83> tarnfw: TarnFWDevice:sendIoctl():N ioctl cmd 3 on device /dev/weirgatetbl failed: No such file or directory\n\n
+  log| tarnioctl <83> tarnfw: TarnWGTIoctl:sendIoctl():N ioctl cmd 8 on device /dev/weirgatetbl failed: No such file or directory\n\n
+  log| tarnioctl <83> tarnfw: TarnWGTIoctl:sendIoctl():N ioctl cmd 3 on device /dev/weirgatetbl failed: No such file or directory\n\n
   $ lab tarnioctl clrwgttable -Override -i -e
   err| -i and -e are mutually exclusive, clearing both is default
   [1]
@@ -209,12 +209,12 @@ The entries of an agent are read and deleted.
   $ tarnlab fault errno EBUSY --only 7 --count 1
   $ lab tarnioctl clrwgttable -Override
   failed to delete the include entries: -1, 16
-  log| tarnioctl <83> tarnfw: TarnFWDevice:sendIoctl():N ioctl cmd 7 on device /dev/weirgatetbl failed: Device or resource busy\n\n
+  log| tarnioctl <83> tarnfw: TarnWGTIoctl:sendIoctl():N ioctl cmd 7 on device /dev/weirgatetbl failed: Device or resource busy\n\n
   [1]
   $ tarnlab fault errno ENOENT --only 9 --count 1
   $ lab tarnioctl clrwgttable -Override
   failed to get current include entries: -1, 2
-  log| tarnioctl <83> tarnfw: TarnFWDevice:sendIoctl():N ioctl cmd 9 on device /dev/weirgatetbl failed: No such file or directory\n\n
+  log| tarnioctl <83> tarnfw: TarnWGTIoctl:sendIoctl():N ioctl cmd 9 on device /dev/weirgatetbl failed: No such file or directory\n\n
   [1]
 
 All filters of an agent.

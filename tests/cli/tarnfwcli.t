@@ -58,7 +58,7 @@ A file, and standard input, in the order of the options.
   a
   log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initializing tarn library.\n\n
   log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initialized tarn library\n\n
-  log| tarnioctl <86> tarnfw: TarnFWParserActionsAddress:AddAddress():N replaced ip range ip 10.0.0.1-10.0.0.3 to cidr list\n
+  log| tarnioctl <86> tarnfw: tarnfw_parser:AddAddress():N replaced ip range ip 10.0.0.1-10.0.0.3 to cidr list\n
   log| tarnioctl <85> Filter nic-1002672-eth0-kelpco-sfw.2 was configured with `sets.conf'.\n
   $ echo 'describe size of addrset "a";' | lab tarnioctl tarnfwcli -Override -f $filter -c 'describe count of addrset;' -l -
   addrset count : 1

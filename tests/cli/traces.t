@@ -82,7 +82,7 @@ A component that the kernel does not have, one that has no number, and a filter 
   err| ERROR: failed to execute tarn trace command: not supported
   log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initializing tarn library.\n\n
   log| tarnioctl <86> tarnfw: TarnFWLibHandle:GetIoctlInstance():N Initialized tarn library\n\n
-  log| tarnioctl <84> tarnfw: TarnFWLibSettings:FW_DebugComponent():N error 7: unsupported debug component\n
+  log| tarnioctl <84> tarnfw: TarnFWLibMain:FW_DebugComponent():N error 7: unsupported debug component\n
   $ lab tarnioctl tracetarn -f $filter -c B -m 64
   err| ERROR: bad component id 64
   [1]

@@ -88,10 +88,10 @@ TEST(OutOfMemory, AFlatFunctionLogsAndEndsWithAStatusWhenNoMemoryIsLeft) {
   }
   EXPECT_EQ(status, 5u);
   EXPECT_EQ(loggedLines(),
-            "tarnfw:api TarnFWLibRuleSet:FW_CreateRuleSet():N FW_CreateRuleSet.\n"
-            "tarnfw: TarnFWLibRuleSet:FW_CreateRuleSet():N FW_CreateRuleSet: encountered internal "
+            "tarnfw:api TarnFWLibMain:FW_CreateRuleSet():N FW_CreateRuleSet.\n"
+            "tarnfw: TarnFWLibMain:FW_CreateRuleSet():N FW_CreateRuleSet: encountered internal "
             "error\n"
-            "tarnfw:api TarnFWLibRuleSet:FW_CreateRuleSet():N FW_CreateRuleSet: unknown error\n");
+            "tarnfw:api TarnFWLibMain:FW_CreateRuleSet():N FW_CreateRuleSet: unknown error\n");
 }
 
 TEST(OutOfMemory, ALineOfACallerComesOutWithoutMemory) {
@@ -131,11 +131,12 @@ TEST(OutOfMemory, ALockThatFailsPassesNoExceptionEvenWithoutMemory) {
   }
   EXPECT_EQ(status, 5u);
   EXPECT_EQ(component, 77u);
-  EXPECT_EQ(loggedLines(),
-            "tarnfw: TarnFWLog:FW_RegisterComponent():N FW_RegisterComponent: encountered internal "
-            "error\n"
-            "tarnfw: TarnFWLog:FW_SetLibPrettyPrinting():N FW_SetLibPrettyPrinting: encountered "
-            "internal error\n");
+  EXPECT_EQ(
+      loggedLines(),
+      "tarnfw: TarnFWLibMain:FW_RegisterComponent():N FW_RegisterComponent: encountered internal "
+      "error\n"
+      "tarnfw: TarnFWLibMain:FW_SetLibPrettyPrinting():N FW_SetLibPrettyPrinting: encountered "
+      "internal error\n");
 }
 
 TEST(OutOfMemory, TheTextsOfAnAttributeAddressLeaveItAsItWas) {

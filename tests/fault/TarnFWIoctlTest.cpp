@@ -64,7 +64,7 @@ TEST(TarnFWIoctl, LogsTheOldNameAndTheOpening) {
     EXPECT_EQ(log.normalized(),
               (Lines{"7|tarnfw:io TarnFWIoctl:GetInstance():N using the old tarn device: "
                      "/dev/tarn\n",
-                     "7|tarnfw:io TarnFWDevice:CTarnFWDevice():N successfully opened ioctl device: "
+                     "7|tarnfw:io TarnFWIoctl:GetInstance():N successfully opened ioctl device: "
                      "/dev/tarn\n"}));
   });
 }
@@ -114,7 +114,7 @@ TEST(TarnFWIoctl, AFailureIsLoggedAndLeavesErrnoAsTheIoctlLeftIt) {
     EXPECT_EQ(errno, EBUSY);
     LogCapture log;
     FW_Ioctl(23, nullptr);
-    EXPECT_EQ(log.normalized(), Lines{"3|tarnfw: TarnFWDevice:sendIoctl():N ioctl cmd 23 on device "
+    EXPECT_EQ(log.normalized(), Lines{"3|tarnfw: TarnFWIoctl:sendIoctl():N ioctl cmd 23 on device "
                                       "/dev/brq-tarn failed: Device or resource busy\n\n"});
   });
 }
@@ -165,7 +165,7 @@ TEST(TarnFWIoctl, TheDeviceClosesAtTheEndOfTheProcess) {
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.errors,
             "close /dev/brq-tarn\n"
-            "7|tarnfw:io TarnFWDevice:~CTarnFWDevice():N closed ioctl device: /dev/brq-tarn\n");
+            "7|tarnfw:io TarnFWIoctl:~CTarnFWIoctl():N closed ioctl device: /dev/brq-tarn\n");
 }
 
 TEST(TarnFWIoctl, ALockThatFailsGivesMinusOneAndNamesTheFunction) {

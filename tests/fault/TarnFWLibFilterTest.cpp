@@ -64,9 +64,9 @@ TEST(FW_AddRemoveFilter, AKernelWithoutTheRequestHasRefusedIt) {
       LogCapture log;
       EXPECT_EQ(FW_AddRemoveFilter(&record, 1, 2, "vnic", 1), 19u);
       EXPECT_EQ(log.normalized(),
-                (Lines{"3|tarnfw: TarnFWDevice:sendIoctl():N ioctl cmd 1000 on device "
+                (Lines{"3|tarnfw: TarnFWIoctl:sendIoctl():N ioctl cmd 1000 on device "
                        "/dev/brq-tarn failed: Inappropriate ioctl for device\n\n",
-                       "4|tarnfw: TarnFWLibFilter:FW_AddRemoveFilter():N error 19: ioctl failed, "
+                       "4|tarnfw: TarnFWLibMain:FW_AddRemoveFilter():N error 19: ioctl failed, "
                        "errno=25\n"}));
     }
     kernel.fail(1000, ENOMEM);

@@ -223,9 +223,10 @@ TEST(TarnFWLog, ALockThatFailsRegistersNoComponentAndPassesNoException) {
   EXPECT_EQ(FW_RegisterComponent("mine", &component), 5u);
   EXPECT_EQ(component, 77u);
   EXPECT_EQ(FW_GetComponentCount(), 19u);
-  EXPECT_EQ(log.normalized(),
-            Lines{"4|tarnfw: TarnFWLog:FW_RegisterComponent():N FW_RegisterComponent: encountered "
-                  "internal error\n"});
+  EXPECT_EQ(
+      log.normalized(),
+      Lines{"4|tarnfw: TarnFWLibMain:FW_RegisterComponent():N FW_RegisterComponent: encountered "
+            "internal error\n"});
 }
 
 TEST(TarnFWLog, ALockThatFailsKeepsThePrinterAndPassesNoException) {
@@ -236,7 +237,7 @@ TEST(TarnFWLog, ALockThatFailsKeepsThePrinterAndPassesNoException) {
   EXPECT_EQ(g_tarnfw_pretty_printing, nullptr);
   EXPECT_EQ(g_tarnfw_pretty_printing_context, nullptr);
   EXPECT_EQ(log.normalized(),
-            Lines{"4|tarnfw: TarnFWLog:FW_SetLibPrettyPrinting():N FW_SetLibPrettyPrinting: "
+            Lines{"4|tarnfw: TarnFWLibMain:FW_SetLibPrettyPrinting():N FW_SetLibPrettyPrinting: "
                   "encountered internal error\n"});
 }
 

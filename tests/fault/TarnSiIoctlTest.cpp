@@ -45,10 +45,9 @@ TEST(TarnSiIoctl, AFailedRequestSaysSuccessfullyToo) {
     char frame[32] = "";
     LogCapture log;
     EXPECT_EQ(SI_Ioctl(14, frame), -1);
-    EXPECT_EQ(log.normalized(),
-              (Lines{"3|tarnfw: TarnFWDevice:sendIoctl():N ioctl cmd 14 on device "
-                     "/dev/brq-tarn-ploy failed: Invalid argument\n\n",
-                     kSent + std::string("14 with data \n")}));
+    EXPECT_EQ(log.normalized(), (Lines{"3|tarnfw: TarnSiIoctl:sendIoctl():N ioctl cmd 14 on device "
+                                       "/dev/brq-tarn-ploy failed: Invalid argument\n\n",
+                                       kSent + std::string("14 with data \n")}));
     FW_RegisterLogger([](int, const char*, va_list) { errno = EDOM; }, 6);
     SI_Ioctl(14, frame);
     EXPECT_EQ(errno, EINVAL);
@@ -96,10 +95,10 @@ TEST(TarnSiIoctl, OpeningAndClosingAreInfoLines) {
     TarnSi::CTarnSiIoctl::GetInstance();
   });
   EXPECT_EQ(result.errors,
-            "6|tarnfw:io TarnFWDevice:CTarnFWDevice():N successfully opened ioctl device: "
+            "6|tarnfw:io TarnSiIoctl:GetInstance():N successfully opened ioctl device: "
             "/dev/brq-tarn-ploy\n"
             "close /dev/brq-tarn-ploy\n"
-            "6|tarnfw:io TarnFWDevice:~CTarnFWDevice():N closed ioctl device: "
+            "6|tarnfw:io TarnSiIoctl:~CTarnSiIoctl():N closed ioctl device: "
             "/dev/brq-tarn-ploy\n");
 }
 

@@ -68,10 +68,10 @@ TEST(TarnWGTIoctl, OpeningAndClosingAreDebugLines) {
     WGT_GetFd();
   });
   EXPECT_EQ(result.errors,
-            "7|tarnfw:io TarnFWDevice:CTarnFWDevice():N successfully opened ioctl device: "
+            "7|tarnfw:io TarnWGTIoctl:GetInstance():N successfully opened ioctl device: "
             "/dev/weirgatetbl\n"
             "close /dev/weirgatetbl\n"
-            "7|tarnfw:io TarnFWDevice:~CTarnFWDevice():N closed ioctl device: /dev/weirgatetbl\n");
+            "7|tarnfw:io TarnWGTIoctl:~CTarnWGTIoctl():N closed ioctl device: /dev/weirgatetbl\n");
 }
 
 TEST(TarnWGTIoctl, ALockThatFailsGivesMinusOneAndNamesTheFunction) {

@@ -1,7 +1,7 @@
 // A library to preload: what a program sends to the system log goes to the file that SYSLOG_FILE
 // names instead, one line each with the line ends inside it as "\n":
 //
-//     tarnioctl <83> tarnfw: TarnFWDevice:sendIoctl():31 ioctl cmd 20 ... failed: ...\n\n
+//     tarnioctl <83> tarnfw: TarnFWIoctl:sendIoctl():31 ioctl cmd 20 ... failed: ...\n\n
 //
 // The number is facility and priority, as the log gets them. With SYSLOG_SHOW_OPEN the opening of
 // the log is a line too.

@@ -83,7 +83,7 @@ TEST(TarnFWCmdRun, TracesOnlyWhenTheApiLevelIsUp) {
   EXPECT_TRUE(log.lines().empty());
   g_tarnfw_verbose[FW_COMPONENT_API].level = 1;
   EXPECT_EQ(FW_Sample(kernel.handle(), nullptr, &value), 0u);
-  EXPECT_EQ(log.normalized(), (std::vector<std::string>{
-                                  "7|tarnfw:api TarnFWCmdRunTest:FW_Sample():N FW_Sample.\n",
-                                  "7|tarnfw:api TarnFWCmdRunTest:FW_Sample():N FW_Sample: ok\n"}));
+  EXPECT_EQ(log.normalized(),
+            (std::vector<std::string>{"7|tarnfw:api TarnFWLibMain:FW_Sample():N FW_Sample.\n",
+                                      "7|tarnfw:api TarnFWLibMain:FW_Sample():N FW_Sample: ok\n"}));
 }

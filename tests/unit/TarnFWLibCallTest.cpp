@@ -22,8 +22,8 @@ FWStatus_t FW_Probe(fwlibhandle_* handle, FWStatus_t status, int thrown = 0) {
   });
 }
 
-const std::string kTrace = "7|tarnfw:api TarnFWLibCallTest:FW_Probe():N ";
-const std::string kWarning = "4|tarnfw: TarnFWLibCallTest:FW_Probe():N ";
+const std::string kTrace = "7|tarnfw:api TarnFWLibMain:FW_Probe():N ";
+const std::string kWarning = "4|tarnfw: TarnFWLibMain:FW_Probe():N ";
 
 class TarnFWLibCall : public testing::Test {
  protected:

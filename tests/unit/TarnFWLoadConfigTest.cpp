@@ -351,19 +351,22 @@ std::vector<std::string> debugLines(const std::string& function,
                                     std::initializer_list<std::string> texts) {
   std::vector<std::string> lines;
   const auto add = [&](const std::string& text) {
-    lines.push_back("7|tarnfw:api TarnFWLoadConfig:" + function + "():N " + text + "\n");
+    lines.push_back("7|tarnfw:api TarnFWLibMain:" + function + "():N " + text + "\n");
   };
   add(function + ".");
   for (const std::string& text : texts) add(text);
   return lines;
 }
 
-/// What a load logs at debug level in `TarnFWLoadConfig`: not what is reported, nor what the
-/// channel says.
+/// What the functions of configurations log at debug level: not what is reported, nor what others
+/// of the public functions say.
 std::vector<std::string> debugLinesOf(const LogCapture& log) {
   std::vector<std::string> lines;
   for (const std::string& line : log.normalized()) {
-    if (line.starts_with("7|tarnfw:api TarnFWLoadConfig:")) lines.push_back(line);
+    const std::string place = line.substr(0, line.find("()"));
+    if (place.starts_with("7|tarnfw:api TarnFWLibMain:") &&
+        place.find("Config") != std::string::npos)
+      lines.push_back(line);
   }
   return lines;
 }
@@ -434,7 +437,7 @@ TEST(TarnFWLoadConfig, TracesAFileThatItOpensAndAConfigThatItFrees) {
   for (const std::string& line :
        debugLines("FW_LoadConfigFile2", {"obtained config file handle.", "FW_LoadConfigFile2: ok"}))
     lines.push_back(line);
-  lines.push_back("7|tarnfw:api TarnFWLoadConfig:FW_LoadConfigFile():N FW_LoadConfigFile: ok\n");
+  lines.push_back("7|tarnfw:api TarnFWLibMain:FW_LoadConfigFile():N FW_LoadConfigFile: ok\n");
   for (const std::string& line :
        debugLines("FW_FreeConfigFile", {"deleting config file handle.", "FW_FreeConfigFile: ok"}))
     lines.push_back(line);

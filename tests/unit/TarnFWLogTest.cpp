@@ -127,8 +127,8 @@ TEST_F(TarnFWLog, RefusesALevelThatIsNotOneOfTheFour) {
     log.clear();
     EXPECT_EQ(FW_Log(level, 0, "x"), 3u);
     ASSERT_EQ(log.lines().size(), 1u);
-    EXPECT_EQ(log.normalized()[0],
-              "3|tarnfw: TarnFWLog:FW_Log():N invalid log level " + std::to_string(level) + "\n");
+    EXPECT_EQ(log.normalized()[0], "3|tarnfw: TarnFWLibMain:FW_Log():N invalid log level " +
+                                       std::to_string(level) + "\n");
   }
 }
 
@@ -138,12 +138,12 @@ TEST_F(TarnFWLog, RefusesAComponentThatIsNotInUse) {
   EXPECT_EQ(FW_Log(6, 255, "x"), 3u);
   EXPECT_EQ(FW_Log(6, 4294967295u, "x"), 3u);
   EXPECT_EQ(FW_Log(5, 99, "x"), 3u);
-  EXPECT_EQ(
-      log.normalized(),
-      (std::vector<std::string>{"3|tarnfw: TarnFWLog:FW_Log():N invalid log component 19\n",
-                                "3|tarnfw: TarnFWLog:FW_Log():N invalid log component 255\n",
-                                "3|tarnfw: TarnFWLog:FW_Log():N invalid log component 4294967295\n",
-                                "3|tarnfw: TarnFWLog:FW_Log():N invalid log level 5\n"}));
+  EXPECT_EQ(log.normalized(),
+            (std::vector<std::string>{
+                "3|tarnfw: TarnFWLibMain:FW_Log():N invalid log component 19\n",
+                "3|tarnfw: TarnFWLibMain:FW_Log():N invalid log component 255\n",
+                "3|tarnfw: TarnFWLibMain:FW_Log():N invalid log component 4294967295\n",
+                "3|tarnfw: TarnFWLibMain:FW_Log():N invalid log level 5\n"}));
 }
 
 TEST_F(TarnFWLog, ANullFormatIsRefusedSilently) {
@@ -265,18 +265,19 @@ TEST_F(TarnFWLog, AnUnknownComponentChangesNothing) {
   EXPECT_EQ(FW_GetLibVerboseLevel(18, nullptr), 3u);
   FW_SetLibVerboseLevel(19, 3);
   FW_SetLibVerboseLevel(64, 3);
-  EXPECT_EQ(log.normalized(),
-            (std::vector<std::string>{
-                "4|tarnfw: TarnFWLog:FW_GetLibVerboseLevel():N attempting to get verbose level of "
-                "unknown component 19\n",
-                "4|tarnfw: TarnFWLog:FW_GetLibVerboseLevel():N attempting to get verbose level of "
-                "unknown component 255\n",
-                "4|tarnfw: TarnFWLog:FW_GetLibVerboseLevel():N attempting to get verbose level of "
-                "unknown component 19\n",
-                "4|tarnfw: TarnFWLog:FW_SetLibVerboseLevel():N attempting to set verbose level of "
-                "unknown component 19\n",
-                "4|tarnfw: TarnFWLog:FW_SetLibVerboseLevel():N attempting to set verbose level of "
-                "unknown component 64\n"}));
+  EXPECT_EQ(
+      log.normalized(),
+      (std::vector<std::string>{
+          "4|tarnfw: TarnFWLibMain:FW_GetLibVerboseLevel():N attempting to get verbose level of "
+          "unknown component 19\n",
+          "4|tarnfw: TarnFWLibMain:FW_GetLibVerboseLevel():N attempting to get verbose level of "
+          "unknown component 255\n",
+          "4|tarnfw: TarnFWLibMain:FW_GetLibVerboseLevel():N attempting to get verbose level of "
+          "unknown component 19\n",
+          "4|tarnfw: TarnFWLibMain:FW_SetLibVerboseLevel():N attempting to set verbose level of "
+          "unknown component 19\n",
+          "4|tarnfw: TarnFWLibMain:FW_SetLibVerboseLevel():N attempting to set verbose level of "
+          "unknown component 64\n"}));
   for (const FWVerbose_& row : g_tarnfw_verbose) EXPECT_EQ(row.level, 0);
 }
 
@@ -291,9 +292,9 @@ TEST_F(TarnFWLog, LevelChangesAreLoggedWhenTheApiLevelIsUp) {
   EXPECT_EQ(
       log.normalized(),
       (std::vector<std::string>{
-          "7|tarnfw:api TarnFWLog:FW_SetLibVerboseLevel():N set component api log level to 1\n",
-          "7|tarnfw:api TarnFWLog:FW_SetLibVerboseLevel():N set component cmd log level to 2\n",
-          "7|tarnfw:api TarnFWLog:FW_GetLibVerboseLevel():N got component 7 (cmd) log level "
+          "7|tarnfw:api TarnFWLibMain:FW_SetLibVerboseLevel():N set component api log level to 1\n",
+          "7|tarnfw:api TarnFWLibMain:FW_SetLibVerboseLevel():N set component cmd log level to 2\n",
+          "7|tarnfw:api TarnFWLibMain:FW_GetLibVerboseLevel():N got component 7 (cmd) log level "
           "2\n"}));
 }
 
@@ -306,7 +307,7 @@ TEST_F(TarnFWLog, ALevelForAllIsLoggedForEachRowInUse) {
   FW_SetLibVerboseLevel(255, 3);
   std::vector<std::string> expected;
   for (unsigned int row = 0; row < 20; ++row) {
-    expected.push_back("7|tarnfw:api TarnFWLog:FW_SetLibVerboseLevel():N set component " +
+    expected.push_back("7|tarnfw:api TarnFWLibMain:FW_SetLibVerboseLevel():N set component " +
                        std::string(FW_ComponentToString(row)) + " log level to 3\n");
   }
   EXPECT_EQ(log.normalized(), expected);

@@ -70,7 +70,7 @@ TEST(TarnFWParserActionsAttribute, LogsEveryElementThatAProfileGets) {
     }
     createAttrProfile(nullptr, {"p", 1}, std::move(list));
     const std::string line =
-        "7|tarnfw:parser TarnFWParserActionsAttribute:createAttrProfile():N adding element\n";
+        "7|tarnfw:parser tarnfw_parser:createAttrProfile():N adding element\n";
     EXPECT_EQ(log.normalized(), std::vector<std::string>(level == 0 ? 0 : 2, line));
   }
 }
