@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "TarnFWLoadValue.h"
 #include "TarnFWTypes.h"
 
 namespace TarnFirewall {
@@ -13,7 +14,7 @@ inline constexpr std::size_t kContainerNameLength = sizeof(FWAddrSetID_t) - 1;
 void checkContainerName(const std::string& name);
 
 /// Reference to a container by its name.
-class CTarnFWContainerID {
+class CTarnFWContainerID final : public CTarnFWLoadValue<CTarnFWContainerID> {
  public:
   /// Throws `CInvalidContainerNameException` for a name of more than 37 characters.
   explicit CTarnFWContainerID(const std::string& name);

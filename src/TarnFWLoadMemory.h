@@ -18,6 +18,7 @@
 #include <type_traits>
 #include <utility>
 
+#include "TarnFWLoadValue.h"
 #include "TarnFWObject.h"
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
@@ -43,13 +44,14 @@ class CTarnFWLoadMemory {
   /// and `std::bad_alloc`.
   template <typename Object, typename... Arguments>
   std::unique_ptr<Object> make(Arguments&&... arguments) {
-    static_assert(std::is_base_of_v<ITarnFWObject, Object>);
+    static_assert(std::is_base_of_v<ITarnFWObject, Object> ||
+                  std::is_base_of_v<CTarnFWLoadValue<Object>, Object>);
 #ifdef TARNFW_SANITIZED
     return std::make_unique<Object>(std::forward<Arguments>(arguments)...);
 #else
     void* const place = blocks_.allocate(sizeof(Object), alignof(Object));
     std::unique_ptr<Object> object(::new (place) Object(std::forward<Arguments>(arguments)...));
-    static_cast<ITarnFWObject&>(*object).ownsMemory_ = false;
+    object->ownsMemory_ = false;
     return object;
 #endif
   }

@@ -103,17 +103,18 @@ CTarnFWProtocolSpecList connectionSpecs(std::unique_ptr<CTarnFWProtocolSpecList>
 }
 
 /// Null for a rule that has none of them.
-std::unique_ptr<FWRuleExtras> ruleExtras(FWParserRule& rule) {
+std::unique_ptr<FWRuleExtras> ruleExtras(const FWParse& parse, FWParserRule& rule) {
   if (rule.extendedSource == nullptr && rule.attributeProfile == nullptr && rule.tag.length == 0)
     return nullptr;
-  auto extras = std::make_unique<FWRuleExtras>();
+  auto extras = parse.make<FWRuleExtras>();
   extras->extendedSource = std::move(rule.extendedSource);
   extras->attributeProfile = std::move(rule.attributeProfile);
   extras->tag = FWRuleTag({rule.tag.data, rule.tag.length});
   return extras;
 }
 
-FWRuleParts ruleParts(FWParserRule& rule, std::uint32_t id, std::uint32_t position) {
+FWRuleParts ruleParts(const FWParse& parse, FWParserRule& rule, std::uint32_t id,
+                      std::uint32_t position) {
   return {.id = id,
           .position = static_cast<std::int32_t>(position),
           .direction = rule.direction,
@@ -124,7 +125,7 @@ FWRuleParts ruleParts(FWParserRule& rule, std::uint32_t id, std::uint32_t positi
           .destination = std::move(rule.destination),
           .destinationPorts = {FW_SPEC_DIR_DESTINATION, std::move(rule.destinationPorts)},
           .action = std::move(rule.action),
-          .extras = ruleExtras(rule)};
+          .extras = ruleExtras(parse, rule)};
 }
 
 std::unique_ptr<CTarnFWRule> assembleRule(const FWParse& parse, FWParserRule& rule,
@@ -132,7 +133,7 @@ std::unique_ptr<CTarnFWRule> assembleRule(const FWParse& parse, FWParserRule& ru
   replaceRange(parse, "src", id, rule.source);
   replaceRange(parse, "dst", id, rule.destination);
   replaceTargetRange(parse, id, *rule.action);
-  auto made = parse.make<CTarnFWRule>([&] { return ruleParts(rule, id, position); });
+  auto made = parse.make<CTarnFWRule>([&] { return ruleParts(parse, rule, id, position); });
   if (rule.af != FW_AF_NONE) made->setAF(rule.af);
   return made;
 }
@@ -342,8 +343,8 @@ std::unique_ptr<CTarnFWRuleList> withRule(std::unique_ptr<CTarnFWRuleList> list,
   return list;
 }
 
-std::unique_ptr<CTarnFWContainerID> containerID(const FWParserText& name) {
-  return std::make_unique<CTarnFWContainerID>(asString(name));
+std::unique_ptr<CTarnFWContainerID> containerID(const FWParse& parse, const FWParserText& name) {
+  return parse.make<CTarnFWContainerID>(asString(name));
 }
 
 }  // namespace TarnFirewall

@@ -159,6 +159,6 @@ std::unique_ptr<CTarnFWRule> buildRule(const FWParse& parse, CTarnFWParserArena:
 std::unique_ptr<CTarnFWRuleList> withRule(std::unique_ptr<CTarnFWRuleList> list,
                                           std::unique_ptr<CTarnFWRule> rule);
 
-std::unique_ptr<CTarnFWContainerID> containerID(const FWParserText& name);
+std::unique_ptr<CTarnFWContainerID> containerID(const FWParse& parse, const FWParserText& name);
 
 }  // namespace TarnFirewall

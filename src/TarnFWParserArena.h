@@ -38,8 +38,10 @@ class CTarnFWParserArena {
   /// Room for `size` bytes, at most `kBlockSize`, at an address of `alignment`, a power of two up
   /// to that of `std::max_align_t`. Null without memory.
   void* allocate(std::size_t size, std::size_t alignment = 1) {
+    // Not past the end of the block, whose size is a multiple of every alignment.
+    static_assert(kBlockSize % alignof(std::max_align_t) == 0);
     const std::size_t start = (used_ + alignment - 1) & ~(alignment - 1);
-    if (current_ == nullptr || start > kBlockSize || size > kBlockSize - start) {
+    if (current_ == nullptr || size > kBlockSize - start) {
       return allocateFromNextBlock(size);
     }
     used_ = static_cast<std::uint32_t>(start + size);

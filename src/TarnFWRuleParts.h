@@ -33,7 +33,7 @@ struct FWRuleTag {
 };
 
 /// Parts that few rules have. They stand apart, so that the others don't pay for them.
-struct FWRuleExtras {
+struct FWRuleExtras final : CTarnFWLoadValue<FWRuleExtras> {
   std::unique_ptr<CTarnFWContainerID> extendedSource = nullptr;
   std::unique_ptr<CTarnFWContainerID> attributeProfile = nullptr;
   FWRuleTag tag = {};

@@ -1131,14 +1131,14 @@ Optional_ExtSrc_Profile_Spec:
     %empty  /* 269 */
       { $$ = nullptr; }
   | EXTSRCPROFILE STRING  /* 270 */
-      { TRY($$ = containerID(*$2).release()); }
+      { TRY($$ = containerID(parse, *$2).release()); }
     ;
 
 Optional_Attribute_Profile_Spec:
     %empty  /* 271 */
       { $$ = nullptr; }
   | ATTRPROFILE STRING  /* 272 */
-      { TRY($$ = containerID(*$2).release()); }
+      { TRY($$ = containerID(parse, *$2).release()); }
     ;
 
 Single_Port_Spec:

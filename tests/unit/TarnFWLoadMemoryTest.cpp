@@ -7,7 +7,9 @@
 #include "TarnFWAddressIPv4.h"
 #include "TarnFWCmdCreateAddrSet.h"
 #include "TarnFWCmdList.h"
+#include "TarnFWException.h"
 #include "TarnFWLoadMemory.h"
+#include "TarnFWRuleParts.h"
 
 using namespace TarnFirewall;
 
@@ -119,4 +121,26 @@ TEST(TarnFWLoadMemory, WithoutAMemoryAnObjectHasItsOwn) {
   EXPECT_EQ(living, 1);
   object.reset();
   EXPECT_EQ(living, 0);
+}
+
+TEST(TarnFWLoadMemory, HoldsTheContainersOfARule) {
+  const std::string name(37, 'n');
+  std::unique_ptr<CTarnFWContainerID> copy;
+  {
+    alignas(std::max_align_t) std::byte first[1024];
+    CTarnFWLoadMemory memory(first);
+    FWRuleParts parts;
+    parts.extras = memory.make<FWRuleExtras>();
+    parts.extras->attributeProfile = memory.make<CTarnFWContainerID>(name);
+    parts.extras->extendedSource = std::make_unique<CTarnFWContainerID>(std::string("own"));
+    parts.setTag("tag");
+    EXPECT_THROW(memory.make<CTarnFWContainerID>(name + "n"), CInvalidContainerNameException);
+#ifndef TARNFW_SANITIZED
+    EXPECT_EQ(static_cast<void*>(parts.extras.get()), static_cast<void*>(first));
+#endif
+    EXPECT_STREQ(parts.tag(), "tag");
+    EXPECT_EQ(parts.extendedSource()->getContainerID(), "own");
+    copy = std::make_unique<CTarnFWContainerID>(*parts.attributeProfile());
+  }
+  EXPECT_EQ(copy->getContainerID(), name);
 }
