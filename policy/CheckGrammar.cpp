@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <new>
+#include <utility>
 
 #include "TarnFWParserActions.h"
 #include "TarnFWScanner.h"
@@ -19,9 +20,21 @@ GrammarClient& clientOf(void* scanner) {
   return *static_cast<GrammarClient*>(yyget_extra(scanner));
 }
 
+/// The parser must come to its end by itself, since nothing else frees what is on its stack. What
+/// the client throws is thrown again after it.
+template <typename Call>
+void keepingFailure(GrammarClient& client, Call call) {
+  try {
+    call();
+  } catch (...) {
+    client.failure = std::current_exception();
+  }
+}
+
 /// Takes the place of `reportParseFailure` in the actions: what fails goes to the client.
 void reportToClient(bool lookedAhead, const FWParse& parse) {
-  clientOf(parse.scanner).refused(lookedAhead);
+  GrammarClient& client = clientOf(parse.scanner);
+  keepingFailure(client, [&] { client.refused(lookedAhead); });
   dropParseResults(parse);
 }
 
@@ -36,7 +49,10 @@ void reportToClient(bool lookedAhead, const FWParse& parse) {
 #undef reportParseFailure
 
 int policy_lex(POLICY_STYPE* value, POLICY_LTYPE*, void* scanner) {
-  return clientOf(scanner).nextToken(value);
+  GrammarClient& client = clientOf(scanner);
+  int code = TK_POLICY_error;  // ends the parse without a report
+  keepingFailure(client, [&] { code = client.nextToken(value); });
+  return code;
 }
 
 /// Called by the generated parser. 0: the message has been made.
@@ -45,11 +61,14 @@ static int yyreport_syntax_error(const yypcontext_t* context, const FWParse& par
   constexpr int kFirstToken = 255;
   yysymbol_kind_t kinds[YYNTOKENS];
   const int count = yypcontext_expected_tokens(context, kinds, YYNTOKENS);
-  std::vector<int> expected;
-  for (int i = 0; i < count; ++i) {
-    expected.push_back(kinds[i] == YYSYMBOL_YYEOF ? 0 : kinds[i] + kFirstToken);
-  }
-  clientOf(parse.scanner).unexpected(expected);
+  GrammarClient& client = clientOf(parse.scanner);
+  keepingFailure(client, [&] {
+    std::vector<int> expected;
+    for (int i = 0; i < count; ++i) {
+      expected.push_back(kinds[i] == YYSYMBOL_YYEOF ? 0 : kinds[i] + kFirstToken);
+    }
+    client.unexpected(expected);
+  });
   return 0;
 }
 
@@ -65,9 +84,12 @@ bool runGrammar(std::size_t valueSize, void* scanner, CTarnFWCmdList** list,
   if (valueSize != sizeof(POLICY_STYPE)) std::abort();
   FWStatus_t status = FW_STATUS_OK;
   const int result = policy_parse(&status, scanner, "", list, config);
-  // Lists grow to the left, so that no text fills the stack; only memory for it may be missing.
-  if (result == 2) throw std::bad_alloc();
   FWStatus_t ignored = status;
   if (result != 0) dropParseResults({&ignored, scanner, "", list, config});
+  if (const std::exception_ptr failure = std::exchange(clientOf(scanner).failure, nullptr)) {
+    std::rethrow_exception(failure);
+  }
+  // Lists grow to the left, so that no text fills the stack; only memory for it may be missing.
+  if (result == 2) throw std::bad_alloc();
   return result == 0;
 }

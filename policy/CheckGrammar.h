@@ -4,6 +4,7 @@
 /// every place and knows what would have been accepted.
 
 #include <cstddef>
+#include <exception>
 #include <vector>
 
 #include "TarnFWParserValues.h"
@@ -25,6 +26,9 @@ struct GrammarClient : TarnFirewall::fw_lex_extra_ {
   /// An action failed; called while its exception is handled. `lookedAhead`: the token that was
   /// given last is not part of what failed.
   virtual void refused(bool lookedAhead) = 0;
+
+  /// What one of these has thrown, until the parse is at its end.
+  std::exception_ptr failure;
 
  protected:
   ~GrammarClient() = default;
