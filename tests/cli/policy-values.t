@@ -94,7 +94,13 @@ Of what a terminal would obey no message has any.
   $ TARNPOLICY_RUNTIME="$hostile" policy apply -f $web web.conf | tail -1 | cat -v
     nic-1002672-eth0-kelpco-sfw.2  what it held   a?[31mb?c is not a folder of this user's alone (mode 0700)
 
-The longest name of all is taken.
+The longest time and name of all are taken.
+
+  $ policy apply -f $web --dry-run --confirm 86400 web.conf
+  # nic-1002672-eth0-kelpco-sfw.2: 1 statement
+  create addrset "web" with 10.0.0.1;
+  $ policy apply -f $web --dry-run --confirm 86401 web.conf | head -1
+  tarnpolicy apply: the seconds must be a number from 1 to 86400
 
   $ policy apply -f $(printf '%99s' | tr ' ' n) web.conf | sed 's/n\{20,\}/NAME/' | tail -1
     NAME  what it held   counting its address sets failed: switch port not found

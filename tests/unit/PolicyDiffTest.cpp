@@ -103,6 +103,28 @@ TEST(PolicyDiff, ARuleThatBecomesOfAnotherKindIsChanged) {
             "      action: drop -> dnat ip 10.0.0.1\n");
 }
 
+TEST(PolicyDiff, ARuleOfAnotherKindHasNotMoved) {
+  const std::string drop = " in protocol any from any to any drop;";
+  const StateDiff differences =
+      differencesOf(stateOf("create ruleset r with { rule 3" + drop +
+                            " rule 2 out protocol any from any to any snat ip 10.0.0.1; };"),
+                    stateOf("create ruleset r with { rule 2" + drop + " rule 3" + drop + " };"));
+  ASSERT_EQ(differences.ruleSets.size(), 1u);
+  ASSERT_EQ(differences.ruleSets[0].rules.size(), 1u);
+  EXPECT_EQ(differences.ruleSets[0].rules[0].id, 2u);
+  EXPECT_EQ(differences.ruleSets[0].rules[0].place, "");
+}
+
+TEST(PolicyDiff, OnlyASetThatIsInBothIsOfAnotherType) {
+  const std::string profile = "create attrprofile p with { [ APP_ID : APP_HTTP ] };";
+  for (const auto& [before, after] :
+       {std::pair{std::string(), profile}, {profile, std::string()}}) {
+    const StateDiff differences = differencesOf(stateOf(before), stateOf(after));
+    ASSERT_EQ(differences.sets.size(), 1u);
+    EXPECT_FALSE(differences.sets[0].typeChanged) << before << after;
+  }
+}
+
 TEST(PolicyDiff, OnlyTheFewestRulesHaveMoved) {
   EXPECT_EQ(diff(ruleSet({1, 2, 3, 4}), ruleSet({2, 3, 4, 1})),
             "ruleset \"r\":\n"

@@ -113,6 +113,12 @@ TEST_F(PolicyJournal, OnlyTheFiltersOwnFilesAreRemoved) {
   EXPECT_EQ(files(), 2u);
 }
 
+TEST_F(PolicyJournal, NoFileIsHidden) {
+  JournalFile file;
+  file.write(".hidden", "text\n");
+  EXPECT_EQ(file.path().find(folder_ + "/%2ehidden."), 0u) << file.path();
+}
+
 TEST_F(PolicyJournal, WithoutAFolderThereIsNothingToRemove) {
   setenv("TARNPOLICY_RUNTIME", (folder_ + "/none").c_str(), 1);
   EXPECT_EQ(removeLeftFiles("a"), std::vector<std::string>{});

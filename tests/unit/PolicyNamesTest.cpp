@@ -24,6 +24,20 @@ TEST(PolicyNames, AnUnknownNameIsReportedOnceWithTheNumberOfItsUses) {
                    "3:55 unknown-set: nothing creates the set `b`"}));
 }
 
+TEST(PolicyNames, OfTwoNamesThatAreEquallyNearTheFirstIsProposed) {
+  for (const char* sets : {"create addrset \"nets1\"; create addrset \"nets2\";",
+                           "create addrset \"nets2\"; create addrset \"nets1\";"}) {
+    const Diagnostics diagnostics =
+        checked({std::string(sets) +
+                 "create ruleset \"r\" { rule 1 in protocol any from \"nets3\" to any drop; };"});
+    std::string help;
+    for (const Diagnostic& diagnostic : diagnostics.all()) {
+      if (diagnostic.check == Check::unknownSet) help = diagnostic.help;
+    }
+    EXPECT_EQ(help, "did you mean `nets1`?") << sets;
+  }
+}
+
 TEST(PolicyNames, OrderDoesNotMatterForRulesAndMattersForStatements) {
   EXPECT_EQ(
       found("create ruleset \"r\" { rule 1 in protocol tcp from \"a\" to any jumpto \"s\"; };\n"

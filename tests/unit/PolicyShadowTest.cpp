@@ -92,6 +92,8 @@ TEST(PolicyShadow, PortsOfBothSides) {
   EXPECT_TRUE(shadowsPorts("port { 80, 443, 8000-8080 }", "port { 443, 8001 }"));
   EXPECT_TRUE(shadowsPorts("not port 80", "port 443"));
   EXPECT_TRUE(shadowsPorts("not port 80", "not port { 79-81 }"));
+  EXPECT_TRUE(shadowsPorts("not port 0-65534", "port 65535"));
+  EXPECT_FALSE(shadowsPorts("not port 0-65534", "port 65534"));
   EXPECT_TRUE(shadowsPorts("port 0-65535", "port 7"));
   EXPECT_FALSE(shadowsPorts("port 80", ""));
   EXPECT_FALSE(shadowsPorts("port 80", "port 81"));
@@ -100,6 +102,31 @@ TEST(PolicyShadow, PortsOfBothSides) {
   EXPECT_FALSE(shadowsPorts("port { 80, 443 }", "port { 80, 444 }"));
   EXPECT_FALSE(shadowsPorts("not port 80", "port 80"));
   EXPECT_FALSE(shadowsPorts("not port 80", "not port 81"));
+}
+
+TEST(PolicyShadow, OfSeveralWiderRulesTheEarliestIsNamed) {
+  const auto rule = [](int id, const std::string& address, const std::string& port) {
+    return "rule " + std::to_string(id) + " in protocol tcp from " + address + " to any " + port +
+           " accept;\n";
+  };
+  for (const bool swapped : {false, true}) {
+    const std::string one = rule(1, swapped ? "10.0.0.0/8" : "10.0.0.1", swapped ? "port 80" : "");
+    const std::string two = rule(2, swapped ? "10.0.0.1" : "10.0.0.0/8", swapped ? "" : "port 80");
+    EXPECT_EQ(foundOf("shadowed-rule", "create ruleset \"r\" {\n" + one + two +
+                                           rule(3, "10.0.0.1", "port 80") + "};"),
+              Lines{"4:1 shadowed-rule: rule 3 is never reached: rule 1 before it matches all that "
+                    "it matches"});
+  }
+}
+
+TEST(PolicyShadow, ASetMayHoldABlockAndAPartOfIt) {
+  EXPECT_EQ(foundOf("shadowed-rule",
+                    "create addrset \"both\" { 10.0.0.0/8, 10.1.0.0/16, 10.128.0.0/9 };\n"
+                    "create ruleset \"r\" {\n"
+                    "rule 1 in protocol tcp from \"both\" to any accept;\n"
+                    "rule 2 in protocol tcp from 10.64.0.1 to any accept;\n};")
+                .size(),
+            1u);
 }
 
 TEST(PolicyShadow, TheOtherFields) {

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+
 #include "PolicyKernel.h"
 #include "StateFilter.h"
 #include "StateText.h"
@@ -127,6 +129,25 @@ TEST(PolicyStateFilter, WhatIsNewWhileAFilterIsReadIsRead) {
     });
     EXPECT_EQ(read(kernel), kernel.state()) << command;
     EXPECT_TRUE(kernel.state().ruleSets.contains("new"));
+  }
+}
+
+TEST(PolicyStateFilter, EachChangeByItselfMakesItReadAgain) {
+  const std::function<void(State&)> changes[] = {
+      [](State& state) { state.sets["new"] = {}; },
+      [](State& state) { state.ruleSets["new"] = {}; },
+      [](State& state) { state.layer3 = "s"; },
+      [](State& state) { state.layer2 = "r"; },
+  };
+  std::size_t number = 0;
+  for (const auto& change : changes) {
+    PolicyKernel kernel(sample());
+    unsigned int asked = 0;
+    kernel.after(62, [&](PolicyKernel::Body) {
+      if (++asked == 2) change(kernel.state());  // after the last question about its rule sets
+    });
+    EXPECT_EQ(read(kernel), kernel.state()) << "change " << number;
+    EXPECT_NE(kernel.state(), sample()) << "change " << number++;
   }
 }
 

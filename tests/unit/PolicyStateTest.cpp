@@ -66,6 +66,13 @@ TEST(PolicyStateText, RulesGoIntoTheirKindsAndByPositionInEach) {
   EXPECT_EQ(set.count(), 6u);
 }
 
+TEST(PolicyStateText, RulesOfOnePositionKeepTheirOrder) {
+  const std::string rest = " in protocol any from any to any drop;";
+  const State state = stateOf("create ruleset web with { rule 9 at 5" + rest + " rule 1 at 1" +
+                              rest + " rule 2 at 1" + rest + " rule 3 at 5" + rest + " };");
+  EXPECT_EQ(idsOf(state.ruleSets.at("web").of(StateRules::filter)), (Ids{1, 2, 9, 3}));
+}
+
 TEST(PolicyStateText, MembersAreSortedAndStandOnce) {
   const State state =
       stateOf("create addrset a { 10.0.0.9, 10.0.0.1-3, 10.0.0.9, 2001:db8::1, 10.0.0.0/24 };");
@@ -243,6 +250,8 @@ TEST(PolicyState, AChainThatDoesNotLieInItsBytesIsRefused) {
 }
 
 TEST(PolicyState, NamesAreShownWithoutWhatATerminalObeys) {
+  EXPECT_EQ(shownName("\xf0\x80\x80\x80"), "\"\\xf0\\x80\\x80\\x80\"");  // longer than needed
+  EXPECT_EQ(shownName("\xf0\x90\x80\x80"), "\"\xf0\x90\x80\x80\"");
   EXPECT_EQ(shownName("b\xc3\xbcro \xe2\x82\xac"), "\"b\xc3\xbcro \xe2\x82\xac\"");
   EXPECT_EQ(shownName("a\xc2\x9b\x1b[2J"), "\"a\\xc2\\x9b\\x1b[2J\"");
   EXPECT_EQ(shownName("web servers"), "\"web servers\"");
