@@ -37,9 +37,9 @@ bool CTarnFWAddrSetID::getAddress(FWAddrSetID_t* name) const {
   return negated_;
 }
 
-void CTarnFWAddrSetID::appendValue(std::string& text) const {
+void CTarnFWAddrSetID::appendValue(CTarnFWText& text) const {
   text += "addrset ";
-  text.append(name_.text, fieldLength(name_.text, sizeof name_.text));
+  text += std::string_view(name_.text, fieldLength(name_.text, sizeof name_.text));
 }
 
 void CTarnFWAddrSetID::storeValue(ValueArea value) const {

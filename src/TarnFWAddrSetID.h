@@ -25,7 +25,7 @@ class CTarnFWAddrSetID final : public CTarnFWAddressRecord {
   bool getAddress(FWAddrSetID_t* name) const;
 
  private:
-  void appendValue(std::string& text) const override;
+  void appendValue(CTarnFWText& text) const override;
   void storeValue(ValueArea value) const override;
 
   /// By all 38 bytes of the names.

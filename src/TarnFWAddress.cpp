@@ -12,6 +12,6 @@ bool CTarnFWAddress::isIPv6Address() const { return false; }
 
 std::string CTarnFWAddress::getName() const { return {}; }
 
-void CTarnFWAddress::appendTo(std::string& text) const { text += toString(); }
+void CTarnFWAddress::appendTo(CTarnFWText& text) const { text += toString(); }
 
 }  // namespace TarnFirewall

@@ -37,7 +37,7 @@ class CTarnFWAddress : public ITarnFWObject {
   virtual bool operator<(const CTarnFWAddress& other) const = 0;
 
   /// Appends what `toString` gives, without a string of its own on the way where the class can.
-  void appendTo(std::string& text) const override;
+  void appendTo(CTarnFWText& text) const override;
 
   /// True when the address means everything but this one.
   bool isNegated() const { return negated_; }

@@ -8,7 +8,7 @@ int CTarnFWAddressAny::getType() const { return FW_ADDRESS_ANY; }
 
 std::string CTarnFWAddressAny::toString() const { return "any"; }
 
-void CTarnFWAddressAny::appendTo(std::string& text) const { text += "any"; }
+void CTarnFWAddressAny::appendTo(CTarnFWText& text) const { text += "any"; }
 
 bool CTarnFWAddressAny::toMessage(void* buffer, unsigned int size, unsigned int* written) {
   if (getMsgSize() > size) return false;

@@ -15,7 +15,7 @@ class CTarnFWAddressAny final : public CTarnFWAddress {
 
   int getType() const override;
   std::string toString() const override;
-  void appendTo(std::string& text) const override;
+  void appendTo(CTarnFWText& text) const override;
 
   /// Writes the type code alone; the flags byte stays as the buffer held it, which the kernel
   /// ignores for this type.

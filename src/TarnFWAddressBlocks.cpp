@@ -32,14 +32,14 @@ unsigned int CTarnFWAddressBlocks::getMsgSize() const {
 int CTarnFWAddressBlocks::getType() const { return FW_ADDRESS_LIST; }
 
 std::string CTarnFWAddressBlocks::toString() const {
-  std::string text;
+  CTarnFWText text;
   appendTo(text);
-  return text;
+  return text.str();
 }
 
-void CTarnFWAddressBlocks::appendTo(std::string& text) const {
+void CTarnFWAddressBlocks::appendTo(CTarnFWText& text) const {
   struct {
-    std::string& text;
+    CTarnFWText& text;
     const char* separator;
   } output = {text, ""};
   visitBlocks(

@@ -24,7 +24,7 @@ class CTarnFWAddressBlocks : public CTarnFWAddress {
   int getType() const final;
   /// The text of each block, joined by ", ".
   std::string toString() const final;
-  void appendTo(std::string& text) const final;
+  void appendTo(CTarnFWText& text) const final;
   /// Writes a record for each block, as the addresses do.
   bool toMessage(void* buffer, unsigned int size, unsigned int* written) final;
   /// Not comparable with another list of addresses: throws `CInvalidAddressException`.

@@ -43,7 +43,7 @@ bool CTarnFWAddressEther::getAddress(fw_ether_* address) const {
   return negated_;
 }
 
-void CTarnFWAddressEther::appendValue(std::string& text) const {
+void CTarnFWAddressEther::appendValue(CTarnFWText& text) const {
   text += "mac ";
   appendOctets(text, address_);
 }

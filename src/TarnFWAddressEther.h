@@ -17,7 +17,7 @@ class CTarnFWAddressEther final : public CTarnFWAddressMAC {
   bool getAddress(fw_ether_* address) const;
 
  private:
-  void appendValue(std::string& text) const override;
+  void appendValue(CTarnFWText& text) const override;
   void storeValue(ValueArea value) const override;
 
   /// Descending by bytes, the reverse of the other layer-2 addresses. The kernel keeps its sets in

@@ -44,14 +44,9 @@ class CTarnFWAddressIP : public CTarnFWAddressRecord {
     std::memcpy(to, &address, sizeof address);
   }
 
-  /// Text of at most two addresses, which have room for a mark each.
-  class Text : public CTarnFWShortText<3 + 2 * Family::maxText> {
-   public:
-    Text() { this->add("ip "); }
-    void addAddress(const Address& address) {
-      this->addBy([&](char* to) { return Family::writeAddress(to, address); });
-    }
-  };
+  static void appendAddress(CTarnFWText& text, const Address& address) {
+    text.appendBy(Family::maxText, [&](char* to) { return Family::writeAddress(to, address); });
+  }
 
   static std::string_view whole(const char* text) { return text == nullptr ? "" : text; }
 };
@@ -81,10 +76,9 @@ class CTarnFWAddressIPSingle : public CTarnFWAddressIP<Family> {
   }
 
  private:
-  void appendValue(std::string& text) const final {
-    typename Base::Text form;
-    form.addAddress(address_);
-    form.appendTo(text);
+  void appendValue(CTarnFWText& text) const final {
+    text += "ip ";
+    Base::appendAddress(text, address_);
   }
   void storeValue(typename Base::ValueArea value) const final {
     Base::store(value.data(), address_);
@@ -138,12 +132,11 @@ class CTarnFWAddressIPRange : public CTarnFWAddressIP<Family> {
     if (!Family::isRange(first_, last_)) throw typename Family::RangeException(first_, last_);
   }
 
-  void appendValue(std::string& text) const final {
-    typename Base::Text form;
-    form.addAddress(first_);
-    form.add('-');
-    form.addAddress(last_);
-    form.appendTo(text);
+  void appendValue(CTarnFWText& text) const final {
+    text += "ip ";
+    Base::appendAddress(text, first_);
+    text += '-';
+    Base::appendAddress(text, last_);
   }
   void storeValue(typename Base::ValueArea value) const final {
     Base::store(value.data(), first_);
@@ -222,12 +215,11 @@ class CTarnFWAddressIPCIDR : public CTarnFWAddressIP<Family> {
     return mask;
   }
 
-  void appendValue(std::string& text) const final {
-    typename Base::Text form;
-    form.addAddress(address_);
-    form.add('/');
-    form.addDecimal(prefix_);
-    form.appendTo(text);
+  void appendValue(CTarnFWText& text) const final {
+    text += "ip ";
+    Base::appendAddress(text, address_);
+    text += '/';
+    text.appendDecimal(prefix_);
   }
   void storeValue(typename Base::ValueArea value) const final {
     std::uint8_t mask[sizeof(Address)];

@@ -11,12 +11,12 @@ CTarnFWAddressIPList::CTarnFWAddressIPList(const FWAddrSetID_t& id, const FWAddr
 int CTarnFWAddressIPList::getType() const { return FW_ADDRESS_IP_LIST; }
 
 std::string CTarnFWAddressIPList::toString() const {
-  std::string text;
+  CTarnFWText text;
   appendTo(text);
-  return text;
+  return text.str();
 }
 
-void CTarnFWAddressIPList::appendTo(std::string& text) const {
+void CTarnFWAddressIPList::appendTo(CTarnFWText& text) const {
   text += negated_ ? "not ip " : "ip ";
   CTarnFWAddressList::appendTo(text);
 }

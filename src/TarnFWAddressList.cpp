@@ -159,14 +159,14 @@ unsigned int CTarnFWAddressList::getMsgSize(std::size_t count) {
 }
 
 std::string CTarnFWAddressList::toString() const {
-  std::string text;
+  CTarnFWText text;
   appendTo(text);
-  return text;
+  return text.str();
 }
 
-void CTarnFWAddressList::appendTo(std::string& text) const {
+void CTarnFWAddressList::appendTo(CTarnFWText& text) const {
   text += '{';
-  text.append(id_.text, fieldLength(id_.text, sizeof id_.text));
+  text += std::string_view(id_.text, fieldLength(id_.text, sizeof id_.text));
   const char* separator = "";
   for (const Member& member : addresses_) {
     text += separator;

@@ -78,7 +78,7 @@ class CTarnFWAddressList : public CTarnFWAddress {
 
   /// "{", the name glued to the first member, the members joined by ", ", "}".
   std::string toString() const override;
-  void appendTo(std::string& text) const override;
+  void appendTo(CTarnFWText& text) const override;
 
   /// Writes the members in order up to the first that fails. `written` must not be null.
   bool toMessage(void* buffer, unsigned int size, unsigned int* written) override;

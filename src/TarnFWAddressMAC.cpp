@@ -10,7 +10,7 @@ namespace TarnFirewall {
 
 bool CTarnFWAddressMAC::isMACAddress() const { return true; }
 
-void CTarnFWAddressMAC::appendOctets(std::string& text, const fw_ether_& address) {
+void CTarnFWAddressMAC::appendOctets(CTarnFWText& text, const fw_ether_& address) {
   static constexpr char digits[] = "0123456789abcdef";
   char form[3 * sizeof address.octet];
   char* end = form;
@@ -19,7 +19,7 @@ void CTarnFWAddressMAC::appendOctets(std::string& text, const fw_ether_& address
     *end++ = digits[octet & 0x0f];
     *end++ = ':';
   }
-  text.append(form, sizeof form - 1);
+  text += std::string_view(form, sizeof form - 1);
 }
 
 CTarnFWAddressMACPair::CTarnFWAddressMACPair(const char* text, char separator)
@@ -54,7 +54,7 @@ bool CTarnFWAddressMACPair::getAddress(fw_ether_* first, fw_ether_* second) cons
   return negated_;
 }
 
-void CTarnFWAddressMACPair::appendValue(std::string& text) const {
+void CTarnFWAddressMACPair::appendValue(CTarnFWText& text) const {
   text += "mac ";
   appendOctets(text, first_);
   text += separator();

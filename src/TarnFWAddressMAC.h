@@ -13,7 +13,7 @@ class CTarnFWAddressMAC : public CTarnFWAddressRecord {
   using CTarnFWAddressRecord::CTarnFWAddressRecord;
 
   /// Six octets of two lower-case digits, whatever the input looked like.
-  static void appendOctets(std::string& text, const fw_ether_& address);
+  static void appendOctets(CTarnFWText& text, const fw_ether_& address);
 };
 
 /// What the layer-2 addresses of two values share. Wire: first, second.
@@ -34,7 +34,7 @@ class CTarnFWAddressMACPair : public CTarnFWAddressMAC {
  private:
   virtual char separator() const = 0;
 
-  void appendValue(std::string& text) const final;
+  void appendValue(CTarnFWText& text) const final;
   void storeValue(ValueArea value) const final;
 
   /// By the first value, then by the second, in the order of their bytes.

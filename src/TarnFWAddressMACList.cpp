@@ -9,12 +9,12 @@ CTarnFWAddressMACList::CTarnFWAddressMACList(const FWAddrSetID_t& id, const FWAd
 int CTarnFWAddressMACList::getType() const { return FW_ADDRESS_MAC_LIST; }
 
 std::string CTarnFWAddressMACList::toString() const {
-  std::string text;
+  CTarnFWText text;
   appendTo(text);
-  return text;
+  return text.str();
 }
 
-void CTarnFWAddressMACList::appendTo(std::string& text) const {
+void CTarnFWAddressMACList::appendTo(CTarnFWText& text) const {
   text += negated_ ? "not mac " : "mac ";
   CTarnFWAddressList::appendTo(text);
 }

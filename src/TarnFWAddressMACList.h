@@ -13,7 +13,7 @@ class CTarnFWAddressMACList final : public CTarnFWAddressList {
 
   int getType() const override;
   std::string toString() const override;
-  void appendTo(std::string& text) const override;
+  void appendTo(CTarnFWText& text) const override;
 };
 
 }  // namespace TarnFirewall

@@ -3,12 +3,12 @@
 namespace TarnFirewall {
 
 std::string CTarnFWAddressRecord::toString() const {
-  std::string text;
+  CTarnFWText text;
   appendTo(text);
-  return text;
+  return text.str();
 }
 
-void CTarnFWAddressRecord::appendTo(std::string& text) const {
+void CTarnFWAddressRecord::appendTo(CTarnFWText& text) const {
   if (negated_) text += "not ";
   appendValue(text);
 }

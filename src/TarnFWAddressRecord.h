@@ -15,7 +15,7 @@ class CTarnFWAddressRecord : public CTarnFWAddress {
 
   /// "not " when negated, then the class's text.
   std::string toString() const final;
-  void appendTo(std::string& text) const final;
+  void appendTo(CTarnFWText& text) const final;
 
   /// Writes the type code, bit 0 of the flags and the value area; touches no other byte. `written`
   /// may be null.
@@ -32,7 +32,7 @@ class CTarnFWAddressRecord : public CTarnFWAddress {
       : CTarnFWAddress((record.flags & kAddressNegated) != 0) {}
 
  private:
-  virtual void appendValue(std::string& text) const = 0;
+  virtual void appendValue(CTarnFWText& text) const = 0;
   virtual void storeValue(ValueArea value) const = 0;
 
   /// Both have the same type code, so that the other can be cast to the own class.

@@ -10,12 +10,12 @@ CTarnFWAddressSIDList::CTarnFWAddressSIDList(const FWAddrSetID_t& id, const FWAd
 int CTarnFWAddressSIDList::getType() const { return FW_ADDRESS_SID_LIST; }
 
 std::string CTarnFWAddressSIDList::toString() const {
-  std::string text;
+  CTarnFWText text;
   appendTo(text);
-  return text;
+  return text.str();
 }
 
-void CTarnFWAddressSIDList::appendTo(std::string& text) const {
+void CTarnFWAddressSIDList::appendTo(CTarnFWText& text) const {
   text += negated_ ? "not sid " : "sid ";
   CTarnFWAddressList::appendTo(text);
 }

@@ -32,15 +32,16 @@ void CTarnFWCmdAddDomain2IPMapping::addAddress(std::unique_ptr<CTarnFWAddress> a
 }
 
 std::string CTarnFWCmdAddDomain2IPMapping::toString() const {
-  std::string text =
-      "add domain2ip" + dvsportToString("of") + ' ' + domain_->toStringValue() + " with {";
+  CTarnFWText text;
+  text += "add domain2ip" + dvsportToString("of") + ' ' + domain_->toStringValue() + " with {";
   const char* separator = "";
   for (const auto& address : addresses_) {
     text += separator;
     address->appendTo(text);
     separator = ", ";
   }
-  return text + '}';
+  text += '}';
+  return text.str();
 }
 
 void CTarnFWCmdAddDomain2IPMapping::fill(std::span<std::byte> body) const {

@@ -51,14 +51,15 @@ bool CTarnFWCmdCreateAddrSet::addAddress(const FWAddress_* addresses, unsigned i
 }
 
 std::string CTarnFWCmdCreateAddrSet::toString() const {
-  std::string text = type_ == FW_ADDRSET_ATTRIBUTE ? "create attrset " : "create addrset ";
+  CTarnFWText text;
+  text += type_ == FW_ADDRSET_ATTRIBUTE ? "create attrset " : "create addrset ";
   text += fieldText(id_.text);
   text += dvsportToString("for");
   if (!list_->getAddresses().empty()) {
     text += " with ";
     list_->appendTo(text);
   }
-  return text;
+  return text.str();
 }
 
 bool CTarnFWCmdCreateAddrSet::writeEntries(void* buffer, unsigned int room, unsigned int* written) {

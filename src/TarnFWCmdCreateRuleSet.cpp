@@ -33,14 +33,15 @@ CTarnFWCmdCreateRuleSet::CTarnFWCmdCreateRuleSet(const dvs_port_* port, const ch
     : CTarnFWCmdCreateRuleSet(port, idOf(name), FWRuleSetID_t{}, std::move(list)) {}
 
 std::string CTarnFWCmdCreateRuleSet::toString() const {
-  std::string text = "create ruleset " + fieldText(name().text) + dvsportToString("for");
+  CTarnFWText text;
+  text += "create ruleset " + fieldText(name().text) + dvsportToString("for");
   if (const std::string jump = fieldText(jump_.text); !jump.empty()) text += " jumpto " + jump;
   if (rules().getRuleCount() != 0) {
     text += " with {\n";
     rules().appendTo(text);
     text += "\n}\n";
   }
-  return text;
+  return text.str();
 }
 
 }  // namespace TarnFirewall

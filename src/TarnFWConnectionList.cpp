@@ -8,7 +8,7 @@ namespace TarnFirewall {
 
 namespace {
 
-void appendEnd(std::string& text, const char* word, const std::uint8_t* address,
+void appendEnd(CTarnFWText& text, const char* word, const std::uint8_t* address,
                std::uint16_t port) {
   char ipv4[INET_ADDRSTRLEN];
   inet_ntop(AF_INET, address, ipv4, sizeof ipv4);
@@ -24,7 +24,7 @@ bool CTarnFWConnectionList::addConnection(const FWConnection_& connection) {
   return true;
 }
 
-void CTarnFWConnectionList::appendEntry(std::string& text, const FWConnection_& connection) const {
+void CTarnFWConnectionList::appendEntry(CTarnFWText& text, const FWConnection_& connection) const {
   appendEnd(text, " from ", connection.sourceAddress, connection.sourcePort);
   appendEnd(text, " to ", connection.destinationAddress, connection.destinationPort);
 }

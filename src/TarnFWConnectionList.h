@@ -24,7 +24,7 @@ class CTarnFWConnectionList final
   bool addConnection(const FWConnection_& connection);
 
  private:
-  void appendEntry(std::string& text, const FWConnection_& connection) const override;
+  void appendEntry(CTarnFWText& text, const FWConnection_& connection) const override;
 };
 
 }  // namespace TarnFirewall

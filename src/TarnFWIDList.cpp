@@ -9,7 +9,7 @@ bool CTarnFWIDList::addID(std::uint32_t id) {
   return true;
 }
 
-void CTarnFWIDList::appendEntry(std::string& text, const std::uint32_t& id) const {
+void CTarnFWIDList::appendEntry(CTarnFWText& text, const std::uint32_t& id) const {
   appendText(text, "%d", static_cast<int>(id));
 }
 

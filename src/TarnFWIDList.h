@@ -15,7 +15,7 @@ class CTarnFWIDList final : public CTarnFWSortedList<std::uint32_t, std::less<st
   bool addID(std::uint32_t id);
 
  private:
-  void appendEntry(std::string& text, const std::uint32_t& id) const override;
+  void appendEntry(CTarnFWText& text, const std::uint32_t& id) const override;
 };
 
 }  // namespace TarnFirewall

@@ -3,6 +3,8 @@
 #include <new>
 #include <string>
 
+#include "TarnFWText.h"
+
 namespace TarnFirewall {
 
 /// Root of everything that has a text form and a wire form.
@@ -25,7 +27,7 @@ class ITarnFWObject {
 
   /// Appends the text form. An object whose text stands inside another's (an address in a rule)
   /// overrides this and makes `toString()` from it, so that the whole is built in one string.
-  virtual void appendTo(std::string& text) const { text += toString(); }
+  virtual void appendTo(CTarnFWText& text) const { text += toString(); }
 
   /// What `delete` does: ends the object, and frees its memory unless that is a load's, which is
   /// freed as a whole.

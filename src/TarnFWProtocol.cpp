@@ -28,28 +28,25 @@ std::string lookUpName(int number) {
 
 /// Appends the name as `lookUpName` gives it; false when there is none. A look-up opens the host's
 /// protocol database, so each number of the 8-bit range is looked up once a process.
-bool appendName(std::string& text, unsigned short number) {
-  static std::array<std::atomic<const char*>, 256> names;
+bool appendName(CTarnFWText& text, unsigned short number) {
+  static std::array<std::atomic<const std::string*>, 256> names;
   static std::mutex lock;
   if (number >= names.size()) {
     const std::string name = lookUpName(number);
     text += name;
     return !name.empty();
   }
-  const char* name = names[number].load(std::memory_order_acquire);
+  const std::string* name = names[number].load(std::memory_order_acquire);
   if (name == nullptr) {
     const std::lock_guard<std::mutex> guard(lock);
     name = names[number].load(std::memory_order_relaxed);
     if (name == nullptr) {
-      const std::string found = lookUpName(number);
-      char* const kept = new char[found.size() + 1];  // lives as long as the process
-      std::memcpy(kept, found.c_str(), found.size() + 1);
-      names[number].store(kept, std::memory_order_release);
-      name = kept;
+      name = new std::string(lookUpName(number));  // lives as long as the process
+      names[number].store(name, std::memory_order_release);
     }
   }
-  text += name;
-  return *name != '\0';
+  text += *name;
+  return !name->empty();
 }
 
 }  // namespace
@@ -67,10 +64,7 @@ void CTarnFWProtocolMatch::setProtocol(unsigned short number, bool negated) {
   defined_ = true;
 }
 
-void CTarnFWProtocolMatch::appendWith(std::string& text, const char* protocolWord,
-                                      const char* ethertypeWord) const {
-  if (negated_) text += "not ";
-  text += isLayer3() ? protocolWord : ethertypeWord;
+void CTarnFWProtocolMatch::appendNumber(CTarnFWText& text) const {
   if (!defined_) {
     text += " any";
   } else if (isLayer3()) {
@@ -82,20 +76,28 @@ void CTarnFWProtocolMatch::appendWith(std::string& text, const char* protocolWor
   }
 }
 
-void CTarnFWProtocolMatch::appendTo(std::string& text) const {
-  appendWith(text, "protocol", "ethertype");
+void CTarnFWProtocolMatch::appendTo(CTarnFWText& text) const {
+  if (negated_) text += "not ";
+  if (isLayer3()) {
+    text += "protocol";
+  } else {
+    text += "ethertype";
+  }
+  appendNumber(text);
 }
 
 std::string CTarnFWProtocol::toString() const {
-  std::string text;
+  CTarnFWText text;
   appendTo(text);
-  return text;
+  return text.str();
 }
 
 std::string CTarnFWProtocolMatch::toString2() const {
-  std::string text;
-  appendWith(text, "Protocol :", "Ethertype :");
-  return text;
+  CTarnFWText text;
+  if (negated_) text += "not ";
+  text += isLayer3() ? "Protocol :" : "Ethertype :";
+  appendNumber(text);
+  return text.str();
 }
 
 bool CTarnFWProtocol::toMessage(void*, unsigned int, unsigned int* written) {

@@ -32,7 +32,7 @@ class CTarnFWProtocolMatch {
   /// Either. Throws CUnsupportedException when negated without being defined.
   CTarnFWProtocolMatch(bool defined, unsigned short number, FWProtocolLayer layer, bool negated);
 
-  void appendTo(std::string& text) const;
+  void appendTo(CTarnFWText& text) const;
 
   /// The labelled form, with "Protocol :" or "Ethertype :" as its word.
   std::string toString2() const;
@@ -50,7 +50,7 @@ class CTarnFWProtocolMatch {
   int getIPProtocol() const { return defined_ && isLayer3() && !negated_ ? number_ : -1; }
 
  private:
-  void appendWith(std::string& text, const char* protocolWord, const char* ethertypeWord) const;
+  void appendNumber(CTarnFWText& text) const;
 
   std::uint16_t number_ = 0;
   FWProtocolLayer layer_;
@@ -69,7 +69,7 @@ class CTarnFWProtocol final : public ITarnFWObject, public CTarnFWProtocolMatch 
   unsigned int getMsgSize() const override { return 0; }
   int getType() const override { return kType; }
   std::string toString() const override;
-  void appendTo(std::string& text) const override { CTarnFWProtocolMatch::appendTo(text); }
+  void appendTo(CTarnFWText& text) const override { CTarnFWProtocolMatch::appendTo(text); }
   /// Writes nothing and reports 0 bytes.
   bool toMessage(void* buffer, unsigned int size, unsigned int* written) override;
 };

@@ -9,9 +9,9 @@ unsigned char CTarnFWProtocolSpec::refuseDir(unsigned char dir) {
 }
 
 std::string CTarnFWProtocolSpec::toString() const {
-  std::string text;
+  CTarnFWText text;
   appendTo(text);
-  return text;
+  return text.str();
 }
 
 void CTarnFWProtocolSpec::setDir(unsigned char dir) {

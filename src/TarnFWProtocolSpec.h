@@ -24,7 +24,7 @@ class CTarnFWProtocolSpec : public ITarnFWObject {
 
   int getType() const override { return kFirstType + static_cast<int>(getSpecType()); }
   std::string toString() const final;
-  void appendTo(std::string& text) const override = 0;
+  void appendTo(CTarnFWText& text) const override = 0;
 
   virtual FWProtocolSpecType_t getSpecType() const { return FW_SPEC_NONE; }
 
@@ -39,7 +39,7 @@ class CTarnFWProtocolSpec : public ITarnFWObject {
   FWSpecHeader_ header() const;
 
  protected:
-  void appendNegation(std::string& text) const {
+  void appendNegation(CTarnFWText& text) const {
     if (negated_) text += "not ";
   }
 

@@ -9,7 +9,7 @@ CTarnFWProtocolSpecDSCP::CTarnFWProtocolSpecDSCP(unsigned char value) : value_(v
   if (value >= 64) throw CUnsupportedException(FW_STATUS_BAD_DSCP_MARKINGS, "bad dscp markings");
 }
 
-void CTarnFWProtocolSpecDSCP::appendTo(std::string& text) const {
+void CTarnFWProtocolSpecDSCP::appendTo(CTarnFWText& text) const {
   text += "dscp ";
   appendDecimal(text, value_);
 }

@@ -11,7 +11,7 @@ class CTarnFWProtocolSpecDSCP final : public CTarnFWProtocolSpecSession {
   explicit CTarnFWProtocolSpecDSCP(unsigned char value);
 
   FWProtocolSpecType_t getSpecType() const override { return FW_SPEC_DSCP; }
-  void appendTo(std::string& text) const override;
+  void appendTo(CTarnFWText& text) const override;
 
  private:
   std::uint16_t flagBits() const override;

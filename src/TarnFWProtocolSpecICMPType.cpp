@@ -18,7 +18,7 @@ CTarnFWProtocolSpecICMPType::CTarnFWProtocolSpecICMPType(unsigned char dir, cons
       hasCode_((body.flags & kHasCode) != 0),
       code_(hasCode_ ? body.code : std::uint8_t{0}) {}
 
-void CTarnFWProtocolSpecICMPType::appendTo(std::string& text) const {
+void CTarnFWProtocolSpecICMPType::appendTo(CTarnFWText& text) const {
   appendNegation(text);
   text += hasCode_ ? "typecode " : "icmptype ";
   appendDecimal(text, type_);

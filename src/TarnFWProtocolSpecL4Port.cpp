@@ -19,12 +19,10 @@ unsigned short portFromText(const char* text) {
 CTarnFWProtocolSpecL4Port::CTarnFWProtocolSpecL4Port(unsigned char dir, const char* text)
     : CTarnFWProtocolSpec(dir, false), port_(portFromText(text)) {}
 
-void CTarnFWProtocolSpecL4Port::appendTo(std::string& text) const {
-  CTarnFWShortText<sizeof "not port 65535"> port;
-  if (isNegated()) port.add("not ");
-  port.add("port ");
-  port.addDecimal(port_);
-  port.appendTo(text);
+void CTarnFWProtocolSpecL4Port::appendTo(CTarnFWText& text) const {
+  if (isNegated()) text += "not ";
+  text += "port ";
+  text.appendDecimal(port_);
 }
 
 bool CTarnFWProtocolSpecL4Port::toMessage(void* buffer, unsigned int size, unsigned int* written) {

@@ -21,7 +21,7 @@ class CTarnFWProtocolSpecL4Port final : public CTarnFWProtocolSpec {
 
   FWProtocolSpecType_t getSpecType() const override { return FW_SPEC_L4_PORT; }
   unsigned int getMsgSize() const override { return sizeof(Body); }
-  void appendTo(std::string& text) const override;
+  void appendTo(CTarnFWText& text) const override;
   bool toMessage(void* buffer, unsigned int size, unsigned int* written) override;
 
  private:

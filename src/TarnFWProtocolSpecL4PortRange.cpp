@@ -23,7 +23,7 @@ CTarnFWProtocolSpecL4PortRange::CTarnFWProtocolSpecL4PortRange(unsigned char dir
   high_ = static_cast<std::uint16_t>(high);
 }
 
-void CTarnFWProtocolSpecL4PortRange::appendTo(std::string& text) const {
+void CTarnFWProtocolSpecL4PortRange::appendTo(CTarnFWText& text) const {
   appendNegation(text);
   text += "port ";
   appendDecimal(text, low_);

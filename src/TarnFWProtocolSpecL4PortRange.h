@@ -25,7 +25,7 @@ class CTarnFWProtocolSpecL4PortRange final : public CTarnFWProtocolSpec {
 
   FWProtocolSpecType_t getSpecType() const override { return FW_SPEC_L4_PORT_RANGE; }
   unsigned int getMsgSize() const override { return sizeof(Body); }
-  void appendTo(std::string& text) const override;
+  void appendTo(CTarnFWText& text) const override;
   bool toMessage(void* buffer, unsigned int size, unsigned int* written) override;
 
  private:

@@ -98,7 +98,7 @@ void CTarnFWProtocolSpecL4PortSet::addPortRange(unsigned short low, unsigned sho
   addPortRange((static_cast<unsigned int>(high) << 16) | low);
 }
 
-void CTarnFWProtocolSpecL4PortSet::appendTo(std::string& text) const {
+void CTarnFWProtocolSpecL4PortSet::appendTo(CTarnFWText& text) const {
   if (ports_.size() == 0 && ranges_.size() == 0) return;
   appendNegation(text);
   text += "port {";

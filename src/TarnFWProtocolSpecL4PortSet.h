@@ -44,7 +44,7 @@ class CTarnFWProtocolSpecL4PortSet final : public CTarnFWProtocolSpec {
   FWProtocolSpecType_t getSpecType() const override { return FW_SPEC_L4_PORT_SET; }
   unsigned int getMsgSize() const override { return sizeof(Body); }
   /// Empty, even when negated, for a set without members.
-  void appendTo(std::string& text) const override;
+  void appendTo(CTarnFWText& text) const override;
   bool toMessage(void* buffer, unsigned int size, unsigned int* written) override;
 
   /// A value that would be the sixteenth entry throws CTooManyL4PortException, even when it is in

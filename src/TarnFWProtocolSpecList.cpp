@@ -38,7 +38,7 @@ void writeSpec(CTarnFWProtocolSpec& spec, FWSpecHeader_& header, std::span<std::
 
 }  // namespace
 
-void CTarnFWProtocolSpecList::appendTo(std::string& text) const {
+void CTarnFWProtocolSpecList::appendTo(CTarnFWText& text) const {
   if (!first_) return;
   if (rest_.empty()) {
     first_->appendTo(text);

@@ -50,7 +50,7 @@ class CTarnFWProtocolSpecList final : public CTarnFWProtocolSpec {
     return portMode_ ? sizeof(FWPortBlock_) : sizeof(FWSessionBlock_);
   }
   /// Empty for an empty list; a single member stands alone, more stand in "with {...}".
-  void appendTo(std::string& text) const override;
+  void appendTo(CTarnFWText& text) const override;
   /// Throws CDuplicateProtocolSpecException when two members want the same place; nothing is
   /// written then.
   bool toMessage(void* buffer, unsigned int size, unsigned int* written) override;

@@ -8,7 +8,7 @@ namespace TarnFirewall {
 class CTarnFWProtocolSpecSloppy final : public CTarnFWProtocolSpecSession {
  public:
   FWProtocolSpecType_t getSpecType() const override { return FW_SPEC_SLOPPY; }
-  void appendTo(std::string& text) const override { text += "sloppy"; }
+  void appendTo(CTarnFWText& text) const override { text += "sloppy"; }
 
  private:
   std::uint16_t flagBits() const override { return kSessionSloppy; }

@@ -8,7 +8,7 @@ namespace TarnFirewall {
 class CTarnFWProtocolSpecStateless final : public CTarnFWProtocolSpecSession {
  public:
   FWProtocolSpecType_t getSpecType() const override { return FW_SPEC_STATELESS; }
-  void appendTo(std::string& text) const override { text += "stateless"; }
+  void appendTo(CTarnFWText& text) const override { text += "stateless"; }
 
  private:
   std::uint16_t flagBits() const override { return kSessionStateless; }

@@ -8,7 +8,7 @@ namespace TarnFirewall {
 class CTarnFWProtocolSpecStrict final : public CTarnFWProtocolSpecSession {
  public:
   FWProtocolSpecType_t getSpecType() const override { return FW_SPEC_STRICT; }
-  void appendTo(std::string& text) const override { text += "strict"; }
+  void appendTo(CTarnFWText& text) const override { text += "strict"; }
 
  private:
   std::uint16_t flagBits() const override { return kSessionStrict; }

@@ -16,7 +16,7 @@ CTarnFWProtocolSpecTCPFlags::CTarnFWProtocolSpecTCPFlags(unsigned char dir, cons
     : CTarnFWProtocolSpec(dir, negated),
       flags_(static_cast<std::uint16_t>(body.low | ((body.high & 1) << 8))) {}
 
-void CTarnFWProtocolSpecTCPFlags::appendTo(std::string& text) const {
+void CTarnFWProtocolSpecTCPFlags::appendTo(CTarnFWText& text) const {
   appendNegation(text);
   text += "flag 0x";
   appendHex(text, flags_, 4);

@@ -14,7 +14,7 @@ CTarnFWProtocolSpecTCPOptions::CTarnFWProtocolSpecTCPOptions(unsigned char dir, 
   if (length != 0) std::memcpy(options_.data(), options, length);
 }
 
-void CTarnFWProtocolSpecTCPOptions::appendTo(std::string& text) const {
+void CTarnFWProtocolSpecTCPOptions::appendTo(CTarnFWText& text) const {
   appendNegation(text);
   text += "tcpoptions 0x";
   for (unsigned int i = 0; i < length_; ++i) appendHex(text, options_[i], 2);

@@ -26,7 +26,7 @@ class CTarnFWProtocolSpecTCPOptions final : public CTarnFWProtocolSpec {
 
   FWProtocolSpecType_t getSpecType() const override { return FW_SPEC_TCP_OPTIONS; }
   unsigned int getMsgSize() const override { return sizeof(Body); }
-  void appendTo(std::string& text) const override;
+  void appendTo(CTarnFWText& text) const override;
   bool toMessage(void* buffer, unsigned int size, unsigned int* written) override;
 
  private:

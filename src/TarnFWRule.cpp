@@ -24,9 +24,6 @@ constexpr SpecKinds kTCPKinds = specKind(FW_SPEC_TCP_FLAGS) | specKind(FW_SPEC_T
 /// What log lines about a rule that is written name as their function.
 constexpr char kToMessage[] = "toMessage";
 
-/// Length of most rules' texts, so that the string grows once.
-constexpr std::size_t kUsualText = 200;
-
 void checkSpecs(const FWRuleParts& parts) {
   const SpecKinds kinds = parts.connection.getKinds();
   const bool directionPorts =
@@ -56,16 +53,16 @@ std::string_view directionText(FWRuleDirection_t direction) {
 }
 
 /// Appends a blank and the list's text, or nothing when there is no text. The result is the text.
-std::string_view appendSpecs(std::string& text, const CTarnFWProtocolSpecList& list) {
+std::string_view appendSpecs(CTarnFWText& text, const CTarnFWProtocolSpecList& list) {
   if (list.empty()) return {};
   text += ' ';
   const std::size_t start = text.size();
   list.appendTo(text);
-  if (text.size() == start) text.pop_back();
-  return std::string_view(text).substr(std::min(start, text.size()));
+  if (text.size() == start) text.erase(start - 1, 1);
+  return text.view().substr(std::min(start, text.size()));
 }
 
-void appendAddress(std::string& text, const CTarnFWAddress* address) {
+void appendAddress(CTarnFWText& text, const CTarnFWAddress* address) {
   if (address != nullptr) {
     address->appendTo(text);
   } else {
@@ -74,7 +71,7 @@ void appendAddress(std::string& text, const CTarnFWAddress* address) {
 }
 
 /// The lines of one end of the traffic in the labelled form; `label` is "Source" or "Destination".
-void appendEnd(std::string& text, const char* label, const CTarnFWAddress* address,
+void appendEnd(CTarnFWText& text, const char* label, const CTarnFWAddress* address,
                const CTarnFWProtocolSpecList& ports) {
   text += label;
   text += " : ";
@@ -82,8 +79,8 @@ void appendEnd(std::string& text, const char* label, const CTarnFWAddress* addre
   const bool excluded = address != nullptr && address->isNegated();
   if (excluded) {
     // The last "not" of all lines so far goes, wherever it stands: scripts read such lines.
-    const std::size_t place = text.rfind("not");
-    if (place != text.npos) text.erase(place, 4);
+    const std::size_t place = text.view().rfind("not");
+    if (place != std::string_view::npos) text.erase(place, 4);
   }
   text += '\n';
   if (excluded) {
@@ -168,23 +165,21 @@ void CTarnFWRule::setTCPStrict(bool on) {
   }
 }
 
-void CTarnFWRule::appendHead(std::string& text) const {
-  CTarnFWShortText<sizeof "# internal # rule -2147483648 at -2147483648 inout inet6 "> head;
-  if (parts_.internal()) head.add("# internal # ");
-  head.add("rule ");
-  head.addDecimal(static_cast<std::int32_t>(parts_.id));  // signed: scripts expect that
+void CTarnFWRule::appendHead(CTarnFWText& text) const {
+  if (parts_.internal()) text += "# internal # ";
+  text += "rule ";
+  text.appendDecimal(static_cast<std::int32_t>(parts_.id));  // signed: scripts expect that
   if (parts_.position != -1) {
-    head.add(" at ");
-    head.addDecimal(parts_.position);
+    text += " at ";
+    text.appendDecimal(parts_.position);
   }
-  head.add(directionText(parts_.direction));
-  if (parts_.af == FW_AF_INET) head.add(" inet");
-  if (parts_.af == FW_AF_INET6) head.add(" inet6");
-  head.add(' ');
-  head.appendTo(text);
+  text += directionText(parts_.direction);
+  if (parts_.af == FW_AF_INET) text += " inet";
+  if (parts_.af == FW_AF_INET6) text += " inet6";
+  text += ' ';
 }
 
-void CTarnFWRule::appendTo(std::string& text) const {
+void CTarnFWRule::appendTo(CTarnFWText& text) const {
   appendHead(text);
   protocol().appendTo(text);
   appendSpecs(text, parts_.connection);
@@ -220,15 +215,14 @@ void CTarnFWRule::appendTo(std::string& text) const {
 }
 
 std::string CTarnFWRule::toString() const {
-  std::string text;
-  text.reserve(kUsualText);
+  CTarnFWText text;
   appendTo(text);
-  return text;
+  return text.str();
 }
 
 std::string CTarnFWRule::toString2() const {
-  std::string text;
-  text.reserve(2 * kUsualText);
+  CTarnFWText text;
+  if (parts_.internal()) text += "# internal # ";
   text += "Rule : ";
   appendDecimal(text, parts_.id);
   text += "\nPosition : ";
@@ -247,8 +241,7 @@ std::string CTarnFWRule::toString2() const {
   text += "Action : ";
   text += parts_.action ? parts_.action->toString(0) : CTarnFWRuleActionAccept().toString();
   text += '\n';
-  if (parts_.internal()) text.insert(0, "# internal # ");
-  return text;
+  return text.str();
 }
 
 bool CTarnFWRule::encode(FWRule_& record) {

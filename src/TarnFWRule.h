@@ -35,7 +35,7 @@ class CTarnFWRule : public ITarnFWObject {
   unsigned int getMsgSize() const override { return sizeof(FWRule_); }
   int getType() const override { return kType; }
   std::string toString() const override;
-  void appendTo(std::string& text) const override;
+  void appendTo(CTarnFWText& text) const override;
   bool toMessage(void* buffer, unsigned int size, unsigned int* written) override;
   /// The same into a buffer that is zero.
   bool toFreshMessage(void* buffer, unsigned int size, unsigned int* written);
@@ -84,7 +84,7 @@ class CTarnFWRule : public ITarnFWObject {
   void accept();
   void begin();
   /// Appends what stands in front of the protocol.
-  void appendHead(std::string& text) const;
+  void appendHead(CTarnFWText& text) const;
   /// `clear`: the buffer is not zero.
   bool write(void* buffer, unsigned int size, unsigned int* written, bool clear);
   bool encode(FWRule_& record);

@@ -13,7 +13,7 @@ constexpr unsigned int kAssignedFlags =
 
 }  // namespace
 
-const char* const rule_action_name[kRuleActions] = {
+constinit const std::string_view rule_action_name[kRuleActions] = {
     "unknown", "accept",     "drop", "reject",  "jumpto", "punt", "divert", "snat",
     "dnat",    "macrewrite", "copy", "encrypt", "clear",  "lb",   "pbr"};
 
@@ -50,7 +50,7 @@ std::unique_ptr<CTarnFWAddress> CTarnFWRuleAction::replaceIPRangeAddress(const c
   return nullptr;
 }
 
-void CTarnFWRuleAction::appendFlags(std::string& text) const {
+void CTarnFWRuleAction::appendFlags(CTarnFWText& text) const {
   static constexpr struct {
     std::uint16_t flag;
     const char* word;
@@ -79,30 +79,31 @@ void CTarnFWRuleAction::appendFlags(std::string& text) const {
 }
 
 std::string CTarnFWRuleAction::flagToString() const {
-  std::string text;
+  CTarnFWText text;
   appendFlags(text);
-  return text;
+  return text.str();
 }
 
-void CTarnFWRuleAction::appendData(std::string&) const {}
+void CTarnFWRuleAction::appendData(CTarnFWText&) const {}
 
-void CTarnFWRuleAction::appendTo(std::string& text) const {
+void CTarnFWRuleAction::appendTo(CTarnFWText& text) const {
   text += rule_action_name[getAction()];
   appendData(text);
   appendFlags(text);
 }
 
 std::string CTarnFWRuleAction::toString() const {
-  std::string text;
+  CTarnFWText text;
   appendTo(text);
-  return text;
+  return text.str();
 }
 
 std::string CTarnFWRuleAction::toString(int) const {
-  std::string text = rule_action_name[getAction()];
+  CTarnFWText text;
+  text += rule_action_name[getAction()];
   text += '\n';
   appendFlags(text);
-  return text;
+  return text.str();
 }
 
 void CTarnFWRuleAction::writeData(fw_rule_action_&) {}

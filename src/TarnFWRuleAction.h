@@ -13,7 +13,7 @@ namespace TarnFirewall {
 class CTarnFWAddress;
 
 /// Words of the actions, by their code.
-extern const char* const rule_action_name[kRuleActions];
+extern constinit const std::string_view rule_action_name[kRuleActions];
 
 /// Base of the actions: the flags that every action carries, and the frame of text and record.
 class CTarnFWRuleAction : public ITarnFWObject {
@@ -24,7 +24,7 @@ class CTarnFWRuleAction : public ITarnFWObject {
   int getType() const override { return kType; }
   /// The word, the data and the flags.
   std::string toString() const final;
-  void appendTo(std::string& text) const override;
+  void appendTo(CTarnFWText& text) const override;
   bool toMessage(void* buffer, unsigned int size, unsigned int* written) final;
 
   /// Writes the wire form into a cleared record. False, with nothing written, when the action's
@@ -70,7 +70,7 @@ class CTarnFWRuleAction : public ITarnFWObject {
   CTarnFWRuleAction() = default;
 
   /// Text between the word and the flags, with its leading blank.
-  virtual void appendData(std::string& text) const;
+  virtual void appendData(CTarnFWText& text) const;
 
   /// Whether the action's own data fits into a record. Where it does not, nothing is written.
   virtual bool dataFits() const { return true; }
@@ -79,7 +79,7 @@ class CTarnFWRuleAction : public ITarnFWObject {
   virtual void writeData(fw_rule_action_& record);
 
  private:
-  void appendFlags(std::string& text) const;
+  void appendFlags(CTarnFWText& text) const;
   void setDynamic(unsigned int app, bool withMark, bool mark);
   bool setFlag(std::uint16_t flag, bool on) {
     flags_ = static_cast<std::uint16_t>(on ? flags_ | flag : flags_ & ~flag);

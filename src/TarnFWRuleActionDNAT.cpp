@@ -47,7 +47,7 @@ CTarnFWRuleActionDNAT::CTarnFWRuleActionDNAT(const FWAddress_* record, FWRulePoo
                                              unsigned short poolValue)
     : CTarnFWRuleActionDNAT(record, pool, Ports{}, poolValue) {}
 
-void CTarnFWRuleActionDNAT::appendData(std::string& text) const {
+void CTarnFWRuleActionDNAT::appendData(CTarnFWText& text) const {
   CTarnFWRuleActionNAT::appendData(text);
   if ((ports_.present & kActionHasPort) != 0) {
     text += " port ";

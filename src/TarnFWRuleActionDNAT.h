@@ -42,7 +42,7 @@ class CTarnFWRuleActionDNAT final : public CTarnFWRuleActionNAT {
   CTarnFWRuleActionDNAT(Address address, FWRulePoolOpt_t pool, Ports ports,
                         unsigned short poolValue);
 
-  void appendData(std::string& text) const override;
+  void appendData(CTarnFWText& text) const override;
   void writeData(fw_rule_action_& record) override;
 
   Ports ports_;

@@ -11,7 +11,7 @@ class CTarnFWRuleActionEncrypt final : public CTarnFWRuleActionKeyPolicy {
       : CTarnFWRuleActionKeyPolicy(std::move(keyPolicy)) {}
 
   FWRuleAction_t getAction() const override { return FW_ACTION_ENCRYPT; }
-  void appendTo(std::string& text) const override {
+  void appendTo(CTarnFWText& text) const override {
     CTarnFWRuleAction::appendTo(text);
     appendKeyPolicy(text);
   }

@@ -17,7 +17,7 @@ CTarnFWRuleActionJumpto::CTarnFWRuleActionJumpto(const FWRuleSetID_t* id) : id_(
   if (length == sizeof id_.text) throw CIDTooLongException(std::string_view(id_.text, length));
 }
 
-void CTarnFWRuleActionJumpto::appendData(std::string& text) const {
+void CTarnFWRuleActionJumpto::appendData(CTarnFWText& text) const {
   text += ' ';
   text += id_.text;
 }

@@ -16,7 +16,7 @@ class CTarnFWRuleActionJumpto final : public CTarnFWRuleAction {
   FWRuleAction_t getAction() const override { return FW_ACTION_JUMPTO; }
 
  private:
-  void appendData(std::string& text) const override;
+  void appendData(CTarnFWText& text) const override;
   void writeData(fw_rule_action_& record) override;
 
   FWRuleSetID_t id_{};

@@ -4,7 +4,7 @@
 
 namespace TarnFirewall {
 
-void CTarnFWRuleActionKeyPolicy::appendKeyPolicy(std::string& text) const {
+void CTarnFWRuleActionKeyPolicy::appendKeyPolicy(CTarnFWText& text) const {
   if (keyPolicy_.empty()) return;
   text += " keypolicy ";
   text += keyPolicy_;

@@ -13,10 +13,11 @@ class CTarnFWRuleActionKeyPolicy : public CTarnFWRuleAction {
   explicit CTarnFWRuleActionKeyPolicy(std::string keyPolicy) : keyPolicy_(std::move(keyPolicy)) {}
 
   /// " keypolicy " and the id; nothing for an empty one.
-  void appendKeyPolicy(std::string& text) const;
+  void appendKeyPolicy(CTarnFWText& text) const;
 
  private:
-  /// An id of more than 36 characters is cut without a word: configurations with longer ones load so.
+  /// An id of more than 36 characters is cut without a word: configurations with longer ones load
+  /// so.
   void writeData(fw_rule_action_& record) override;
 
   std::string keyPolicy_;

@@ -22,7 +22,7 @@ CTarnFWRuleActionLB::CTarnFWRuleActionLB(unsigned short type, unsigned short idl
     throw CUnsupportedException("Invalid LB Options");
 }
 
-void CTarnFWRuleActionLB::appendData(std::string& text) const {
+void CTarnFWRuleActionLB::appendData(CTarnFWText& text) const {
   // Two blanks between the word and its type: scripts split there.
   text += "  lbtype ";
   text += type_ == 0 ? "L4" : "L7";

@@ -18,7 +18,7 @@ class CTarnFWRuleActionLB final : public CTarnFWRuleAction {
   FWRuleAction_t getAction() const override { return FW_ACTION_LB; }
 
  private:
-  void appendData(std::string& text) const override;
+  void appendData(CTarnFWText& text) const override;
   void writeData(fw_rule_action_& record) override;
 
   std::uint16_t type_;

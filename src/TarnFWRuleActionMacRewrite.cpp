@@ -10,7 +10,7 @@ CTarnFWRuleActionMacRewrite::CTarnFWRuleActionMacRewrite(const unsigned char* ma
   std::memcpy(mac_, mac, sizeof mac_);
 }
 
-void CTarnFWRuleActionMacRewrite::appendData(std::string& text) const {
+void CTarnFWRuleActionMacRewrite::appendData(CTarnFWText& text) const {
   char separator = ' ';
   for (const std::uint8_t byte : mac_) {
     text += separator;

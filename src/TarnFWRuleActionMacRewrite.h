@@ -13,7 +13,7 @@ class CTarnFWRuleActionMacRewrite final : public CTarnFWRuleAction {
   FWRuleAction_t getAction() const override { return FW_ACTION_MACREWRITE; }
 
  private:
-  void appendData(std::string& text) const override;
+  void appendData(CTarnFWText& text) const override;
   void writeData(fw_rule_action_& record) override;
 
   std::uint8_t mac_[6];

@@ -17,7 +17,7 @@ std::unique_ptr<CTarnFWAddress> CTarnFWRuleActionNAT::replaceIPRangeAddress(cons
   return range;
 }
 
-void CTarnFWRuleActionNAT::appendData(std::string& text) const {
+void CTarnFWRuleActionNAT::appendData(CTarnFWText& text) const {
   text += ' ';
   address_->appendTo(text);
 }

@@ -19,7 +19,7 @@ class CTarnFWRuleActionNAT : public CTarnFWRuleAction {
   /// Throws what the address factory throws.
   explicit CTarnFWRuleActionNAT(const FWAddress_* record);
 
-  void appendData(std::string& text) const override;
+  void appendData(CTarnFWText& text) const override;
   bool dataFits() const override;
   void writeData(fw_rule_action_& record) override;
 

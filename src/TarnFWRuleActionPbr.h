@@ -11,7 +11,7 @@ class CTarnFWRuleActionPbr final : public CTarnFWRuleActionKeyPolicy {
       : CTarnFWRuleActionKeyPolicy(std::move(keyPolicy)) {}
 
   FWRuleAction_t getAction() const override { return FW_ACTION_PBR; }
-  void appendTo(std::string& text) const override {
+  void appendTo(CTarnFWText& text) const override {
     CTarnFWRuleAction::appendTo(text);
     if (getKeyPolicy() == "ffffffff-ffff-ffff-ffff-ffffffffffff") {
       text += " pass-through";

@@ -30,7 +30,7 @@ unsigned int CTarnFWRuleList::getMsgSize() const {
   return static_cast<unsigned int>(rules_.size() * sizeof(FWRule_));
 }
 
-void CTarnFWRuleList::appendTo(std::string& text) const {
+void CTarnFWRuleList::appendTo(CTarnFWText& text) const {
   for (const auto& rule : rules_) {
     rule->appendTo(text);
     text += '\n';
@@ -38,9 +38,9 @@ void CTarnFWRuleList::appendTo(std::string& text) const {
 }
 
 std::string CTarnFWRuleList::toString() const {
-  std::string text;
+  CTarnFWText text;
   appendTo(text);
-  return text;
+  return text.str();
 }
 
 bool CTarnFWRuleList::write(void* buffer, unsigned int size, unsigned int* written, bool fresh) {

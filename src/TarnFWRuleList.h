@@ -37,7 +37,7 @@ class CTarnFWRuleList final : public ITarnFWObject {
   unsigned int getMsgSize() const override;
   /// Each rule's text and a line end.
   std::string toString() const override;
-  void appendTo(std::string& text) const override;
+  void appendTo(CTarnFWText& text) const override;
   std::string to_string() const { return toString(); }
   /// Writes the rules in order up to the first that fails; `written` adds up their sizes.
   bool toMessage(void* buffer, unsigned int size, unsigned int* written) override;

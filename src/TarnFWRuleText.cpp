@@ -12,6 +12,7 @@
 #include "TarnFWLoadMemory.h"
 #include "TarnFWRule.h"
 #include "TarnFWRuleFactory.h"
+#include "TarnFWText.h"
 
 namespace TarnFirewall {
 
@@ -26,7 +27,7 @@ class TextBuffer {
   TextBuffer(char* text, unsigned int size) : text_(text), size_(size) { *text_ = '\0'; }
 
   /// Throws `CBufferTooSmallException` with the buffer's size.
-  void append(const std::string& more) {
+  void append(std::string_view more) {
     if (size_ - used_ < more.size() + 1) throw CBufferTooSmallException(static_cast<int>(size_));
     std::memcpy(text_ + used_, more.data(), more.size());
     used_ += more.size();
@@ -66,7 +67,13 @@ FWStatus_t rulesToText(const FWRule_* rules, unsigned int count, char* text, uns
                          const std::unique_ptr<CTarnFWRule> rule =
                              CTarnFWRuleFactory::newFromMsgBuf(record, &memory);
                          if (rule == nullptr) return FW_STATUS_INVALID_RULE;
-                         buffer.append(pretty ? rule->toString2() : rule->toString());
+                         if (pretty) {
+                           buffer.append(rule->toString2());
+                         } else {
+                           CTarnFWText made;
+                           rule->appendTo(made);
+                           buffer.append(made.view());
+                         }
                          return FW_STATUS_OK;
                        });
 }

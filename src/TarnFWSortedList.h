@@ -35,13 +35,14 @@ class CTarnFWSortedList : public ITarnFWObject {
   int getType() const final { return Type; }
 
   std::string toString() const final {
-    std::string text = "{";
+    CTarnFWText text;
+    text += '{';
     for (const Entry& entry : entries_) {
       if (text.size() > 1) text += ',';
       appendEntry(text, entry);
     }
     text += '}';
-    return text;
+    return text.str();
   }
 
   /// The entries as they are, one after the other.
@@ -77,7 +78,7 @@ class CTarnFWSortedList : public ITarnFWObject {
   void add(const Entry& entry) { entries_.insert(entries_.end(), entry); }
 
  private:
-  virtual void appendEntry(std::string& text, const Entry& entry) const = 0;
+  virtual void appendEntry(CTarnFWText& text, const Entry& entry) const = 0;
 
   std::set<Entry, Less> entries_;
 };

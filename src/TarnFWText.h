@@ -4,6 +4,7 @@
 #include <concepts>
 #include <cstddef>
 #include <cstring>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -25,41 +26,72 @@ void appendDecimal(std::string& text, T value) {
 
 /// Appends an integer in lower-case hexadecimal, filled with zeros up to `width` digits (16 at
 /// most).
-template <std::unsigned_integral T>
-void appendHex(std::string& text, T value, unsigned int width = 1) {
+template <typename Text, std::unsigned_integral T>
+void appendHex(Text& text, T value, unsigned int width = 1) {
   char digits[16];
   const char* const end = std::to_chars(digits, digits + sizeof digits, value, 16).ptr;
   const auto length = static_cast<std::size_t>(end - digits);
-  if (length < width) text.append(width - length, '0');
-  text.append(digits, length);
+  for (; length < width; --width) text += '0';
+  text += std::string_view(digits, length);
 }
 
-/// A short text while it is put together in place, so that a string takes it in one piece. Whoever
-/// uses it knows the longest forms of its pieces: together they have `Room` characters at most.
-template <std::size_t Room>
-class CTarnFWShortText {
+/// A text while it is made of pieces: an object's text stands in the one that its owner makes.
+/// Texts of usual length need no allocation, and a piece whose length the compiler knows costs a
+/// few instructions; appended to a string, each was a call.
+class CTarnFWText {
  public:
-  void add(char mark) { *end_++ = mark; }
-  void add(std::string_view word) {
-    std::memcpy(end_, word.data(), word.size());
+  CTarnFWText() = default;
+  CTarnFWText(const CTarnFWText&) = delete;
+  CTarnFWText& operator=(const CTarnFWText&) = delete;
+
+  std::size_t size() const { return static_cast<std::size_t>(end_ - begin_); }
+  std::string_view view() const { return {begin_, size()}; }
+  std::string str() const { return {begin_, size()}; }
+
+  /// Drops what stands from `place` on, `length` characters at most.
+  void erase(std::size_t place, std::size_t length);
+
+  CTarnFWText& operator+=(char mark) { return append({&mark, 1}); }
+  CTarnFWText& operator+=(std::string_view word) { return append(word); }
+  CTarnFWText& append(std::string_view word) {
+    std::memcpy(place(word.size()), word.data(), word.size());
     end_ += word.size();
+    return *this;
   }
   template <std::integral T>
-  void addDecimal(T value) {
-    end_ = std::to_chars(end_, text_ + Room, value).ptr;
+  CTarnFWText& appendDecimal(T value) {
+    return appendBy(24, [value](char* to) { return std::to_chars(to, to + 24, value).ptr; });
   }
-  /// What `write` writes at the place that it is given; its result is the place after it.
+  /// What `write` writes at the place that it is given, `most` characters at most; its result is
+  /// the place after it.
   template <std::invocable<char*> Write>
-  void addBy(Write write) {
-    end_ = write(end_);
-  }
-  void appendTo(std::string& text) const {
-    text.append(text_, static_cast<std::size_t>(end_ - text_));
+  CTarnFWText& appendBy(std::size_t most, Write write) {
+    end_ = write(place(most));
+    return *this;
   }
 
  private:
-  char text_[Room];
-  char* end_ = text_;
+  /// The end, with room for as many characters after it. Throws `std::bad_alloc`.
+  char* place(std::size_t length) {
+    if (length > static_cast<std::size_t>(limit_ - end_)) [[unlikely]]
+      grow(length);
+    return end_;
+  }
+  void grow(std::size_t length);
+
+  char inPlace_[512];
+  std::unique_ptr<char[]> grown_;  // holds the text once it is too long for its place
+  char* begin_ = inPlace_;
+  char* end_ = inPlace_;
+  char* limit_ = inPlace_ + sizeof inPlace_;
 };
+
+/// The same as of a string.
+void appendText(CTarnFWText& text, const char* format, ...) __attribute__((format(printf, 2, 3)));
+
+template <std::integral T>
+void appendDecimal(CTarnFWText& text, T value) {
+  text.appendDecimal(value);
+}
 
 }  // namespace TarnFirewall

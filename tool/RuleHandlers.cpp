@@ -76,7 +76,9 @@ int GetSingleRuleSetByType(const RuleSource& source, unsigned int kind,
     }
     status = FW_GetRuleString(&rule, 1, line + kIndent, kRuleText, source.pretty);
     if (status != FW_STATUS_OK) return conversionFailed(status);
-    std::puts(line);
+    // Without the stream's lock: a command has one thread.
+    fputs_unlocked(line, stdout);
+    putc_unlocked('\n', stdout);
   }
   return 0;
 }

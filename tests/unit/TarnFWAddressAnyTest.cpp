@@ -14,9 +14,10 @@ TEST(TarnFWAddressAny, HasItsWordAndItsCode) {
   EXPECT_FALSE(any.isMACAddress());
   EXPECT_FALSE(any.isContainer());
   EXPECT_EQ(any.getName(), "");
-  std::string text = "from ";
+  CTarnFWText text;
+  text += "from ";
   any.appendTo(text);
-  EXPECT_EQ(text, "from any");
+  EXPECT_EQ(text.view(), "from any");
 }
 
 TEST(TarnFWAddressAny, WritesOnlyItsType) {

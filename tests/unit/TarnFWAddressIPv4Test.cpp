@@ -45,9 +45,10 @@ TEST(TarnFWAddressIPv4, WritesEveryAddressAsInetNtopDoes) {
 }
 
 TEST(TarnFWAddressIPv4, AppendsToAText) {
-  std::string text = "from ";
+  CTarnFWText text;
+  text += "from ";
   CTarnFWAddressIPv4("10.1.2.3", true).appendTo(text);
-  EXPECT_EQ(text, "from not ip 10.1.2.3");
+  EXPECT_EQ(text.view(), "from not ip 10.1.2.3");
 }
 
 TEST(TarnFWAddressIPv4, ALeadingBlankAndATrailingWordDoNotCount) {

@@ -106,9 +106,10 @@ TEST(TarnFWAddressListFactory, MakesEmptyLists) {
 }
 
 TEST(TarnFWAddressListFactory, AppendsTheWordAndTheList) {
-  std::string text = "set ";
+  CTarnFWText text;
+  text += "set ";
   make(2, std::array{kEther})->appendTo(text);
-  EXPECT_EQ(text, "set mac {webmac 01:02:03:04:05:06}");
+  EXPECT_EQ(text.view(), "set mac {webmac 01:02:03:04:05:06}");
 }
 
 TEST(TarnFWAddressListFactory, MakesASidListOfSidAttributes) {

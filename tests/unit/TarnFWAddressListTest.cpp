@@ -93,9 +93,10 @@ TEST(TarnFWAddressList, GluesItsNameToTheFirstMember) {
   EXPECT_EQ(list.toString(), "{webip 10.0.0.1}");
   EXPECT_TRUE(list.addAddress(std::make_unique<CTarnFWAddressIPv6>("::1", true)));
   EXPECT_EQ(list.toString(), "{webip 10.0.0.1, not ip ::1}");
-  std::string text = "in ";
+  CTarnFWText text;
+  text += "in ";
   list.appendTo(text);
-  EXPECT_EQ(text, "in {webip 10.0.0.1, not ip ::1}");
+  EXPECT_EQ(text.view(), "in {webip 10.0.0.1, not ip ::1}");
   EXPECT_STREQ(list.getSetID().text, "web");
 }
 

@@ -35,9 +35,10 @@ TEST(TarnFWAddress, IsNothingInParticularByDefault) {
 }
 
 TEST(TarnFWAddress, AppendsItsTextByDefault) {
-  std::string text = "the ";
+  CTarnFWText text;
+  text += "the ";
   Least().appendTo(text);
-  EXPECT_EQ(text, "the least");
+  EXPECT_EQ(text.view(), "the least");
 }
 
 TEST(TarnFWAddress, TypeComesBeforeEverythingElseInTheOrder) {

@@ -13,7 +13,7 @@ class PlainSpec final : public CTarnFWProtocolSpec {
  public:
   using CTarnFWProtocolSpec::CTarnFWProtocolSpec;
   unsigned int getMsgSize() const override { return 0; }
-  void appendTo(std::string&) const override {}
+  void appendTo(CTarnFWText&) const override {}
   bool toMessage(void*, unsigned int, unsigned int*) override { return true; }
 };
 

@@ -37,7 +37,7 @@ TEST(TarnFWRuleAction, NamesAreInTheOrderOfTheCodes) {
                                "punt",    "divert",  "snat",  "dnat",   "macrewrite",
                                "copy",    "encrypt", "clear", "lb",     "pbr"};
   ASSERT_EQ(std::size(words), kRuleActions);
-  for (unsigned int i = 0; i < kRuleActions; ++i) EXPECT_STREQ(rule_action_name[i], words[i]);
+  for (unsigned int i = 0; i < kRuleActions; ++i) EXPECT_EQ(rule_action_name[i], words[i]);
 }
 
 TEST(TarnFWRuleAction, PlainActionsAreTheirWordAndTheirCode) {

@@ -151,7 +151,7 @@ TEST(TarnFWRuleBuilder, AnEmptyKeyPolicyIsTakenWithAWarning) {
               std::vector<std::string>{
                   "4|tarnfw: TarnFWRuleBuilder:setAction():N Adding Empty Key Policy \n\n"});
     EXPECT_EQ(textOf(builder), std::string("rule 7 inout protocol tcp from any to any ") +
-                                   rule_action_name[code] + ";");
+                                   std::string(rule_action_name[code]) + ";");
   }
 }
 

@@ -51,23 +51,61 @@ TEST(Text, AppendsHexadecimalNumbersFilledToTheWidth) {
   EXPECT_EQ(hex(std::numeric_limits<std::uint64_t>::max(), 16), "<ffffffffffffffff>");
 }
 
-TEST(Text, AShortTextIsAppendedInOnePieceAndMayFillItsRoom) {
-  CTarnFWShortText<sizeof "not port 65535-x" - 1> pieces;
-  pieces.add("not ");
-  pieces.add(std::string_view("port "));
-  pieces.addDecimal(std::uint16_t{65535});
-  pieces.add('-');
-  pieces.addBy([](char* to) {
+TEST(MadeText, HasItsPiecesInOrder) {
+  CTarnFWText text;
+  EXPECT_EQ(text.view(), "");
+  text += "not ";
+  text += std::string("port ");
+  text.appendDecimal(std::uint16_t{65535});
+  text += '-';
+  text.appendBy(1, [](char* to) {
     *to = 'x';
     return to + 1;
   });
-  std::string text = "from any ";
-  pieces.appendTo(text);
-  EXPECT_EQ(text, "from any not port 65535-x");
-  CTarnFWShortText<11> number;
-  number.addDecimal(std::numeric_limits<std::int32_t>::min());
-  number.appendTo(text);
-  EXPECT_EQ(text, "from any not port 65535-x-2147483648");
-  CTarnFWShortText<1>().appendTo(text);
-  EXPECT_EQ(text, "from any not port 65535-x-2147483648");
+  appendText(text, " %s%d", "in ", -1);
+  appendHex(text, 0x1fu, 4);
+  EXPECT_EQ(text.str(), "not port 65535-x in -1001f");
+}
+
+TEST(MadeText, DropsWhatStandsAnywhere) {
+  CTarnFWText text;
+  text += "not any";
+  text.erase(6, 1);
+  EXPECT_EQ(text.view(), "not an");
+  text.erase(0, 4);
+  EXPECT_EQ(text.view(), "an");
+  text.erase(1, 100);
+  EXPECT_EQ(text.view(), "a");
+  EXPECT_EQ(text.size(), 1u);
+}
+
+TEST(MadeText, HasNumbersUpToTheirLimits) {
+  CTarnFWText text;
+  text.appendDecimal(std::numeric_limits<std::int64_t>::min());
+  text.appendDecimal(std::numeric_limits<std::uint64_t>::max());
+  EXPECT_EQ(text.view(), "-922337203685477580818446744073709551615");
+}
+
+TEST(MadeText, GrowsWithWhateverPieceIsTooLongForItsPlace) {
+  for (const std::size_t before : {0u, 511u, 512u, 513u, 5000u}) {
+    for (const std::size_t piece : {1u, 512u, 513u, 100000u}) {
+      CTarnFWText text;
+      std::string expected;
+      for (std::size_t i = 0; i < before; ++i) {
+        const char mark = static_cast<char>('a' + i % 26);
+        text += mark;
+        expected += mark;
+      }
+      const std::string word(piece, '#');
+      text += word;
+      text.appendDecimal(std::numeric_limits<std::int32_t>::min());
+      EXPECT_EQ(text.view(), expected + word + "-2147483648");
+    }
+  }
+}
+
+TEST(MadeText, TakesAFormattedPieceOfAnyLength) {
+  CTarnFWText text;
+  appendText(text, "<%s>", std::string(3000, 'x').c_str());
+  EXPECT_EQ(text.str(), "<" + std::string(3000, 'x') + ">");
 }
