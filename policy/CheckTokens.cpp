@@ -50,7 +50,12 @@ TokenReader::TokenReader(const SourceText& source, TarnFirewall::fw_lex_extra_& 
       extra_(extra),
       stray_(std::move(stray)),
       quiet_(std::make_unique<QuietErrors>()) {
-  start(0);
+  try {
+    start(0);
+  } catch (...) {
+    stop();
+    throw;
+  }
 }
 
 TokenReader::~TokenReader() { stop(); }

@@ -22,6 +22,9 @@ namespace {
 
 thread_local LibraryLines* currentLines = nullptr;
 
+/// Characters of a line of the library that are kept, at most.
+constexpr std::size_t kLibraryLine = 1024;
+
 // ---- parsing
 
 /// The result of a parser that has no memory for its stack, and the end of the line about an
@@ -208,6 +211,7 @@ std::string shownStatement(CTarnFWCmd& statement) {
 }  // namespace
 
 LibraryLines::LibraryLines() : before_(gTarnFWLogger.load()), outer_(currentLines) {
+  error_.reserve(kLibraryLine);
   currentLines = this;
   gTarnFWLogger.store({take, LOG_INFO});
 }
@@ -217,10 +221,11 @@ LibraryLines::~LibraryLines() {
   currentLines = outer_;
 }
 
+/// Throws nothing, since it may be called from inside of a parser, whose stack nobody else frees.
 void LibraryLines::take(int priority, const char* format, va_list arguments) {
   LibraryLines* const lines = currentLines;
   if (lines == nullptr || priority > LOG_ERR || !lines->error_.empty()) return;
-  char line[1024];
+  char line[kLibraryLine];
   std::vsnprintf(line, sizeof line, format, arguments);
   const char* const place = std::strstr(line, " [");
   std::string& error = lines->error_;
