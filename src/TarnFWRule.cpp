@@ -2,7 +2,6 @@
 
 #include <netinet/in.h>
 
-#include <algorithm>
 #include <cstring>
 #include <string_view>
 
@@ -41,25 +40,27 @@ FWRuleParts& checkAll(FWRuleParts& parts) {
   return parts;
 }
 
-std::string_view directionText(FWRuleDirection_t direction) {
+void appendDirection(CTarnFWText& text, FWRuleDirection_t direction) {
   switch (direction) {
     case FW_DIRECTION_IN:
-      return " in";
+      text += " in";
+      break;
     case FW_DIRECTION_OUT:
-      return " out";
+      text += " out";
+      break;
     default:
-      return " inout";
+      text += " inout";
+      break;
   }
 }
 
-/// Appends a blank and the list's text, or nothing when there is no text. The result is the text.
-std::string_view appendSpecs(CTarnFWText& text, const CTarnFWProtocolSpecList& list) {
-  if (list.empty()) return {};
+/// Appends a blank and the list's text, or nothing when there is no text.
+void appendSpecs(CTarnFWText& text, const CTarnFWProtocolSpecList& list) {
+  if (list.empty()) return;
   text += ' ';
   const std::size_t start = text.size();
   list.appendTo(text);
   if (text.size() == start) text.erase(start - 1, 1);
-  return text.view().substr(std::min(start, text.size()));
 }
 
 void appendAddress(CTarnFWText& text, const CTarnFWAddress* address) {
@@ -173,7 +174,7 @@ void CTarnFWRule::appendHead(CTarnFWText& text) const {
     text += " at ";
     text.appendDecimal(parts_.position);
   }
-  text += directionText(parts_.direction);
+  appendDirection(text, parts_.direction);
   if (parts_.af == FW_AF_INET) text += " inet";
   if (parts_.af == FW_AF_INET6) text += " inet6";
   text += ' ';
@@ -188,7 +189,9 @@ void CTarnFWRule::appendTo(CTarnFWText& text) const {
   appendSpecs(text, parts_.sourcePorts);
   text += " to ";
   appendAddress(text, parts_.destination.get());
-  const bool toPort69 = appendSpecs(text, parts_.destinationPorts) == "port 69";
+  const std::size_t portsBegin = text.size();
+  appendSpecs(text, parts_.destinationPorts);
+  const std::size_t portsEnd = text.size();
   if ((profileMode_ & kProfileCopy) != 0) text += " with attribute ANY ";
   if (hasExtSrcProfile() && parts_.extendedSource() != nullptr) {
     text += " with extended src ";
@@ -205,7 +208,10 @@ void CTarnFWRule::appendTo(CTarnFWText& text) const {
   } else {
     text += "accept";
   }
-  if (protocol().getNumber() == IPPROTO_UDP && toPort69) text += " as tftp";
+  if (protocol().getNumber() == IPPROTO_UDP &&
+      text.view().substr(portsBegin, portsEnd - portsBegin) == " port 69") {
+    text += " as tftp";
+  }
   if (const char* const tag = parts_.tag(); *tag != '\0') {
     text += " tag '";
     text += tag;
@@ -228,7 +234,7 @@ std::string CTarnFWRule::toString2() const {
   text += "\nPosition : ";
   appendDecimal(text, parts_.position);
   text += "\nDirection :";
-  text += directionText(parts_.direction);
+  appendDirection(text, parts_.direction);
   text += '\n';
   if (parts_.af == FW_AF_INET) text += "Af : inet\n";
   if (parts_.af == FW_AF_INET6) text += "Af : inet6\n";

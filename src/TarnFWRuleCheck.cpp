@@ -32,15 +32,17 @@ void checkRuleParts(const FWRuleParts& parts, FWRuleAction_t action) {
   if (translates && !layer3) throw CUnsupportedException("cannot accept layer2 NAT rule!");
   if (action == FW_ACTION_SNAT && parts.direction != FW_DIRECTION_OUT)
     throw CUnsupportedException("SNAT rule direction is not out!");
+  const bool fromIP = isIP(source);
+  const bool toIP = isIP(destination);
+  // An IP address is no MAC address, and need not be asked.
   if (layer3) {
-    if (isMAC(source)) refuseAddress("layer3 rule src address is MAC");
-    if (isMAC(destination)) refuseAddress("layer3 rule dst address is MAC");
+    if (!fromIP && isMAC(source)) refuseAddress("layer3 rule src address is MAC");
+    if (!toIP && isMAC(destination)) refuseAddress("layer3 rule dst address is MAC");
   } else {
-    if (isIP(source)) refuseAddress("layer2 rule src address is IP");
-    if (isIP(destination)) refuseAddress("layer2 rule dst address is IP");
+    if (fromIP) refuseAddress("layer2 rule src address is IP");
+    if (toIP) refuseAddress("layer2 rule dst address is IP");
   }
-  if (isIP(source) && isIP(destination) &&
-      source->isIPv4Address() != destination->isIPv4Address()) {
+  if (fromIP && toIP && source->isIPv4Address() != destination->isIPv4Address()) {
     refuseAddress("rule src and dst are different version of IP addresses");
   }
 }

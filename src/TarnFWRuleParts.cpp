@@ -49,32 +49,42 @@ bool isDefaultRule(const FWRule_& record) {
 
 // ---- reading
 
-/// The spec whose header stands here, with `size` bytes for both. Most places have none.
+/// Whether a spec's header stands here. Most places have none.
+bool holdsSpec(const void* place) {
+  return loadRecord<FWSpecHeader_>(place).kind() != FW_SPEC_NONE;
+}
+
+/// The spec whose header stands here, with `size` bytes for both.
 std::unique_ptr<CTarnFWProtocolSpec> readSpec(const void* place, std::size_t size,
                                               CTarnFWLoadMemory* memory) {
-  if (loadRecord<FWSpecHeader_>(place).kind() == FW_SPEC_NONE) return nullptr;
   return CTarnFWProtocolSpecFactory::newFromMsgBuf(place, static_cast<unsigned int>(size), memory);
 }
 
-void addSpec(FWRuleParts& parts, std::unique_ptr<CTarnFWProtocolSpec> spec) {
-  if (spec) parts.connection.addSpec(std::move(spec));
+void readPorts(const FWPortBlock_& block, CTarnFWProtocolSpecList& list,
+               CTarnFWLoadMemory* memory) {
+  if (holdsSpec(&block)) list.setSpec(readSpec(&block, sizeof block, memory));
 }
 
-void readSession(const FWRule_& record, FWRuleParts& parts, CTarnFWLoadMemory* memory) {
-  constexpr std::size_t flags = offsetof(FWSessionBlock_, flagsHeader);
-  constexpr std::size_t options = offsetof(FWSessionBlock_, options);
+void readSession(const FWRule_& record, CTarnFWProtocolSpecList& list, CTarnFWLoadMemory* memory) {
   const unsigned int bits = record.session.flags;
-  if ((bits & kSessionStateless) != 0) addSpec(parts, makeIn<CTarnFWProtocolSpecStateless>(memory));
-  if ((bits & kSessionSloppy) != 0) addSpec(parts, makeIn<CTarnFWProtocolSpecSloppy>(memory));
-  if ((bits & kSessionStrict) != 0) addSpec(parts, makeIn<CTarnFWProtocolSpecStrict>(memory));
+  if ((bits & kSessionStateless) != 0) list.addSpec(makeIn<CTarnFWProtocolSpecStateless>(memory));
+  if ((bits & kSessionSloppy) != 0) list.addSpec(makeIn<CTarnFWProtocolSpecSloppy>(memory));
+  if ((bits & kSessionStrict) != 0) list.addSpec(makeIn<CTarnFWProtocolSpecStrict>(memory));
   const auto* const session =
       reinterpret_cast<const std::uint8_t*>(&record) + offsetof(FWRule_, session);
-  addSpec(parts, readSpec(session + flags, sizeof record.session - flags, memory));
+  const auto* const flags = session + offsetof(FWSessionBlock_, flagsHeader);
+  const auto* const options = session + offsetof(FWSessionBlock_, options);
+  if (holdsSpec(flags)) {
+    constexpr std::size_t size = sizeof record.session - offsetof(FWSessionBlock_, flagsHeader);
+    list.addSpec(readSpec(flags, size, memory));
+  }
   // The writer puts the header of TCP options in front of their field; here the length word with
   // which the field begins is taken for the header, and the body reaches into the tag. Programs
   // that list rules depend on what the rules of the kernel have been read as from the start.
-  addSpec(parts, readSpec(session + options, sizeof(FWSpecHeader_) + sizeof record.session.options,
-                          memory));
+  if (holdsSpec(options)) {
+    constexpr std::size_t size = sizeof(FWSpecHeader_) + sizeof record.session.options;
+    list.addSpec(readSpec(options, size, memory));
+  }
 }
 
 /// Container ids of a record are taken as they stand.
@@ -151,10 +161,9 @@ void readRuleRecord(const FWRule_& record, FWRuleParts& parts, CTarnFWLoadMemory
     parts.source = CTarnFWAddressFactory::newFromMsgBuf(&record.source, memory);
   if ((flags & kRuleHasDestination) != 0)
     parts.destination = CTarnFWAddressFactory::newFromMsgBuf(&record.destination, memory);
-  parts.sourcePorts.setSpec(readSpec(&record.sourcePorts, sizeof record.sourcePorts, memory));
-  parts.destinationPorts.setSpec(
-      readSpec(&record.destinationPorts, sizeof record.destinationPorts, memory));
-  readSession(record, parts, memory);
+  readPorts(record.sourcePorts, parts.sourcePorts, memory);
+  readPorts(record.destinationPorts, parts.destinationPorts, memory);
+  readSession(record, parts.connection, memory);
   parts.action = CTarnFWRuleActionFactory::newFromMsgBuf(&record.action, memory);
   const unsigned int mode = record.profileMode;
   if ((mode & kProfileExtendedSource) != 0)

@@ -6,6 +6,17 @@ namespace TarnFirewall {
 
 namespace {
 
+/// Where the fields of a selection stand in the body.
+constexpr std::size_t kSelection = 64;
+
+struct FWRuleSelection_ {
+  host32 number;      // +0, of rules that are asked for, or of ids
+  host32 from;        // +4, index of the first, without ids
+  host16 byIndex;     // +8, 1 without ids
+  std::uint8_t kind;  // +10
+};
+static_assert(sizeof(FWRuleSelection_) == 11 && alignof(FWRuleSelection_) == 1);
+
 std::unique_ptr<CTarnFWIDList> listOf(unsigned int count, const unsigned int* ids) {
   auto list = std::make_unique<CTarnFWIDList>();
   for (unsigned int i = 0; i < count; ++i) list->addID(ids[i]);
@@ -27,16 +38,13 @@ CTarnFWRuleSelection::CTarnFWRuleSelection(unsigned int count, const unsigned in
     : CTarnFWRuleSelection(listOf(count, ids), kind) {}
 
 void CTarnFWRuleSelection::store(std::span<std::byte> body, std::size_t idArea) const {
-  storeAt(body, 64, host32(number_));
-  if (ids_ == nullptr) {
-    storeAt(body, 68, host32(from_));
-    storeAt(body, 72, host16(1));
-  } else {
-    unsigned int written = 0;
-    const std::span<std::byte> area = body.subspan(idArea);
-    ids_->toMessage(area.data(), static_cast<unsigned int>(area.size()), &written);
-  }
-  storeAt(body, 74, static_cast<std::uint8_t>(kind_));
+  const bool byIndex = ids_ == nullptr;
+  storeAt(body, kSelection,
+          FWRuleSelection_{number_, from_, byIndex, static_cast<std::uint8_t>(kind_)});
+  if (byIndex) return;
+  unsigned int written = 0;
+  const std::span<std::byte> area = body.subspan(idArea);
+  ids_->toMessage(area.data(), static_cast<unsigned int>(area.size()), &written);
 }
 
 std::string CTarnFWRuleSelection::statement(const char* what, const std::string& name,

@@ -21,17 +21,26 @@ namespace {
 /// Bytes that hold most rules with their parts.
 constexpr std::size_t kRuleRoom = 1024;
 
-/// Texts one after the other in a caller's buffer, always closed with a NUL.
+/// Texts one after the other in a caller's buffer. At its end it closes them with a NUL, after the
+/// last one that is whole.
 class TextBuffer {
  public:
-  TextBuffer(char* text, unsigned int size) : text_(text), size_(size) { *text_ = '\0'; }
+  TextBuffer(char* text, unsigned int size) : text_(text), size_(size) {}
+  ~TextBuffer() { text_[used_] = '\0'; }
+  TextBuffer(const TextBuffer&) = delete;
+  TextBuffer& operator=(const TextBuffer&) = delete;
 
-  /// Throws `CBufferTooSmallException` with the buffer's size.
+  /// Appends what the object prints, which is made where it will stand. Throws
+  /// `CBufferTooSmallException` with the buffer's size.
+  void append(const ITarnFWObject& object) {
+    CTarnFWText more({text_ + used_, size_ - used_});
+    object.appendTo(more);
+    append(more.view());
+  }
   void append(std::string_view more) {
     if (size_ - used_ < more.size() + 1) throw CBufferTooSmallException(static_cast<int>(size_));
-    std::memcpy(text_ + used_, more.data(), more.size());
+    if (more.data() != text_ + used_) std::memcpy(text_ + used_, more.data(), more.size());
     used_ += more.size();
-    text_[used_] = '\0';
   }
 
  private:
@@ -62,7 +71,7 @@ FWStatus_t rulesToText(const FWRule_* rules, unsigned int count, char* text, uns
                        bool pretty) {
   return recordsToText("FW_GetRuleString", rules, count, text, size,
                        [&](const FWRule_* record, TextBuffer& buffer) -> FWStatus_t {
-                         std::byte room[kRuleRoom];
+                         alignas(void*) std::byte room[kRuleRoom];
                          CTarnFWLoadMemory memory(room);
                          const std::unique_ptr<CTarnFWRule> rule =
                              CTarnFWRuleFactory::newFromMsgBuf(record, &memory);
@@ -70,9 +79,7 @@ FWStatus_t rulesToText(const FWRule_* rules, unsigned int count, char* text, uns
                          if (pretty) {
                            buffer.append(rule->toString2());
                          } else {
-                           CTarnFWText made;
-                           rule->appendTo(made);
-                           buffer.append(made.view());
+                           buffer.append(*rule);
                          }
                          return FW_STATUS_OK;
                        });
@@ -82,7 +89,7 @@ FWStatus_t addressesToText(const FWAddress_* addresses, unsigned int count, char
                            unsigned int size) {
   return recordsToText("FW_GetAddressString", addresses, count, text, size,
                        [](const FWAddress_* record, TextBuffer& buffer) -> FWStatus_t {
-                         buffer.append(CTarnFWAddressFactory::newFromMsgBuf(record)->toString());
+                         buffer.append(*CTarnFWAddressFactory::newFromMsgBuf(record));
                          return FW_STATUS_OK;
                        });
 }

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstring>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -41,6 +42,9 @@ void appendHex(Text& text, T value, unsigned int width = 1) {
 class CTarnFWText {
  public:
   CTarnFWText() = default;
+  /// Is made in these characters, which outlive it, as long as it fits.
+  explicit CTarnFWText(std::span<char> room)
+      : begin_(room.data()), end_(room.data()), limit_(room.data() + room.size()) {}
   CTarnFWText(const CTarnFWText&) = delete;
   CTarnFWText& operator=(const CTarnFWText&) = delete;
 

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <cstring>
 #include <limits>
 #include <string_view>
 
@@ -102,6 +103,18 @@ TEST(MadeText, GrowsWithWhateverPieceIsTooLongForItsPlace) {
       EXPECT_EQ(text.view(), expected + word + "-2147483648");
     }
   }
+}
+
+TEST(MadeText, StandsInTheCharactersThatItIsGivenAsLongAsItFits) {
+  char room[8];
+  std::memset(room, '.', sizeof room);
+  CTarnFWText text(room);
+  text += "port 80";
+  EXPECT_EQ(text.view().data(), room);
+  EXPECT_EQ(std::string_view(room, sizeof room), "port 80.");
+  text += "80";
+  EXPECT_EQ(text.view(), "port 8080");
+  EXPECT_NE(text.view().data(), room);
 }
 
 TEST(MadeText, TakesAFormattedPieceOfAnyLength) {
