@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
+#include <cstdio>
 #include <cstring>
 #include <memory>
 #include <string_view>
@@ -26,6 +27,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr std::string_view kPrefix = "confirm-";
+constexpr std::string_view kOpeningPrefix = "opening-";  // as long, since paths of sockets are short
 constexpr char kAsk = 'q';
 constexpr char kConfirm = 'c';
 constexpr std::string_view kKept = "kept\n";
@@ -129,13 +131,19 @@ Key readKey() {
 }  // namespace
 
 ConfirmPlace::ConfirmPlace() {
-  const std::string path = journalFolder() + "/" + std::string(kPrefix) + std::to_string(getpid());
-  const sockaddr_un address = addressOfPath(path);
-  unlink(path.c_str());  // of an earlier process with this number
+  const std::string folder = journalFolder() + "/";
+  const std::string number = std::to_string(getpid());
+  const std::string path = folder + std::string(kPrefix) + number;
+  // It gets its name when it listens: `confirm` removes a name at which nobody does.
+  const std::string opening = folder + std::string(kOpeningPrefix) + number;
+  const sockaddr_un address = addressOfPath(opening);
+  unlink(opening.c_str());  // of an earlier process with this number
   socket_ = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
   if (socket_ < 0) fail("can't make a socket");
-  if (bind(socket_, plain(address), sizeof address) != 0 || listen(socket_, 8) != 0) {
+  if (bind(socket_, plain(address), sizeof address) != 0 || listen(socket_, 8) != 0 ||
+      rename(opening.c_str(), path.c_str()) != 0) {
     const int reason = errno;
+    unlink(opening.c_str());
     close(socket_);
     errno = reason;
     fail("can't listen at " + path);

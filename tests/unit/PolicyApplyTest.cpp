@@ -6,6 +6,7 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <sstream>
 #include <thread>
 
@@ -392,6 +393,9 @@ TEST_F(PolicyApply, TheFileIsTheUsersAlone) {
 
 namespace {
 
+/// Is called before a socket listens.
+std::function<void()> g_beforeListening;
+
 /// Waits elsewhere, as another process would.
 class Waiting {
  public:
@@ -418,6 +422,31 @@ TEST_F(PolicyApply, AnotherProcessConfirms) {
   ASSERT_EQ(found.size(), 1u);
   EXPECT_EQ(found[0].filters, (std::vector<std::string>{"f1", "f2"}));
   EXPECT_TRUE(confirmApply(found[0]));
+  EXPECT_EQ(waiting.end(), ConfirmEnd::confirmed);
+}
+
+extern "C" {
+int __real_listen(int, int);
+int __wrap_listen(int, int);
+int __wrap_listen(int socket, int backlog) {
+  if (g_beforeListening) g_beforeListening();
+  return __real_listen(socket, backlog);
+}
+}
+
+TEST_F(PolicyApply, WhoLooksTooEarlyToConfirmDoesNotKeepOthersFromIt) {
+  const ApplySignals signals;
+  unsigned int looks = 0;
+  g_beforeListening = [&] {
+    ++looks;
+    EXPECT_TRUE(waitingApplies().empty());
+  };
+  Waiting waiting(2);
+  g_beforeListening = nullptr;
+  EXPECT_EQ(looks, 1u);
+  const auto found = waitingApplies();
+  EXPECT_EQ(found.size(), 1u);
+  for (const WaitingApply& apply : found) EXPECT_TRUE(confirmApply(apply));
   EXPECT_EQ(waiting.end(), ConfirmEnd::confirmed);
 }
 
