@@ -27,7 +27,8 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr std::string_view kPrefix = "confirm-";
-constexpr std::string_view kOpeningPrefix = "opening-";  // as long, since paths of sockets are short
+/// No longer than the other, since a socket's path has little room.
+constexpr std::string_view kOpeningPrefix = "opening-";
 constexpr char kAsk = 'q';
 constexpr char kConfirm = 'c';
 constexpr std::string_view kKept = "kept\n";
