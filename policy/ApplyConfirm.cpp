@@ -164,9 +164,8 @@ bool ConfirmPlace::answer() const {
   char letter = 0;
   if (recv(line.number(), &letter, 1, 0) != 1) return false;
   if (letter == kAsk) sendAll(line.number(), filters_);
-  if (letter != kConfirm) return false;
-  sendAll(line.number(), kKept);
-  return true;
+  // Who has stopped waiting for the answer takes it as not confirmed, and so does this.
+  return letter == kConfirm && sendAll(line.number(), kKept);
 }
 
 bool ConfirmPlace::askTerminal() {

@@ -116,15 +116,10 @@ JournalLock::JournalLock(const std::string& filter)
 bool JournalLock::take() {
   descriptor_ = open(path_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
   if (descriptor_ < 0) fail("can't open " + path_);
-  struct stat held {
-  }, named{};
-  if (flock(descriptor_, LOCK_EX | LOCK_NB) == 0 && fstat(descriptor_, &held) == 0) {
+  if (flock(descriptor_, LOCK_EX | LOCK_NB) == 0) {
     // Who had it before may have removed the file since it was opened here: a lock of a file
     // without a name keeps nobody out.
-    if (lstat(path_.c_str(), &named) == 0 && named.st_ino == held.st_ino &&
-        named.st_dev == held.st_dev) {
-      return true;
-    }
+    if (hasName()) return true;
     close(descriptor_);
     return false;
   }
@@ -135,8 +130,16 @@ bool JournalLock::take() {
   fail("can't lock " + path_);
 }
 
+bool JournalLock::hasName() const {
+  struct stat held {
+  }, named{};
+  return fstat(descriptor_, &held) == 0 && lstat(path_.c_str(), &named) == 0 &&
+         named.st_ino == held.st_ino && named.st_dev == held.st_dev;
+}
+
 JournalLock::~JournalLock() {
-  // While it is locked: the name still stands for this file.
-  unlink(path_.c_str());
+  // While it is locked: no other call takes the name then. Where somebody has tidied the file away,
+  // the name may stand for the lock of a call that began since.
+  if (hasName()) unlink(path_.c_str());
   close(descriptor_);
 }

@@ -49,6 +49,7 @@ class JournalLock {
  private:
   /// False when the file is not the one of that name any more.
   bool take();
+  bool hasName() const;
 
   std::string path_;
   int descriptor_ = -1;

@@ -450,6 +450,13 @@ TEST_F(PolicyApply, WhoLooksTooEarlyToConfirmDoesNotKeepOthersFromIt) {
   EXPECT_EQ(waiting.end(), ConfirmEnd::confirmed);
 }
 
+TEST_F(PolicyApply, WhoGaveUpWaitingForTheAnswerHasNotConfirmed) {
+  const ApplySignals signals;
+  ConfirmPlace place;  // held up before it listens to anybody
+  EXPECT_FALSE(confirmApply({folder_ + "/confirm-" + std::to_string(getpid()), {"f1"}}));
+  EXPECT_EQ(place.wait({"f1"}, 1), ConfirmEnd::expired);
+}
+
 TEST_F(PolicyApply, WithoutAnAnswerTheTimeEnds) {
   const ApplySignals signals;
   EXPECT_EQ(Waiting(1).end(), ConfirmEnd::expired);

@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -63,6 +64,17 @@ TEST_F(PolicyJournal, ALockLeavesNoFile) {
 TEST_F(PolicyJournal, TheFileOfALockThatWasKilledIsTaken) {
   std::ofstream(folder_ + "/a.lock").close();
   EXPECT_EQ(refusal("a"), "taken");
+  EXPECT_EQ(files(), 0u);
+}
+
+TEST_F(PolicyJournal, ALockWhoseFileWasTidiedAwayLeavesThatOfALaterOne) {
+  auto first = std::make_unique<JournalLock>("a");
+  std::filesystem::remove(folder_ + "/a.lock");
+  {
+    const JournalLock second("a");
+    first.reset();
+    EXPECT_EQ(refusal("a"), "another tarnpolicy apply works on it");
+  }
   EXPECT_EQ(files(), 0u);
 }
 
