@@ -71,13 +71,20 @@ std::uint64_t findHead(int file, std::uint64_t at, std::uint64_t end) {
   return end;
 }
 
+bool isSame(const Descriptor& file, const Descriptor& other) {
+  struct stat status {
+  }, otherStatus{};
+  return file.valid() && other.valid() && ::fstat(file.get(), &status) == 0 &&
+         ::fstat(other.get(), &otherStatus) == 0 && status.st_ino == otherStatus.st_ino &&
+         status.st_dev == otherStatus.st_dev;
+}
+
 /// Reads the entries of one file; false when the reader wants no more.
-bool readFile(const Store& store, const char* name,
+bool readFile(const std::string& path, const Descriptor& file,
               const std::function<bool(const JournalEntry&)>& reader) {
-  const Descriptor file = store.open(name);
   if (!file.valid()) return true;
   struct stat status;
-  if (::fstat(file.get(), &status) != 0) throw StoreError("cannot read " + store.path(name), errno);
+  if (::fstat(file.get(), &status) != 0) throw StoreError("cannot read " + path, errno);
   const auto end = static_cast<std::uint64_t>(status.st_size);
   std::uint64_t at = 0;
   ByteVector head(headSize);
@@ -179,7 +186,12 @@ void Journal::append(const JournalEntry& entry) const {
 }
 
 void Journal::read(const std::function<bool(const JournalEntry&)>& reader) const {
-  if (readFile(store_, "log.old", reader)) readFile(store_, "log", reader);
+  // The newer one first, since without the lock it may become the older one at any time: while that
+  // is read, or before it is opened.
+  const Descriptor newer = store_.open("log");
+  const Descriptor older = store_.open("log.old");
+  if (!isSame(newer, older) && !readFile(store_.path("log.old"), older, reader)) return;
+  readFile(store_.path("log"), newer, reader);
 }
 
 void Journal::clear() const {

@@ -63,6 +63,30 @@ TEST_F(LabJournal, KeepsEveryRequestWithItsBytesAndItsAnswer) {
   EXPECT_EQ(entries[1].error, ENOTTY);
 }
 
+TEST_F(LabJournal, AFileThatBecomesTheOlderOneMeanwhileIsReadAllTheSame) {
+  ByteVector body(116);
+  ASSERT_EQ(direct(20, body), 0);
+  std::filesystem::rename(store.path("log"), store.path("log.old"));
+  ASSERT_EQ(direct(21, body), EINVAL);
+  std::vector<std::uint32_t> requests;
+  Journal(store).read([&](const JournalEntry& entry) {
+    if (requests.empty()) {
+      std::filesystem::rename(store.path("log"), store.path("log.old"));
+      EXPECT_EQ(direct(99, body), ENOTTY);
+    }
+    requests.push_back(entry.request);
+    return true;
+  });
+  EXPECT_EQ(requests, (std::vector<std::uint32_t>{20, 21}));
+}
+
+TEST_F(LabJournal, AFileThatBecameTheOlderOneBetweenTheTwoIsReadOnce) {
+  ByteVector body(116);
+  ASSERT_EQ(direct(20, body), 0);
+  std::filesystem::create_hard_link(store.path("log"), store.path("log.old"));
+  EXPECT_EQ(journal().size(), 1u);
+}
+
 TEST_F(LabJournal, SkipsAnEntryThatWasLeftHalfWritten) {
   ByteVector body = Record().text("kelpco-sfw", 100).u32(6).zero(12);
   ASSERT_EQ(direct(20, body), 0);
