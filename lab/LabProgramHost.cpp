@@ -86,6 +86,22 @@ HostPlan planOf(const Wishes& wishes) {
   return plan;
 }
 
+/// Is there while a lab is made for the first time, and after that was interrupted.
+constexpr const char* unfinished = "unfinished-lab";
+
+void removeContents(const Store& store) {
+  for (const char* folder : {"filters", "shared", "tables", HostFiles::root})
+    store.removeTree(folder);
+  for (const char* file : {"faults", "settings"}) store.remove(file);
+}
+
+/// Makes what a lab holds. The host comes last: programs that find it find a whole lab.
+void makeContents(const Store& store, const Host& host) {
+  fillHost(store, host);
+  HostFiles::make(store);
+  host.save(store);
+}
+
 }  // namespace
 
 int runInit(const Store& store, Arguments arguments) {
@@ -105,9 +121,11 @@ int runInit(const Store& store, Arguments arguments) {
              " already: \"tarnlab reset\" makes it fresh again");
     return exitFailed;
   }
-  host.save(store);
-  fillHost(store, host);
-  HostFiles::make(store);
+  // Nothing else is removed: the folder may hold more than a lab.
+  if (store.exists(unfinished)) removeContents(store);
+  store.replace(unfinished, {});
+  makeContents(store, host);
+  store.remove(unfinished);
   std::printf("Made a lab with %zu filters at %s.\n", host.filterCount(), store.folder().c_str());
   return exitOk;
 }
@@ -117,12 +135,8 @@ int runReset(const Store& store, Arguments arguments) {
   requireLab(store);
   const StoreLock lock(store);
   const Host host = Host::make(Host::load(store).plan());
-  for (const char* folder : {"filters", "shared", "tables", HostFiles::root})
-    store.removeTree(folder);
-  for (const char* file : {"faults", "settings"}) store.remove(file);
-  host.save(store);
-  fillHost(store, host);
-  HostFiles::make(store);
+  removeContents(store);
+  makeContents(store, host);
   Journal(store).clear();
   return exitOk;
 }

@@ -192,6 +192,20 @@ Making one
   $ sed "s|$TARNLAB_HOME|HOME|" again
   err| tarnlab: there is a lab at HOME already: "tarnlab reset" makes it fresh again
 
+What is cut short is no lab, and leaves nothing in the next one.
+
+  $ (trap '' XFSZ; ulimit -f 64; run tarnlab --home cut init)
+  err| tarnlab: cannot write cut/next: File too large
+  [1]
+  $ run tarnlab --home cut show
+  err| tarnlab: no lab at cut: make one with "tarnlab init"
+  [1]
+  $ [ -d cut/filters ]
+  $ tarnlab --home cut init --bare > made
+  $ tarnlab --home other init --bare > made
+  $ diff -r cut other | grep '^Only'
+  [1]
+
 Running
 
   $ run tarnlab run --help
