@@ -198,7 +198,7 @@ what was asked.
 
   $ tarnlab fault peer silent --count 1
   $ tarnlab run tarnioctl tracehulld -s > said & program=$!
-  $ until tarnlab log -s -n 1 | grep -q nothing; do sleep 0.05; done
+  $ for i in $(seq 600); do tarnlab log -s -n 1 | grep -q nothing && break; sleep 0.1; done
   $ kill -KILL $program; { wait $program; } 2> killed
   [137]
   $ cat said

@@ -198,7 +198,7 @@ A socket's peer gets of each command what is its request, and 20 bytes more. Not
   >     head = struct.pack('<4sIIBBBBHHIHHI', b'TARN', 12 + body, 0, 1, 1, 1, 1, 1, 0, body, request[24], 0, 0)
   >     peer.sendall(head + answer.ljust(body, b'\0'))
   > PEER
-  $ python3 peer.py > requests & while [ ! -s port ]; do sleep 0.05; done
+  $ timeout 60 python3 peer.py > requests & for i in $(seq 600); do [ -s port ] && break; sleep 0.1; done
   $ connect() { local status; quiet tarnioctl tarnfwcli -Override -f $filter -c "$1" > answer; status=$?
   >   sed "s/:$(cat port);/:PORT;/" answer; return $status; }
   $ connect "config socket 127.0.0.1:$(cat port); describe count of ruleset; describe root ruleset; describe count of addrset;"
