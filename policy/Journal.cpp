@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -37,6 +38,10 @@ std::string fileName(const std::string& filter) {
 /// and digits there.
 constexpr char kUnique[] = ".XXXXXX";
 constexpr char kEnding[] = ".conf";
+/// Of one that is being written, and as long. Who is killed then leaves no state that is cut short
+/// under the name of a whole one.
+constexpr char kPartEnding[] = ".part";
+static_assert(sizeof kPartEnding == sizeof kEnding);
 
 std::string folderName() {
   if (const char* const given = std::getenv("TARNPOLICY_RUNTIME");
@@ -73,12 +78,16 @@ std::string journalFolder() {
 
 void JournalFile::write(const std::string& filter, const std::string& text) {
   std::string path = journalFolder() + "/" + fileName(filter) + kUnique + kEnding;
-  const int descriptor = mkostemps(path.data(), sizeof kEnding - 1, O_CLOEXEC);
+  std::string part = path;
+  const std::size_t end = path.size() - (sizeof kEnding - 1);
+  part.replace(end, std::string::npos, kPartEnding);
+  const int descriptor = mkostemps(part.data(), sizeof kPartEnding - 1, O_CLOEXEC);
   if (descriptor < 0) fail("can't make a file for the earlier state, " + path);
+  path.replace(0, end, part, 0, end);
   const bool written = writeAll(descriptor, text);
   const int reason = errno;
-  if (close(descriptor) != 0 || !written) {
-    unlink(path.c_str());
+  if (close(descriptor) != 0 || !written || rename(part.c_str(), path.c_str()) != 0) {
+    unlink(part.c_str());
     if (!written) errno = reason;
     fail("can't write the earlier state to " + path);
   }
@@ -99,7 +108,8 @@ std::vector<std::string> removeLeftFiles(const std::string& filter) {
   if (!entries) return removed;
   while (const dirent* const entry = readdir(entries.get())) {
     const std::string name = entry->d_name;
-    if (name.size() != length || !name.starts_with(before) || !name.ends_with(kEnding)) continue;
+    if (name.size() != length || !name.starts_with(before)) continue;
+    if (!name.ends_with(kEnding) && !name.ends_with(kPartEnding)) continue;
     const std::string path = folder + "/" + name;
     if (unlink(path.c_str()) == 0) removed.push_back(path);
   }

@@ -19,7 +19,7 @@ class JournalFile {
  public:
   JournalFile() = default;
 
-  /// Writes the text, whole and on the disk. Throws `StateError`.
+  /// Writes the text, whole and on the disk: until then it has another name. Throws `StateError`.
   void write(const std::string& filter, const std::string& text);
   void remove();
 

@@ -1,7 +1,9 @@
 /// What `apply` keeps on the host: files with earlier states, and locks.
 
 #include <gtest/gtest.h>
+#include <signal.h>
 #include <stdlib.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -105,6 +107,27 @@ TEST_F(PolicyJournal, NoTwoProcessesHaveALock) {
     ASSERT_EQ(waitpid(child, &status, 0), child);
     EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
   }
+  EXPECT_EQ(files(), 0u);
+}
+
+TEST_F(PolicyJournal, WhoIsKilledWhileItWritesLeavesNothingThatCouldBeLoaded) {
+  const pid_t child = fork();
+  ASSERT_GE(child, 0);
+  if (child == 0) {
+    const rlimit none{0, 0}, half{50000, 50000};
+    setrlimit(RLIMIT_CORE, &none);
+    setrlimit(RLIMIT_FSIZE, &half);  // who writes more is killed
+    signal(SIGXFSZ, SIG_DFL);
+    JournalFile().write("a", std::string(100000, 'x'));
+    _exit(0);
+  }
+  int status = 0;
+  ASSERT_EQ(waitpid(child, &status, 0), child);
+  ASSERT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGXFSZ);
+  ASSERT_EQ(files(), 1u);
+  const std::filesystem::path left = *std::filesystem::directory_iterator(folder_);
+  EXPECT_EQ(left.extension(), ".part");
+  EXPECT_EQ(removeLeftFiles("a"), std::vector<std::string>{left});
   EXPECT_EQ(files(), 0u);
 }
 
