@@ -1,6 +1,7 @@
 // Several programs and threads of one lab at once, some of them killed.
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -103,6 +104,7 @@ TEST_F(LabConcurrency, KilledProgramsLeaveEveryFilterThereOrGone) {
       children[c] = ::fork();
       ASSERT_GE(children[c], 0);
       if (children[c] == 0) {
+        ::prctl(PR_SET_PDEATHSIG, SIGKILL);  // a test that is ended leaves nothing that runs
         for (unsigned turn = 0;; ++turn) changeFilter(10 * c + 10 + turn / 2 % 3, turn % 2 == 0);
       }
     }
@@ -130,6 +132,7 @@ TEST_F(LabConcurrency, KilledProgramsLeaveTheStateAsItWasBeforeOrAfter) {
       child = ::fork();
       ASSERT_GE(child, 0);
       if (child == 0) {
+        ::prctl(PR_SET_PDEATHSIG, SIGKILL);
         for (unsigned turn = 0;; ++turn) {
           createRuleSet("web", rules(turn * 37 % 400 + 1));
           createAddrSet("set", std::vector<ByteVector>(turn % 50, ipv4("10.0.0.1")));
