@@ -135,7 +135,13 @@ class PreloadedBesidePeers : public ::testing::Test {
   }
 
  private:
-  int threadsBefore_ = threads();
+  /// The thread sanitizer starts a thread of its own with the first of the program.
+  static int threadsWithTheSanitizers() {
+    std::thread([] {}).join();
+    return threads();
+  }
+
+  int threadsBefore_ = threadsWithTheSanitizers();
   int descriptorsBefore_ = openDescriptors();
 };
 

@@ -8,6 +8,7 @@ extern "C" {
 
 const char* __asan_default_options() { return "allocator_may_return_null=1:print_suppressions=0"; }
 
-const char* __tsan_default_options() { return "allocator_may_return_null=1"; }
+// A child that was forked beside a thread may start threads of its own: a peer of the lab is one.
+const char* __tsan_default_options() { return "allocator_may_return_null=1:die_after_fork=0"; }
 
 }  // extern "C"

@@ -106,9 +106,10 @@ class MadeText {
 constexpr std::size_t kMuch = kMemorySanitized ? 16000000 : 64000000;
 
 /// What a load may take in MB beside its text: 2, and where a comment or a quoted name may turn out
-/// not to be closed, 4 MiB more, held twice while they grow. Sanitizers keep freed memory.
+/// not to be closed, 4 MiB more, held twice while they grow. Sanitizers keep freed memory, and the
+/// one for threads has up to four bytes of its own for each: 16 MB that are kept would be 80.
 constexpr int kPlainGrowth = kMemorySanitized ? 12 : 6;
-constexpr int kHeldGrowth = kMemorySanitized ? 24 : 16;
+constexpr int kHeldGrowth = kThreadSanitizer ? 48 : kMemorySanitized ? 24 : 16;
 
 /// What a child process returns from `work`, which is at most 255.
 int inAChild(const std::function<int()>& work) {
