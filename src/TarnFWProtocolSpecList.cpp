@@ -15,8 +15,8 @@ constexpr const char* kTraceWords[] = {"",          "l4port",      "l4port range
                                        "tcp flags", "tcp options", "icmp type",    "stateless",
                                        "dscp",      "strict",      "sloppy"};
 
-/// A line for each spec that is written. It names the list's `toMessage` as its function, whatever
-/// writes the spec.
+/// A line for each protocol spec that is written. It names the list's `toMessage` as its function,
+/// whatever writes it.
 void traceWritten(FWProtocolSpecType_t kind) {
   TARNFW_TRACE_IN("toMessage", LOG_DEBUG, FW_COMPONENT_PROTOCOL, 0, "    wrote protocol spec: %s\n",
                   kTraceWords[kind]);
